@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+// Contract: local files by narrow path. Failures set the thread's last error (platform/last_error.h).
+// On POSIX a drive prefix names the root ("Z:/home/me/f", any letter) and a backslash is a separator, so names
+// are built the same way on both builds.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace platform {
+
+enum class FileAccess { read, write, readWrite };
+enum class FileCreation {
+  openExisting,
+  createNew,    // fails with kErrorFileExists when the file is there
+  createAlways  // truncates an existing file
+};
+
+inline constexpr std::uint32_t kFileAttributeReadOnly = 0x01;
+inline constexpr std::uint32_t kFileAttributeArchive = 0x20;
+inline constexpr std::uint32_t kFileAttributeNormal = 0x80;
+
+class File {
+ public:
+  File() noexcept = default;
+  ~File();  // close()
+  File(File&& other) noexcept;
+  File& operator=(File&& other) noexcept;
+
+  // `attributes` are those of a file that gets created (kFileAttribute...; POSIX honours read-only).
+  [[nodiscard]] bool open(const char* path, FileAccess access, FileCreation creation,
+                          std::uint32_t attributes = kFileAttributeNormal) noexcept;
+  [[nodiscard]] bool isOpen() const noexcept;
+
+  // Bytes read, 0 at the end, -1 on failure. Interrupted calls are repeated.
+  [[nodiscard]] std::int64_t read(void* buffer, std::size_t size) noexcept;
+  // Writes all or fails.
+  [[nodiscard]] bool write(const void* data, std::size_t size) noexcept;
+  // -1 on failure.
+  [[nodiscard]] std::int64_t size() const noexcept;
+  // The new position, -1 on failure.
+  [[nodiscard]] std::int64_t seekToEnd() noexcept;
+  // False when the system reports a late write error on closing. Closing a closed file is true.
+  bool close() noexcept;
+
+  // HANDLE on Windows, descriptor on POSIX.
+  [[nodiscard]] std::intptr_t nativeHandle() const noexcept { return handle_; }
+
+ private:
+  static constexpr std::intptr_t kNone = -1;
+  std::intptr_t handle_ = kNone;
+};
+
+[[nodiscard]] bool deleteFile(const char* path) noexcept;
+[[nodiscard]] bool createDirectory(const char* path) noexcept;
+// Sets the attributes; without kFileAttributeReadOnly a read-only file becomes writable (POSIX: chmod u+w).
+[[nodiscard]] bool setFileAttributes(const char* path, std::uint32_t attributes) noexcept;
+// The user's temporary folder with a trailing separator, NUL-terminated, into `buffer`.
+// The length without terminator; 0 with the last error set when it fails or does not fit.
+[[nodiscard]] std::size_t temporaryFolder(char* buffer, std::size_t size) noexcept;
+
+}  // namespace platform

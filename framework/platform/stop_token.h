@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+// Contract: how a worker thread is asked to stop, and how every wait of this library notices it.
+// A token belongs to one worker thread. Whoever cancels raises it from another thread; the worker then leaves
+// its wait at once by OperationStopped, which unwinds to the worker's frame and frees everything on its way.
+// OperationStopped is no internet exception, so no handler of the operations can take it for a failure.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+
+namespace platform {
+
+struct OperationStopped {};
+
+class StopToken {
+ public:
+  StopToken();  // throws std::bad_alloc when the system gives no wake-up handle
+  ~StopToken();
+  StopToken(const StopToken&) = delete;
+  StopToken& operator=(const StopToken&) = delete;
+
+  // May be called from any thread, any number of times.
+  void raise() noexcept;
+  [[nodiscard]] bool raised() const noexcept;
+
+  // What a wait watches besides its socket: an event handle on Windows, a readable descriptor on POSIX.
+  // Signalled for good once the token is raised.
+  [[nodiscard]] std::intptr_t nativeHandle() const noexcept;
+
+  // The token of the calling thread; null on a thread that is no worker of ours.
+  static StopToken* current() noexcept;
+
+  // Makes `token` the calling thread's token for a scope. Null is allowed (a scope that cannot be stopped).
+  class Scope {
+   public:
+    explicit Scope(StopToken* token) noexcept;
+    ~Scope();
+    Scope(const Scope&) = delete;
+    Scope& operator=(const Scope&) = delete;
+
+   private:
+    StopToken* previous_;
+  };
+
+ private:
+  struct Impl;
+  Impl* impl_;
+};
+
+// True when the calling thread has been asked to stop.
+[[nodiscard]] bool stopRequested() noexcept;
+
+// Throws OperationStopped when the calling thread has been asked to stop.
+void throwIfStopped();
+
+// Sleeps; throws OperationStopped as soon as the calling thread is asked to stop.
+void stoppableSleep(std::chrono::milliseconds duration);
+
+}  // namespace platform
