@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// Finds files and directories on a server. FindFile takes the whole listing into memory and frees the data
+// connection; the walk over the entries does no I/O. The constructor and the destructor do none either.
+//   FindFile("/pub/*.*")  everything in /pub, also names without a dot
+//   FindFile("/pub")      the content of /pub when it is a directory, that one entry when it is a file
+//   FindFile("*.*")       the current directory
+//   FindFile("")          the same as "*"
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace internet {
+class FtpControl;
+struct FindState;
+}  // namespace internet
+
+class CFtpConnection;
+
+class CFtpFileFind {
+ public:
+  explicit CFtpFileFind(CFtpConnection* connection, std::uintptr_t context = 1);
+  virtual ~CFtpFileFind();
+  CFtpFileFind(const CFtpFileFind&) = delete;
+  CFtpFileFind& operator=(const CFtpFileFind&) = delete;
+
+  // True when at least one entry was found. Nothing there: false, last error 18. The server's refusal: false,
+  // 12003. Trouble of the connection (12002, 12030, 12031, ...): throws CInternetException*.
+  virtual bool FindFile(const char* pattern = nullptr, std::uint32_t flags = 0);
+  // Makes the next entry current. False when that entry is the last one (it is still the current entry) or when
+  // there is none at all (last error 18).
+  virtual bool FindNextFile();
+
+  // Of the current entry; before the first FindNextFile there is none ("" / 0 / false).
+  virtual std::string GetFileName() const;  // without directory
+  virtual bool IsDirectory() const;
+  virtual std::uint64_t GetLength() const;  // bytes; 0 when the server did not tell
+  // True when the entry has at least one of these attribute bits (0x1 read-only, 0x2 hidden, 0x4 system,
+  // 0x10 directory, 0x20 archive, 0x80 normal, 0x100 temporary, 0x800 compressed).
+  virtual bool MatchesMask(std::uint32_t mask) const;
+  // Seconds since 1970-01-01 UTC; 0 when unknown. May ask the server (MDTM) where the entry came from a size query.
+  virtual std::int64_t GetLastWriteTime();
+  virtual std::int64_t GetCreationTime() { return GetLastWriteTime(); }
+  virtual std::int64_t GetLastAccessTime() { return GetLastWriteTime(); }
+
+  // Forgets the entries. The finder can be used again.
+  virtual void Close() noexcept;
+
+ private:
+  std::shared_ptr<internet::FtpControl> m_control;
+  std::unique_ptr<internet::FindState> m_state;
+};

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+// Numbers of the internet classes that hosts know: errors, status notifications, flags.
+#pragma once
+
+#include <cstdint>
+
+namespace internet {
+
+// Errors (the thread's last error or CInternetException::m_dwError).
+inline constexpr std::uint32_t kTimeout = 12002;
+inline constexpr std::uint32_t kExtendedError = 12003;  // the server's refusal; its text goes with it
+inline constexpr std::uint32_t kNameNotResolved = 12007;
+inline constexpr std::uint32_t kIncorrectPassword = 12014;  // 530 at login
+inline constexpr std::uint32_t kLoginFailure = 12015;       // any other refusal at login
+inline constexpr std::uint32_t kIncorrectHandleState = 12019;
+inline constexpr std::uint32_t kCannotConnect = 12029;
+inline constexpr std::uint32_t kConnectionAborted = 12030;
+inline constexpr std::uint32_t kConnectionReset = 12031;
+inline constexpr std::uint32_t kTransferInProgress = 12110;
+inline constexpr std::uint32_t kInvalidServerResponse = 12152;
+
+// Status notifications.
+inline constexpr std::uint32_t kStatusResolvingName = 10;
+inline constexpr std::uint32_t kStatusNameResolved = 11;
+inline constexpr std::uint32_t kStatusConnecting = 20;
+inline constexpr std::uint32_t kStatusConnected = 21;
+inline constexpr std::uint32_t kStatusSendingRequest = 30;
+inline constexpr std::uint32_t kStatusRequestSent = 31;
+inline constexpr std::uint32_t kStatusReceivingResponse = 40;
+inline constexpr std::uint32_t kStatusResponseReceived = 41;
+inline constexpr std::uint32_t kStatusClosing = 50;
+inline constexpr std::uint32_t kStatusClosed = 51;
+inline constexpr std::uint32_t kStatusHandleCreated = 60;
+inline constexpr std::uint32_t kStatusHandleClosing = 70;
+inline constexpr std::uint32_t kStatusRequestComplete = 100;
+
+// Access rights, transfer types and request flags.
+inline constexpr std::uint32_t kGenericRead = 0x80000000u;
+inline constexpr std::uint32_t kGenericWrite = 0x40000000u;
+inline constexpr std::uint32_t kTransferTypeBinary = 2;
+inline constexpr std::uint32_t kFlagReload = 0x80000000u;
+
+inline constexpr std::uint16_t kDefaultFtpPort = 21;
+
+}  // namespace internet

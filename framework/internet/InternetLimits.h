@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// Every time-out, size limit and buffer size of the internet classes, in one place.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+
+namespace internet {
+
+// Per session; a host of the classes may shorten them before it connects.
+struct Timeouts {
+  std::chrono::milliseconds connect{30'000};     // one control or data connection, all addresses together
+  std::chrono::milliseconds reply{30'000};       // one reply of the server
+  std::chrono::milliseconds data{30'000};        // no byte moved on a data connection
+  std::chrono::milliseconds finalReply{30'000};  // the reply that ends a transfer
+  std::chrono::milliseconds earlyClose{5'000};   // the reply after a transfer was given up half-way
+  std::chrono::milliseconds dataError{3'000};    // the reply that explains a broken data connection
+};
+
+inline constexpr std::size_t kMaxReplyLine = 64 * 1024;   // bytes of one reply line
+inline constexpr std::size_t kMaxReply = 1024 * 1024;     // bytes of one reply, all its lines
+inline constexpr std::size_t kMaxArgument = 4096;         // bytes of one command argument
+inline constexpr std::size_t kTransferBuffer = 512 * 1024;
+inline constexpr std::size_t kMaxListingBytes = std::size_t{256} * 1024 * 1024;
+inline constexpr std::size_t kMaxListingEntries = 4'000'000;
+inline constexpr std::chrono::milliseconds kNextAddressAfter{250};
+
+}  // namespace internet
