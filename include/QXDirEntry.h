@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// One entry of a directory listing as FTPGetDirectory hands it to the host.
+#pragma once
+
+#include "QXTypes.h"
+
+// 100 ns units since 1601-01-01, as Windows' FILETIME has it; here a local calendar time with whole seconds.
+struct QXFileTime {
+  std::uint32_t nLow;
+  std::uint32_t nHigh;
+};
+
+struct QXDirEntry {
+  QXBool bIsDirectory;
+  char szPath[259];            // the listed directory
+  std::uint32_t dwAttributes;  // 0x10 directory | 0x20 | 0x800 | 0x2 | 0x80 | 0x1 | 0x4 | 0x100
+  QXFileTime ftCreationTime;
+  QXFileTime ftLastAccessTime;
+  QXFileTime ftLastWriteTime;
+  std::uint32_t nFileSizeHigh;  // both 0 for a directory
+  std::uint32_t nFileSizeLow;
+  std::uint8_t aReserved[8];  // not written
+  char szName[276];
+};
+
+static_assert(sizeof(QXDirEntry) == 580, "hosts allocate arrays of entries");
+static_assert(offsetof(QXDirEntry, szPath) == 1 && offsetof(QXDirEntry, dwAttributes) == 260 &&
+                  offsetof(QXDirEntry, ftCreationTime) == 264 &&
+                  offsetof(QXDirEntry, ftLastAccessTime) == 272 &&
+                  offsetof(QXDirEntry, ftLastWriteTime) == 280 &&
+                  offsetof(QXDirEntry, nFileSizeHigh) == 288 && offsetof(QXDirEntry, nFileSizeLow) == 292 &&
+                  offsetof(QXDirEntry, szName) == 304,
+              "hosts read entries by offset");

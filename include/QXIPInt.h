@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: MIT
+// TQXIPIFInt, the client that CreateQXIPIFInstance hands to a host: 51 operations in fixed slots, then the
+// object's fields. One thread at a time uses an object. Operations block their caller; those with a worker
+// thread keep dispatching the caller's messages meanwhile. Every operation answers 0 on failure, writes a
+// line into m_szMessage and, when the host gave an error record, the failure into that record.
+//
+// Retry counts say how often a failed attempt is repeated (0 = one attempt), mostly after a pause of 10 ms.
+// The two host values at the end of an operation go to OnPoll unchanged.
+//
+// Remote paths: backslashes count as slashes, one trailing slash is dropped. A path of 256 characters or
+// more, or with a control character, makes the operation fail before anything is sent. Local paths are those
+// of the operating system; on Linux "Z:/dir/file" (any letter) names "/dir/file".
+#pragma once
+
+#include "QXDirEntry.h"
+#include "QXErrorInfo.h"
+#include "QXTypes.h"
+
+class CFtpConnection;
+class CFtpFileFind;
+class TInternetSession;
+
+// Bytes moved by the latest transfer; written by the worker, read by the host in OnPoll.
+struct QXTransfer {
+  QXBool bValid;  // set once a chunk was moved
+  std::uint64_t nTransferred;
+  std::uint64_t nTotal;
+};
+
+// Called during a copy: path, percentage, always 0. Not 0 asks the copy to stop.
+typedef QXBool (*QXProgress)(const char* pszPath, std::uint32_t nPercent, std::uint32_t nReserved);
+
+class TQXIPIFInt {
+ public:
+  // Slot 0 to 2: content destruction.
+  // Fills m_pWipePattern[0 .. nCount) with nValue (1 = random values). The array must hold nCount values.
+  // Always 1.
+  virtual QXBool FillWipePattern(std::uint32_t nValue, std::uint32_t nCount) = 0;
+  virtual QXBool WipeWith(const char* pszPath, std::uint32_t nPattern, std::uint32_t nRetries) = 0;
+  // 0 for a null path.
+  virtual QXBool Wipe(const char* pszPath) = 0;
+
+  // Slot 3: the destructor as Microsoft's x64 ABI has it: bit 0 of the flags frees the memory with the
+  // library's allocator, the result is the object. A host of that ABI writes `delete p`; others use Release.
+#if defined(_MSC_VER)
+  virtual ~TQXIPIFInt();
+#else
+  virtual void* DeletingDestructor(std::uint32_t nFlags) = 0;
+#endif
+
+  // Slots 4 and 5: the new count. At 0 Release destroys the object.
+  virtual std::uint32_t AddRef() = 0;
+  virtual std::uint32_t Release() = 0;
+
+  // Slots 6 to 20: event hooks. The library calls them; a host may, too. Notifications come on the thread
+  // that does the work.
+  virtual QXBool OnBeforeDisconnect() = 0;
+  virtual QXBool OnAfterDisconnect() = 0;
+  // Reports an internet error; after a time-out (12002) or an aborted connection (12030) of a connected
+  // object it raises *pRetries to at least 1. pRetries may be null.
+  virtual void OnIPError(std::uint32_t nError, const char* pszText, std::uint32_t* pRetries) = 0;
+  virtual void OnAuthenticationFailed() = 0;
+  virtual void OnAuthenticationNeeded() = 0;
+  virtual void OnConnect() = 0;
+  virtual void OnDisconnect() = 0;
+  virtual void OnFailure() = 0;
+  virtual void OnSuccess() = 0;
+  virtual void OnTransactionStart() = 0;
+  virtual void OnTransactionStop() = 0;
+  virtual void OnStatus(const char* pszText) = 0;
+  virtual void OnNotify(QXHostValue nValue) = 0;
+  // Asked by the waiting caller's thread on every turn. Not 0 cancels the operation; *pbReconnect = 1
+  // abandons the worker and runs the operation once more. nTransfer is 0, or the address of m_Transfer in
+  // transfers.
+  virtual QXBool OnPoll(QXHostValue nPollArg1, QXHostValue nPollArg2, QXHostValue nTransfer,
+                        QXBool* pbReconnect) = 0;
+  // Turns a status code into a text and hands it to OnStatusText.
+  virtual void OnStatusCallback(std::uint32_t nContext, std::uint32_t nStatus, const void* pInformation) = 0;
+
+  // Slot 21: one GET of pszObject from pszServer into pszLocalFile, or, with pnLength, only the available
+  // length.
+  virtual QXBool HTTPDownloadFile(const char* pszServer, const char* pszObject, std::uint32_t nPort,
+                                  const char* pszLocalFile, std::uint64_t* pnLength, QXHostValue nPollArg1,
+                                  QXHostValue nPollArg2) = 0;
+  // Slot 22.
+  virtual void OnStatusText(const char* pszText) = 0;
+
+  // Slots 23 to 30: connection.
+  virtual QXBool FTPSetFirewall(std::uint32_t nKind, QXBool bFlag,
+                                QXHostValue nValue) = 0;                       // not supported: 0
+  virtual QXBool FTPSetProxy(const char* pszProxy, std::uint32_t nValue) = 0;  // not supported: 0
+  // Stores login data; null user or password keeps what is stored. A text that does not fit its field leaves
+  // the field empty. Always 1.
+  virtual QXBool FTPSetLogin(const char* pszHost, const char* pszUser, const char* pszPassword,
+                             std::uint32_t nPort, QXBool bPassive) = 0;
+  // Stores login data and connects. pSession: a session to use for this call instead of the object's own, or
+  // null. Fails, without connecting, when a login text does not fit its field.
+  virtual QXBool FTPConnect(const char* pszHost, const char* pszUser, const char* pszPassword,
+                            std::uint32_t nPort, QXBool bPassive, std::uint32_t nValue,
+                            TInternetSession* pSession) = 0;
+  virtual QXBool FTPReConnect(std::uint32_t nRetries, QXHostValue nValue) = 0;  // does nothing: 1
+  virtual QXBool FTPDisconnect() = 0;
+  // Blocks while the connection is up, dispatching the caller's messages.
+  virtual void FTPKeepAlive() = 0;
+  // One of the object's four finders by the name of its field (any case); for another name a new finder on
+  // the object's connection, which the caller owns; null without a connection.
+  virtual CFtpFileFind* GetFinder(QXHostValue nReserved, const char* pszName) = 0;
+
+  // Slot 31: with a null pEntries lists pszPath, keeps the entries and stores their number; with pEntries
+  // copies *pnCount entries out and forgets them. Names that begin with a dot are left out.
+  virtual QXBool FTPGetDirectory(const char* pszPath, QXDirEntry* pEntries, std::uint32_t* pnCount,
+                                 const char* pszPattern, std::uint32_t nRetries) = 0;
+  // Slots 32 and 33: whole files, on the caller's thread. An existing local file is not overwritten.
+  virtual QXBool FTPDownloadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) = 0;
+  virtual QXBool FTPUploadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) = 0;
+  // Slots 34 and 35. Either count may be null.
+  virtual QXBool FTPHasSubDir(const char* pszPath, std::uint32_t nRetries) = 0;
+  virtual QXBool FTPCountFolderItems(const char* pszPath, std::uint32_t* pnFiles,
+                                     std::uint32_t* pnDirectories, std::uint32_t nRetries) = 0;
+  // Slots 36 and 37: 0 also on every failure; the error record tells which.
+  virtual QXBool FTPDirExist(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
+                             QXHostValue nPollArg2) = 0;
+  virtual QXBool FTPFileExists(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
+                               QXHostValue nPollArg2) = 0;
+
+  // Slots 38 to 44: changes on the server.
+  virtual QXBool FTPDestroyFileContent(const char* pszPath, std::uint32_t nMethod, std::uint32_t nRetries,
+                                       QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
+  virtual QXBool FTPCpyFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
+                            std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
+  virtual QXBool FTPMovFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
+                            std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
+  virtual QXBool FTPRmvFile(const char* pszPath, std::uint32_t nWipePasses, std::uint32_t nRetries,
+                            QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
+  virtual QXBool FTPRmvDir(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
+                           QXHostValue nPollArg2) = 0;
+  virtual QXBool FTPCreateDir(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
+                              QXHostValue nPollArg2) = 0;
+  // pszCreated receives the new directory's path: at least 256 characters.
+  virtual QXBool FTPCreateNewDir(const char* pszParent, char* pszCreated, const char* pszBaseName,
+                                 std::uint32_t nRetries) = 0;
+
+  // Slots 45 and 46.
+  virtual QXBool FTPIsDirectory(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
+                                QXHostValue nPollArg2) = 0;
+  // Bytes modulo 2^32; 0 also on every failure.
+  virtual std::uint32_t FTPFileSize(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
+                                    QXHostValue nPollArg2) = 0;
+
+  // Slots 47 to 50.
+  virtual QXBool FTPWriteFile(const char* pszPath, const void* pData, std::uint32_t nSize, QXBool bAppend,
+                              std::uint32_t nReserved, std::uint32_t nRetries, QXHostValue nPollArg1,
+                              QXHostValue nPollArg2) = 0;
+  // *ppData receives a block of *pnSize + 1 bytes; give it back with FTPFreeFileAPI.
+  virtual QXBool FTPReadFile(const char* pszPath, void** ppData, std::uint32_t* pnSize,
+                             std::uint32_t nReserved, std::uint32_t nRetries, QXHostValue nPollArg1,
+                             QXHostValue nPollArg2) = 0;
+  virtual QXBool FTPFreeFileAPI(void* pData) = 0;  // null is allowed; always 1
+  virtual QXBool FTPRenameFile(const char* pszOld, const char* pszNew, std::uint32_t nRetries) = 0;
+
+  // Fields. A host may read them between operations.
+  std::uint32_t m_nRefCount;
+  std::uint32_t m_nWipeSize;
+  std::uint32_t m_nWipeBlock;
+  std::uint32_t* m_pWipePattern;
+  QXBool m_bOption;  // 1: listings search the bare pattern in the server's current directory
+  QXTransfer m_Transfer;
+  QXDirEntry* m_pFileBuffer;  // a pending listing
+  char m_RemoteSystem[33];    // host name without scheme
+  char m_UserName[65];
+  char m_Password[258];
+  std::uint32_t m_nPort;
+  QXBool m_bPassive;
+  char m_szMessage[4144];  // the latest message line
+  QXBool m_bCreated;
+  QXBool m_bInitialized;  // 0: the client cannot work, every operation fails
+  QXBool m_bConnected;
+  QXBool m_bSpare;
+  CFtpFileFind* m_pFTPFileFind;
+  CFtpFileFind* m_pFTPDirFind;
+  CFtpFileFind* m_pFTPGetDir;
+  CFtpFileFind* m_pFTPFileSize;
+  CFtpConnection* m_pFtpConnection;
+  TInternetSession* m_pInternetSession;
+  QXErrorInfo* m_pErrorInfo;
+
+ protected:
+  // Only the library makes clients.
+  TQXIPIFInt(QXErrorInfo* pErrorInfo, QXBool bOption);
+#if !defined(_MSC_VER)
+  ~TQXIPIFInt();
+#endif
+  TQXIPIFInt(const TQXIPIFInt&) = delete;
+  TQXIPIFInt& operator=(const TQXIPIFInt&) = delete;
+};
+
+// offsetof needs a standard-layout type; the compilers this builds with compute it for this class all the
+// same.
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+#endif
+static_assert(offsetof(TQXIPIFInt, m_nRefCount) == 8 && offsetof(TQXIPIFInt, m_pWipePattern) == 24 &&
+                  offsetof(TQXIPIFInt, m_bOption) == 32 && offsetof(TQXIPIFInt, m_Transfer) == 40 &&
+                  offsetof(TQXIPIFInt, m_pFileBuffer) == 64 && offsetof(TQXIPIFInt, m_RemoteSystem) == 72 &&
+                  offsetof(TQXIPIFInt, m_UserName) == 105 && offsetof(TQXIPIFInt, m_Password) == 170 &&
+                  offsetof(TQXIPIFInt, m_nPort) == 428 && offsetof(TQXIPIFInt, m_bPassive) == 432 &&
+                  offsetof(TQXIPIFInt, m_szMessage) == 433 && offsetof(TQXIPIFInt, m_bCreated) == 4577 &&
+                  offsetof(TQXIPIFInt, m_bInitialized) == 4578 &&
+                  offsetof(TQXIPIFInt, m_bConnected) == 4579 && offsetof(TQXIPIFInt, m_bSpare) == 4580 &&
+                  offsetof(TQXIPIFInt, m_pFTPFileFind) == 4584 &&
+                  offsetof(TQXIPIFInt, m_pFtpConnection) == 4616 &&
+                  offsetof(TQXIPIFInt, m_pInternetSession) == 4624 &&
+                  offsetof(TQXIPIFInt, m_pErrorInfo) == 4632 && sizeof(TQXIPIFInt) == 4640,
+              "hosts read the fields by offset");
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
