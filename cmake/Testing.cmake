@@ -1,0 +1,41 @@
+# SPDX-License-Identifier: MIT
+# qx_test(NAME name SOURCES files... [LIBS targets...] [LABELS unit|fixture|real|dll|storm...] [TIMEOUT seconds]
+#         [ENVIRONMENT NAME=value...] [FIXTURE] [SERIAL])
+#
+# One program and one ctest entry per call: starting Wine once per case would cost more than the cases. With FIXTURE
+# the program runs under the fixture server, whose port it finds in QX_FIXTURE_PORT. The label `dll` makes the shared
+# library a dependency and gives its path in QX_LIBRARY. SERIAL: nothing else runs beside it.
+function(qx_test)
+  cmake_parse_arguments(PARSE_ARGV 0 test "FIXTURE;SERIAL" "NAME;TIMEOUT" "SOURCES;LIBS;LABELS;ENVIRONMENT")
+  if(test_UNPARSED_ARGUMENTS OR NOT test_NAME OR NOT test_SOURCES)
+    message(FATAL_ERROR "qx_test(${ARGV}): wrong arguments")
+  endif()
+  if(NOT test_TIMEOUT)
+    set(test_TIMEOUT 120)
+  endif()
+  if(NOT test_LABELS)
+    set(test_LABELS unit)
+  endif()
+
+  add_executable(${test_NAME} ${test_SOURCES})
+  target_link_libraries(${test_NAME} PRIVATE ${test_LIBS} qx_testing qx_warnings)
+  set_target_properties(${test_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+
+  set(command ${CMAKE_CROSSCOMPILING_EMULATOR} "$<TARGET_FILE:${test_NAME}>")
+  if(test_FIXTURE)
+    list(APPEND test_LABELS fixture)
+    list(PREPEND command "${CMAKE_SOURCE_DIR}/tests/fixture/run-with-fixture")
+  endif()
+  if("dll" IN_LIST test_LABELS)
+    add_dependencies(${test_NAME} ZRM_QXKT32x64)
+    list(APPEND test_ENVIRONMENT "QX_LIBRARY=$<$<BOOL:${WIN32}>:Z:>$<TARGET_FILE:ZRM_QXKT32x64>")
+  endif()
+
+  add_test(NAME ${test_NAME} COMMAND ${command})
+  list(REMOVE_DUPLICATES test_LABELS)
+  set_tests_properties(${test_NAME} PROPERTIES
+    TIMEOUT ${test_TIMEOUT}
+    LABELS "${test_LABELS}"
+    ENVIRONMENT "${test_ENVIRONMENT}"
+    RUN_SERIAL ${test_SERIAL})
+endfunction()
