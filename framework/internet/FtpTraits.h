@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// What is known of a server, kept for the life of the process, per host, port and user, and shared by all
+// threads. The cache is locked; a connection works on a copy and writes back what it learns.
+#pragma once
+
+#include <string>
+
+namespace internet {
+
+struct FtpTraits {
+  bool featuresKnown = false;  // FEAT was answered, whatever the answer; the next four tell what it offered
+  bool mlst = false;           // MLST and MLSD
+  bool size = false;
+  bool mdtm = false;
+  bool utf8 = false;
+  bool noExtendedPassive = false;     // EPSV is not known there, or its ports cannot be reached
+  bool extendedPassiveWorks = false;  // a data connection through EPSV was made
+  bool noExtendedActive = false;      // EPRT is not known there
+};
+
+// All feature lines of the reply to FEAT; unknown ones are skipped. Keeps the other members of `traits`.
+void readFeatures(const std::string& replyText, FtpTraits& traits);
+
+FtpTraits cachedTraits(const std::string& key);
+void cacheTraits(const std::string& key, const FtpTraits& traits);
+void forgetCachedTraits();  // all of them; tests start clean
+
+}  // namespace internet

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+// A connected stream of the internet layer. receive() and send() are virtual so that a stream with encryption
+// can take this one's place. wait() is the only place of the internet layer that blocks; it watches the
+// calling thread's stop token and leaves by platform::OperationStopped.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "framework/platform/socket.h"
+
+namespace internet {
+
+class Deadline {
+ public:
+  explicit Deadline(std::chrono::milliseconds limit) noexcept
+      : at_(std::chrono::steady_clock::now() + limit) {}
+  [[nodiscard]] bool passed() const noexcept { return std::chrono::steady_clock::now() >= at_; }
+  // Rounded up, so that a wait does not end before the deadline has passed.
+  [[nodiscard]] std::chrono::milliseconds left() const noexcept;
+
+ private:
+  std::chrono::steady_clock::time_point at_;
+};
+
+class Sock {
+ public:
+  explicit Sock(platform::Socket socket) noexcept : socket_(std::move(socket)) {}
+  virtual ~Sock() = default;
+  Sock(const Sock&) = delete;
+  Sock& operator=(const Sock&) = delete;
+
+  // Never block.
+  [[nodiscard]] virtual platform::IoResult receive(void* buffer, std::size_t size) noexcept;
+  [[nodiscard]] virtual platform::IoResult send(const void* data, std::size_t size) noexcept;
+  [[nodiscard]] virtual platform::IoResult sendFile(const platform::File& file, std::size_t size) noexcept;
+  virtual void shutdownSend() noexcept;
+
+  [[nodiscard]] platform::Socket& socket() noexcept { return socket_; }
+
+ private:
+  platform::Socket socket_;
+};
+
+// Waits until one of the sockets may be ready (or `signal` is, see platform/socket.h): true. False when the
+// deadline has passed. Throws platform::OperationStopped.
+bool wait(std::span<const platform::SocketInterest> interests, const Deadline& deadline,
+          std::intptr_t signal = -1);
+
+// Connects to the first address that answers; the next one is tried after a refusal or after
+// kNextAddressAfter without an answer, while the earlier attempts go on. Null when none answers before the
+// deadline.
+std::unique_ptr<Sock> connectToAny(const std::vector<platform::SocketAddress>& addresses,
+                                   const Deadline& deadline);
+
+}  // namespace internet
