@@ -79,9 +79,10 @@ class TQXIPIFInt {
 
   // Slot 21: one GET of pszObject from pszServer into pszLocalFile, or, with pnLength, only the available
   // length.
-  virtual QXBool HTTPDownloadFile(const char* pszServer, const char* pszObject, std::uint32_t nPort,
-                                  const char* pszLocalFile, std::uint64_t* pnLength, QXHostValue nPollArg1,
-                                  QXHostValue nPollArg2) = 0;
+  // The one operation whose result (1 or 0) has 32 bits.
+  virtual std::uint32_t HTTPDownloadFile(const char* pszServer, const char* pszObject, std::uint32_t nPort,
+                                         const char* pszLocalFile, std::uint64_t* pnLength,
+                                         QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
   // Slot 22.
   virtual void OnStatusText(const char* pszText) = 0;
 
