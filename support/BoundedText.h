@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+// A NUL-terminated text in a fixed buffer that is never overrun and never silently cut: what does not fit is
+// refused and leaves the text empty.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
+template <std::size_t Capacity>  // with the terminator
+class BoundedText {
+ public:
+  BoundedText() noexcept = default;
+
+  // False, and empty, for a null or an over-long text.
+  [[nodiscard]] bool assign(const char* text) noexcept {
+    clear();
+    return text != nullptr && append(text);
+  }
+
+  [[nodiscard]] bool append(std::string_view piece) noexcept {
+    if (piece.size() >= Capacity - size()) {
+      clear();
+      return false;
+    }
+    const std::size_t length = size();
+    std::memcpy(m_text + length, piece.data(), piece.size());
+    m_text[length + piece.size()] = '\0';
+    return true;
+  }
+
+  void clear() noexcept { m_text[0] = '\0'; }
+  [[nodiscard]] bool empty() const noexcept { return m_text[0] == '\0'; }
+  [[nodiscard]] std::size_t size() const noexcept { return std::strlen(m_text); }
+  [[nodiscard]] const char* c_str() const noexcept { return m_text; }
+  // For routines that shorten the text in place.
+  [[nodiscard]] char* data() noexcept { return m_text; }
+
+ private:
+  char m_text[Capacity] = "";
+};
+
+// Every path of the client is held in such a text.
+inline constexpr std::size_t kPathCapacity = 256;
+using PathText = BoundedText<kPathCapacity>;
+
+// Copies `text` into a fixed field. A text that does not fit leaves the field empty (false).
+template <std::size_t Capacity>
+[[nodiscard]] bool StoreText(char (&field)[Capacity], const char* text) noexcept {
+  field[0] = '\0';
+  const std::size_t length = std::strlen(text);
+  if (length >= Capacity) return false;
+  std::memcpy(field, text, length + 1);
+  return true;
+}

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "support/Paths.h"
+
+#include <cstring>
+#include <string_view>
+
+namespace {
+
+bool isSeparator(char c) { return c == '/' || c == '\\'; }
+
+void dropFirst(char* text) { std::memmove(text, text + 1, std::strlen(text)); }
+
+char lowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+// The parts of a path as the C runtime's splitter finds them; each may be empty.
+struct RawParts {
+  std::string_view directory;  // drive and directory, with the last separator
+  std::string_view name;       // without extension
+  std::string_view extension;  // with its dot
+};
+
+RawParts splitRaw(std::string_view path) {
+  std::size_t nameStart = path.size() > 1 && path[1] == ':' ? 2 : 0;
+  for (std::size_t i = nameStart; i < path.size(); ++i) {
+    if (isSeparator(path[i])) nameStart = i + 1;
+  }
+  const std::string_view last = path.substr(nameStart);
+  const std::size_t dot = last.rfind('.');
+  const std::size_t nameLength = dot == std::string_view::npos ? last.size() : dot;
+  return {path.substr(0, nameStart), last.substr(0, nameLength), last.substr(nameLength)};
+}
+
+void store(PathText* output, std::string_view first, std::string_view second, bool trim) {
+  if (output == nullptr) return;
+  output->clear();
+  if (!output->append(first) || !output->append(second)) return;
+  if (trim) TrimSlashes(output->data());
+}
+
+}  // namespace
+
+bool TrimSlashes(char* path) noexcept {
+  if (path == nullptr || *path == '\0') return false;
+  if (path[0] == '\\' && path[1] != '\\' && path[1] != '\0') dropFirst(path);
+  if (std::strcmp(path, "\\") == 0) {
+    *path = '\0';
+    return false;
+  }
+  char& last = path[std::strlen(path) - 1];
+  if (last == '\\') {
+    last = '\0';
+  } else if (last == '/' && path[1] != '\0') {
+    last = '\0';
+  }
+  return *path != '\0';
+}
+
+bool ToFtpPath(char* path) noexcept {
+  if (path == nullptr || *path == '\0') return true;
+  for (char* c = path; *c != '\0'; ++c) {
+    if (*c == '\\') *c = '/';
+  }
+  if (path[1] == '/') dropFirst(path);
+  TrimSlashes(path);
+  return true;
+}
+
+bool SplitPath(const char* path, PathText* directory, PathText* fileName, PathText* extension) noexcept {
+  PathText copy;
+  const bool given = copy.assign(path);
+  const RawParts parts = splitRaw(copy.c_str());
+  store(directory, parts.directory, {}, true);
+  store(fileName, parts.name, parts.extension, true);
+  store(extension, parts.extension, {}, false);
+  return given;
+}
+
+bool IsRemotePath(const char* path) noexcept {
+  if (path == nullptr || *path == '\0') return false;
+  if (path[1] == '\0') return path[0] == '/';
+  return path[1] != ':' && !(path[0] == '\\' && path[1] == '\\');
+}
+
+bool IsSafeRemotePath(const char* path) noexcept {
+  const std::string_view text(path);
+  if (text.size() >= kPathCapacity) return false;
+  for (const char c : text) {
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) return false;
+  }
+  return true;
+}
+
+bool EqualNames(const char* left, const char* right) noexcept {
+  for (; *left != '\0' && lowerCase(*left) == lowerCase(*right); ++left, ++right) {
+  }
+  return *left == '\0' && *right == '\0';
+}
