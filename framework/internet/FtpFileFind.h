@@ -7,6 +7,7 @@
 //   FindFile("")          the same as "*"
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -31,6 +32,9 @@ class CFtpFileFind {
   // Makes the next entry current. False when that entry is the last one (it is still the current entry) or when
   // there is none at all (last error 18).
   virtual bool FindNextFile();
+
+  // How many entries FindNextFile has still to make current.
+  virtual std::size_t EntriesLeft() const noexcept;
 
   // Of the current entry; before the first FindNextFile there is none ("" / 0 / false).
   virtual std::string GetFileName() const;  // without directory
