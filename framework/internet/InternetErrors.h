@@ -33,6 +33,7 @@ inline constexpr std::uint32_t kStatusClosed = 51;
 inline constexpr std::uint32_t kStatusHandleCreated = 60;
 inline constexpr std::uint32_t kStatusHandleClosing = 70;
 inline constexpr std::uint32_t kStatusRequestComplete = 100;
+inline constexpr std::uint32_t kStatusRedirect = 110;
 
 // Access rights, transfer types and request flags.
 inline constexpr std::uint32_t kGenericRead = 0x80000000u;
