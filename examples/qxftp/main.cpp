@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+// qxftp: an FTP client on the command line, made of the library's exports and its client interface only.
+#include <algorithm>
+#include <cstdio>
+#include <stdexcept>
+
+#include "examples/host/ClientLibrary.h"
+#include "examples/qxftp/Commands.h"
+#include "examples/qxftp/Options.h"
+
+namespace {
+
+enum ExitCode { kDone = 0, kFailed = 1, kWrongUsage = 2 };
+
+int usage(const char* problem) {
+  std::fprintf(stderr,
+               "qxftp: %s\n"
+               "usage: qxftp [--library FILE] [--host H] [--port P] [--user U] [--password W]\n"
+               "             [--passive|--active] COMMAND\n"
+               "commands:\n",
+               problem);
+  for (const Command& command : commands()) {
+    std::fprintf(stderr, "  %s %s\n", command.name, command.arguments);
+  }
+  return kWrongUsage;
+}
+
+// The message line says which operation ended last, the record which failure came first and why.
+void printFailure(const Session& session) {
+  std::fprintf(stderr, "message: %s\n", session.client.m_szMessage);
+  if (session.hasError()) {
+    std::fprintf(stderr, "error:   %u (code %u): %s\n", session.error.nError, session.error.nCode,
+                 session.error.szText);
+  }
+}
+
+int run(const Options& options, const Command& command) {
+  const ClientLibrary library(options.library.empty() ? programFolder() + clientLibraryName()
+                                                      : options.library);
+  QXErrorInfo error{};
+  const Client client = makeClient(library, &error);
+  if (client == nullptr) throw std::runtime_error("the library makes no client");
+  client->FTPSetLogin(options.host.c_str(), options.user.c_str(), options.password.c_str(), options.port,
+                      options.passive);
+  const Session session{*client, error, options};
+  if (command.run(session, options.arguments)) return kDone;
+  printFailure(session);
+  return kFailed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    const Options options = parseOptions({argv + 1, argv + argc});
+    const auto command = std::ranges::find_if(
+        commands(), [&](const Command& candidate) { return options.command == candidate.name; });
+    if (command == commands().end()) return usage(("no such command: " + options.command).c_str());
+    if (options.arguments.size() != command->argumentCount) {
+      return usage(
+          (options.command + " takes " + std::to_string(command->argumentCount) + " arguments").c_str());
+    }
+    return run(options, *command);
+  } catch (const std::invalid_argument& problem) {
+    return usage(problem.what());
+  } catch (const std::exception& problem) {
+    std::fprintf(stderr, "qxftp: %s\n", problem.what());
+    return kFailed;
+  }
+}
