@@ -87,6 +87,15 @@ class TQXIP : public TQXIPIFInt {
                      std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) override;
   QXBool FTPFreeFileAPI(void* pData) override;
   QXBool FTPRenameFile(const char* pszOld, const char* pszNew, std::uint32_t nRetries) override;
+
+ private:
+  void ShutDown() noexcept;
+  void DeleteFinders() noexcept;
+  void MakeFinders();
+  void ReleaseConnection() noexcept;
+  bool StoreLogin(const char* pszHost, const char* pszUser, const char* pszPassword, std::uint32_t nPort,
+                  QXBool bPassive) noexcept;
+  void OpenConnection(TInternetSession& session);
 };
 
 static_assert(sizeof(TQXIP) == sizeof(TQXIPIFInt), "the client adds no data to its interface");

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "support/Diagnostics.h"
 
-#include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -50,23 +49,28 @@ void traceFailure(QXErrorInfo* pErrorInfo, int line, const char* title, std::uin
   ErrorText text;
   GetErrorText(error, text);
   ErrorText detail;
-  std::snprintf(detail, sizeof detail, "%s [%d %s %d]", text, static_cast<int>(error), source.c_str(), line);
+  TraceMessage(detail, sizeof detail, "%s [%d %s %d]", text, static_cast<int>(error), source.c_str(), line);
   const std::uint32_t stored = isLastError ? platform::lastError() : error;
   ReportError(pErrorInfo, false, detail, stored, kClientFailure, title);
 }
 
 }  // namespace
 
-int TraceMessage(char* buffer, std::size_t capacity, const char* format, ...) noexcept {
-  std::va_list arguments;
-  va_start(arguments, format);
+int TraceMessageV(char* buffer, std::size_t capacity, const char* format, std::va_list arguments) noexcept {
   const int wanted = std::vsnprintf(buffer, capacity, format, arguments);
-  va_end(arguments);
   if (wanted < 0) {
     buffer[0] = '\0';
     return 0;
   }
   return wanted < static_cast<int>(capacity) ? wanted : static_cast<int>(capacity) - 1;
+}
+
+int TraceMessage(char* buffer, std::size_t capacity, const char* format, ...) noexcept {
+  std::va_list arguments;
+  va_start(arguments, format);
+  const int written = TraceMessageV(buffer, capacity, format, arguments);
+  va_end(arguments);
+  return written;
 }
 
 char* GetErrorText(std::uint32_t error, ErrorText& buffer) noexcept {
@@ -76,7 +80,7 @@ char* GetErrorText(std::uint32_t error, ErrorText& buffer) noexcept {
   std::string text = systemText(error);
   if (text.size() >= kLineEnd && text.size() + kErrorNumberRoom < kErrorTextCapacity) {
     text.resize(text.size() - kLineEnd);
-    std::snprintf(buffer, sizeof buffer, "%s (0x%x)", text.c_str(), platform::lastError());
+    TraceMessage(buffer, sizeof buffer, "%s (0x%x)", text.c_str(), platform::lastError());
   }
   platform::setLastError(0);
   return buffer;

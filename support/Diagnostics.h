@@ -3,17 +3,12 @@
 // pointers make it do nothing, pieces that do not fit are left out.
 #pragma once
 
+#include <cstdarg>
 #include <cstddef>
 #include <cstdint>
 
 #include "QXErrorInfo.h"
 #include "support/BoundedText.h"
-
-#if defined(__GNUC__)
-#define QX_PRINTF(format, first) __attribute__((format(printf, format, first)))
-#else
-#define QX_PRINTF(format, first)
-#endif
 
 // Category of every failure that the client reports.
 inline constexpr std::uint32_t kClientFailure = 1000;
@@ -23,7 +18,9 @@ using ErrorText = char[kErrorTextCapacity];
 
 // Formats a line into a message buffer of `capacity` characters; what does not fit is cut. The characters
 // written.
-int TraceMessage(char* buffer, std::size_t capacity, const char* format, ...) noexcept QX_PRINTF(3, 4);
+int TraceMessage(char* buffer, std::size_t capacity, const char* format, ...) noexcept
+    __attribute__((format(printf, 3, 4)));
+int TraceMessageV(char* buffer, std::size_t capacity, const char* format, std::va_list arguments) noexcept;
 
 // The trace for the library's own developers: not delivered anywhere in this build.
 template <typename... Arguments>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "support/TimeStamp.h"
 
-#include <cstdio>
+#include "support/Diagnostics.h"
 
 char* GetTimeStamp(const platform::CalendarTime& time, char* buffer) noexcept {
-  std::snprintf(buffer, kTimeStampCapacity, "%02d.%02d.%04d %02d:%02d:%02d", time.day, time.month, time.year,
-                time.hour, time.minute, time.second);
+  TraceMessage(buffer, kTimeStampCapacity, "%02d.%02d.%04d %02d:%02d:%02d", time.day, time.month, time.year,
+               time.hour, time.minute, time.second);
   return buffer;
 }
 

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+// Login data, connect, disconnect, and the settings that this client does not support.
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "Src/MessageLines.h"
+#include "Src/OperationGuard.h"
+#include "Src/PrivateConnection.h"
+#include "Src/QXIP.h"
+#include "Src/SharedFlag.h"
+#include "Src/TInternetSession.h"
+#include "framework/platform/last_error.h"
+#include "support/BoundedText.h"
+#include "support/Paths.h"
+
+namespace {
+
+constexpr std::uint32_t kDefaultPort = 21;
+
+bool startsWith(const char* text, std::string_view lowerPrefix) {
+  for (const char expected : lowerPrefix) {
+    const char c = *text++;
+    if ((c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c) != expected) return false;
+  }
+  return true;
+}
+
+// The bare host name inside `host`: behind the first scheme prefix that matches, or behind the two characters
+// that a name starting with a backslash has in front. A bare name is its own.
+const char* bareHostName(const char* host) {
+  if (*host != '\\') {
+    for (const std::string_view scheme : {"ftp://", "http://", "https://"}) {
+      if (!startsWith(host, scheme)) continue;
+      host += scheme.size();
+      break;
+    }
+  }
+  if (*host == '\\') host += std::min<std::size_t>(std::strlen(host), 2);
+  return host;
+}
+
+}  // namespace
+
+// False when a text does not fit its field; that field is empty then, because half a name is another name.
+bool TQXIP::StoreLogin(const char* pszHost, const char* pszUser, const char* pszPassword, std::uint32_t nPort,
+                       QXBool bPassive) noexcept {
+  bool fits = true;
+  if (pszHost != nullptr) fits = StoreText(m_RemoteSystem, bareHostName(pszHost));
+  if (pszUser != nullptr) fits = StoreText(m_UserName, pszUser) && fits;
+  if (pszPassword != nullptr) fits = StoreText(m_Password, pszPassword) && fits;
+  m_nPort = nPort;
+  m_bPassive = bPassive;
+  return fits;
+}
+
+QXBool TQXIP::FTPSetLogin(const char* pszHost, const char* pszUser, const char* pszPassword,
+                          std::uint32_t nPort, QXBool bPassive) {
+  return GuardOperation([&]() -> QXBool {
+    static_cast<void>(StoreLogin(pszHost, pszUser, pszPassword, nPort, bPassive));
+    return 1;
+  });
+}
+
+void TQXIP::OpenConnection(TInternetSession& session) {
+  ReleaseConnection();
+  CFtpConnection* connection = OpenFtpConnection(*this, session, nullptr);
+  m_pFtpConnection = connection;
+}
+
+QXBool TQXIP::FTPConnect(const char* pszHost, const char* pszUser, const char* pszPassword,
+                         std::uint32_t nPort, QXBool bPassive, std::uint32_t /*nValue*/,
+                         TInternetSession* pSession) {
+  return GuardOperation([&]() -> QXBool {
+    WriteMessage(*this, "TQXIP::FTPConnect - IN: '%s'", pszHost != nullptr ? pszHost : "NULL");
+    bool ok = IsSet(m_bInitialized) && pszHost != nullptr;
+    if (ok && !StoreLogin(pszHost, pszUser, pszPassword, nPort, bPassive)) {
+      platform::setLastError(platform::kErrorInvalidParameter);
+      ok = false;
+    }
+    TInternetSession* session = pSession != nullptr ? pSession : m_pInternetSession;
+    if (session == nullptr) {
+      session = m_pInternetSession = NewSession(*this);
+      SetFlag(m_bInitialized, true);
+    }
+    if (ok) {
+      OpenConnection(*session);
+      ok = m_pFtpConnection != nullptr;
+    }
+    if (ok) OnConnect();
+    WriteMessage(*this, "TQXIP::FTPConnect to '%s:%d' failed!", pszHost != nullptr ? pszHost : "(null)",
+                 static_cast<int>(nPort));
+    if (!ok) ReportFailure(*this, sites::kConnectLine, m_szMessage);
+    WriteMessage(*this, "TQXIP::FTPConnect - OUT: %s", ok ? "OK!" : "Failed!");
+    return ok ? 1 : 0;
+  });
+}
+
+QXBool TQXIP::FTPReConnect(std::uint32_t /*nRetries*/, QXHostValue /*nValue*/) { return 1; }
+
+// The connection itself stays: it goes with the next connect or with the object.
+QXBool TQXIP::FTPDisconnect() {
+  return GuardOperation([&]() -> QXBool {
+    const bool ok = IsSet(m_bInitialized);
+    if (ok) {
+      OnBeforeDisconnect();
+      if (IsSet(m_bConnected)) {
+        static_cast<void>(StoreLogin("", "", "", kDefaultPort, 0));
+        OnDisconnect();
+      }
+      OnAfterDisconnect();
+    } else {
+      ReportFailure(*this, sites::kDisconnectLine, "TQXIP::FTPDisconnect failed!");
+    }
+    return ok ? 1 : 0;
+  });
+}
+
+// Neither a firewall nor a proxy is supported: both answer with a failure whatever they are given.
+QXBool TQXIP::FTPSetFirewall(std::uint32_t /*nKind*/, QXBool /*bFlag*/, QXHostValue /*nValue*/) {
+  return GuardOperation([&]() -> QXBool {
+    ReportFailure(*this, sites::kSetFirewallLine, "TQXIP::FTPSetFirewall failed!");
+    return 0;
+  });
+}
+
+QXBool TQXIP::FTPSetProxy(const char* /*pszProxy*/, std::uint32_t /*nValue*/) {
+  return GuardOperation([&]() -> QXBool {
+    ReportFailure(*this, sites::kSetProxyLine, "TQXIP::FTPSetProxy failed!");
+    return 0;
+  });
+}

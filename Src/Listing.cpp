@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: MIT
+// FTPGetDirectory, FTPHasSubDir, FTPCountFolderItems: on the caller's thread, without a worker.
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <utility>
+
+#include "Src/EntryArray.h"
+#include "Src/FinderLoan.h"
+#include "Src/InternetGuard.h"
+#include "Src/MessageLines.h"
+#include "Src/OperationGuard.h"
+#include "Src/QXIP.h"
+#include "Src/RemotePath.h"
+#include "Src/SlotRetry.h"
+#include "framework/internet/InternetErrors.h"
+#include "framework/platform/clock.h"
+#include "framework/platform/last_error.h"
+
+namespace {
+
+constexpr const char* kEverything = "*.*";
+constexpr std::uint32_t kDirectoryAttribute = 0x10;
+// Archive, compressed, hidden, normal, read-only, system, temporary.
+constexpr std::uint32_t kEntryAttributes[] = {0x20, 0x800, 0x2, 0x80, 0x1, 0x4, 0x100};
+
+// The local calendar time of a moment, as a FILETIME's two halves; nothing for an unknown one.
+QXFileTime localFileTime(std::int64_t unixSeconds) {
+  if (unixSeconds == 0) return {};
+  const std::uint64_t time = platform::fileTimeOf(platform::localTimeOf(unixSeconds));
+  return {static_cast<std::uint32_t>(time), static_cast<std::uint32_t>(time >> 32)};
+}
+
+void fillEntry(QXDirEntry& entry, const PathText& directory, const std::string& name, CFtpFileFind& finder) {
+  entry = QXDirEntry{};
+  entry.bIsDirectory = finder.IsDirectory() ? 1 : 0;
+  std::memcpy(entry.szPath, directory.c_str(), directory.size() + 1);
+  std::memcpy(entry.szName, name.c_str(), name.size() + 1);
+  if (entry.bIsDirectory != 0) {
+    entry.dwAttributes = kDirectoryAttribute;
+  } else {
+    const std::uint64_t size = finder.GetLength();
+    entry.nFileSizeHigh = static_cast<std::uint32_t>(size >> 32);
+    entry.nFileSizeLow = static_cast<std::uint32_t>(size);
+  }
+  for (const std::uint32_t attribute : kEntryAttributes) {
+    if (finder.MatchesMask(attribute)) entry.dwAttributes |= attribute;
+  }
+  entry.ftCreationTime = localFileTime(finder.GetCreationTime());
+  entry.ftLastAccessTime = localFileTime(finder.GetLastAccessTime());
+  entry.ftLastWriteTime = localFileTime(finder.GetLastWriteTime());
+}
+
+// A name that begins with a dot is left out, and so is one that the entry cannot hold whole: half a name is
+// another name.
+bool isListed(const std::string& name) {
+  return !name.empty() && name[0] != '.' && name.size() < sizeof QXDirEntry::szName;
+}
+
+// What the finder is asked for: the bare pattern in the server's current directory, or that of a directory.
+std::string searchText(const TQXIP& client, const PathText& directory, const char* pattern) {
+  if (client.m_bOption != 0) return pattern;
+  const char* join = std::strcmp(directory.c_str(), "/") == 0 ? "" : "/";
+  return std::string(directory.c_str()) + join + pattern;
+}
+
+// Forgets the pending listing; an empty one takes its place.
+void renewPending(TQXIP& client, std::size_t entries) {
+  delete[] std::exchange(client.m_pFileBuffer, nullptr);
+  client.m_pFileBuffer = NewEntryArray(entries).release();
+}
+
+std::uint32_t storeEntries(TQXIP& client, CFtpFileFind& finder, const PathText& directory) {
+  renewPending(client, finder.EntriesLeft());
+  std::uint32_t count = 0;
+  for (bool more = finder.EntriesLeft() > 0; more;) {
+    more = finder.FindNextFile();
+    const std::string name = finder.GetFileName();
+    if (!isListed(name)) continue;
+    QXDirEntry& entry = client.m_pFileBuffer[count++];
+    fillEntry(entry, directory, name, finder);
+    if (entry.bIsDirectory == 0) client.OnNotify(reinterpret_cast<QXHostValue>(&entry));
+  }
+  StoreEntryCount(client.m_pFileBuffer, count);
+  return count;
+}
+
+bool list(TQXIP& client, CFtpFileFind& finder, const char* path, const char* pattern, std::uint32_t& count) {
+  PathText directory;
+  if (!MakeFtpPath(path, directory) || !MayGoToServer(pattern)) return false;
+  finder.FindFile(searchText(client, directory, pattern).c_str(), internet::kFlagReload);
+  count = storeEntries(client, finder, directory);
+  finder.Close();
+  return true;
+}
+
+struct ListingCall {
+  const char* path;
+  const char* pattern;
+  std::uint32_t* pnCount;
+};
+
+bool listOnce(TQXIP& client, const ListingCall& call, std::uint32_t& retries) {
+  WriteEntryLine(client, sites::kGetDirectory, {.first = call.path});
+  renewPending(client, 0);
+  std::uint32_t count = 0;
+  bool ok = call.path != nullptr && *call.path != '\0' && call.pattern != nullptr && call.pnCount != nullptr;
+  if (!ok) platform::setLastError(platform::kErrorInvalidParameter);
+  FinderLoan loan(client);
+  CFtpFileFind* finder = ok && MayGoToServer(call.path) ? loan.Take("m_pFTPGetDir", nullptr) : nullptr;
+  ok = finder != nullptr && GuardInternet(client, &retries, nullptr, [&] {
+         return list(client, *finder, call.path, call.pattern, count);
+       });
+  if (call.pnCount != nullptr) *call.pnCount = count;
+  if (!ok) {
+    const std::uint32_t error = platform::lastError();
+    client.OnIPError(error, "FTP-Error!", &retries);
+    platform::setLastError(error);
+  }
+  return ok;
+}
+
+bool copyOut(TQXIP& client, QXDirEntry* pEntries, const std::uint32_t* pnCount) {
+  const std::unique_ptr<QXDirEntry[]> array(std::exchange(client.m_pFileBuffer, nullptr));
+  if (array != nullptr && pnCount != nullptr && CopyEntries(array.get(), pEntries, *pnCount)) return true;
+  platform::setLastError(platform::kErrorInvalidParameter);
+  return false;
+}
+
+void endListing(TQXIP& client, const char* path, bool failed) {
+  EndWithReport(client, sites::kGetDirectory, {.first = path}, failed);
+  WriteEntryLine(client, sites::kGetDirectory, {.first = failed ? "Failed" : "OK!"});
+}
+
+// Both calls of the listing protocol, through the client's slot. False when one of them failed.
+bool fetchEntries(TQXIP& client, const char* path, std::uint32_t retries,
+                  std::unique_ptr<QXDirEntry[]>& entries, std::uint32_t& count) {
+  PathText directory;
+  if (!MakeFtpPath(path, directory)) return false;
+  if (client.FTPGetDirectory(directory.c_str(), nullptr, &count, kEverything, retries) == 0) return false;
+  entries.reset(new QXDirEntry[std::size_t{count} + 1]);
+  return client.FTPGetDirectory(directory.c_str(), entries.get(), &count, kEverything, retries) != 0;
+}
+
+}  // namespace
+
+QXBool TQXIP::FTPGetDirectory(const char* pszPath, QXDirEntry* pEntries, std::uint32_t* pnCount,
+                              const char* pszPattern, std::uint32_t nRetries) {
+  return GuardOperation([&]() -> QXBool {
+    const auto end = [&](bool failed) { endListing(*this, pszPath, failed); };
+    const auto run = [&] {
+      if (pEntries == nullptr) return listOnce(*this, {pszPath, pszPattern, pnCount}, nRetries);
+      WriteEntryLine(*this, sites::kGetDirectory, {.first = pszPath});
+      return copyOut(*this, pEntries, pnCount);
+    };
+    const auto again = [&](std::uint32_t retries) {
+      return FTPGetDirectory(pszPath, pEntries, pnCount, pszPattern, retries) != 0;
+    };
+    std::uint32_t none =
+        0;  // a listing that was handed out, or never made, is not there the second time either
+    return RetryThroughSlot(*this, pEntries == nullptr ? nRetries : none, {.slot = Slot::FTPGetDirectory},
+                            run, again, end)
+               ? 1
+               : 0;
+  });
+}
+
+QXBool TQXIP::FTPHasSubDir(const char* pszPath, std::uint32_t nRetries) {
+  return GuardOperation([&]() -> QXBool {
+    QXBool has = 0;
+    const auto run = [&] {
+      std::unique_ptr<QXDirEntry[]> entries;
+      std::uint32_t count = 0;
+      const bool ok = fetchEntries(*this, pszPath, nRetries, entries, count);
+      has = ok && std::any_of(entries.get(), entries.get() + count,
+                              [](const QXDirEntry& entry) { return entry.bIsDirectory != 0; });
+      return ok;
+    };
+    const auto again = [&](std::uint32_t retries) {
+      has = FTPHasSubDir(pszPath, retries);
+      return true;
+    };
+    RetryThroughSlot(
+        *this, nRetries,
+        {.slot = Slot::FTPHasSubDir, .pause = std::chrono::milliseconds(0), .failedRunStaysFailed = true},
+        run, again,
+        [&](bool failed) { EndWithReport(*this, sites::kHasSubDir, {.first = pszPath}, failed); });
+    return has;
+  });
+}
+
+QXBool TQXIP::FTPCountFolderItems(const char* pszPath, std::uint32_t* pnFiles, std::uint32_t* pnDirectories,
+                                  std::uint32_t nRetries) {
+  return GuardOperation([&]() -> QXBool {
+    const auto run = [&] {
+      std::unique_ptr<QXDirEntry[]> entries;
+      std::uint32_t count = 0;
+      const bool ok = fetchEntries(*this, pszPath, nRetries, entries, count);
+      const auto files = static_cast<std::uint32_t>(
+          std::count_if(entries.get(), entries.get() + (ok ? count : 0),
+                        [](const QXDirEntry& entry) { return entry.bIsDirectory == 0; }));
+      if (pnFiles != nullptr) *pnFiles = files;
+      if (pnDirectories != nullptr) *pnDirectories = (ok ? count : 0) - files;
+      return ok;
+    };
+    const auto again = [&](std::uint32_t retries) {
+      return FTPCountFolderItems(pszPath, pnFiles, pnDirectories, retries) != 0;
+    };
+    return RetryThroughSlot(*this, nRetries,
+                            {.slot = Slot::FTPCountFolderItems, .pause = std::chrono::milliseconds(0)}, run,
+                            again,
+                            [&](bool failed) {
+                              EndWithReport(*this, sites::kCountFolderItems, {.first = pszPath}, failed);
+                            })
+               ? 1
+               : 0;
+  });
+}

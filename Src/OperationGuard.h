@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+// What every virtual operation does around its work: the module's framework state is installed, and no
+// exception of the library leaves it.
+#pragma once
+
+#include <new>
+#include <type_traits>
+
+#include "framework/ModuleState.h"
+#include "framework/platform/last_error.h"
+#include "framework/platform/stop_token.h"
+
+// Runs `work` and returns its result; `Result{}` when memory ran out, or when the calling thread is a worker
+// that has been asked to stop (its own frame notices that at its next step).
+template <typename Work, typename Result = std::invoke_result_t<Work>>
+Result GuardOperation(Work&& work) {
+  const AFX_MAINTAIN_STATE2 moduleState(AfxGetAppModuleState());
+  try {
+    return work();
+  } catch (const platform::OperationStopped&) {
+    return Result();
+  } catch (const std::bad_alloc&) {
+    platform::setLastError(platform::kErrorNotEnoughMemory);
+    return Result();
+  }
+}

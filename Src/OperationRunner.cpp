@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "Src/OperationRunner.h"
+
+#include "Src/RunningOperations.h"
+#include "Src/SharedFlag.h"
+#include "framework/platform/message_queue.h"
+
+namespace {
+
+class Wait {
+ public:
+  explicit Wait(const WorkerCall& call) : m_call(call), m_running(call.client) {}
+
+  WaitEnd Run() {
+    if (!m_running.Worker().start(m_call.worker, &m_call.record)) return WaitEnd::failed;
+    m_call.record.hThread = &m_running.Worker();
+    m_running.Worker().setNormalPriority();
+    while (!m_cancel && !m_reconnect && !IsSet(m_call.record.bDone)) {
+      Poll();
+      if (m_cancel || m_reconnect) m_running.Kill();
+      DispatchOne();
+      if (MustLeave()) return WaitEnd::abandoned;
+    }
+    return Finish();
+  }
+
+ private:
+  void Poll() {
+    const bool ask = m_call.polling == Polling::always ||
+                     (m_call.polling == Polling::unlessUpdating && !IsSet(m_call.record.bUpdating));
+    if (ask) {
+      m_cancel =
+          m_call.client.OnPoll(m_call.nPollArg1, m_call.nPollArg2, m_call.nTransfer, &m_reconnect) != 0;
+    } else if (m_call.polling == Polling::whileInitialized) {
+      m_cancel = !IsSet(m_call.client.m_bInitialized);
+    }
+  }
+
+  static void DispatchOne() {
+    if (platform::messageWaiting()) {
+      platform::takeAndDispatchMessage();
+    } else {
+      platform::yieldProcessor();
+    }
+  }
+
+  // The destructor of m_running ends the worker.
+  [[nodiscard]] bool MustLeave() const { return m_running.IsOrphaned() || platform::stopRequested(); }
+
+  // The record lives on the caller's stack: the worker has to be gone, not only done, before the caller goes
+  // on.
+  WaitEnd Finish() {
+    if (m_cancel) return WaitEnd::cancelled;
+    if (m_reconnect) return WaitEnd::reconnect;
+    while (!m_running.Worker().ended()) DispatchOne();
+    m_running.Worker().close();
+    return MustLeave() ? WaitEnd::abandoned : WaitEnd::done;
+  }
+
+  const WorkerCall& m_call;
+  RunningOperation m_running;
+  bool m_cancel = false;
+  QXBool m_reconnect = 0;
+};
+
+}  // namespace
+
+void FillRecord(QXFtpThread& record, TQXIP& client, std::uint32_t& retries, const char* name) noexcept {
+  record.pErrorInfo = client.m_pErrorInfo;
+  record.pQXIP = &client;
+  record.pTransfer = &client.m_Transfer;
+  record.pRetries = &retries;
+  record.pszName = name;
+}
+
+WaitEnd RunAndWait(const WorkerCall& call) {
+  Wait wait(call);
+  return wait.Run();
+}

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "Src/PrivateConnection.h"
+
+#include "Src/InternetGuard.h"
+
+CFtpConnection* OpenFtpConnection(TQXIP& client, CInternetSession& session, bool* pRaised) {
+  return GuardInternet(client, nullptr, pRaised, [&] {
+    return session.GetFtpConnection(client.m_RemoteSystem, client.m_UserName, client.m_Password,
+                                    static_cast<std::uint16_t>(client.m_nPort), client.m_bPassive != 0);
+  });
+}
+
+bool PrivateConnection::Open(bool* pRaised) {
+  m_session.reset(NewSession(m_client));
+  m_connection.reset(OpenFtpConnection(m_client, *m_session, pRaised));
+  return m_connection != nullptr;
+}
+
+bool PrivateConnection::OpenWithFinder(bool* pRaised) {
+  if (!Open(pRaised)) return false;
+  m_finder = std::make_unique<CFtpFileFind>(m_connection.get(), 1);
+  return true;
+}
+
+void PrivateConnection::Close() noexcept {
+  if (m_connection) m_connection->Close();
+  m_finder.reset();
+  m_connection.reset();
+  m_session.reset();
+}

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+// The session, connection and finder of one attempt of an operation, opened from the client's login data and
+// released in order: connection closed, finder, connection, session.
+#pragma once
+
+#include <memory>
+
+#include "Src/QXIP.h"
+#include "Src/TInternetSession.h"
+#include "framework/internet/FtpConnection.h"
+#include "framework/internet/FtpFileFind.h"
+
+class PrivateConnection {
+ public:
+  explicit PrivateConnection(TQXIP& client) noexcept : m_client(client) {}
+  ~PrivateConnection() { Close(); }
+  PrivateConnection(const PrivateConnection&) = delete;
+  PrivateConnection& operator=(const PrivateConnection&) = delete;
+
+  // Connects and logs in. A failure goes to OnIPError without a retry counter; *pRaised (may be null) tells
+  // of it.
+  [[nodiscard]] bool Open(bool* pRaised = nullptr);
+  // Open(), and a finder on the connection.
+  [[nodiscard]] bool OpenWithFinder(bool* pRaised = nullptr);
+  void Close() noexcept;
+
+  [[nodiscard]] CFtpConnection* Connection() const noexcept { return m_connection.get(); }
+  [[nodiscard]] CFtpFileFind* Finder() const noexcept { return m_finder.get(); }
+
+ private:
+  TQXIP& m_client;
+  std::unique_ptr<TInternetSession> m_session;
+  std::unique_ptr<CFtpConnection> m_connection;
+  std::unique_ptr<CFtpFileFind> m_finder;
+};
+
+// Opens a connection on `session` from the client's login data; null after a failure, which went to
+// OnIPError.
+CFtpConnection* OpenFtpConnection(TQXIP& client, CInternetSession& session, bool* pRaised);

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: MIT
+// FTPDirExist, FTPFileExists, FTPIsDirectory, FTPFileSize. Each worker asks with the object's finder where it
+// has one, else over a connection of its own. "Not there" is an answer, not a failure of the worker, except
+// for the size.
+#include "Src/FinderLoan.h"
+#include "Src/InternetGuard.h"
+#include "Src/OperationRunner.h"
+#include "Src/QXIP.h"
+#include "Src/RemotePath.h"
+#include "Src/SharedFlag.h"
+#include "Src/WorkerFrame.h"
+#include "framework/internet/InternetErrors.h"
+#include "framework/platform/last_error.h"
+
+namespace {
+
+using Query = bool (*)(QXFtpThread& record, CFtpFileFind& finder);
+
+struct FileSizeThread : QXFtpThread {
+  std::uint32_t nFileSize = 0;
+};
+
+AttemptOutcome askServer(QXFtpThread& record, const char* finderField, Query query) {
+  TQXIP& client = *record.pQXIP;
+  bool raised = false;
+  AttemptOutcome outcome;
+  FinderLoan loan(client);
+  CFtpFileFind* finder = MayGoToServer(record.pszName) ? loan.Take(finderField, &raised) : nullptr;
+  if (finder != nullptr) {
+    outcome.ok = GuardInternet(client, record.pRetries, &raised, [&] { return query(record, *finder); });
+    finder->Close();
+  }
+  if (!outcome.ok) {
+    outcome.error = platform::lastError();
+    if (!raised) client.OnIPError(outcome.error, "FTP-Error!", record.pRetries);
+  }
+  return outcome;
+}
+
+// The name of the finder's entry as the queries compare it; "" when it is longer than any path of the client.
+PathText entryName(const CFtpFileFind& finder) {
+  PathText name;
+  if (name.assign(finder.GetFileName().c_str())) ToFtpPath(name.data());
+  return name;
+}
+
+PathText lastComponent(const PathText& path) {
+  PathText name;
+  SplitPath(path.c_str(), nullptr, &name, nullptr);
+  ToFtpPath(name.data());
+  return name;
+}
+
+// Walks the entries of a directory for a directory called `name`. A server that gives the same entry twice in
+// a row would go on for ever: the second sight of it ends the walk.
+bool walkFindsDirectory(CFtpFileFind& finder, const PathText& name) {
+  PathText last;
+  for (bool more = true; more;) {
+    more = finder.FindNextFile();
+    const PathText current = entryName(finder);
+    if (current.empty() && more) continue;
+    if (EqualNames(current.c_str(), last.c_str())) return false;
+    last = current;
+    if (EqualNames(current.c_str(), name.c_str()) && finder.IsDirectory()) return true;
+  }
+  return false;
+}
+
+bool queryDirExist(QXFtpThread& record, CFtpFileFind& finder) {
+  record.bResult = 0;
+  PathText path;
+  if (!MakeFtpPath(record.pszName, path)) return false;
+  if (EqualNames(path.c_str(), "/")) {
+    record.bResult = 1;
+    return true;
+  }
+  PathText directory;
+  SplitPath(path.c_str(), &directory, nullptr, nullptr);
+  ToFtpPath(directory.data());
+  if (!finder.FindFile(directory.c_str(), internet::kFlagReload)) return true;
+  record.bResult = walkFindsDirectory(finder, lastComponent(path)) ? 1 : 0;
+  return true;
+}
+
+bool queryFileExists(QXFtpThread& record, CFtpFileFind& finder) {
+  record.bResult = 0;
+  PathText path;
+  if (!MakeFtpPath(record.pszName, path)) return false;
+  if (!finder.FindFile(path.c_str(), internet::kFlagReload)) return true;
+  finder.FindNextFile();
+  const bool isFile = !finder.IsDirectory();
+  record.bResult =
+      isFile && EqualNames(lastComponent(entryName(finder)).c_str(), lastComponent(path).c_str()) ? 1 : 0;
+  return true;
+}
+
+bool queryFileSize(QXFtpThread& record, CFtpFileFind& finder) {
+  auto& answer = static_cast<FileSizeThread&>(record).nFileSize;
+  answer = 0;
+  PathText path;
+  if (!MakeFtpPath(record.pszName, path) || !finder.FindFile(path.c_str(), internet::kFlagReload))
+    return false;
+  finder.FindNextFile();
+  answer = static_cast<std::uint32_t>(finder.GetLength());
+  return true;
+}
+
+void FTPDirExistThr(void* argument) {
+  RunWorker(argument,
+            {.failedLine = &sites::kDirExistThr,
+             .storesOutcome = false,
+             .spendsRetries = true,
+             .reportsAttemptError = true},
+            [](QXFtpThread& record) { return askServer(record, "m_pFTPDirFind", &queryDirExist); });
+}
+
+void FTPFileExistsThr(void* argument) {
+  RunWorker(argument,
+            {.failedLine = &sites::kFileExistsThr,
+             .storesOutcome = false,
+             .spendsRetries = true,
+             .reportsAttemptError = true},
+            [](QXFtpThread& record) { return askServer(record, "m_pFTPFileFind", &queryFileExists); });
+}
+
+void FTPFileSizeThr(void* argument) {
+  RunWorker(argument, {.pause = std::chrono::milliseconds(10)},
+            [](QXFtpThread& record) { return askServer(record, "m_pFTPFileSize", &queryFileSize); });
+}
+
+}  // namespace
+
+QXBool TQXIP::FTPDirExist(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
+                          QXHostValue nPollArg2) {
+  return GuardOperation([&] {
+    QXFtpThread record;
+    FillRecord(record, *this, nRetries, pszPath);
+    return RunReportedOperation({.client = *this, .record = record, .worker = &FTPDirExistThr},
+                                {.site = sites::kDirExist, .paths = {.first = pszPath}},
+                                IsSet(m_bInitialized),
+                                [&] { return FTPDirExist(pszPath, 1, nPollArg1, nPollArg2) != 0; });
+  });
+}
+
+QXBool TQXIP::FTPFileExists(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
+                            QXHostValue nPollArg2) {
+  return GuardOperation([&] {
+    QXFtpThread record;
+    FillRecord(record, *this, nRetries, pszPath);
+    return RunReportedOperation({.client = *this, .record = record, .worker = &FTPFileExistsThr},
+                                {.site = sites::kFileExists, .paths = {.first = pszPath}},
+                                IsSet(m_bInitialized) && pszPath != nullptr,
+                                [&] { return FTPFileExists(pszPath, 1, nPollArg1, nPollArg2) != 0; });
+  });
+}
+
+QXBool TQXIP::FTPIsDirectory(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
+                             QXHostValue nPollArg2) {
+  return GuardOperation([&]() -> QXBool {
+    if (!IsSet(m_bInitialized) || pszPath == nullptr || *pszPath == '\0') return 0;
+    return FTPDirExist(pszPath, nRetries, nPollArg1, nPollArg2);
+  });
+}
+
+std::uint32_t TQXIP::FTPFileSize(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
+                                 QXHostValue nPollArg2) {
+  return GuardOperation([&]() -> std::uint32_t {
+    FileSizeThread record;
+    FillRecord(record, *this, nRetries, pszPath);
+    const bool checked = IsSet(m_bInitialized) && pszPath != nullptr && *pszPath != '\0';
+    bool abandoned = false;
+    const bool ok = RunOperation(
+        {.client = *this, .record = record, .worker = &FTPFileSizeThr}, checked,
+        [&] { return FTPFileSize(pszPath, 1, nPollArg1, nPollArg2) != 0; }, abandoned);
+    return ok ? record.nFileSize : 0;
+  });
+}

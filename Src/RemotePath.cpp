@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#include "Src/RemotePath.h"
+
+#include "framework/platform/last_error.h"
+
+bool MayGoToServer(const char* name) noexcept {
+  if (name == nullptr || IsSafeRemotePath(name)) return true;
+  platform::setLastError(platform::kErrorInvalidParameter);
+  return false;
+}
+
+bool MakeFtpPath(const char* name, PathText& path) noexcept {
+  if (MayGoToServer(name) && path.assign(name)) ToFtpPath(path.data());
+  if (!path.empty()) return true;
+  platform::setLastError(platform::kErrorInvalidParameter);
+  return false;
+}

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+// What may become of a host's text on its way to a server.
+#pragma once
+
+#include "support/Paths.h"
+
+// False, with the last error 87, for a path that is too long for the client or has a control character. Null
+// and "" pass: each operation has its own answer to those.
+[[nodiscard]] bool MayGoToServer(const char* name) noexcept;
+
+// Copies `name` and turns it into an FTP path. False, with the last error 87, for null, "", an over-long path
+// or one with a control character.
+[[nodiscard]] bool MakeFtpPath(const char* name, PathText& path) noexcept;

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+// The operations that are waiting for a worker right now. A host may free its client from a message that such
+// an operation dispatched, or from another thread; the dying client then ends the workers that use it, and
+// the waiting operations learn that their client is gone and touch it no more.
+#pragma once
+
+#include <atomic>
+#include <thread>
+
+#include "framework/platform/worker_thread.h"
+
+class TQXIP;
+
+class RunningOperation {
+ public:
+  explicit RunningOperation(TQXIP& client);
+  // Whoever leaves without having waited (an exception of the host's message handler) must not leave the
+  // worker behind: it uses the record on this stack.
+  ~RunningOperation();
+  RunningOperation(const RunningOperation&) = delete;
+  RunningOperation& operator=(const RunningOperation&) = delete;
+
+  [[nodiscard]] platform::WorkerThread& Worker() noexcept { return m_worker; }
+
+  // The client has been destroyed.
+  [[nodiscard]] bool IsOrphaned() const noexcept { return m_orphaned.load(std::memory_order_acquire); }
+
+  // Asks the worker to stop and waits until it has ended, dispatching messages meanwhile. Does nothing
+  // without a running worker.
+  void Kill() noexcept;
+
+  // Ends the workers of every running operation of `client`, and waits until the operations of other threads
+  // have left it. Call it while the client is still whole.
+  static void Abandon(TQXIP& client) noexcept;
+
+ private:
+  TQXIP* const m_client;
+  const std::thread::id m_owner = std::this_thread::get_id();
+  platform::WorkerThread m_worker;
+  std::atomic<bool> m_orphaned{false};
+};

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+// The retry rule of the operations without a worker: a failed run calls the operation again through its own
+// slot with one retry less, and the lines of each run come after those of the run inside it. A slot that no
+// host has replaced is retried in a loop, so that neither stack nor memory grow with the retry count.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+
+#include "Src/QXIP.h"
+#include "framework/platform/stop_token.h"
+
+enum class Slot : std::size_t {
+  FTPGetDirectory = 31,
+  FTPDownloadFile = 32,
+  FTPUploadFile = 33,
+  FTPHasSubDir = 34,
+  FTPCountFolderItems = 35
+};
+
+// True while the client's slot is the library's own function.
+[[nodiscard]] bool HasOwnSlot(const TQXIP& client, Slot slot) noexcept;
+
+// Remembers the library's own table; called by the constructor of the client, whose table it is at that
+// moment.
+void NoteOwnTable(const TQXIP& client) noexcept;
+
+struct RetryRule {
+  Slot slot;
+  std::chrono::milliseconds pause{10};
+  bool failedRunStaysFailed = false;  // a run whose retry succeeds still reports its own failure
+};
+
+// `run` makes one run and answers whether it succeeded. `again(retries)` calls the slot. `end(failed)` writes
+// a run's last lines. Returns the outcome that the caller sees.
+template <typename Run, typename Again, typename End>
+bool RetryThroughSlot(TQXIP& client, std::uint32_t& retries, const RetryRule& rule, Run&& run, Again&& again,
+                      End&& end) {
+  std::uint64_t failedRuns = 0;
+  bool innermostIsOurs = true;
+  bool ok = run();
+  while (!ok && retries > 0) {
+    platform::stoppableSleep(rule.pause);
+    --retries;
+    ++failedRuns;
+    innermostIsOurs = HasOwnSlot(client, rule.slot);
+    ok = innermostIsOurs ? run() : again(retries);
+    if (!innermostIsOurs) break;
+  }
+  platform::throwIfStopped();
+  if (innermostIsOurs) end(!ok);
+  for (; failedRuns > 0; --failedRuns) end(rule.failedRunStaysFailed || !ok);
+  return ok;
+}

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#include "Src/TInternetSession.h"
+
+#include "Src/OperationGuard.h"
+#include "Src/QXIP.h"
+#include "framework/internet/InternetErrors.h"
+
+TInternetSession::TInternetSession(QXErrorInfo* pErrorInfo, TQXIP* pQXIP, StatusDispatcher dispatcher)
+    : CInternetSession(nullptr, 1, 0, nullptr, nullptr, 0),
+      m_owner{pQXIP, pErrorInfo},
+      m_dispatcher(dispatcher) {}
+
+TInternetSession::~TInternetSession() { Close(); }
+
+void TInternetSession::OnStatusCallback(std::uintptr_t context, std::uint32_t status, void* information,
+                                        std::uint32_t informationLength) {
+  if (m_dispatcher != nullptr) m_dispatcher(m_owner, context, status, information, informationLength);
+}
+
+void DispatchStatus(const SessionOwner& owner, std::uintptr_t /*context*/, std::uint32_t status,
+                    void* /*information*/, std::uint32_t /*informationLength*/) {
+  if (owner.pQXIP == nullptr || owner.pErrorInfo == nullptr) return;
+  // A cancelled worker closes its sockets on its way out; that is no news about the client's connection.
+  if (platform::stopRequested()) return;
+  const AFX_MAINTAIN_STATE2 moduleState(AfxGetAppModuleState());
+  switch (status) {
+    case internet::kStatusNameResolved:
+    case internet::kStatusRequestComplete:
+      owner.pQXIP->OnSuccess();
+      break;
+    case internet::kStatusConnecting:
+      owner.pQXIP->OnConnect();
+      break;
+    case internet::kStatusClosing:
+    case internet::kStatusClosed:
+      owner.pQXIP->OnDisconnect();
+      break;
+    default:
+      break;
+  }
+}
+
+TInternetSession* NewSession(TQXIP& client) {
+  auto* session = new TInternetSession(client.m_pErrorInfo, &client, &DispatchStatus);
+  session->EnableStatusCallback();
+  return session;
+}

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+// FTPDownloadFile and FTPUploadFile: whole files over a connection of their own, on the caller's thread. They
+// work even on a client that is not initialised.
+#include "Src/MessageLines.h"
+#include "Src/OperationGuard.h"
+#include "Src/PrivateConnection.h"
+#include "Src/QXIP.h"
+#include "Src/RemotePath.h"
+#include "Src/SlotRetry.h"
+#include "framework/File.h"
+#include "framework/platform/last_error.h"
+#include "support/Diagnostics.h"
+
+namespace {
+
+bool bothGiven(const char* first, const char* second) {
+  if (first != nullptr && *first != '\0' && second != nullptr && *second != '\0') return true;
+  platform::setLastError(platform::kErrorInvalidParameter);
+  return false;
+}
+
+// A remote file whose size query answers 0 cannot be told from a missing one: an existing local file then
+// counts as the download, its content stays as it was. Why the transfer itself failed is not forgotten
+// meanwhile.
+bool acceptEmptyRemote(TQXIP& client, const char* target, const char* local) {
+  const platform::LastErrorKeeper reason;
+  if (client.FTPFileSize(target, 1, 0, 0) != 0) return false;
+  CFile file;
+  const bool opened = file.Open(local, CFile::modeWrite);
+  ClearErrorInfo(client.m_pErrorInfo);
+  return opened;
+}
+
+// A refused upload of a local file that exists and has content counts as done; hosts rely on it. An empty
+// file is tried once more as a write of no bytes.
+bool acceptRefusedUpload(TQXIP& client, const char* target, const char* local) {
+  const platform::LastErrorKeeper reason;
+  CFile file;
+  if (!file.Open(local, CFile::modeRead)) return false;
+  try {
+    if (file.GetLength() != 0) return true;
+  } catch (CFileException* exception) {
+    exception->Delete();
+    return false;
+  }
+  const bool written = client.FTPWriteFile(target, "", 0, 0, 1, 3, 0, 0) != 0;
+  ClearErrorInfo(client.m_pErrorInfo);
+  return written;
+}
+
+using Transfer = bool (*)(TQXIP& client, CFtpConnection& connection, const char* target, const char* local);
+
+bool download(TQXIP& client, CFtpConnection& connection, const char* target, const char* local) {
+  return connection.GetFile(target, local) || acceptEmptyRemote(client, target, local);
+}
+
+bool upload(TQXIP& client, CFtpConnection& connection, const char* target, const char* local) {
+  return connection.PutFile(local, target) || acceptRefusedUpload(client, target, local);
+}
+
+bool transferOnce(TQXIP& client, const char* remote, const char* local, Transfer transfer) {
+  if (!MayGoToServer(remote)) return false;
+  PrivateConnection connection(client);
+  PathText target;
+  return connection.Open() && bothGiven(remote, local) && MakeFtpPath(remote, target) &&
+         transfer(client, *connection.Connection(), target.c_str(), local);
+}
+
+struct TransferOperation {
+  const FailureSite& site;
+  LinePaths paths;
+  Slot slot;
+  Transfer transfer;
+};
+
+template <typename Again>
+QXBool runTransfer(TQXIP& client, const TransferOperation& operation, const char* remote, const char* local,
+                   std::uint32_t retries, Again&& again) {
+  const auto run = [&] {
+    WriteEntryLine(client, operation.site, operation.paths);
+    return transferOnce(client, remote, local, operation.transfer);
+  };
+  const auto end = [&](bool failed) { EndWithReport(client, operation.site, operation.paths, failed); };
+  return RetryThroughSlot(client, retries, {.slot = operation.slot}, run, again, end) ? 1 : 0;
+}
+
+}  // namespace
+
+QXBool TQXIP::FTPDownloadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) {
+  return GuardOperation([&] {
+    const LinePaths paths{.first = pszRemote, .second = pszLocal, .isPair = true, .join = FailedJoin::tight};
+    return runTransfer(
+        *this, {sites::kDownloadFile, paths, Slot::FTPDownloadFile, &download}, pszRemote, pszLocal, nRetries,
+        [&](std::uint32_t retries) { return FTPDownloadFile(pszRemote, pszLocal, retries) != 0; });
+  });
+}
+
+QXBool TQXIP::FTPUploadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) {
+  return GuardOperation([&] {
+    const LinePaths paths{.first = pszLocal, .second = pszRemote, .isPair = true, .join = FailedJoin::tight};
+    return runTransfer(
+        *this, {sites::kUploadFile, paths, Slot::FTPUploadFile, &upload}, pszRemote, pszLocal, nRetries,
+        [&](std::uint32_t retries) { return FTPUploadFile(pszRemote, pszLocal, retries) != 0; });
+  });
+}

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include "Src/WorkerFrame.h"
+
+#include <new>
+
+#include "Src/MessageLines.h"
+#include "Src/SharedFlag.h"
+#include "framework/ModuleState.h"
+#include "framework/platform/last_error.h"
+#include "framework/platform/stop_token.h"
+
+namespace {
+
+AttemptOutcome RunOnce(QXFtpThread& record, const WorkerShape& shape, Attempt attempt) {
+  if (shape.entryLine != nullptr) WriteEntryLine(*record.pQXIP, *shape.entryLine, {.first = record.pszName});
+  AttemptOutcome outcome;
+  try {
+    outcome = attempt(record);
+  } catch (const std::bad_alloc&) {
+    outcome = {.ok = false, .error = platform::kErrorNotEnoughMemory};
+  }
+  platform::throwIfStopped();
+  if (shape.storesOutcome) record.bResult = outcome.ok ? 1 : 0;
+  return outcome;
+}
+
+void EndRun(QXFtpThread& record, const WorkerShape& shape, const AttemptOutcome& outcome) {
+  platform::throwIfStopped();
+  if (shape.failedLine != nullptr) {
+    TQXIP& client = *record.pQXIP;
+    WriteFailedLine(client, *shape.failedLine, {.first = record.pszName});
+    if (!outcome.ok && shape.reportsAttemptError) {
+      ReportFailure(client, shape.failedLine->line, client.m_szMessage, outcome.error);
+    } else if (!outcome.ok) {
+      platform::setLastError(outcome.error);
+      ReportFailure(client, shape.failedLine->line, client.m_szMessage);
+    }
+  }
+  SetFlag(record.bDone, true);
+}
+
+}  // namespace
+
+void RunWorker(void* argument, const WorkerShape& shape, Attempt attempt) {
+  if (argument == nullptr) return;
+  QXFtpThread& record = *static_cast<QXFtpThread*>(argument);
+  const AFX_MAINTAIN_STATE2 moduleState(AfxGetAppModuleState());
+  AttemptOutcome failed;
+  std::uint64_t failedRuns = 0;
+  AttemptOutcome outcome = RunOnce(record, shape, attempt);
+  while (!outcome.ok && *record.pRetries > 0) {
+    platform::stoppableSleep(shape.pause);
+    --*record.pRetries;
+    ++failedRuns;
+    failed = outcome;
+    outcome = RunOnce(record, shape, attempt);
+  }
+  if (shape.spendsRetries && failedRuns > 0) *record.pRetries = 0;
+  EndRun(record, shape, outcome);
+  for (; failedRuns > 0; --failedRuns) EndRun(record, shape, failed);
+}

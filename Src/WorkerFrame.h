@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+// The worker's side of every operation: the module state, the lines, the retry rule and the done flag around
+// the few lines that make the operation. A worker that is asked to stop leaves by OperationStopped from
+// wherever it is and writes nothing more.
+#pragma once
+
+#include <chrono>
+
+#include "Src/FailureSites.h"
+#include "Src/FtpThread.h"
+
+// How one attempt ended; `error` is the last-error value that goes with a failure.
+struct AttemptOutcome {
+  bool ok = false;
+  std::uint32_t error = 0;
+};
+
+using Attempt = AttemptOutcome (*)(QXFtpThread& record);
+
+struct WorkerShape {
+  const FailureSite* entryLine = nullptr;   // none: no entry line
+  const FailureSite* failedLine = nullptr;  // none: neither failed line nor report
+  std::chrono::milliseconds pause{0};       // before a retry
+  bool storesOutcome = true;         // bResult = the attempt's outcome; else the attempt stores an answer
+  bool spendsRetries = false;        // a retry, whatever came of it, uses the retry count up
+  bool reportsAttemptError = false;  // the report stores the attempt's error number
+};
+
+// Runs `attempt` on the QXFtpThread at `argument` until it succeeds or *pRetries is used up. A failed
+// attempt's lines come after those of the attempts that followed it, as if each retry ran inside the attempt
+// before it; the stack does not grow with the retry count.
+void RunWorker(void* argument, const WorkerShape& shape, Attempt attempt);
