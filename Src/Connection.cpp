@@ -110,7 +110,7 @@ QXBool TQXIP::FTPDisconnect() {
       }
       OnAfterDisconnect();
     } else {
-      ReportFailure(*this, sites::kDisconnectLine, "TQXIP::FTPDisconnect failed!");
+      ReportTitled(*this, sites::kDisconnectLine, "TQXIP::FTPDisconnect failed!");
     }
     return ok ? 1 : 0;
   });
@@ -119,14 +119,14 @@ QXBool TQXIP::FTPDisconnect() {
 // Neither a firewall nor a proxy is supported: both answer with a failure whatever they are given.
 QXBool TQXIP::FTPSetFirewall(std::uint32_t /*nKind*/, QXBool /*bFlag*/, QXHostValue /*nValue*/) {
   return GuardOperation([&]() -> QXBool {
-    ReportFailure(*this, sites::kSetFirewallLine, "TQXIP::FTPSetFirewall failed!");
+    ReportTitled(*this, sites::kSetFirewallLine, "TQXIP::FTPSetFirewall failed!");
     return 0;
   });
 }
 
 QXBool TQXIP::FTPSetProxy(const char* /*pszProxy*/, std::uint32_t /*nValue*/) {
   return GuardOperation([&]() -> QXBool {
-    ReportFailure(*this, sites::kSetProxyLine, "TQXIP::FTPSetProxy failed!");
+    ReportTitled(*this, sites::kSetProxyLine, "TQXIP::FTPSetProxy failed!");
     return 0;
   });
 }

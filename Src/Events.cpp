@@ -65,16 +65,16 @@ void TQXIP::OnIPError(std::uint32_t nError, const char* pszText, std::uint32_t* 
 
 void TQXIP::OnAuthenticationFailed() {
   GuardOperation(
-      [&] { ReportFailure(*this, sites::kAuthenticationFailedLine, "TQXIP::Authentication failed!"); });
+      [&] { ReportTitled(*this, sites::kAuthenticationFailedLine, "TQXIP::Authentication failed!"); });
 }
 
 void TQXIP::OnAuthenticationNeeded() {
   GuardOperation(
-      [&] { ReportFailure(*this, sites::kAuthenticationNeededLine, "TQXIP::Authentication needed!"); });
+      [&] { ReportTitled(*this, sites::kAuthenticationNeededLine, "TQXIP::Authentication needed!"); });
 }
 
 void TQXIP::OnFailure() {
-  GuardOperation([&] { ReportFailure(*this, sites::kFailureLine, "TQXIP::Failure!"); });
+  GuardOperation([&] { ReportTitled(*this, sites::kFailureLine, "TQXIP::Failure!"); });
 }
 
 void TQXIP::OnConnect() {

@@ -46,6 +46,11 @@ void EndWithReport(TQXIP& client, const FailureSite& site, const LinePaths& path
   if (failed) ReportFailure(client, site.line, client.m_szMessage);
 }
 
+void ReportTitled(TQXIP& client, int line, const char* title) {
+  WriteMessage(client, "%s", title);
+  ReportFailure(client, line, title);
+}
+
 void ReportFailure(TQXIP& client, int line, const char* title) {
   if (!platform::stopRequested()) TraceFailure(client.m_pErrorInfo, line, title);
 }

@@ -29,6 +29,10 @@ void WriteFailedLine(TQXIP& client, const FailureSite& site, const LinePaths& pa
 // The failed line and, when `failed`, the failure report titled by it.
 void EndWithReport(TQXIP& client, const FailureSite& site, const LinePaths& paths, bool failed);
 
+// For operations and events without a path: `title` into the message buffer, and the failure report titled by
+// it.
+void ReportTitled(TQXIP& client, int line, const char* title);
+
 // The failure report titled by `title` with the thread's last error, or with `error`.
 void ReportFailure(TQXIP& client, int line, const char* title);
 void ReportFailure(TQXIP& client, int line, const char* title, std::uint32_t error);

@@ -62,8 +62,9 @@ bool transferOnce(TQXIP& client, const char* remote, const char* local, Transfer
   if (!MayGoToServer(remote)) return false;
   PrivateConnection connection(client);
   PathText target;
-  return connection.Open() && bothGiven(remote, local) && MakeFtpPath(remote, target) &&
-         transfer(client, *connection.Connection(), target.c_str(), local);
+  if (!connection.Open() || !bothGiven(remote, local) || !MakeFtpPath(remote, target)) return false;
+  ToFtpPath(target.data());  // twice: of three leading slashes one remains
+  return transfer(client, *connection.Connection(), target.c_str(), local);
 }
 
 struct TransferOperation {
