@@ -10,7 +10,6 @@
 class TQXIP : public TQXIPIFInt {
  public:
   explicit TQXIP(QXErrorInfo* pErrorInfo, QXBool bOption = 0);
-  ~TQXIP();
 
   QXBool FillWipePattern(std::uint32_t nValue, std::uint32_t nCount) override;
   QXBool WipeWith(const char* pszPath, std::uint32_t nPattern, std::uint32_t nRetries) override;
@@ -87,6 +86,9 @@ class TQXIP : public TQXIPIFInt {
                      std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) override;
   QXBool FTPFreeFileAPI(void* pData) override;
   QXBool FTPRenameFile(const char* pszOld, const char* pszNew, std::uint32_t nRetries) override;
+
+ protected:
+  ~TQXIP();  // clients end through Release or slot 3
 
  private:
   void ShutDown() noexcept;
