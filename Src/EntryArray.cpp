@@ -11,8 +11,8 @@ constexpr std::size_t kBoundStep = 255;
 }  // namespace
 
 std::size_t EntryCapacity(std::size_t count) noexcept {
-  const std::size_t steps = std::max<std::size_t>((count + kBoundStep - 1) / kBoundStep, 1);
-  return steps * kBoundStep + 1;
+  const std::size_t reached = count > 1 ? (count - 2) / kBoundStep : 0;  // the last entry needs no more room
+  return (reached + 1) * kBoundStep + 1;
 }
 
 std::unique_ptr<QXDirEntry[]> NewEntryArray(std::size_t count) {
