@@ -75,6 +75,7 @@ QXBool TQXIP::FTPConnect(const char* pszHost, const char* pszUser, const char* p
     WriteMessage(*this, "TQXIP::FTPConnect - IN: '%s'", pszHost != nullptr ? pszHost : "NULL");
     bool ok = IsSet(m_bInitialized) && pszHost != nullptr;
     if (ok && !StoreLogin(pszHost, pszUser, pszPassword, nPort, bPassive)) {
+      ReleaseConnection();  // it belongs to login data that is gone
       platform::setLastError(platform::kErrorInvalidParameter);
       ok = false;
     }
