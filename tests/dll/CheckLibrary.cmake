@@ -1,0 +1,16 @@
+# SPDX-License-Identifier: MIT
+# What the built library exports, needs and carries, read from its file.
+if(WIN32)
+  set(arguments
+    --windres "${CMAKE_RC_COMPILER}"
+    --import-library "$<TARGET_LINKER_FILE:ZRM_QXKT32x64>"
+    --import-library "$<TARGET_PROPERTY:qx_msvc_import_library,IMPORT_LIBRARY>")
+elseif(QX_SANITIZE)
+  set(arguments --sanitized)
+else()
+  set(arguments)
+endif()
+add_test(NAME library_file_test COMMAND
+  /usr/bin/python3 "${CMAKE_CURRENT_SOURCE_DIR}/check_library.py"
+  --objdump "${CMAKE_OBJDUMP}" --nm "${CMAKE_NM}" ${arguments} "$<TARGET_FILE:ZRM_QXKT32x64>")
+set_tests_properties(library_file_test PROPERTIES TIMEOUT 60 LABELS dll)

@@ -1,0 +1,90 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: MIT
+"""The built library from outside: it exports the five functions and nothing else, needs only what every system has,
+and the shipped import libraries offer the same five. With --windres it is a DLL, whose resources are read too.
+"""
+
+import argparse
+import pathlib
+import re
+import subprocess
+import sys
+
+EXPORTS = {"CreateQXIPIFInstance", "FreeQXIPIFInstance", "DoFTPConnect", "DllAddRef", "DllRelease"}
+WINDOWS_LIBRARIES = {
+    name + ".dll" for name in ("kernel32", "msvcrt", "ws2_32", "user32", "comctl32", "advapi32", "shell32", "ole32")
+}
+LINUX_LIBRARIES = {"libc.so.6", "libm.so.6", "libgcc_s.so.1", "ld-linux-x86-64.so.2"}
+
+failures = []
+
+
+def check(holds, text):
+    print(("ok      " if holds else "FAILED  ") + text)
+    if not holds:
+        failures.append(text)
+
+
+def run(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def same(found, expected, what):
+    check(set(found) == set(expected), f"{what}: {sorted(found)}")
+
+
+def check_dll(arguments):
+    text = run(arguments.objdump, "-p", arguments.library)
+    table = text.partition("[Ordinal/Name Pointer] Table")[2].partition("\n\n")[0]
+    same(re.findall(r"^\s*\[\s*\d+\].*?(\S+)$", table, re.M), EXPORTS, "exports")
+    needed = [name.lower() for name in re.findall(r"DLL Name: (\S+)", text)]
+    check(needed and set(needed) <= WINDOWS_LIBRARIES, f"needs Windows' own libraries only: {sorted(needed)}")
+    check("DYNAMIC_BASE" in text and "NX_COMPAT" in text, "may be loaded anywhere, its data is not executable")
+    check_resources(run(arguments.windres, "-J", "coff", "-O", "rc", arguments.library))
+
+
+def check_resources(text):
+    check(re.search(r"^\s*FILEVERSION\s+1, ?0, ?0, ?0", text, re.M), "file version 1.0.0.0")
+    manifest = re.search(r"^2 (RT_MANIFEST|24)\b(.*)", text, re.M | re.S)
+    check(manifest, "a manifest as resource 2")
+    check(manifest and "Microsoft.Windows.Common-Controls" in manifest[2], "asks for common controls 6")
+    check("requestedExecutionLevel" not in text, "has no trust level")
+
+
+def check_shared_object(arguments):
+    text = run(arguments.objdump, "-p", arguments.library)
+    same(re.findall(r"SONAME\s+(\S+)", text), [pathlib.Path(arguments.library).name], "own name")
+    symbols = run(arguments.nm, "-D", "--defined-only", arguments.library).split("\n")
+    same([line.split()[2] for line in symbols if line], EXPORTS, "exports")
+    needed = re.findall(r"NEEDED\s+(\S+)", text)
+    if not arguments.sanitized:
+        check(needed and set(needed) <= LINUX_LIBRARIES, f"needs libraries of every system only: {sorted(needed)}")
+    check(not re.search(r"RPATH|RUNPATH", text), "looks for libraries nowhere else")
+
+
+def check_import_library(arguments, path):
+    lines = run(arguments.nm, path).split("\n")
+    functions = {line.split()[-1] for line in lines if " T " in line}
+    same(functions - {".text"}, EXPORTS, pathlib.Path(path).name)
+    imports = {line.split()[-1] for line in lines if " __imp_" in line}
+    same({name.removeprefix("__imp_") for name in imports}, EXPORTS, pathlib.Path(path).name + " (imports)")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("library")
+    parser.add_argument("--objdump", required=True)
+    parser.add_argument("--nm", required=True)
+    parser.add_argument("--windres")
+    parser.add_argument("--import-library", action="append", default=[])
+    parser.add_argument("--sanitized", action="store_true", help="a sanitizer's libraries are needed, too")
+    arguments = parser.parse_args()
+    (check_dll if arguments.windres else check_shared_object)(arguments)
+    for path in arguments.import_library:
+        check_import_library(arguments, path)
+    print(f"{len(failures)} checks failed" if failures else "all checks hold")
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+// A host of Microsoft's C++ ABI, without SDK and run-time library: the public header has a real virtual
+// destructor here, and the shipped import library is linked. It prints the checks that fail; their number is
+// the exit code.
+#include "QXExports.h"
+#include "tests/dll/slot_probe.h"
+
+extern "C" {
+[[noreturn]] void ExitProcess(std::uint32_t nExitCode);
+void* GetStdHandle(std::uint32_t nWhich);
+int WriteFile(void* hFile, const void* pData, std::uint32_t nSize, std::uint32_t* pnWritten,
+              void* pOverlapped);
+}
+
+namespace {
+
+unsigned g_nFailed = 0;
+unsigned g_nChecks = 0;
+// Not on the stack: a frame of more than a page would need a helper of the run-time library.
+QXErrorInfo g_error;
+
+void print(const char* text) {
+  std::uint32_t length = 0;
+  while (text[length] != '\0') ++length;
+  constexpr std::uint32_t kStandardOutput = 0xFFFFFFF5;
+  WriteFile(GetStdHandle(kStandardOutput), text, length, &length, nullptr);
+}
+
+void check(bool holds, const char* what) {
+  ++g_nChecks;
+  if (holds) return;
+  ++g_nFailed;
+  print("failed: ");
+  print(what);
+  print("\n");
+}
+
+#define CHECK(condition) check(condition, #condition)
+
+bool equal(const char* left, const char* right) {
+  for (; *left == *right; ++left, ++right) {
+    if (*left == '\0') return true;
+  }
+  return false;
+}
+
+bool begins(const char* text, const char* start) {
+  for (; *start != '\0'; ++text, ++start) {
+    if (*text != *start) return false;
+  }
+  return true;
+}
+
+std::uint32_t moduleCount() {
+  const std::uint32_t raised = DllAddRef();
+  CHECK(DllRelease() == raised - 1);
+  return raised - 1;
+}
+
+// Which slots this compiler calls, by name and order of the public header.
+void checkSlotOrder() {
+  SlotProbe probe;
+  TQXIPIFInt* const client = probe.client();
+  SlotProbe::taken();
+#define QX_SLOT(number, operation, arguments) \
+  client->operation arguments;                \
+  check(SlotProbe::taken() == number, "slot of " #operation);
+#include "tests/dll/slots.inc"
+#undef QX_SLOT
+  delete client;
+  check(SlotProbe::taken() == 3, "slot of the destructor");
+}
+
+void checkReferences(TQXIPIFInt* client) {
+  CHECK(client->m_nRefCount == 1);
+  CHECK(client->AddRef() == 2);
+  CHECK(client->m_nRefCount == 2);
+  CHECK(FreeQXIPIFInstance(client) == 1);
+  CHECK(client->m_nRefCount == 1);
+}
+
+bool unavailable(TQXIPIFInt* client, const char* message) { return equal(client->m_szMessage, message); }
+
+// Slots on both sides of the destructor that this version answers with a failure: the message names the slot.
+void checkUnavailable(TQXIPIFInt* client) {
+  CHECK(client->FillWipePattern(7, 1) == 0);
+  CHECK(unavailable(client, "TQXIP::FillWipePattern is not available in this version!"));
+  CHECK(client->Wipe("/file") == 0);
+  CHECK(unavailable(client, "TQXIP::Wipe is not available in this version!"));
+  CHECK(client->FTPRmvFile("/file", 0, 0, 0, 0) == 0);
+  CHECK(unavailable(client, "TQXIP::FTPRmvFile is not available in this version!"));
+  CHECK(client->FTPRenameFile("/old", "/new", 0) == 0);
+  CHECK(unavailable(client, "TQXIP::FTPRenameFile is not available in this version!"));
+}
+
+void checkOperations(TQXIPIFInt* client) {
+  CHECK(client->FTPSetLogin("ftp://example.test", "name", "secret", 2121, 1) == 1);
+  CHECK(equal(client->m_RemoteSystem, "example.test"));
+  CHECK(equal(client->m_UserName, "name"));
+  CHECK(equal(client->m_Password, "secret"));
+  CHECK(client->m_nPort == 2121 && client->m_bPassive == 1);
+
+  CHECK(client->GetFinder(0, "m_pFTPDirFind") == nullptr);
+  CHECK(client->GetFinder(0, nullptr) == nullptr);
+  CHECK(client->FTPFileSize(nullptr, 0, 0, 0) == 0);
+  CHECK(client->FTPReConnect(1, 0) == 1);
+}
+
+void checkErrorRecord(TQXIPIFInt* client) {
+  g_error.bSet = 0;
+  CHECK(client->FTPSetProxy("proxy.example.test", 0) == 0);
+  CHECK(g_error.bSet == 1 && g_error.nCode == 1000);
+  CHECK(begins(g_error.szText, "TQXIP::FTPSetProxy failed!"));
+}
+
+// `delete` is this ABI's own way to end a client: its memory goes back to the library.
+void checkDeletion(std::uint32_t nModuleCount) {
+  for (int i = 0; i < 100; ++i) {
+    TQXIPIFInt* const client = CreateQXIPIFInstance(nullptr);
+    CHECK(client != nullptr && moduleCount() == nModuleCount + 1);
+    delete client;
+    CHECK(moduleCount() == nModuleCount);
+  }
+}
+
+}  // namespace
+
+extern "C" void hostMain() {
+  checkSlotOrder();
+  const std::uint32_t before = moduleCount();
+  TQXIPIFInt* const client = CreateQXIPIFInstance(&g_error);
+  CHECK(client != nullptr);
+  if (client != nullptr) {
+    CHECK(moduleCount() == before + 1);
+    CHECK(client->m_pErrorInfo == &g_error);
+    checkReferences(client);
+    checkUnavailable(client);
+    checkOperations(client);
+    checkErrorRecord(client);
+    delete client;
+    CHECK(moduleCount() == before);
+    checkDeletion(before);
+  }
+  CHECK(FreeQXIPIFInstance(nullptr) == 0);
+  CHECK(DoFTPConnect(nullptr, "example.test", "", "", 21, 0, 0, nullptr) == 0);
+  check(g_nChecks > 300, "every group of checks has run");
+  if (g_nFailed == 0) print("foreign host: all checks hold\n");
+  ExitProcess(g_nFailed);
+}

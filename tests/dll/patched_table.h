@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+// A host's own hooks: a copy of the client's table with some slots replaced. Hosts without C++ override like
+// this.
+#pragma once
+
+#include <cstring>
+
+#include "tests/dll/library.h"
+
+class PatchedTable {
+ public:
+  explicit PatchedTable(TQXIPIFInt* client) : m_client(client), m_original(table()) {
+    std::memcpy(m_entries, m_original - kBefore, sizeof m_entries);
+    table() = m_entries + kBefore;
+  }
+  ~PatchedTable() { table() = m_original; }
+  PatchedTable(const PatchedTable&) = delete;
+  PatchedTable& operator=(const PatchedTable&) = delete;
+
+  template <typename Function>
+  void replace(std::size_t slot, Function* hook) {
+    m_entries[kBefore + slot] = reinterpret_cast<void*>(hook);
+  }
+
+ private:
+  void**& table() const { return *reinterpret_cast<void***>(m_client); }
+
+  static constexpr std::size_t kBefore = 2;  // what compilers keep in front of the slots
+  TQXIPIFInt* m_client;
+  void** m_original;
+  void* m_entries[kBefore + 51];
+};
