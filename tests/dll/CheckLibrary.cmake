@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# What the built library exports, needs and carries, read from its file.
+# What the built library exports, needs and carries, read from its file, and what is said of that elsewhere.
 if(WIN32)
   set(arguments
     --windres "${CMAKE_RC_COMPILER}"
@@ -13,4 +13,6 @@ endif()
 add_test(NAME library_file_test COMMAND
   /usr/bin/python3 "${CMAKE_CURRENT_SOURCE_DIR}/check_library.py"
   --objdump "${CMAKE_OBJDUMP}" --nm "${CMAKE_NM}" ${arguments} "$<TARGET_FILE:ZRM_QXKT32x64>")
-set_tests_properties(library_file_test PROPERTIES TIMEOUT 60 LABELS dll)
+add_test(NAME interface_documents_test COMMAND
+  /usr/bin/python3 "${CMAKE_CURRENT_SOURCE_DIR}/check_documents.py" "${CMAKE_SOURCE_DIR}")
+set_tests_properties(library_file_test interface_documents_test PROPERTIES TIMEOUT 60 LABELS dll)

@@ -10,27 +10,16 @@ import re
 import subprocess
 import sys
 
+from checks import check, exit_code, same
+
 EXPORTS = {"CreateQXIPIFInstance", "FreeQXIPIFInstance", "DoFTPConnect", "DllAddRef", "DllRelease"}
 WINDOWS_LIBRARIES = {
     name + ".dll" for name in ("kernel32", "msvcrt", "ws2_32", "user32", "comctl32", "advapi32", "shell32", "ole32")
 }
 LINUX_LIBRARIES = {"libc.so.6", "libm.so.6", "libgcc_s.so.1", "ld-linux-x86-64.so.2"}
 
-failures = []
-
-
-def check(holds, text):
-    print(("ok      " if holds else "FAILED  ") + text)
-    if not holds:
-        failures.append(text)
-
-
 def run(*command):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout
-
-
-def same(found, expected, what):
-    check(set(found) == set(expected), f"{what}: {sorted(found)}")
 
 
 def check_dll(arguments):
@@ -82,8 +71,7 @@ def main():
     (check_dll if arguments.windres else check_shared_object)(arguments)
     for path in arguments.import_library:
         check_import_library(arguments, path)
-    print(f"{len(failures)} checks failed" if failures else "all checks hold")
-    return 1 if failures else 0
+    return exit_code()
 
 
 if __name__ == "__main__":

@@ -1,0 +1,56 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: MIT
+"""check_documents.py ROOT: the slots and exports say the same in the public headers, the documents, the export lists
+and the black-box tests."""
+
+import pathlib
+import re
+import sys
+
+from checks import check, exit_code
+
+def header_slots(text):
+    """The virtual functions in order. The destructor is declared twice there, for two families of compilers."""
+    text = re.sub(r"#if defined\(_MSC_VER\)\n.*?#else\n", "", text, count=1, flags=re.S)
+    return re.findall(r"virtual [^;(]*?(\w+)\(", re.sub(r"//.*", "", text))
+
+
+def document_slots(text):
+    rows = re.findall(r"^\| (\d+) \| `?(\w+)`? \|", text.partition("| slot |")[2].partition("\n\n")[0], re.M)
+    return [(int(number), name) for number, name in rows]
+
+
+def test_slots(text):
+    return [(int(number), name) for number, name in re.findall(r"^QX_SLOT\((\d+), (\w+),", text, re.M)]
+
+
+def check_slots(root):
+    slots = list(enumerate(header_slots((root / "include/QXIPInt.h").read_text())))
+    check(len(slots) == 51, f"the header has {len(slots)} slots")
+    check(slots[3] == (3, "DeletingDestructor"), "slot 3 is the destructor")
+    slots[3] = (3, "destructor")
+    check(document_slots((root / "docs/binary-interface.md").read_text()) == slots, "the document's slots")
+    del slots[3]
+    check(test_slots((root / "tests/dll/slots.inc").read_text()) == slots, "the slots that tests call")
+
+
+def check_exports(root):
+    declared = re.findall(r"^QX_EXPORT .*?(\w+)\(", (root / "include/QXExports.h").read_text(), re.M)
+    check(len(declared) == 5, f"the header declares {declared}")
+    definition = (root / "module/ZRM_QXKT32x64.def").read_text().partition("EXPORTS")[2]
+    check(re.findall(r"\w+", definition) == declared, "the .def file's exports")
+    script = (root / "module/exports.map").read_text().partition("global:")[2].partition("local:")[0]
+    check(re.findall(r"\w+", script) == declared, "the version script's exports")
+    table = (root / "docs/binary-interface.md").read_text().partition("| export |")[2].partition("\n\n")[0]
+    check(re.findall(r"^\| `(\w+)`", table, re.M) == declared, "the document's exports")
+
+
+def main():
+    root = pathlib.Path(sys.argv[1])
+    check_slots(root)
+    check_exports(root)
+    return exit_code()
+
+
+if __name__ == "__main__":
+    sys.exit(main())
