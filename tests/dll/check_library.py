@@ -18,6 +18,7 @@ WINDOWS_LIBRARIES = {
 }
 LINUX_LIBRARIES = {"libc.so.6", "libm.so.6", "libgcc_s.so.1", "ld-linux-x86-64.so.2"}
 
+
 def run(*command):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout
 
