@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The exchange of command lines and replies on one control connection, with the notifications 10 to 51.
-// Failures are thrown as internet::Failure (12002, 12007, 12029, 12030, 12031). A failure, or a stop, between
-// a command and its reply leaves the replies out of step, so it closes the connection.
+// Failures are thrown as internet::Failure (12002, 12007, 12029, 12030, 12031, 12152) and close the
+// connection. Whoever leaves between a command and its reply (a stop, a failure elsewhere) drops it too:
+// awaiting() tells.
 #pragma once
 
 #include <chrono>
@@ -34,22 +35,28 @@ class ControlChannel {
   // Sends what was queued and `line` in one go (30, 31).
   void send(std::string_view line);
   // Keeps `line` back for the next send(); the reply is taken ahead of that command's own.
-  void queue(std::string line, ReplyHandler handler);
+  void queue(std::string_view line, ReplyHandler handler);
   // Sends `line` now without waiting for its reply, which is taken before the next command goes out. Closes
   // the connection when it cannot take the line at once.
   void sendAhead(std::string_view line, ReplyHandler handler) noexcept;
 
-  // The next reply (40, 41), after the handlers of what went ahead have had theirs. 12002 after `limit`.
+  // The next reply (40, 41), after the handlers of what went ahead have had theirs. A reply of 421 closes the
+  // connection and counts as 12030.
   FtpReply reply(std::chrono::milliseconds limit);
-  // The same without waiting: none when it has not come yet.
-  std::optional<FtpReply> pollReply();
+  // The same without failing: none when the reply has not come within `limit`, or when the connection is
+  // closed.
+  std::optional<FtpReply> tryReply(std::chrono::milliseconds limit);
+  // The final reply to the last command has not come yet.
+  [[nodiscard]] bool awaiting() const noexcept { return awaiting_; }
+  // A reply is here already, so readInterest() may never become ready for it.
+  [[nodiscard]] bool replyReady() const noexcept { return reader_.replyReady(); }
 
   // For waits on something else that end early when the server speaks.
   [[nodiscard]] platform::SocketInterest readInterest() noexcept;
   [[nodiscard]] std::optional<platform::SocketAddress> localAddress() noexcept;
   [[nodiscard]] std::optional<platform::SocketAddress> peerAddress() noexcept;
 
-  // True when the server has closed the idle connection, or speaks unasked (421) and is thus about to.
+  // Waits at the idle connection; true at once when it is closed, or the server is about to (421).
   bool closedWhileIdle(std::chrono::milliseconds duration);
 
   // Closes at once, without a word.
@@ -59,20 +66,34 @@ class ControlChannel {
 
   // Reports 50 and 51 once for a connection that was announced by 20 and is closed now.
   void reportClosed();
+  // Silent on a thread that was asked to stop.
   void notify(std::uint32_t status, std::string text = {});
-  // Requests that were answered since the last call (for notification 100).
+  // True when a command has had its final reply since the last call (for notification 100).
   [[nodiscard]] bool takeAnswered() noexcept;
 
  private:
+  void requireOpen() const;
+  void settle();
+  void transmit(std::string_view bytes);
+  std::optional<FtpReply> nextReply(const Deadline& deadline);
+  std::optional<FtpReply> takeReply();
+  void deliverAhead();
+  bool receiveMore(const Deadline& deadline);
+  void accept(const FtpReply& reply);
+  void closeWith(std::uint32_t error, std::string serverText = {}) noexcept;
+
   std::shared_ptr<SessionLink> session_;
   std::unique_ptr<Sock> sock_;
   FtpReplyReader reader_;
-  std::string queued_;
-  std::deque<ReplyHandler> ahead_;  // handlers of the replies to come before the command's own
-  bool settleFirst_ = false;        // a line sent ahead must be answered before the next command
-  std::string aheadFailure_;
+  std::string queued_;              // whole lines
+  std::deque<ReplyHandler> ahead_;  // of the replies that come before the command's own
+  bool settleFirst_ = false;        // what was sent ahead must be answered before the next command
+  std::string aheadRefusal_;
+  bool awaiting_ = false;
   bool announced_ = false;  // 20 was reported, 50 and 51 not yet
   bool answered_ = false;
+  std::uint32_t closeError_;  // why the connection is closed, and the server's last words
+  std::string closeText_;
 };
 
 }  // namespace internet

@@ -5,8 +5,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
-#include <utility>
 
 namespace internet {
 
@@ -15,15 +15,17 @@ struct Failure {
   std::string serverText;  // for kExtendedError: the server's own words
 };
 
-[[noreturn]] inline void fail(std::uint32_t error, std::string serverText = {}) {
-  throw Failure{error, std::move(serverText)};
-}
+// Throws a Failure. Control bytes of the server's text, but for its line ends, come out as '?'.
+[[noreturn]] void fail(std::uint32_t error, std::string serverText = {});
 
-// Runs `work`; every failure becomes false with the thread's last error set as the last act. std::bad_alloc
-// counts as error 8. OperationStopped passes through.
+// Runs `work` and hands back its failure; std::bad_alloc counts as error 8. Keeps the thread's last error.
+// OperationStopped passes through, here and below.
+std::optional<Failure> attempt(const std::function<void()>& work);
+
+// Runs `work`; a failure becomes false with the thread's last error set as the last act.
 bool answer(const std::function<void()>& work);
 
-// Runs `work`; every failure becomes a thrown CInternetException*. OperationStopped passes through.
+// Runs `work`; a failure becomes a thrown CInternetException*.
 void raising(const std::function<void()>& work);
 
 [[noreturn]] void throwAsException(const Failure& failure);

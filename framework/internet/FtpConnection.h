@@ -2,8 +2,8 @@
 // One logged-in FTP control connection. Transfers are binary. Except where said otherwise a function answers
 // false with the thread's last error set (set as the very last act) and never throws an internet exception:
 // 12003 for the server's refusal (its text: LastServerText), 12002, 12030, 12031, 12110 while a file is open,
-// 87 for a null, empty or over-long argument or one with a byte below 0x20 or 0x7f (refused before anything is
-// sent). Every wait may leave by OperationStopped.
+// 87 for a null, empty or over-long argument or one with a byte below 0x20 or 0x7f (refused before anything
+// is sent). Every wait may leave by OperationStopped.
 #pragma once
 
 #include <chrono>
@@ -36,8 +36,8 @@ class CFtpConnection {
   bool SetCurrentDirectory(const char* path);
 
   // Remote file to local file. With `failIfExists` an existing local file is refused (80) before anything is
-  // sent. On failure a local file that this call created is deleted. A transfer that ended short of the size that
-  // the server announced is a failure.
+  // sent. On failure a local file that this call created is deleted. A transfer that ended short of the size
+  // that the server announced is a failure.
   bool GetFile(const char* remote, const char* local, bool failIfExists = true,
                std::uint32_t attributes = platform::kFileAttributeNormal,
                std::uint32_t flags = internet::kTransferTypeBinary, std::uintptr_t context = 1);
@@ -45,18 +45,18 @@ class CFtpConnection {
   bool PutFile(const char* local, const char* remote, std::uint32_t flags = internet::kTransferTypeBinary,
                std::uintptr_t context = 1);
 
-  // Opens a remote file for reading (kGenericRead) or for writing from its start (kGenericWrite). The server has
-  // accepted the transfer when this returns. The caller closes and deletes the file; until it is closed the
-  // connection does nothing else. Throws CInternetException*.
+  // Opens a remote file for reading (kGenericRead) or for writing from its start (kGenericWrite). The server
+  // has accepted the transfer when this returns. The caller closes and deletes the file; until it is closed
+  // the connection does nothing else. Throws CInternetException*.
   CInternetFile* OpenFile(const char* path, std::uint32_t access,
                           std::uint32_t flags = internet::kTransferTypeBinary, std::uintptr_t context = 1);
 
-  // Waits for `duration` at the idle control connection. True when the connection was (or already is) closed by
-  // the server: seen here for the first time it is reported as 50 and 51. False when the time has passed.
+  // Waits for `duration` at the idle control connection. True when the connection was (or already is) closed
+  // by the server: seen here for the first time it is reported as 50 and 51. False when the time has passed.
   bool WaitIdle(std::chrono::milliseconds duration);
 
-  // Sends QUIT without waiting for its answer and closes (50, 51, 70). May be called twice, and after the session
-  // is gone. Never throws; keeps the last error.
+  // Sends QUIT without waiting for its answer and closes (50, 51, 70). May be called twice, and after the
+  // session is gone. Never throws; keeps the last error.
   void Close() noexcept;
 
   // The text of the server's last refusal (code and text), "" if there was none.

@@ -79,8 +79,13 @@ class FtpControl : public std::enable_shared_from_this<FtpControl> {
   // The directory that relative names refer to. Asked of the server once; 12003 when it does not tell a sane
   // path.
   std::string currentDirectory();
+  // The same, asked of the server each time.
+  std::string askDirectory();
   // Changes it for good (SetCurrentDirectory).
   void changeDirectory(std::string_view path);
+  // What CWD takes on a fresh connection to come to the same directory; "" when it starts there, none when
+  // unknown.
+  [[nodiscard]] std::optional<std::string> directoryForReturn() const;
 
   // A visit to another directory that leaves the logical one untouched. enter() asks for the current
   // directory first (once per connection). The way back is sent by the destructor without waiting; its reply
@@ -96,7 +101,7 @@ class FtpControl : public std::enable_shared_from_this<FtpControl> {
 
    private:
     FtpControl& control_;
-    std::string home_;  // "" = not away
+    std::string wayBack_;  // the command; "" = not away
   };
 
   // --- State ---
@@ -115,6 +120,8 @@ class FtpControl : public std::enable_shared_from_this<FtpControl> {
   [[nodiscard]] ControlChannel& channel() noexcept { return channel_; }
   [[nodiscard]] const FtpLogin& login() const noexcept { return login_; }
   [[nodiscard]] Timeouts timeouts() const noexcept { return session_->timeouts(); }
+  // Sends "verb argument" (87 as with command()) and leaves its reply to channel().
+  void sendCommand(std::string_view verb, std::string_view argument);
   // Changes what is known of the server, here and for later connections.
   void learn(const std::function<void(FtpTraits&)>& change);
   [[nodiscard]] const FtpTraits& knownTraits() const noexcept { return traits_; }
@@ -127,7 +134,10 @@ class FtpControl : public std::enable_shared_from_this<FtpControl> {
   FtpControl(std::shared_ptr<SessionLink> session, FtpLogin login);
   void logIn();
   void runFramed(const std::function<void()>& work);
-  void reportDeath();
+  void leaveFrame(bool inStep) noexcept;
+  FtpReply exchange(const std::string& line);
+  FtpReply finalReply();
+  void enableUtf8();
 
   std::shared_ptr<SessionLink> session_;
   FtpLogin login_;
@@ -136,7 +146,10 @@ class FtpControl : public std::enable_shared_from_this<FtpControl> {
   FtpTraits traits_;
   std::string lastServerText_;
   std::optional<std::string> directory_;  // the logical one, where known
+  bool moved_ = false;                    // not in the directory of the login any more
   bool binary_ = false;
+  bool utf8Asked_ = false;
+  bool closed_ = false;  // by close()
   bool busy_ = false;
   bool heldByFile_ = false;
 };

@@ -27,8 +27,8 @@ struct FtpReply {
 // hold NUL bytes.
 class FtpReplyReader {
  public:
-  // Takes more bytes. False when a line or a reply is longer than the limits, or when something else than a
-  // reply came; the stream is of no use afterwards.
+  // Takes more bytes. False once a line or a reply is longer than the limits or something else than a reply
+  // came; the stream is of no use then.
   [[nodiscard]] bool feed(std::string_view bytes);
   // The oldest complete reply that was not taken yet.
   [[nodiscard]] std::optional<FtpReply> take();
@@ -43,6 +43,7 @@ class FtpReplyReader {
   FtpReply reply_;            // being collected, or ready
   bool collecting_ = false;   // inside a multi-line reply
   bool ready_ = false;
+  bool broken_ = false;
 };
 
 // 227: the port of "(h1,h2,h3,h4,p1,p2)", with or without brackets. The address is not looked at.

@@ -3,6 +3,7 @@
 // threads. The cache is locked; a connection works on a copy and writes back what it learns.
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace internet {
@@ -22,7 +23,9 @@ struct FtpTraits {
 void readFeatures(const std::string& replyText, FtpTraits& traits);
 
 FtpTraits cachedTraits(const std::string& key);
-void cacheTraits(const std::string& key, const FtpTraits& traits);
+// `change` runs under the cache's lock on what is known now, so that two threads do not undo each other's
+// facts.
+void changeCachedTraits(const std::string& key, const std::function<void(FtpTraits&)>& change);
 void forgetCachedTraits();  // all of them; tests start clean
 
 }  // namespace internet

@@ -16,7 +16,7 @@ class CInternetException {
   bool GetErrorMessage(char* buffer, std::uint32_t size) const noexcept;
   void Delete() noexcept { delete this; }
 
-  std::uint32_t m_dwError;        // internet or platform error number
+  std::uint32_t m_dwError;  // internet or platform error number
   std::uintptr_t m_dwContext = 1;
 
  private:

@@ -21,8 +21,8 @@ class CInternetFile {
   virtual std::uint32_t Read(void* buffer, std::uint32_t size);
   // Sends all.
   virtual void Write(const void* data, std::uint32_t size);
-  // Ends the transfer and takes the server's final reply. Never throws an internet exception; a failure is told by
-  // the last error (0 on success) and by the result. May be called twice.
+  // Ends the transfer and takes the server's final reply. Never throws an internet exception; a failure is
+  // told by the last error (0 on success) and by the result. May be called twice.
   virtual bool Close() noexcept;
 
  private:

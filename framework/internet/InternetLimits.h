@@ -15,14 +15,18 @@ struct Timeouts {
   std::chrono::milliseconds finalReply{30'000};  // the reply that ends a transfer
   std::chrono::milliseconds earlyClose{5'000};   // the reply after a transfer was given up half-way
   std::chrono::milliseconds dataError{3'000};    // the reply that explains a broken data connection
+  std::chrono::milliseconds epsvProbe{5'000};    // a host's first EPSV port, before PASV is tried
+  std::chrono::milliseconds endOfData{1'000};    // a refusal behind the end of data whose size is not known
 };
 
 inline constexpr std::size_t kMaxReplyLine = 64 * 1024;   // bytes of one reply line
 inline constexpr std::size_t kMaxReply = 1024 * 1024;     // bytes of one reply, all its lines
 inline constexpr std::size_t kMaxArgument = 4096;         // bytes of one command argument
 inline constexpr std::size_t kTransferBuffer = 512 * 1024;
+inline constexpr std::size_t kListingBlock = 64 * 1024;
 inline constexpr std::size_t kMaxListingBytes = std::size_t{256} * 1024 * 1024;
 inline constexpr std::size_t kMaxListingEntries = 4'000'000;
 inline constexpr std::chrono::milliseconds kNextAddressAfter{250};
+inline constexpr std::chrono::milliseconds kWaitSlice{1'000};  // no wait sleeps longer without another try
 
 }  // namespace internet

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A session: settings and status notifications for the connections made on it. Nothing here touches the network
-// except GetFtpConnection. A session and everything made on it is used by one thread at a time; the waits inside
-// watch the calling thread's stop token (platform/stop_token.h) and leave by OperationStopped.
+// A session: settings and status notifications for the connections made on it. Nothing here touches the
+// network except GetFtpConnection. A session and everything made on it is used by one thread at a time; the
+// waits inside watch the calling thread's stop token (platform/stop_token.h) and leave by OperationStopped.
 #pragma once
 
 #include <cstdint>
@@ -17,18 +17,18 @@ class CInternetSession {
   explicit CInternetSession(const char* agent = nullptr, std::uintptr_t context = 1,
                             std::uint32_t accessType = 0, const char* proxy = nullptr,
                             const char* proxyBypass = nullptr, std::uint32_t flags = 0);
-  // Close(). A derived class whose OnStatusCallback must still see the closing notifications calls Close() in its
-  // own destructor.
+  // Close(). A derived class whose OnStatusCallback must still see the closing notifications calls Close() in
+  // its own destructor.
   virtual ~CInternetSession();
   CInternetSession(const CInternetSession&) = delete;
   CInternetSession& operator=(const CInternetSession&) = delete;
 
   bool EnableStatusCallback(bool enable = true) noexcept;
 
-  // Connects and logs in: resolves the name, waits for the greeting, USER, PASS (and ACCT never), FEAT where the
-  // server's traits are not known yet and OPTS UTF8 ON where it offers UTF8. A null or empty user logs in as
-  // "anonymous". The caller deletes the result (before or after this session).
-  // Throws CInternetException*: 12007, 12029, 12002, 12030, 12031, 12014 (530), 12015, 87 for a bad argument.
+  // Connects and logs in: resolves the name, waits for the greeting, USER, PASS (and ACCT never), FEAT where
+  // the server's traits are not known yet and OPTS UTF8 ON where it offers UTF8. A null or empty user logs in
+  // as "anonymous". The caller deletes the result (before or after this session). Throws CInternetException*:
+  // 12007, 12029, 12002, 12030, 12031, 12014 (530), 12015, 87 for a bad argument.
   CFtpConnection* GetFtpConnection(const char* server, const char* user = nullptr,
                                    const char* password = nullptr, std::uint16_t port = 21,
                                    bool passive = false);
@@ -40,8 +40,9 @@ class CInternetSession {
   [[nodiscard]] const internet::Timeouts& GetTimeouts() const noexcept;
   [[nodiscard]] std::uintptr_t GetContext() const noexcept;
 
-  // Called, while enabled, on the thread that does the work, holding no lock. `information` is a NUL-terminated
-  // text for 10 and 11 and null with length 0 for all others. Speaks of control connections only.
+  // Called, while enabled, on the thread that does the work, holding no lock. `information` is a
+  // NUL-terminated text for 10 and 11 and null with length 0 for all others. Speaks of control connections
+  // only.
   virtual void OnStatusCallback(std::uintptr_t context, std::uint32_t status, void* information,
                                 std::uint32_t informationLength);
 

@@ -46,10 +46,12 @@ class Sock {
   platform::Socket socket_;
 };
 
-// Waits until one of the sockets may be ready (or `signal` is, see platform/socket.h): true. False when the
-// deadline has passed. Throws platform::OperationStopped.
-bool wait(std::span<const platform::SocketInterest> interests, const Deadline& deadline,
-          std::intptr_t signal = -1);
+// Waits until one of the sockets (or `signal`, see platform/socket.h) may be ready and marks it so: true.
+// False when the deadline has passed. A long wait is cut into slices after which everything is worth another
+// try, so a readiness that the system forgot to tell costs a second, not the transfer. Throws
+// platform::OperationStopped.
+bool wait(std::span<platform::SocketInterest> interests, const Deadline& deadline,
+          std::intptr_t signal = platform::kNoSignal);
 
 // Connects to the first address that answers; the next one is tried after a refusal or after
 // kNextAddressAfter without an answer, while the earlier attempts go on. Null when none answers before the

@@ -22,8 +22,10 @@ struct SocketAddress {
   std::uint32_t scope = 0;              // IPv6 zone
   std::uint16_t port = 0;
 
-  // The same host, whatever the port; an IPv4 address equals its IPv6-mapped form.
-  [[nodiscard]] bool sameHost(const SocketAddress& other) const noexcept;
+  // The same host, whatever the port.
+  [[nodiscard]] bool sameHost(const SocketAddress& other) const noexcept {
+    return v6 == other.v6 && host == other.host;
+  }
 };
 
 // "192.0.2.1", "2001:db8::1"; without zone and port.
@@ -78,27 +80,30 @@ class Socket {
   void abort() noexcept;
 
  private:
-  friend struct SocketAccess;
+  friend struct SocketAccess;  // the implementation's view
   static constexpr std::intptr_t kNone = -1;
   std::intptr_t socket_ = kNone;
-  std::intptr_t event_ = 0;        // Windows: the event that the socket signals
-  std::int32_t connectError_ = 0;  // Windows: what the event told
+  std::intptr_t event_ = 0;  // Windows: the event that the socket signals
 };
 
 // A socket and what to wait for on it. A listening socket is readable when somebody connects, a connecting
 // one writable when that has ended.
 struct SocketInterest {
-  const Socket* socket = nullptr;
+  const Socket* socket = nullptr;  // null or closed: never ready
   bool read = false;
   bool write = false;
+  bool ready = false;  // out: worth a try
 };
 
 enum class Wake { ready, stopped, timedOut };
 
-// Waits until one of at most 16 sockets may be ready, until `signal` (a handle as StopToken::nativeHandle()
-// gives; -1 = none) is signalled (ready), until the calling thread's stop token is raised (stopped, ahead of
-// everything else), or until `limit` has passed. May also return ready too early.
-Wake waitForSockets(std::span<const SocketInterest> interests, std::chrono::milliseconds limit,
-                    std::intptr_t signal = -1) noexcept;
+inline constexpr std::size_t kMaxWaitedSockets = 8;
+inline constexpr std::intptr_t kNoSignal = -1;
+
+// Waits until one of at most kMaxWaitedSockets sockets may be ready, until `signal` (a handle as
+// StopToken::nativeHandle() gives) is signalled (ready), until the calling thread's stop token is raised
+// (stopped, ahead of everything else), or until `limit` has passed. A ready socket may still block.
+Wake waitForSockets(std::span<SocketInterest> interests, std::chrono::milliseconds limit,
+                    std::intptr_t signal = kNoSignal) noexcept;
 
 }  // namespace platform

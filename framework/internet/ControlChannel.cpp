@@ -1,0 +1,257 @@
+// SPDX-License-Identifier: MIT
+#include "framework/internet/ControlChannel.h"
+
+#include <array>
+#include <utility>
+
+#include "framework/internet/Failure.h"
+#include "framework/internet/InternetErrors.h"
+#include "framework/internet/NameLookup.h"
+#include "framework/platform/stop_token.h"
+
+namespace internet {
+
+using platform::IoStatus;
+using std::chrono::milliseconds;
+
+namespace {
+
+constexpr milliseconds kAtOnce{0};
+
+std::uint32_t errorOf(IoStatus status) noexcept {
+  return status == IoStatus::reset ? kConnectionReset : kConnectionAborted;
+}
+
+}  // namespace
+
+ControlChannel::ControlChannel(std::shared_ptr<SessionLink> session) noexcept
+    : session_(std::move(session)), closeError_(kConnectionAborted) {}
+
+void ControlChannel::open(const std::string& server, std::uint16_t port) {
+  const Deadline deadline(session_->timeouts().connect);
+  notify(kStatusResolvingName, server);
+  const auto addresses = resolve(server, port, deadline);
+  notify(kStatusNameResolved, platform::addressText(addresses.front()));
+  announced_ = true;
+  notify(kStatusConnecting);
+  auto sock = connectToAny(addresses, deadline);
+  if (!sock) fail(deadline.passed() ? kTimeout : kCannotConnect);
+  sock->socket().keepAlive();
+  sock->socket().noDelay();
+  sock_ = std::move(sock);
+  awaiting_ = true;  // the greeting
+  notify(kStatusConnected);
+}
+
+void ControlChannel::send(std::string_view line) {
+  settle();
+  notify(kStatusSendingRequest);
+  requireOpen();
+  std::string bytes = std::exchange(queued_, {});
+  bytes.append(line).append("\r\n");
+  awaiting_ = true;
+  transmit(bytes);
+  notify(kStatusRequestSent);
+}
+
+void ControlChannel::queue(std::string_view line, ReplyHandler handler) {
+  ahead_.push_back(std::move(handler));
+  queued_.append(line).append("\r\n");
+}
+
+void ControlChannel::sendAhead(std::string_view line, ReplyHandler handler) noexcept {
+  if (!isOpen()) return;
+  if (awaiting_ || platform::stopRequested()) return drop();
+  try {
+    queue(line, std::move(handler));
+    const auto sent = sock_->send(queued_.data(), queued_.size());
+    if (sent.status != IoStatus::done || sent.bytes != queued_.size()) return drop();
+    queued_.clear();
+    settleFirst_ = true;
+  } catch (...) {
+    // Out of memory.
+    drop();
+  }
+}
+
+// Takes the replies that must come before the next command may go: those to lines sent ahead, and any that
+// nobody has asked for, which would otherwise be taken for the command's own.
+void ControlChannel::settle() {
+  requireOpen();
+  const Deadline deadline(session_->timeouts().reply);
+  for (;;) {
+    if (settleFirst_) deliverAhead();
+    if (!settleFirst_) break;
+    if (!receiveMore(deadline)) {
+      if (isOpen()) closeWith(kTimeout);
+      requireOpen();
+    }
+  }
+  if (ahead_.empty()) {
+    while (nextReply(Deadline(kAtOnce))) {
+    }
+  }
+  requireOpen();
+}
+
+void ControlChannel::transmit(std::string_view bytes) {
+  const Deadline deadline(session_->timeouts().reply);
+  while (!bytes.empty()) {
+    const auto sent = sock_->send(bytes.data(), bytes.size());
+    if (sent.status == IoStatus::done) {
+      bytes.remove_prefix(sent.bytes);
+      continue;
+    }
+    if (sent.status == IoStatus::wouldBlock) {
+      std::array<platform::SocketInterest, 1> interest{{{&sock_->socket(), false, true}}};
+      if (wait(interest, deadline)) continue;
+      closeWith(kTimeout);
+    } else {
+      closeWith(errorOf(sent.status));
+    }
+    requireOpen();
+  }
+}
+
+FtpReply ControlChannel::reply(milliseconds limit) {
+  notify(kStatusReceivingResponse);
+  requireOpen();
+  auto reply = nextReply(Deadline(limit));
+  if (!reply) {
+    if (isOpen()) closeWith(kTimeout);
+    requireOpen();
+  }
+  notify(kStatusResponseReceived);
+  accept(*reply);
+  return std::move(*reply);
+}
+
+std::optional<FtpReply> ControlChannel::tryReply(milliseconds limit) {
+  auto reply = nextReply(Deadline(limit));
+  if (!reply) return std::nullopt;
+  notify(kStatusReceivingResponse);
+  notify(kStatusResponseReceived);
+  accept(*reply);
+  return reply;
+}
+
+void ControlChannel::accept(const FtpReply& reply) {
+  awaiting_ = isOpen() && reply.preliminary();
+  answered_ = answered_ || !reply.preliminary();
+  if (!aheadRefusal_.empty()) fail(kExtendedError, std::exchange(aheadRefusal_, {}));
+}
+
+std::optional<FtpReply> ControlChannel::nextReply(const Deadline& deadline) {
+  do {
+    deliverAhead();
+    if (!ahead_.empty()) continue;
+    if (auto reply = takeReply()) return reply;
+  } while (receiveMore(deadline));
+  return std::nullopt;
+}
+
+std::optional<FtpReply> ControlChannel::takeReply() {
+  auto reply = reader_.take();
+  if (!reply || reply->code != 421) return reply;
+  closeWith(kConnectionAborted, std::move(reply->text));
+  return std::nullopt;
+}
+
+void ControlChannel::deliverAhead() {
+  while (!ahead_.empty()) {
+    const auto reply = takeReply();
+    if (!reply) return;
+    const ReplyHandler handler = std::move(ahead_.front());
+    ahead_.pop_front();
+    if (!handler(*reply) && aheadRefusal_.empty()) aheadRefusal_ = reply->text;
+  }
+  settleFirst_ = false;
+}
+
+// Takes what has come, else waits for it. False when the deadline has passed or the connection is closed.
+bool ControlChannel::receiveMore(const Deadline& deadline) {
+  while (isOpen()) {
+    std::array<char, 16 * 1024> buffer;
+    const auto received = sock_->receive(buffer.data(), buffer.size());
+    if (received.status == IoStatus::done) {
+      if (reader_.feed({buffer.data(), received.bytes})) return true;
+      closeWith(kInvalidServerResponse);
+    } else if (received.status != IoStatus::wouldBlock) {
+      closeWith(errorOf(received.status));
+    } else {
+      std::array interest{readInterest()};
+      if (!wait(interest, deadline)) return false;
+    }
+  }
+  return false;
+}
+
+platform::SocketInterest ControlChannel::readInterest() noexcept {
+  return {sock_ ? &sock_->socket() : nullptr, true, false};
+}
+
+std::optional<platform::SocketAddress> ControlChannel::localAddress() noexcept {
+  return sock_ ? sock_->socket().localAddress() : std::nullopt;
+}
+
+std::optional<platform::SocketAddress> ControlChannel::peerAddress() noexcept {
+  return sock_ ? sock_->socket().peerAddress() : std::nullopt;
+}
+
+bool ControlChannel::closedWhileIdle(milliseconds duration) {
+  if (awaiting_) {
+    // A transfer runs: its reply is not for us.
+    platform::stoppableSleep(duration);
+    return !isOpen();
+  }
+  const Deadline deadline(duration);
+  while (isOpen() && nextReply(deadline)) {
+  }
+  return !isOpen();
+}
+
+void ControlChannel::requireOpen() const {
+  if (!isOpen()) fail(closeError_, closeText_);
+}
+
+void ControlChannel::closeWith(std::uint32_t error, std::string serverText) noexcept {
+  closeError_ = error;
+  closeText_ = std::move(serverText);
+  drop();
+}
+
+void ControlChannel::drop() noexcept {
+  sock_.reset();
+  reader_ = {};
+  queued_.clear();
+  ahead_.clear();
+  aheadRefusal_.clear();
+  settleFirst_ = false;
+  awaiting_ = false;
+}
+
+void ControlChannel::quit() noexcept {
+  constexpr std::string_view kQuit = "QUIT\r\n";
+  // Whether it arrives makes no difference: the server sees the connection end either way.
+  if (isOpen() && !awaiting_) static_cast<void>(sock_->send(kQuit.data(), kQuit.size()));
+  drop();
+}
+
+void ControlChannel::reportClosed() {
+  if (isOpen() || !std::exchange(announced_, false)) return;
+  notify(kStatusClosing);
+  notify(kStatusClosed);
+}
+
+void ControlChannel::notify(std::uint32_t status, std::string text) {
+  if (platform::stopRequested()) return;
+  if (text.empty()) {
+    session_->notify(status, nullptr, 0);
+  } else {
+    session_->notify(status, text.data(), static_cast<std::uint32_t>(text.size() + 1));
+  }
+}
+
+bool ControlChannel::takeAnswered() noexcept { return std::exchange(answered_, false); }
+
+}  // namespace internet

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+#include "framework/internet/FtpConnection.h"
+
+#include <string_view>
+#include <utility>
+
+#include "framework/internet/Failure.h"
+#include "framework/internet/FtpControl.h"
+#include "framework/internet/FtpFileCopy.h"
+#include "framework/internet/FtpTransfer.h"
+#include "framework/internet/InternetFile.h"
+#include "framework/platform/last_error.h"
+
+using internet::FtpControl;
+using internet::FtpTransfer;
+
+namespace {
+
+using ControlPtr = std::shared_ptr<FtpControl>;
+
+void checkPath(const char* path) { FtpControl::checkArgument(path ? std::string_view(path) : ""); }
+
+// The public operations hold the control connection by a reference of their own: a notification may delete
+// the object that they were called on.
+bool simpleCommand(const ControlPtr control, std::string_view verb, const char* path) {
+  return internet::answer([&] {
+    checkPath(path);
+    control->request([&] { control->require(verb, path); });
+  });
+}
+
+}  // namespace
+
+CFtpConnection::CFtpConnection(ControlPtr control) noexcept : m_control(std::move(control)) {}
+
+CFtpConnection::~CFtpConnection() { Close(); }
+
+bool CFtpConnection::Remove(const char* path) { return simpleCommand(m_control, "DELE", path); }
+
+bool CFtpConnection::CreateDirectory(const char* path) { return simpleCommand(m_control, "MKD", path); }
+
+bool CFtpConnection::RemoveDirectory(const char* path) { return simpleCommand(m_control, "RMD", path); }
+
+bool CFtpConnection::Rename(const char* from, const char* to) {
+  return internet::answer([&, control = m_control] {
+    checkPath(from);
+    checkPath(to);
+    control->request([&] {
+      control->require("RNFR", from);
+      control->require("RNTO", to);
+    });
+  });
+}
+
+bool CFtpConnection::GetCurrentDirectory(std::string& directory) {
+  return internet::answer([&, control = m_control] {
+    std::string path;
+    control->request([&] { path = control->askDirectory(); });
+    directory = std::move(path);
+  });
+}
+
+bool CFtpConnection::SetCurrentDirectory(const char* path) {
+  return internet::answer([&, control = m_control] {
+    checkPath(path);
+    control->request([&] { control->changeDirectory(path); });
+  });
+}
+
+bool CFtpConnection::GetFile(const char* remote, const char* local, bool failIfExists,
+                             std::uint32_t attributes, std::uint32_t, std::uintptr_t) {
+  return internet::answer([&, control = m_control] {
+    checkPath(remote);
+    if (!local) internet::fail(platform::kErrorInvalidParameter);
+    control->request([&] { internet::downloadFile(*control, remote, local, failIfExists, attributes); });
+  });
+}
+
+bool CFtpConnection::PutFile(const char* local, const char* remote, std::uint32_t, std::uintptr_t) {
+  return internet::answer([&, control = m_control] {
+    checkPath(remote);
+    if (!local) internet::fail(platform::kErrorInvalidParameter);
+    control->request([&] { internet::uploadFile(*control, local, remote); });
+  });
+}
+
+CInternetFile* CFtpConnection::OpenFile(const char* path, std::uint32_t access, std::uint32_t,
+                                        std::uintptr_t) {
+  std::unique_ptr<CInternetFile> file;
+  internet::raising([&, control = m_control] {
+    checkPath(path);
+    const bool write = access == internet::kGenericWrite;
+    if (!write && access != internet::kGenericRead) internet::fail(platform::kErrorInvalidParameter);
+    control->request([&] {
+      auto transfer = std::make_unique<FtpTransfer>(
+          control, write ? FtpTransfer::Kind::upload : FtpTransfer::Kind::download);
+      const internet::FtpReply reply = transfer->begin(write ? "STOR" : "RETR", path);
+      if (reply.refused()) control->raise(reply);
+      control->holdForFile(true);
+      file = std::make_unique<CInternetFile>(std::move(transfer));
+    });
+  });
+  return file.release();
+}
+
+bool CFtpConnection::WaitIdle(std::chrono::milliseconds duration) {
+  const ControlPtr control = m_control;
+  return control->waitIdle(duration);
+}
+
+void CFtpConnection::Close() noexcept {
+  const ControlPtr control = m_control;
+  control->close();
+}
+
+std::string CFtpConnection::LastServerText() const { return m_control->lastServerText(); }

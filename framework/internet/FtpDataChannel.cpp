@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+#include "framework/internet/FtpDataChannel.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+
+#include "framework/internet/Failure.h"
+#include "framework/internet/InternetErrors.h"
+
+namespace internet {
+
+using platform::IoStatus;
+using std::chrono::milliseconds;
+
+namespace {
+
+constexpr milliseconds kAtOnce{0};
+
+platform::SocketAddress required(const std::optional<platform::SocketAddress>& address) {
+  if (!address) fail(kConnectionAborted);
+  return *address;
+}
+
+std::string extendedPortArgument(const platform::SocketAddress& address) {
+  return std::string(address.v6 ? "|2|" : "|1|") + addressText(address) + '|' + std::to_string(address.port) +
+         '|';
+}
+
+std::string portArgument(const platform::SocketAddress& address) {
+  std::string text;
+  for (std::size_t i = 0; i < 4; ++i) text += std::to_string(address.host[i]) + ',';
+  return text + std::to_string(address.port >> 8) + ',' + std::to_string(address.port & 0xff);
+}
+
+// The data connection cannot be made: the control connection says why, within Timeouts::dataError. It is
+// closed where it says nothing, for its replies are out of step then.
+[[noreturn]] void failWithReason(FtpControl& control, std::uint32_t error) {
+  ControlChannel& channel = control.channel();
+  const Deadline deadline(control.timeouts().dataError);
+  while (channel.awaiting()) {
+    const auto reply = channel.tryReply(deadline.left());
+    if (!reply) {
+      channel.drop();
+    } else if (reply->refused()) {
+      control.raise(*reply);
+    }
+  }
+  fail(error);
+}
+
+}  // namespace
+
+void FtpDataChannel::prepare() {
+  peer_ = required(control_.channel().peerAddress());
+  if (!control_.login().passive) {
+    prepareActive();
+  } else if (!prepareExtendedPassive()) {
+    preparePassive();
+  }
+}
+
+bool FtpDataChannel::prepareExtendedPassive() {
+  if (control_.knownTraits().noExtendedPassive) return false;
+  const FtpReply reply = control_.command("EPSV");
+  const auto port = parseExtendedPassivePort(reply.text);
+  if (reply.unsupported() || (reply.completed() && !port)) {
+    control_.learn([](FtpTraits& traits) { traits.noExtendedPassive = true; });
+    return false;
+  }
+  if (reply.refused()) control_.raise(reply);
+  startToConnect(*port);
+  if (control_.knownTraits().extendedPassiveWorks) return true;
+  // On a host's first transfer the port is tried before the transfer command goes out, because behind that
+  // command there is no way back to PASV.
+  const Timeouts timeouts = control_.timeouts();
+  if (standsWithin(Deadline(std::min(timeouts.epsvProbe, timeouts.connect)))) {
+    control_.learn([](FtpTraits& traits) { traits.extendedPassiveWorks = true; });
+    return true;
+  }
+  extendedPassiveUnreachable_ = true;
+  return false;
+}
+
+void FtpDataChannel::preparePassive() {
+  const FtpReply reply = control_.require("PASV");
+  const auto port = parsePassivePort(reply.text);
+  if (!port) fail(kInvalidServerResponse);
+  startToConnect(*port);
+}
+
+void FtpDataChannel::prepareActive() {
+  const platform::SocketAddress local = required(control_.channel().localAddress());
+  listening_ = true;
+  if (!socket_.listen(local)) fail(kCannotConnect);
+  const platform::SocketAddress bound = required(socket_.localAddress());
+  if (!control_.knownTraits().noExtendedActive) {
+    const FtpReply reply = control_.command("EPRT", extendedPortArgument(bound));
+    if (reply.completed()) return;
+    if (!reply.unsupported() || bound.v6) control_.raise(reply);
+    control_.learn([](FtpTraits& traits) { traits.noExtendedActive = true; });
+  }
+  control_.require("PORT", portArgument(bound));
+}
+
+void FtpDataChannel::startToConnect(std::uint16_t port) {
+  platform::SocketAddress address = peer_;
+  address.port = port;
+  stands_ = socket_.connect(address) == IoStatus::done;
+}
+
+// One try, without waiting. A socket that is closed afterwards will never stand.
+bool FtpDataChannel::tryToStand() {
+  if (stands_ || !socket_.isOpen()) return stands_;
+  if (!listening_) {
+    const IoStatus status = socket_.connectResult();
+    stands_ = status == IoStatus::done;
+    if (status == IoStatus::failed) socket_.close();
+    return stands_;
+  }
+  platform::Socket accepted;
+  platform::SocketAddress from;
+  while (!stands_ && socket_.accept(accepted, from) == IoStatus::done) stands_ = from.sameHost(peer_);
+  if (stands_) socket_ = std::move(accepted);
+  return stands_;
+}
+
+bool FtpDataChannel::standsWithin(const Deadline& deadline) {
+  while (!tryToStand()) {
+    std::array watched{interest()};
+    if (!socket_.isOpen() || !wait(watched, deadline)) return false;
+  }
+  return true;
+}
+
+FtpReply FtpDataChannel::establish() {
+  ControlChannel& channel = control_.channel();
+  const Timeouts timeouts = control_.timeouts();
+  const Deadline deadline(timeouts.connect);
+  std::optional<FtpReply> reply;
+  while (!tryToStand()) {
+    if (!reply) reply = channel.tryReply(kAtOnce);
+    if (reply && (reply->refused() || (listening_ && reply->completed()))) return *reply;
+    if (!reply && !channel.isOpen()) return channel.reply(kAtOnce);  // fails with the reason
+    if (!socket_.isOpen()) failWithReason(control_, kCannotConnect);
+    std::array watched{interest(), reply ? platform::SocketInterest{} : channel.readInterest()};
+    if (!wait(watched, deadline)) failWithReason(control_, kTimeout);
+  }
+  if (!reply) reply = channel.reply(timeouts.reply);
+  if (extendedPassiveUnreachable_ && !reply->refused()) {
+    control_.learn([](FtpTraits& traits) { traits.noExtendedPassive = true; });
+  }
+  return *reply;
+}
+
+std::unique_ptr<Sock> FtpDataChannel::take() {
+  return stands_ ? std::make_unique<Sock>(std::move(socket_)) : nullptr;
+}
+
+platform::SocketInterest FtpDataChannel::interest() const noexcept {
+  return {&socket_, listening_, !listening_};
+}
+
+}  // namespace internet

@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: MIT
+#include "framework/internet/FtpTransfer.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <utility>
+
+#include "framework/internet/Failure.h"
+#include "framework/internet/FtpDataChannel.h"
+#include "framework/internet/InternetErrors.h"
+#include "framework/platform/last_error.h"
+#include "framework/platform/stop_token.h"
+
+namespace internet {
+
+using platform::IoStatus;
+using std::chrono::milliseconds;
+
+namespace {
+
+constexpr milliseconds kAtOnce{0};
+
+}  // namespace
+
+FtpTransfer::FtpTransfer(std::shared_ptr<FtpControl> control, Kind kind) noexcept
+    : control_(std::move(control)), kind_(kind) {}
+
+FtpTransfer::~FtpTransfer() {
+  if (state_ != State::idle) {
+    if (data_) breakData();
+    if (!final_ && control_->channel().awaiting()) control_->channel().drop();
+  }
+  control_->holdForFile(false);
+}
+
+FtpReply FtpTransfer::begin(std::string_view verb, std::string_view argument) {
+  control_->useBinary();
+  FtpDataChannel data(*control_);
+  data.prepare();
+  control_->sendCommand(verb, argument);
+  FtpReply reply = data.establish();
+  if (reply.refused()) return reply;
+  data_ = data.take();
+  state_ = data_ ? State::running : State::ended;
+  if (!reply.preliminary()) final_ = reply;
+  if (kind_ == Kind::download) announced_ = parseAnnouncedSize(reply.text);
+  return reply;
+}
+
+// --- Receiving ---
+
+std::size_t FtpTransfer::receive(void* buffer, std::size_t size) {
+  if (state_ == State::ended) return 0;
+  requireRunning();
+  std::optional<Deadline> deadline;
+  for (;;) {
+    platform::throwIfStopped();
+    const platform::IoResult result = data_->receive(buffer, size);
+    switch (result.status) {
+      case IoStatus::done:
+        received_ += result.bytes;
+        return result.bytes;
+      case IoStatus::wouldBlock:
+        waitForData(false, deadline);
+        if (state_ == State::ended) return 0;
+        break;
+      case IoStatus::closed:
+        endOfData();
+        return 0;
+      default:
+        dataFailed(result.status);
+    }
+  }
+}
+
+std::size_t FtpTransfer::read(void* buffer, std::size_t size) {
+  char* const out = static_cast<char*>(buffer);
+  std::size_t filled = 0;
+  while (filled < size) {
+    if (bufferStart_ < bufferEnd_) {
+      const std::size_t count = std::min(size - filled, bufferEnd_ - bufferStart_);
+      std::memcpy(out + filled, buffer_.data() + bufferStart_, count);
+      bufferStart_ += count;
+      filled += count;
+    } else if (size - filled >= kTransferBuffer) {
+      const std::size_t count = receive(out + filled, size - filled);
+      if (count == 0) break;
+      filled += count;
+    } else {
+      buffer_.resize(kTransferBuffer);
+      bufferStart_ = bufferEnd_ = 0;
+      bufferEnd_ = receive(buffer_.data(), buffer_.size());
+      if (bufferEnd_ == 0) break;
+    }
+  }
+  return filled;
+}
+
+// An orderly end of the stream proves nothing: servers close it for their own failures too.
+void FtpTransfer::endOfData() {
+  closeData();
+  const bool tooShort = announced_ && received_ < *announced_;
+  if (kind_ == Kind::download && (tooShort || !announced_)) {
+    state_ = State::failed;
+    const Timeouts timeouts = control_->timeouts();
+    awaitFinal(tooShort ? timeouts.dataError : timeouts.endOfData);
+    if (final_ && final_->refused()) control_->raise(*final_);
+    if (tooShort) fail(kConnectionAborted);
+  }
+  state_ = State::ended;
+}
+
+// --- Sending ---
+
+void FtpTransfer::send(const void* data, std::size_t size) {
+  requireRunning();
+  const char* rest = static_cast<const char*>(data);
+  std::optional<Deadline> deadline;
+  while (size > 0) {
+    platform::throwIfStopped();
+    const platform::IoResult result = data_->send(rest, size);
+    if (result.status == IoStatus::done) {
+      rest += result.bytes;
+      size -= result.bytes;
+      deadline.reset();
+    } else if (result.status == IoStatus::wouldBlock) {
+      waitForData(true, deadline);
+    } else {
+      dataFailed(result.status);
+    }
+  }
+}
+
+void FtpTransfer::sendFile(platform::File& file) {
+  requireRunning();
+  std::optional<Deadline> deadline;
+  for (;;) {
+    platform::throwIfStopped();
+    const platform::IoResult result = data_->sendFile(file, kTransferBuffer);
+    if (result.status == IoStatus::done) {
+      if (result.bytes == 0) return;
+      deadline.reset();
+    } else if (result.status == IoStatus::wouldBlock) {
+      waitForData(true, deadline);
+    } else if (result.status == IoStatus::unsupported) {
+      return copyFile(file);
+    } else {
+      dataFailed(result.status);
+    }
+  }
+}
+
+void FtpTransfer::copyFile(platform::File& file) {
+  std::vector<char> block(kTransferBuffer);
+  for (;;) {
+    const std::int64_t count = file.read(block.data(), block.size());
+    if (count == 0) return;
+    if (count < 0) {
+      const std::uint32_t error = platform::lastError();
+      abandon();
+      fail(error);
+    }
+    send(block.data(), static_cast<std::size_t>(count));
+  }
+}
+
+// --- Ending ---
+
+FtpReply FtpTransfer::finish() {
+  if (data_ && kind_ == Kind::upload) data_->shutdownSend();
+  closeData();
+  state_ = State::ended;
+  while (!final_) {
+    FtpReply reply = control_->channel().reply(control_->timeouts().finalReply);
+    if (!reply.preliminary()) final_ = std::move(reply);
+  }
+  return *final_;
+}
+
+bool FtpTransfer::abandon() {
+  breakData();
+  state_ = State::failed;
+  if (!awaitFinal(control_->timeouts().earlyClose)) control_->channel().drop();
+  return control_->isOpen();
+}
+
+void FtpTransfer::close() {
+  control_->holdForFile(false);
+  const bool failed = state_ == State::failed;
+  if (failed || !movedInFull()) {
+    const bool inStep = abandon();
+    // The server may call a download that was given up whatever it likes.
+    if (failed && final_ && final_->refused()) control_->raise(*final_);
+    if (failed || !inStep) fail(kConnectionAborted);
+    return;
+  }
+  const FtpReply reply = finish();
+  if (reply.refused()) control_->raise(reply);
+}
+
+bool FtpTransfer::movedInFull() const noexcept {
+  if (kind_ == Kind::upload) return true;
+  // A read of exactly the file's size never comes to see the end of the data.
+  const bool received = state_ == State::ended || (announced_ && received_ >= *announced_);
+  return received && bufferStart_ == bufferEnd_;
+}
+
+// --- Waiting ---
+
+void FtpTransfer::requireRunning() const {
+  if (state_ != State::running) fail(kConnectionAborted);
+}
+
+void FtpTransfer::waitForData(bool write, std::optional<Deadline>& deadline) {
+  ControlChannel& channel = control_->channel();
+  if (channel.replyReady()) watchControl();
+  if (!data_) return;
+  if (!deadline) deadline.emplace(control_->timeouts().data);
+  std::array watched{platform::SocketInterest{&data_->socket(), !write, write},
+                     final_ ? platform::SocketInterest{} : channel.readInterest()};
+  if (!wait(watched, *deadline)) {
+    breakData();
+    channel.drop();
+    fail(kTimeout);
+  }
+  if (watched[1].ready) watchControl();
+}
+
+void FtpTransfer::watchControl() {
+  if (final_ || !awaitFinal(kAtOnce) || !final_->refused()) return;
+  if (kind_ == Kind::listing) {
+    // The caller judges: some servers refuse what they have nothing to list for only now.
+    closeData();
+    state_ = State::ended;
+    return;
+  }
+  breakData();
+  control_->raise(*final_);
+}
+
+bool FtpTransfer::awaitFinal(milliseconds limit) {
+  const Deadline deadline(limit);
+  while (!final_) {
+    auto reply = control_->channel().tryReply(deadline.left());
+    if (!reply) return false;
+    if (!reply->preliminary()) final_ = std::move(reply);
+  }
+  return true;
+}
+
+void FtpTransfer::closeData() noexcept { data_.reset(); }
+
+// Breaks the data connection off. A half upload must not look like a whole one, which an orderly end would
+// do.
+void FtpTransfer::breakData() noexcept {
+  state_ = State::failed;
+  if (data_ && kind_ == Kind::upload) data_->socket().abort();
+  closeData();
+}
+
+void FtpTransfer::dataFailed(IoStatus status) {
+  breakData();
+  // The reply is taken here where there is one, so that the control connection stays in step.
+  if (awaitFinal(control_->timeouts().dataError)) {
+    if (final_->refused()) control_->raise(*final_);
+  } else {
+    control_->channel().drop();
+  }
+  fail(status == IoStatus::reset ? kConnectionReset : kConnectionAborted);
+}
+
+}  // namespace internet

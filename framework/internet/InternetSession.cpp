@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#include "framework/internet/InternetSession.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "framework/internet/Failure.h"
+#include "framework/internet/FtpConnection.h"
+#include "framework/internet/FtpControl.h"
+#include "framework/internet/InternetErrors.h"
+#include "framework/internet/SessionLink.h"
+#include "framework/platform/last_error.h"
+#include "framework/platform/process.h"
+
+using internet::FtpControl;
+
+struct CInternetSession::Impl final : internet::SessionLink {
+  void notify(std::uint32_t status, void* information, std::uint32_t length) override {
+    // The callback may delete the session: nothing of it is touched afterwards.
+    if (owner && callbackEnabled) owner->OnStatusCallback(context, status, information, length);
+  }
+  [[nodiscard]] internet::Timeouts timeouts() const noexcept override { return currentTimeouts; }
+
+  CInternetSession* owner = nullptr;  // null after the session's end
+  std::uintptr_t context = 1;
+  bool callbackEnabled = false;
+  internet::Timeouts currentTimeouts;
+  std::vector<std::weak_ptr<FtpControl>> connections;
+};
+
+namespace {
+
+std::string checkedText(const char* text, const char* ifEmpty) {
+  const std::string result = text && *text ? text : ifEmpty;
+  if (!result.empty()) FtpControl::checkArgument(result);
+  return result;
+}
+
+internet::FtpLogin checkedLogin(const char* server, const char* user, const char* password,
+                                std::uint16_t port, bool passive) {
+  FtpControl::checkArgument(server ? std::string_view(server) : "");
+  const bool anonymous = !user || !*user;
+  return {server, port ? port : internet::kDefaultFtpPort, checkedText(user, "anonymous"),
+          checkedText(password, anonymous ? "anonymous@" : ""), passive};
+}
+
+}  // namespace
+
+CInternetSession::CInternetSession(const char*, std::uintptr_t context, std::uint32_t, const char*,
+                                   const char*, std::uint32_t)
+    : m_impl(std::make_shared<Impl>()) {
+  m_impl->owner = this;
+  m_impl->context = context;
+}
+
+CInternetSession::~CInternetSession() {
+  CInternetSession::Close();
+  m_impl->owner = nullptr;
+}
+
+bool CInternetSession::EnableStatusCallback(bool enable) noexcept {
+  m_impl->callbackEnabled = enable;
+  return true;
+}
+
+CFtpConnection* CInternetSession::GetFtpConnection(const char* server, const char* user, const char* password,
+                                                   std::uint16_t port, bool passive) {
+  std::unique_ptr<CFtpConnection> connection;
+  internet::raising([&, impl = m_impl] {
+    auto login = checkedLogin(server, user, password, port, passive);
+    if (!platform::startSockets()) internet::fail(platform::lastError());
+    const auto control = FtpControl::open(impl, std::move(login));
+    std::erase_if(impl->connections, [](const auto& known) { return known.expired(); });
+    impl->connections.push_back(control);
+    connection.reset(new CFtpConnection(control));
+    control->channel().notify(internet::kStatusHandleCreated);
+  });
+  return connection.release();
+}
+
+void CInternetSession::Close() noexcept {
+  // Taken out first: a notification may close or delete the session again.
+  const auto connections = std::exchange(m_impl->connections, {});
+  for (const auto& known : connections) {
+    if (const auto control = known.lock()) control->close();
+  }
+}
+
+void CInternetSession::SetTimeouts(const internet::Timeouts& timeouts) noexcept {
+  m_impl->currentTimeouts = timeouts;
+}
+
+const internet::Timeouts& CInternetSession::GetTimeouts() const noexcept { return m_impl->currentTimeouts; }
+
+std::uintptr_t CInternetSession::GetContext() const noexcept { return m_impl->context; }
+
+void CInternetSession::OnStatusCallback(std::uintptr_t, std::uint32_t, void*, std::uint32_t) {}
