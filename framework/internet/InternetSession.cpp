@@ -2,6 +2,7 @@
 #include "framework/internet/InternetSession.h"
 
 #include <algorithm>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,6 +18,31 @@
 
 using internet::FtpControl;
 
+namespace {
+
+// What sessions start with; locked, for operations make sessions on their workers.
+struct StartingTimeouts {
+  std::mutex mutex;
+  internet::Timeouts value;
+};
+
+StartingTimeouts& startingTimeouts() {
+  static StartingTimeouts instance;
+  return instance;
+}
+
+internet::Timeouts timeoutsToStartWith() {
+  const std::lock_guard lock(startingTimeouts().mutex);
+  return startingTimeouts().value;
+}
+
+}  // namespace
+
+void internet::setTimeoutsForTesting(const Timeouts& timeouts) {
+  const std::lock_guard lock(startingTimeouts().mutex);
+  startingTimeouts().value = timeouts;
+}
+
 struct CInternetSession::Impl final : internet::SessionLink {
   void notify(std::uint32_t status, void* information, std::uint32_t length) override {
     // The callback may delete the session: nothing of it is touched afterwards.
@@ -27,7 +53,7 @@ struct CInternetSession::Impl final : internet::SessionLink {
   CInternetSession* owner = nullptr;  // null after the session's end
   std::uintptr_t context = 1;
   bool callbackEnabled = false;
-  internet::Timeouts currentTimeouts;
+  internet::Timeouts currentTimeouts = timeoutsToStartWith();
   std::vector<std::weak_ptr<FtpControl>> connections;
 };
 

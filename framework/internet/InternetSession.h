@@ -51,3 +51,10 @@ class CInternetSession {
   std::shared_ptr<Impl> m_impl;
   friend class CFtpConnection;
 };
+
+namespace internet {
+
+// Replaces the time-outs that later sessions of this process start with; {} brings the usual ones back.
+void setTimeoutsForTesting(const Timeouts& timeouts);
+
+}  // namespace internet
