@@ -1,0 +1,107 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: MIT
+"""Shows the library at its main job: qxftp loads it and works on a real FTP server on loopback, first the Linux
+library, then the DLL under Wine. Every result is compared with what is true; a wrong one makes the exit code 1."""
+
+import argparse
+import pathlib
+import re
+import shlex
+import subprocess
+import sys
+import tempfile
+
+from servers import Build, Server, file_matches, run_under_fixture, write_pattern
+
+LARGE = 64 << 20
+DOWN_SEED, UP_SEED = 11, 23
+TREE = {
+    "/pub/readme.txt": "This tree is made for the demonstration.\n",
+    "/pub/empty": "",
+    "/pub/docs/guide.txt": "A guide of 28 characters....",
+    "/pub/docs/old/": {},
+    "/pub/large.bin": {"size": LARGE, "seed": DOWN_SEED},
+    "/pub/incoming/": {},
+}
+
+wrong = 0
+
+
+def judge(holds, text):
+    global wrong
+    wrong += not holds
+    print(f"  {'ok   ' if holds else 'WRONG'} {text}\n")
+
+
+class Client:
+    """qxftp of one build with the login data of one server."""
+
+    def __init__(self, build, server):
+        self.build = build
+        self._server = server
+
+    def run(self, *command, password=None):
+        login = ["--host", self._server.host, "--port", str(self._server.port), "--user", self._server.user]
+        arguments = [*login, "--password", password or self._server.password, *command]
+        print("  $ qxftp " + shlex.join(arguments), flush=True)
+        done = subprocess.run(self.build.command("qxftp") + arguments, capture_output=True, text=True, timeout=300)
+        for line in (done.stdout + done.stderr).splitlines():
+            print("    " + line)
+        return done
+
+
+def look_around(client):
+    done = client.run("connect")
+    judge(done.returncode == 0 and "connected" in done.stdout, "logged in and out")
+    done = client.run("ls", "/pub")
+    names = {line.split()[-1] for line in done.stdout.splitlines()[:-1]}
+    judge(names == {"readme.txt", "empty", "docs", "large.bin", "incoming"}, "lists the five entries of /pub")
+    done = client.run("count", "/pub")
+    judge(done.stdout.strip() == "3 files, 2 directories", "counts them")
+    for path, size in (("/pub/large.bin", LARGE), ("/pub/docs/guide.txt", 28), ("/pub/empty", 0)):
+        judge(client.run("size", path).stdout.strip() == str(size), f"{path} has {size} bytes")
+    judge("is a file" in client.run("exists", "/pub/docs/guide.txt").stdout, "the guide is a file")
+    judge("is a directory" in client.run("exists", "/pub/docs/old").stdout, "docs/old is a directory")
+    judge(client.run("exists", "/pub/none").returncode == 1, "a missing path is missing")
+
+
+def move_files(client, server, folder):
+    down, up = folder / "down.bin", folder / "up.bin"
+    done = client.run("get", "/pub/large.bin", client.build.local(down))
+    judge(done.returncode == 0 and file_matches(down, DOWN_SEED, LARGE), f"downloaded {LARGE} bytes, all as they are")
+    write_pattern(up, UP_SEED, LARGE)
+    done = client.run("put", client.build.local(up), "/pub/incoming/up.bin")
+    judge(done.returncode == 0 and server.matches("/pub/incoming/up.bin", UP_SEED, LARGE), f"uploaded {LARGE} bytes")
+
+
+def be_refused(client):
+    done = client.run("connect", password="not-the-password")
+    # 12014: the server refused the password.
+    record = re.search(r"^error: +12014 \(code 1000\): .*530", done.stderr, re.M)
+    judge(done.returncode == 1 and record, "a refused login is told by the error record, with the server's words")
+
+
+def demonstrate(build, kind):
+    print(f"== {build.name}: {build.library.name} against {kind}\n")
+    with Server(kind) as server, tempfile.TemporaryDirectory() as folder:
+        server.ask("put", files=TREE)
+        client = Client(build, server)
+        look_around(client)
+        move_files(client, server, pathlib.Path(folder))
+        be_refused(client)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--build", action="append", choices=["linux", "windows"], help="default: both")
+    parser.add_argument("--server", default="pyftpdlib", choices=["pyftpdlib", "vsftpd"])
+    arguments = parser.parse_args()
+    run_under_fixture()
+    for name in arguments.build or ["linux", "windows"]:
+        demonstrate(Build(name), arguments.server)
+    print(f"{wrong} results were wrong" if wrong else "every result was right")
+    return 1 if wrong else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

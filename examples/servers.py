@@ -1,0 +1,101 @@
+# SPDX-License-Identifier: MIT
+"""Real FTP servers on loopback for the demonstration and the benchmark, through tests/fixture."""
+
+import json
+import os
+import pathlib
+import socket
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+_FIXTURE = ROOT / "tests/fixture"
+
+
+def run_under_fixture(scratch=None):
+    """Starts the running script anew beside the fixture controller, unless it is there already.
+
+    The servers keep their files below `scratch`.
+    """
+    if "QX_FIXTURE_PORT" in os.environ:
+        return
+    if scratch:
+        os.environ["TMPDIR"] = str(scratch)
+    runner = str(_FIXTURE / "run-with-fixture")
+    sys.stdout.flush()
+    os.execv(runner, [runner, sys.executable, *sys.argv])
+
+
+class Server:
+    """One server of the kind "pyftpdlib" or "vsftpd". It ends with `with`, at the latest with the script."""
+
+    def __init__(self, kind):
+        self.kind = kind
+        self._socket = socket.create_connection(("127.0.0.1", int(os.environ["QX_FIXTURE_PORT"])))
+        self._answers = self._socket.makefile("r", encoding="utf-8")
+        started = self._request(op="start", kind=kind, script={})
+        self._number = started["id"]
+        self.host, self.port = started["host"], started["port"]
+        self.user, self.password = started["user"], started["password"]
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self._answers.close()
+        self._socket.close()
+
+    def _request(self, **request):
+        self._socket.sendall(json.dumps(request).encode() + b"\n")
+        answer = json.loads(self._answers.readline())
+        if "error" in answer:
+            raise RuntimeError(answer["error"])
+        return answer
+
+    def ask(self, op, **arguments):
+        """One of the requests that tests/fixture/README.md lists."""
+        return self._request(op=op, id=self._number, **arguments)
+
+    def matches(self, path, seed, size):
+        """Whether the server's file is exactly the pattern of this seed and size."""
+        return self.ask("matches", path=path, seed=seed, size=size)["matches"]
+
+
+def pattern():
+    """The module that makes file contents of (seed, size), as the servers do."""
+    if str(_FIXTURE) not in sys.path:
+        sys.path.insert(0, str(_FIXTURE))
+    import pattern as module
+
+    return module
+
+
+def write_pattern(path, seed, size):
+    with open(path, "wb") as file:
+        for piece in pattern().chunks(seed, size):
+            file.write(piece)
+
+
+def file_matches(path, seed, size):
+    """Whether the local file is exactly the pattern of this seed and size."""
+    with open(path, "rb") as file:
+        return pattern().same(iter(lambda: file.read(1 << 20), b""), pattern().chunks(seed, size))
+
+
+class Build:
+    """The programs of one build; a Windows build runs under Wine."""
+
+    def __init__(self, name):
+        self.name = name
+        self.windows = name == "windows"
+        self.folder = ROOT / "build" / name / "bin"
+        self.library = self.folder / ("ZRM_QXKT32x64.dll" if self.windows else "libZRM_QXKT32x64.so")
+
+    def command(self, program):
+        path = self.folder / (program + ".exe" if self.windows else program)
+        if not path.exists():
+            sys.exit(f"{path} is not built: cmake --build --preset {self.name}")
+        return [str(ROOT / "tools/wine-runner"), str(path)] if self.windows else [str(path)]
+
+    def local(self, path):
+        """The name by which the build's programs know a file of this machine."""
+        return f"Z:{path}" if self.windows else str(path)
