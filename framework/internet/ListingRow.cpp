@@ -31,8 +31,9 @@ std::string_view withoutDirectory(std::string_view name, std::string_view direct
   const std::size_t slash = name.rfind('/');
   if (slash == std::string_view::npos) return name;
   const std::string_view said = name.substr(0, slash);
+  const bool known = !directory.empty();
   while (directory.ends_with('/')) directory.remove_suffix(1);
-  const bool matches = said == "." || (said == directory && (!said.empty() || slash == 0));
+  const bool matches = said == "." || (known && said == directory);
   return matches ? name.substr(slash + 1) : name;
 }
 
