@@ -43,17 +43,8 @@ bool size(TQXIPIFInt& client, const Arguments& arguments) {
   return std::to_string(client.FTPFileSize(arguments.at(0).c_str(), 0, 0, 0)) == arguments.at(1);
 }
 
-// Only keeps the process, until standard input ends: under Wine the next programs then start as in a running
-// system.
-bool hold(TQXIPIFInt&, const Arguments&) {
-  while (std::getchar() != EOF) {
-  }
-  return true;
-}
-
-const std::map<std::string, Operation> kOperations = {{"download", download}, {"upload", upload},
-                                                      {"list", list},         {"exists", exists},
-                                                      {"size", size},         {"hold", hold}};
+const std::map<std::string, Operation> kOperations = {
+    {"download", download}, {"upload", upload}, {"list", list}, {"exists", exists}, {"size", size}};
 
 void runOnce(TQXIPIFInt& client, const QXErrorInfo& error, const Operation& operation,
              const Arguments& arguments) {

@@ -4,10 +4,21 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
+#include <algorithm>
 #include <stdexcept>
 #include <system_error>
 
-SharedLibrary::SharedLibrary(const std::string& path) : m_handle(LoadLibraryA(path.c_str())) {
+namespace {
+
+// Windows' loader takes a path only with its own separators.
+std::string nativePath(std::string path) {
+  std::ranges::replace(path, '/', '\\');
+  return path;
+}
+
+}  // namespace
+
+SharedLibrary::SharedLibrary(const std::string& path) : m_handle(LoadLibraryA(nativePath(path).c_str())) {
   if (m_handle != nullptr) return;
   const auto error = static_cast<int>(GetLastError());
   throw std::runtime_error(path + ": " + std::system_category().message(error));
