@@ -11,7 +11,7 @@ class CWinApp;
 class AFX_MODULE_STATE {
  public:
   CWinApp* m_pCurrentWinApp = nullptr;
-  void* m_hCurrentInstanceHandle = nullptr;
+  std::atomic<void*> m_hCurrentInstanceHandle{nullptr};
 };
 
 // The state of this module.

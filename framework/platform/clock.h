@@ -6,9 +6,13 @@
 
 namespace platform {
 
+// The years that file times can hold.
+inline constexpr int kFirstYear = 1601;
+inline constexpr int kLastYear = 30827;
+
 struct CalendarTime {
   std::uint16_t year = 1601;
-  std::uint16_t month = 1;  // 1 to 12
+  std::uint16_t month = 1;      // 1 to 12
   std::uint16_t dayOfWeek = 1;  // 0 = Sunday
   std::uint16_t day = 1;
   std::uint16_t hour = 0;

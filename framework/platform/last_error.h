@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Contract: the calling thread's last-error value and the system's texts for it.
-// Both builds use the numbering of Windows; posix/last_error.cpp turns errno into it in one switch, so a host
+// Both builds use the numbering of Windows; posix/last_error.cpp turns errno into it by one table, so a host
 // sees the same numbers everywhere (2 = file not found, 18 = no more files, 87 = invalid parameter, ...).
 #pragma once
 
@@ -40,5 +40,8 @@ inline constexpr std::uint32_t kErrorNoMoreFiles = 18;
 inline constexpr std::uint32_t kErrorFileExists = 80;
 inline constexpr std::uint32_t kErrorInvalidParameter = 87;
 inline constexpr std::uint32_t kErrorDiskFull = 112;
+inline constexpr std::uint32_t kErrorInsufficientBuffer = 122;
+inline constexpr std::uint32_t kErrorAlreadyExists = 183;
+inline constexpr std::uint32_t kErrorNameTooLong = 206;
 
 }  // namespace platform

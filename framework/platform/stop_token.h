@@ -23,6 +23,9 @@ class StopToken {
   void raise() noexcept;
   [[nodiscard]] bool raised() const noexcept;
 
+  // Waits at most `limit` for the token to be raised. True once it is.
+  [[nodiscard]] bool wait(std::chrono::milliseconds limit) const noexcept;
+
   // What a wait watches besides its socket: an event handle on Windows, a readable descriptor on POSIX.
   // Signalled for good once the token is raised.
   [[nodiscard]] std::intptr_t nativeHandle() const noexcept;
@@ -43,6 +46,9 @@ class StopToken {
   };
 
  private:
+  // One wait of the system on the wake-up handle; it may come back early. REQUIRES: 0 <= limit <= 1 minute.
+  void waitOnce(std::chrono::milliseconds limit) const noexcept;
+
   struct Impl;
   Impl* impl_;
 };

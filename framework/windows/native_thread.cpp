@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#include "framework/platform/native_thread.h"
+
+#include <algorithm>
+#include <new>
+
+#include "framework/platform/last_error.h"
+#include "framework/platform/worker_thread.h"
+#include "framework/windows/windows_api.h"
+
+namespace platform {
+
+struct NativeThread::State {
+  Entry entry;
+  void* argument;
+  HANDLE handle = nullptr;
+
+  static DWORD WINAPI run(void* object) noexcept {
+    const auto* self = static_cast<State*>(object);
+    try {
+      self->entry(self->argument);
+    } catch (...) {
+    }
+    return 0;
+  }
+};
+
+NativeThread::NativeThread() noexcept = default;
+
+NativeThread::~NativeThread() {
+  if (state_) ::CloseHandle(state_->handle);
+}
+
+bool NativeThread::start(Entry entry, void* argument) noexcept {
+  std::unique_ptr<State> state(new (std::nothrow) State{entry, argument});
+  if (!state) {
+    setLastError(kErrorNotEnoughMemory);
+    return false;
+  }
+  state->handle = ::CreateThread(nullptr, 0, &State::run, state.get(), 0, nullptr);
+  if (state->handle == nullptr) return false;
+  state_ = std::move(state);
+  return true;
+}
+
+bool NativeThread::wait(std::chrono::milliseconds limit, bool wakeForMessages) noexcept {
+  constexpr std::chrono::milliseconds kLongest = std::chrono::hours(24);  // what fits the system's type
+  const auto time = static_cast<DWORD>(std::clamp(limit, std::chrono::milliseconds(0), kLongest).count());
+  if (!wakeForMessages) return ::WaitForSingleObject(state_->handle, time) == WAIT_OBJECT_0;
+  return ::MsgWaitForMultipleObjects(1, &state_->handle, FALSE, time, QS_ALLINPUT) == WAIT_OBJECT_0;
+}
+
+void NativeThread::setNormalPriority() noexcept { ::SetThreadPriority(state_->handle, THREAD_PRIORITY_NORMAL); }
+
+bool NativeThread::endByForce() noexcept { return ::TerminateThread(state_->handle, 0) != FALSE; }
+
+void yieldProcessor() noexcept { ::SwitchToThread(); }
+
+}  // namespace platform
