@@ -23,11 +23,13 @@ namespace {
 std::string nativePath(const char* path) {
   const bool drive = path[0] != '\0' && path[1] == ':' &&
                      ((path[0] >= 'A' && path[0] <= 'Z') || (path[0] >= 'a' && path[0] <= 'z'));
-  std::string native(drive ? path + 2 : path);
+  const char* rest = drive ? path + 2 : path;
+  std::string native;
+  if (drive && *rest != '/' && *rest != '\\') native = "/";
+  native += rest;
   for (char& c : native) {
     if (c == '\\') c = '/';
   }
-  if (drive && (native.empty() || native[0] != '/')) native.insert(0, "/");
   return native;
 }
 
