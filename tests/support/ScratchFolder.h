@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+// A new empty folder that is removed with all its content.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace testing_support {
+
+class ScratchFolder {
+ public:
+  // Throws std::filesystem::filesystem_error.
+  ScratchFolder();
+  ~ScratchFolder();
+  ScratchFolder(const ScratchFolder&) = delete;
+  ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+  // The narrow native name of a file in the folder: "/tmp/x/name" or "Z:\tmp\x\name".
+  [[nodiscard]] std::string file(const std::string& name) const { return (path_ / name).string(); }
+
+ private:
+  std::filesystem::path path_;
+};
+
+}  // namespace testing_support

@@ -1,0 +1,49 @@
+# SPDX-License-Identifier: MIT
+"""check_watchdog.py COMMAND...: runs the hanging program and looks at how it ends."""
+
+import os
+import subprocess
+import sys
+
+
+def run(command, test, **environment):
+    done = subprocess.run(
+        command + [f"--gtest_filter={test}"],
+        env={**os.environ, **environment},
+        stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT,
+        timeout=90,
+        check=False,
+    )
+    return done.returncode, done.stdout.decode(errors="replace")
+
+
+def expect(condition, what, code, output):
+    if not condition:
+        sys.exit(f"{what}; exit code {code}, output:\n{output}")
+
+
+def check_hang(command, test, limit, **environment):
+    code, output = run(command, test, **environment)
+    expect(code == 42, f"{test} did not end by the watchdog", code, output)
+    expect(f"HANG: {test} ran longer than {limit} s" in output, f"{test} is not named", code, output)
+    # The stack of the hanging thread leads back into the program itself.
+    stacks = output.partition("HANG:")[2]
+    expect(stacks.count("hanging_program") >= 2, f"{test}: no stack", code, output)
+    return stacks
+
+
+def main(command):
+    check_hang(command, "Hanging.InTheMainThread", 1, QX_TEST_LIMIT="1")
+    stacks = check_hang(command, "Hanging.InAnotherThread", 1, QX_TEST_LIMIT="1")
+    expect(stacks.count("  thread ") >= 2, "a thread is missing", 42, stacks)
+    check_hang(command, "Hanging.WithALimitOfItsOwn", 1)
+    for test, wanted in (("Ending.Passes", 0), ("Ending.IsSkipped", 1), ("Ending.NoSuchTest", 1)):
+        code, output = run(command, test)
+        expect(code == wanted, f"{test} does not end with {wanted}", code, output)
+    code, output = run(command, "Ending.Crashes")
+    expect(code not in (0, 1), "a crash looks like a result", code, output)
+
+
+if __name__ == "__main__":
+    main(sys.argv[1:])

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// Tests that hang or vanish on purpose; check_watchdog.py runs them one by one.
+#include <gtest/gtest.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include "tests/support/Watchdog.h"
+
+namespace {
+
+// Not inlined, so that a stack shows it.
+[[gnu::noinline]] void waitForEver() {
+  std::mutex mutex;
+  std::condition_variable never;
+  std::unique_lock lock(mutex);
+  never.wait(lock, [] { return false; });
+}
+
+TEST(Hanging, InTheMainThread) { waitForEver(); }
+
+TEST(Hanging, InAnotherThread) {
+  std::thread other(waitForEver);
+  other.join();
+}
+
+TEST(Hanging, WithALimitOfItsOwn) {
+  const testing_support::TimeLimit limit(std::chrono::seconds(1));
+  waitForEver();
+}
+
+TEST(Ending, Passes) {}
+
+TEST(Ending, IsSkipped) { GTEST_SKIP(); }
+
+TEST(Ending, Crashes) {
+  volatile int* nothing = nullptr;
+  // The undefined-behaviour checks of the build would end the program another way.
+  [[maybe_unused]] const int value = *nothing;
+}
+
+}  // namespace

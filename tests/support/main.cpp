@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+// The main program of every test program.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+#include "tests/support/AllStacks.h"
+#include "tests/support/Watchdog.h"
+
+int main(int argc, char** argv) {
+  testing_support::disableErrorBoxes();
+  testing::InitGoogleTest(&argc, argv);
+  testing_support::watchAllTests();
+  const int result = RUN_ALL_TESTS();
+  if (result != 0 || GTEST_FLAG_GET(list_tests)) return result;
+
+  // Neither is a pass: a filter that matches nothing, and a test that was skipped.
+  const testing::UnitTest& run = *testing::UnitTest::GetInstance();
+  if (run.test_to_run_count() > 0 && run.skipped_test_count() == 0) return 0;
+  std::fprintf(stderr, "%d tests ran, %d of them were skipped\n", run.test_to_run_count(),
+               run.skipped_test_count());
+  return 1;
+}
