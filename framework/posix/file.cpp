@@ -24,8 +24,8 @@ std::string nativePath(const char* path) {
   const bool drive = path[0] != '\0' && path[1] == ':' &&
                      ((path[0] >= 'A' && path[0] <= 'Z') || (path[0] >= 'a' && path[0] <= 'z'));
   const char* rest = drive ? path + 2 : path;
-  std::string native;
-  if (drive && *rest != '/' && *rest != '\\') native = "/";
+  const bool needsRoot = drive && *rest != '/' && *rest != '\\';
+  std::string native(needsRoot ? 1 : 0, '/');
   native += rest;
   for (char& c : native) {
     if (c == '\\') c = '/';
