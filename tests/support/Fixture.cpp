@@ -122,13 +122,15 @@ int ScriptedFtp::repliesSent() const {
 
 std::vector<ControlConnection> ScriptedFtp::connections() const {
   std::vector<ControlConnection> all;
-  for (const json& entry : log().at("connections")) all.push_back(connectionOf(entry));
+  const json recorded = log();
+  for (const json& entry : recorded.at("connections")) all.push_back(connectionOf(entry));
   return all;
 }
 
 std::vector<DataConnection> ScriptedFtp::dataConnections() const {
   std::vector<DataConnection> all;
-  for (const json& entry : log().at("data")) all.push_back(dataConnectionOf(entry));
+  const json recorded = log();
+  for (const json& entry : recorded.at("data")) all.push_back(dataConnectionOf(entry));
   return all;
 }
 
