@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Finds files and directories on a server. FindFile takes the whole listing into memory and frees the data
 // connection; the walk over the entries does no I/O. The constructor and the destructor do none either.
+// Without a connection there is nothing to find (12019).
 //   FindFile("/pub/*.*")  everything in /pub, also names without a dot
 //   FindFile("/pub")      the content of /pub when it is a directory, that one entry when it is a file
 //   FindFile("*.*")       the current directory
@@ -27,10 +28,13 @@ class CFtpFileFind {
   CFtpFileFind& operator=(const CFtpFileFind&) = delete;
 
   // True when at least one entry was found. Nothing there: false, last error 18. The server's refusal: false,
-  // 12003. Trouble of the connection (12002, 12030, 12031, ...): throws CInternetException*.
+  // 12003; likewise 87 for a path that cannot be sent, 12110 while a file is open. Trouble of the connection
+  // (12002, 12030, 12031, ...): throws CInternetException*. So does a listing that is known not to be whole:
+  // 12003 with the server's text when it says so, 12030 when it ends in the middle of a row, 12152 when it is
+  // beyond the limits or not one row of it can be read.
   virtual bool FindFile(const char* pattern = nullptr, std::uint32_t flags = 0);
-  // Makes the next entry current. False when that entry is the last one (it is still the current entry) or when
-  // there is none at all (last error 18).
+  // Makes the next entry current. False when that entry is the last one (it is still the current entry) or
+  // when there is none at all (last error 18).
   virtual bool FindNextFile();
 
   // How many entries FindNextFile has still to make current.
@@ -43,7 +47,8 @@ class CFtpFileFind {
   // True when the entry has at least one of these attribute bits (0x1 read-only, 0x2 hidden, 0x4 system,
   // 0x10 directory, 0x20 archive, 0x80 normal, 0x100 temporary, 0x800 compressed).
   virtual bool MatchesMask(std::uint32_t mask) const;
-  // Seconds since 1970-01-01 UTC; 0 when unknown. May ask the server (MDTM) where the entry came from a size query.
+  // Seconds since 1970-01-01 UTC; 0 when unknown. May ask the server (MDTM) where the entry came from a size
+  // query.
   virtual std::int64_t GetLastWriteTime();
   virtual std::int64_t GetCreationTime() { return GetLastWriteTime(); }
   virtual std::int64_t GetLastAccessTime() { return GetLastWriteTime(); }
@@ -53,5 +58,6 @@ class CFtpFileFind {
 
  private:
   std::shared_ptr<internet::FtpControl> m_control;
-  std::unique_ptr<internet::FindState> m_state;
+  // A running call holds it too: a status callback may delete the finder.
+  std::shared_ptr<internet::FindState> m_state;
 };

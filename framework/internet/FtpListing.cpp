@@ -10,10 +10,15 @@
 namespace internet {
 namespace {
 
-// Blank, or a word and a number ("total 88", in the server's language).
+// Blank, or a word and a number ("total 88", in the server's language). What a broken-off row begins with (a
+// date, or a mode: it has no other letters than these) is no such word.
 bool isHeader(std::string_view line) noexcept {
+  constexpr std::string_view kModeLetters = "bcdlnprstwxCDLMPST";
   RowFields fields(line);
-  if (fields.next().empty()) return true;
+  const std::string_view word = fields.next();
+  if (word.empty()) return true;
+  if (word.find_first_of("-0123456789") != std::string_view::npos) return false;
+  if (word.find_first_not_of(kModeLetters) == std::string_view::npos) return false;
   const std::string_view number = fields.next();
   return !number.empty() && isDigit(number.front()) && fields.next().empty();
 }

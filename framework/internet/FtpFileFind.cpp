@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+#include "framework/internet/FtpFileFind.h"
+
+#include <chrono>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "framework/internet/Failure.h"
+#include "framework/internet/FindRule.h"
+#include "framework/internet/FtpConnection.h"
+#include "framework/internet/InternetErrors.h"
+#include "framework/platform/last_error.h"
+
+namespace internet {
+
+struct FindState {
+  Found found;
+  std::size_t taken = 0;  // entries that FindNextFile has come to; the last of them is the current one
+
+  [[nodiscard]] FtpEntry* current() noexcept { return taken == 0 ? nullptr : &found.entries[taken - 1]; }
+};
+
+namespace {
+
+// What FindFile answers with false; everything else is trouble of the connection.
+bool isAnswer(std::uint32_t error) noexcept {
+  return error == kExtendedError || error == kIncorrectHandleState || error == kTransferInProgress ||
+         error == platform::kErrorInvalidParameter || error == platform::kErrorNotEnoughMemory;
+}
+
+std::int64_t secondsNow() {
+  using namespace std::chrono;
+  return duration_cast<seconds>(system_clock::now().time_since_epoch()).count();
+}
+
+void checkPattern(std::string_view pattern) {
+  if (pattern.size() >= kMaxArgument) fail(platform::kErrorInvalidParameter);
+  FtpControl::checkArgument(pattern);
+}
+
+void askTime(FtpControl& control, FindState& state) {
+  const FtpReply reply = control.command("MDTM", state.found.timePath);
+  state.found.timePath.clear();
+  constexpr std::size_t kCode = 4;  // "213 "
+  if (reply.code != 213 || reply.text.size() < kCode) return;
+  std::string_view time = std::string_view(reply.text).substr(kCode);
+  while (time.ends_with(' ')) time.remove_suffix(1);
+  state.found.entries.front().modified = parseMdtmTime(time);
+}
+
+}  // namespace
+}  // namespace internet
+
+using internet::FindState;
+using internet::FtpEntry;
+
+namespace {
+
+FtpEntry* currentOf(const std::shared_ptr<FindState>& state) noexcept {
+  return state ? state->current() : nullptr;
+}
+
+}  // namespace
+
+CFtpFileFind::CFtpFileFind(CFtpConnection* connection, std::uintptr_t)
+    : m_control(connection ? connection->Control() : nullptr) {}
+
+CFtpFileFind::~CFtpFileFind() = default;
+
+bool CFtpFileFind::FindFile(const char* pattern, std::uint32_t) {
+  Close();
+  const std::shared_ptr<internet::FtpControl> control = m_control;
+  const std::string asked = pattern && *pattern ? pattern : "*";
+  const auto state = std::make_shared<FindState>();
+  m_state = state;
+  bool unusable = false;
+  const auto search = [&] {
+    internet::FindRule rule(*control, internet::secondsNow());
+    try {
+      state->found = rule.find(asked);
+    } catch (const internet::Failure&) {
+      unusable = rule.listingUnusable();
+      throw;
+    }
+  };
+  const std::optional<internet::Failure> failure = internet::attempt([&] {
+    internet::checkPattern(asked);
+    if (!control) internet::fail(internet::kIncorrectHandleState);
+    control->request(search);
+  });
+  if (failure && (unusable || !internet::isAnswer(failure->error))) internet::throwAsException(*failure);
+  const bool found = !failure && !state->found.entries.empty();
+  if (!found) platform::setLastError(failure ? failure->error : platform::kErrorNoMoreFiles);
+  return found;
+}
+
+bool CFtpFileFind::FindNextFile() {
+  if (EntriesLeft() > 0) ++m_state->taken;
+  if (EntriesLeft() > 0) return true;
+  platform::setLastError(platform::kErrorNoMoreFiles);
+  return false;
+}
+
+std::size_t CFtpFileFind::EntriesLeft() const noexcept {
+  return m_state ? m_state->found.entries.size() - m_state->taken : 0;
+}
+
+std::string CFtpFileFind::GetFileName() const {
+  const FtpEntry* entry = currentOf(m_state);
+  return entry ? entry->name : std::string();
+}
+
+bool CFtpFileFind::IsDirectory() const {
+  const FtpEntry* entry = currentOf(m_state);
+  return entry && entry->isDirectory;
+}
+
+std::uint64_t CFtpFileFind::GetLength() const {
+  const FtpEntry* entry = currentOf(m_state);
+  return entry ? entry->size : 0;
+}
+
+bool CFtpFileFind::MatchesMask(std::uint32_t mask) const {
+  const FtpEntry* entry = currentOf(m_state);
+  return entry && (entry->attributes & mask) != 0;
+}
+
+std::int64_t CFtpFileFind::GetLastWriteTime() {
+  const auto control = m_control;
+  const auto state = m_state;
+  const FtpEntry* entry = currentOf(state);
+  if (!entry) return 0;
+  if (!state->found.timePath.empty()) {
+    // A time that cannot be had is unknown; the last error tells why.
+    static_cast<void>(
+        internet::answer([&] { control->request([&] { internet::askTime(*control, *state); }); }));
+  }
+  return entry->modified;
+}
+
+void CFtpFileFind::Close() noexcept { m_state.reset(); }
