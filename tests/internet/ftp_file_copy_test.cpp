@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: MIT
+// GetFile and PutFile: what is left on the disk, and when the server's word is needed.
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "framework/platform/stop_token.h"
+#include "tests/internet/FtpTest.h"
+#include "tests/support/Pattern.h"
+
+namespace internet_tests {
+namespace {
+
+using fixture::ScriptedFtp;
+using nlohmann::json;
+using namespace nlohmann::literals;
+using testing_support::Pattern;
+
+constexpr std::uint32_t kSeed = 11;
+constexpr std::uint64_t kSize = 3'000'000;
+
+class FtpFileCopy : public FtpTest {
+ protected:
+  static ScriptedFtp serving(const json& options, const char* verb = "RETR") {
+    return ScriptedFtp(json{{"tree", {{"/dir/big", {{"size", kSize}, {"seed", kSeed}}}}},
+                            {"rules", {{{"on", verb}, {"do", {{{"normal", options}}}}}}}});
+  }
+
+  std::uint32_t get(CFtpConnection& connection, bool failIfExists = true) {
+    return errorOf([&] { return connection.GetFile("/dir/big", local.c_str(), failIfExists); });
+  }
+
+  void writeLocal(const std::string& content) { std::ofstream(local, std::ios::binary) << content; }
+
+  testing_support::ScratchFolder folder;
+  const std::string local = folder.file("local");
+};
+
+TEST_F(FtpFileCopy, CopiesBothWays) {
+  for (const bool passive : {true, false}) {
+    ScriptedFtp server = serving(json::object());
+    auto connection = connect(server, passive);
+    EXPECT_EQ(get(*connection), 0u);
+    EXPECT_TRUE(Pattern(kSeed).matchesFile(local, kSize));
+    EXPECT_TRUE(connection->PutFile(local.c_str(), "/up"));
+    EXPECT_TRUE(server.matches("/up", kSeed, kSize));
+    EXPECT_TRUE(std::filesystem::remove(local));
+  }
+}
+
+TEST_F(FtpFileCopy, CopiesEmptyFiles) {
+  ScriptedFtp server(R"({"tree": {"/dir/big": ""}})"_json);
+  auto connection = connect(server);
+  EXPECT_EQ(get(*connection), 0u);
+  EXPECT_EQ(std::filesystem::file_size(local), 0u);
+  EXPECT_TRUE(connection->PutFile(local.c_str(), "/up"));
+  EXPECT_EQ(server.size("/up"), 0u);
+}
+
+TEST_F(FtpFileCopy, AnExistingFileIsRefusedBeforeAnythingIsSent) {
+  ScriptedFtp server = serving(json::object());
+  auto connection = connect(server);
+  writeLocal("mine");
+  EXPECT_EQ(get(*connection), 80u);
+  EXPECT_EQ(server.commands().size(), 2u);
+  EXPECT_EQ(std::filesystem::file_size(local), 4u);
+  EXPECT_EQ(get(*connection, false), 0u);
+  EXPECT_TRUE(Pattern(kSeed).matchesFile(local, kSize));
+}
+
+TEST_F(FtpFileCopy, AFileThatCannotBeCreatedIsTheSystemsError) {
+  ScriptedFtp server = serving(json::object());
+  auto connection = connect(server);
+  const std::string nowhere = folder.file("missing/local");
+  EXPECT_EQ(errorOf([&] { return connection->GetFile("/dir/big", nowhere.c_str()); }), 3u);
+  EXPECT_EQ(errorOf([&] { return connection->PutFile(local.c_str(), "/up"); }), 2u);
+  EXPECT_EQ(server.commands().size(), 2u) << "before anything is sent";
+}
+
+TEST_F(FtpFileCopy, ARefusedDownloadLeavesNoFile) {
+  ScriptedFtp server;
+  auto connection = connect(server);
+  EXPECT_EQ(get(*connection), 12003u);
+  EXPECT_FALSE(std::filesystem::exists(local));
+  EXPECT_TRUE(works(*connection));
+}
+
+TEST_F(FtpFileCopy, AFileThatWasThereIsNotDeleted) {
+  ScriptedFtp server;
+  auto connection = connect(server);
+  writeLocal("mine");
+  EXPECT_EQ(get(*connection, false), 12003u);
+  EXPECT_TRUE(std::filesystem::exists(local));
+}
+
+TEST_F(FtpFileCopy, AFailedDownloadLeavesNoFile) {
+  session.SetTimeouts(shortTimeouts());
+  const std::pair<json, std::uint32_t> cases[] = {
+      {{{"close_after", 1'000'000}}, 12030},
+      {{{"reset_after", 1'000'000}, {"final", "451 Read error"}}, 12003},
+      {{{"close_after", 1'000'000}, {"final", "552 Odd"}, {"opening", "150 Size unknown"}}, 12003},
+      {{{"final", "426 Aborted"}}, 12030},
+      {{{"stall_after", 1'000'000}, {"gate", "never"}}, 12002},
+  };
+  for (const auto& [options, error] : cases) {
+    ScriptedFtp server = serving(options);
+    auto connection = connect(server);
+    EXPECT_EQ(get(*connection), error) << options;
+    EXPECT_FALSE(std::filesystem::exists(local)) << options;
+  }
+}
+
+TEST_F(FtpFileCopy, AReadOnlyFileIsDeletedAfterAFailureToo) {
+  ScriptedFtp server = serving({{"close_after", 1'000'000}});
+  auto connection = connect(server);
+  EXPECT_FALSE(connection->GetFile("/dir/big", local.c_str(), true, platform::kFileAttributeReadOnly));
+  EXPECT_FALSE(std::filesystem::exists(local));
+}
+
+TEST_F(FtpFileCopy, WhereTheFinalReplyIsLostTheSizeDecides) {
+  session.SetTimeouts(shortTimeouts());
+  for (const json& lost :
+       {json{{"final", nullptr}}, json{{"final", nullptr}, {"opening", "150 Size unknown"}}}) {
+    ScriptedFtp server = serving(lost);
+    auto connection = connect(server);
+    session.takeStatuses();
+    EXPECT_EQ(get(*connection), 0u) << lost;
+    EXPECT_TRUE(Pattern(kSeed).matchesFile(local, kSize));
+    EXPECT_EQ(server.connections().size(), 2u);
+    EXPECT_EQ(server.commandCount("SIZE"), 1);
+    const auto statuses = session.takeStatuses();
+    EXPECT_EQ(std::vector<std::uint32_t>(statuses.end() - 2, statuses.end()),
+              (std::vector<std::uint32_t>{50, 51}));
+    EXPECT_EQ(std::count(statuses.begin(), statuses.end(), 20u), 0) << "the question is silent";
+    std::filesystem::remove(local);
+  }
+}
+
+TEST_F(FtpFileCopy, WhereTheControlConnectionIsLostTheSizeDecides) {
+  // Relative to the directory that the lost connection was in.
+  ScriptedFtp server(
+      json{{"tree", {{"/dir/big", {{"size", kSize}, {"seed", kSeed}}}}},
+           {"rules", {{{"on", "RETR"}, {"do", {{{"normal", {{"final", nullptr}}}}, "reset"}}}}}});
+  auto connection = connect(server);
+  EXPECT_TRUE(connection->SetCurrentDirectory("/dir"));
+  EXPECT_TRUE(connection->GetFile("big", local.c_str()));
+  EXPECT_TRUE(Pattern(kSeed).matchesFile(local, kSize));
+  EXPECT_EQ(server.connections().size(), 2u);
+}
+
+TEST_F(FtpFileCopy, WithoutAFinalReplyAShortFileIsAFailure) {
+  session.SetTimeouts(shortTimeouts());
+  ScriptedFtp server =
+      serving({{"final", nullptr}, {"opening", "150 Size unknown"}, {"close_after", 1'000'000}});
+  auto connection = connect(server);
+  EXPECT_EQ(get(*connection), 12002u);
+  EXPECT_FALSE(std::filesystem::exists(local));
+  EXPECT_EQ(server.commandCount("SIZE"), 1);
+}
+
+TEST_F(FtpFileCopy, WithoutAFinalReplyAndWithoutSizeItIsAFailure) {
+  session.SetTimeouts(shortTimeouts());
+  ScriptedFtp server(json{{"tree", {{"/dir/big", {{"size", kSize}, {"seed", kSeed}}}}},
+                          {"features", json::array()},
+                          {"rules", {{{"on", "RETR"}, {"do", {{{"normal", {{"final", nullptr}}}}}}}}}});
+  auto connection = connect(server);
+  EXPECT_EQ(get(*connection), 12002u);
+  EXPECT_FALSE(std::filesystem::exists(local));
+}
+
+TEST_F(FtpFileCopy, AnUploadNeedsTheServersWord) {
+  session.SetTimeouts(shortTimeouts());
+  Pattern(kSeed).writeFile(local, kSize);
+  const std::pair<json, std::uint32_t> cases[] = {
+      {{{"final", nullptr}}, 12002},
+      {{{"final", "451 Write error"}}, 12003},
+      {{{"close_after", 1'000'000}, {"final", "552 disk full"}}, 12003},
+      {{{"reset_after", 1'000'000}, {"final", "552 disk full"}}, 12003},
+      {{{"reset_after", 1'000'000}}, 12030},
+  };
+  for (const auto& [options, error] : cases) {
+    ScriptedFtp server = serving(options, "STOR");
+    auto connection = connect(server);
+    EXPECT_EQ(errorOf([&] { return connection->PutFile(local.c_str(), "/up"); }), error) << options;
+    if (error == 12003) EXPECT_EQ(connection->LastServerText(), options["final"].get<std::string>());
+  }
+}
+
+TEST_F(FtpFileCopy, AnUploadThatIsBrokenOffIsNotTakenForAWholeFile) {
+  // The worker is stopped in mid-upload: the server must see a broken connection, not the end of the file.
+  Pattern(kSeed).writeFile(local, 40'000'000);
+  ScriptedFtp server = serving({{"stall_after", 1'000'000}, {"gate", "rest"}}, "STOR");
+  auto connection = connect(server);
+  platform::StopToken token;
+  std::thread stopper([&] {
+    server.waitAtGate("rest");
+    token.raise();
+  });
+  {
+    const platform::StopToken::Scope scope(&token);
+    EXPECT_THROW(static_cast<void>(connection->PutFile(local.c_str(), "/up")), platform::OperationStopped);
+  }
+  stopper.join();
+  server.release("rest");
+  server.waitFor(R"({"data_closed": 1})");
+  EXPECT_EQ(server.dataConnections().at(0).how, "peer");
+}
+
+TEST_F(FtpFileCopy, AStoppedDownloadLeavesNoFile) {
+  ScriptedFtp server = serving({{"stall_after", 1'000'000}, {"gate", "rest"}});
+  auto connection = connect(server);
+  platform::StopToken token;
+  std::thread stopper([&] {
+    server.waitAtGate("rest");
+    token.raise();
+  });
+  {
+    const platform::StopToken::Scope scope(&token);
+    EXPECT_THROW(static_cast<void>(get(*connection)), platform::OperationStopped);
+  }
+  stopper.join();
+  EXPECT_FALSE(std::filesystem::exists(local));
+}
+
+TEST_F(FtpFileCopy, ADownloadKeepsToSevenReplies) {
+  ScriptedFtp server = serving(json::object());
+  auto connection = connect(server);
+  EXPECT_EQ(get(*connection), 0u);
+  EXPECT_EQ(server.repliesSent(), 7);
+}
+
+}  // namespace
+}  // namespace internet_tests

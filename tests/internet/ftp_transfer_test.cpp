@@ -1,0 +1,384 @@
+// SPDX-License-Identifier: MIT
+// Open remote files: what Read, Write and Close tell, and what servers do wrong in mid-transfer.
+#include <nlohmann/json.hpp>
+
+#include "tests/internet/FtpTest.h"
+#include "tests/support/Pattern.h"
+
+namespace internet_tests {
+namespace {
+
+using fixture::ScriptedFtp;
+using nlohmann::json;
+using namespace nlohmann::literals;
+using Statuses = std::vector<std::uint32_t>;
+
+constexpr std::uint32_t kSeed = 7;
+
+class FtpTransferTest : public FtpTest {
+ protected:
+  static constexpr std::uint64_t kBigSize = 3'000'000;
+
+  // A server whose /big is read or /up is written by these transfer options.
+  static ScriptedFtp serving(const json& options, const char* verb = "RETR") {
+    return ScriptedFtp(json{{"tree", {{"/big", {{"size", kBigSize}, {"seed", kSeed}}}}},
+                            {"rules", {{{"on", verb}, {"do", {{{"normal", options}}}}}}}});
+  }
+
+  // Reads to the end in blocks and compares with the pattern.
+  static std::uint64_t readPattern(CInternetFile& file, std::uint32_t block = 65536) {
+    const testing_support::Pattern pattern(kSeed);
+    std::vector<char> buffer(block);
+    std::uint64_t position = 0;
+    while (const std::uint32_t count = file.Read(buffer.data(), block)) {
+      EXPECT_TRUE(pattern.matches(position, buffer.data(), count));
+      position += count;
+    }
+    return position;
+  }
+
+  static void writePattern(CInternetFile& file, std::uint64_t size, std::uint32_t block = 65536) {
+    const testing_support::Pattern pattern(kSeed);
+    std::vector<char> buffer(block);
+    for (std::uint64_t position = 0; position < size; position += block) {
+      const auto count = static_cast<std::uint32_t>(std::min<std::uint64_t>(block, size - position));
+      pattern.fill(position, buffer.data(), count);
+      file.Write(buffer.data(), count);
+    }
+  }
+};
+
+TEST_F(FtpTransferTest, ReadsInBlocksOfAnySize) {
+  ScriptedFtp server = serving(json::object());
+  auto connection = connect(server);
+  for (const std::uint32_t block : {1000u, 4096u, 65536u, 524'288u, 1'000'000u, 4'000'000u}) {
+    auto file = openToRead(*connection, "/big");
+    EXPECT_EQ(readPattern(*file, block), kBigSize) << block;
+    EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
+  }
+}
+
+TEST_F(FtpTransferTest, AReadIsFilledUntilTheEndOfTheData) {
+  ScriptedFtp server = serving({{"pace", {{"bytes", 100'000}, {"ms", 1}}}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  std::vector<char> buffer(2'000'000);
+  EXPECT_EQ(file->Read(buffer.data(), 2'000'000), 2'000'000u);
+  EXPECT_EQ(file->Read(buffer.data(), 2'000'000), 1'000'000u);
+  EXPECT_EQ(file->Read(buffer.data(), 2'000'000), 0u);
+  EXPECT_EQ(file->Read(buffer.data(), 2'000'000), 0u);
+}
+
+TEST_F(FtpTransferTest, WritesInBlocksOfAnySize) {
+  ScriptedFtp server;
+  auto connection = connect(server);
+  for (const std::uint32_t block : {1000u, 4096u, 65536u, 3'000'000u}) {
+    auto file = openToWrite(*connection, "/up");
+    writePattern(*file, kBigSize, block);
+    EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
+    EXPECT_TRUE(server.matches("/up", kSeed, kBigSize)) << block;
+  }
+}
+
+TEST_F(FtpTransferTest, AFileMayBeEmpty) {
+  ScriptedFtp server(R"({"tree": {"/empty": ""}})"_json);
+  auto connection = connect(server);
+  auto in = openToRead(*connection, "/empty");
+  EXPECT_EQ(readToEnd(*in), "");
+  EXPECT_TRUE(in->Close());
+  auto out = openToWrite(*connection, "/up");
+  EXPECT_TRUE(out->Close());
+  EXPECT_EQ(server.size("/up"), 0u);
+  out = openToWrite(*connection, "/up");
+  out->Write("", 0);
+  out.reset();
+  EXPECT_TRUE(works(*connection)) << "deleting closes";
+}
+
+TEST_F(FtpTransferTest, ManyTransfersRunOverOneConnection) {
+  ScriptedFtp server(R"({"tree": {"/f": "content"}})"_json);
+  auto connection = connect(server);
+  for (int i = 0; i < 60; ++i) {
+    auto file = openToRead(*connection, "/f");
+    EXPECT_EQ(readToEnd(*file), "content");
+    EXPECT_TRUE(file->Close());
+  }
+  EXPECT_EQ(server.connections().size(), 1u);
+  EXPECT_EQ(server.commandCount("TYPE"), 1);
+}
+
+TEST_F(FtpTransferTest, NamesGoThroughByteForByte) {
+  ScriptedFtp server(R"({"encoding": "latin-1"})"_json);
+  auto connection = connect(server);
+  int number = 0;
+  for (const char* name : {" leading", "trailing ", "a b", "%41", "a#b", "a?b", "a*b", "[x]", "a;b=c", "-l",
+                           "\"q\"", "gr\xc3\xbc\xc3\x9f", "gr\xfc\xdf", "(12 bytes)"}) {
+    const std::string content = "content " + std::to_string(number++);
+    auto out = openToWrite(*connection, name);
+    out->Write(content.data(), static_cast<std::uint32_t>(content.size()));
+    EXPECT_TRUE(out->Close()) << name;
+    auto in = openToRead(*connection, name);
+    EXPECT_EQ(readToEnd(*in), content) << name;
+    EXPECT_TRUE(in->Close()) << name;
+  }
+  EXPECT_EQ(server.names("/").size(), 14u);
+}
+
+TEST_F(FtpTransferTest, ARefusalIsToldBeforeTheFirstReadOrWrite) {
+  ScriptedFtp server;
+  auto connection = connect(server);
+  const Thrown missing = thrownBy([&] { openToRead(*connection, "/missing"); });
+  EXPECT_EQ(missing.error, 12003u);
+  EXPECT_EQ(missing.text, "550 No such file");
+  EXPECT_EQ(thrownBy([&] { openToWrite(*connection, "/missing/up"); }).text, "553 Could not create file");
+  EXPECT_EQ(connection->LastServerText(), "553 Could not create file");
+  EXPECT_TRUE(works(*connection)) << "a refusal costs nothing";
+}
+
+TEST_F(FtpTransferTest, AcceptanceIsToldBeforeTheFirstByte) {
+  ScriptedFtp server = serving({{"stall_after", 0}, {"gate", "data"}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  EXPECT_TRUE(file);
+  server.release("data");
+  EXPECT_EQ(readPattern(*file), kBigSize);
+}
+
+TEST_F(FtpTransferTest, AnOpenFileHoldsTheConnection) {
+  ScriptedFtp server = serving(json::object());
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  EXPECT_EQ(errorOf([&] { return connection->Remove("/big"); }), 12110u);
+  EXPECT_EQ(thrownBy([&] { openToRead(*connection, "/big"); }).error, 12110u);
+  EXPECT_FALSE(connection->WaitIdle(std::chrono::milliseconds(1)));
+  EXPECT_EQ(readPattern(*file), kBigSize);
+  EXPECT_TRUE(file->Close());
+  EXPECT_TRUE(connection->Remove("/big"));
+}
+
+TEST_F(FtpTransferTest, NotifiesOfTheControlConnectionAlone) {
+  ScriptedFtp server = serving(json::object());
+  auto connection = connect(server);
+  session.takeStatuses();
+  auto file = openToRead(*connection, "/big");
+  // TYPE with EPSV, RETR.
+  EXPECT_EQ(session.takeStatuses(), (Statuses{30, 31, 40, 41, 30, 31, 40, 41, 100}));
+  readPattern(*file);
+  EXPECT_EQ(session.takeStatuses(), Statuses{});
+  EXPECT_TRUE(file->Close());
+  EXPECT_EQ(session.takeStatuses(), (Statuses{40, 41, 100}));
+}
+
+TEST_F(FtpTransferTest, AnEarlyCloseOfAReadKeepsTheConnection) {
+  for (const std::uint32_t block : {0u, 1000u, 1'000'000u}) {
+    ScriptedFtp server = serving(json::object());
+    auto connection = connect(server);
+    auto file = openToRead(*connection, "/big");
+    std::vector<char> buffer(1'000'000);
+    EXPECT_EQ(file->Read(buffer.data(), block), block);
+    EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
+    EXPECT_TRUE(works(*connection));
+    EXPECT_EQ(server.connections().size(), 1u);
+  }
+}
+
+TEST_F(FtpTransferTest, AnEarlyCloseThatTheServerIgnoresEndsTheConnection) {
+  session.SetTimeouts(shortTimeouts());
+  ScriptedFtp server = serving({{"final", nullptr}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  session.takeStatuses();
+  EXPECT_EQ(errorOf([&] { return file->Close(); }), 12030u);
+  EXPECT_EQ(session.takeStatuses(), (Statuses{50, 51}));
+  EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12030u);
+}
+
+TEST_F(FtpTransferTest, AReadOfExactlyTheSizeIsComplete) {
+  ScriptedFtp server = serving(json::object());
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  std::vector<char> buffer(kBigSize);
+  EXPECT_EQ(file->Read(buffer.data(), kBigSize), kBigSize);
+  EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
+  EXPECT_TRUE(works(*connection));
+  EXPECT_EQ(server.dataConnections().at(0).how, "complete");
+}
+
+TEST_F(FtpTransferTest, WithoutAFinalReplyReadTellsTheEndAndCloseTheFailure) {
+  for (const json& opening : {json("150 Here (3000000 bytes)"), json("150 Here")}) {
+    session.SetTimeouts(shortTimeouts());
+    ScriptedFtp server = serving({{"final", nullptr}, {"opening", opening}});
+    auto connection = connect(server);
+    auto file = openToRead(*connection, "/big");
+    EXPECT_EQ(readPattern(*file), kBigSize);
+    EXPECT_EQ(errorOf([&] { return file->Close(); }), 12002u);
+    EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12030u);
+  }
+}
+
+TEST_F(FtpTransferTest, An250InPlaceOf226IsSuccess) {
+  ScriptedFtp server = serving({{"final", "250 Done"}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  readPattern(*file);
+  EXPECT_TRUE(file->Close());
+}
+
+TEST_F(FtpTransferTest, AShortFileIsNeverASuccess) {
+  struct Case {
+    json options;
+    std::uint32_t error;
+    bool alive;
+  };
+  const Case cases[] = {
+      {{{"close_after", 1'000'000}}, 12030, true},  // 226, but fewer bytes than announced
+      {{{"close_after", 1'000'000}, {"final", "426 Aborted"}}, 12030, true},
+      {{{"close_after", 1'000'000}, {"final", "451 Read error"}}, 12003, true},
+      {{{"close_after", 1'000'000}, {"final", "451 Read error"}, {"opening", "150 Size unknown"}},
+       12003,
+       true},
+      {{{"reset_after", 1'000'000}}, 12030, true},
+      {{{"reset_after", 1'000'000}, {"final", "552 Gone"}}, 12003, true},
+      {{{"close_after", 1'000'000}, {"final", nullptr}}, 12030, false},
+  };
+  for (const Case& each : cases) {
+    session.SetTimeouts(shortTimeouts());
+    ScriptedFtp server = serving(each.options);
+    auto connection = connect(server);
+    auto file = openToRead(*connection, "/big");
+    EXPECT_EQ(thrownBy([&] { readPattern(*file); }).error, each.error) << each.options;
+    EXPECT_NE(errorOf([&] { return file->Close(); }), 0u) << each.options;
+    EXPECT_EQ(works(*connection), each.alive) << each.options;
+  }
+}
+
+TEST_F(FtpTransferTest, AFileThatGrewIsReadInFull) {
+  ScriptedFtp server = serving({{"extra_bytes", 1000}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  EXPECT_EQ(readPattern(*file), kBigSize + 1000);
+  EXPECT_TRUE(file->Close());
+}
+
+TEST_F(FtpTransferTest, AResetWithoutAReasonIs12031) {
+  session.SetTimeouts(shortTimeouts());
+  ScriptedFtp server = serving({{"reset_after", 1000}, {"final", nullptr}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  EXPECT_EQ(thrownBy([&] { readPattern(*file); }).error, 12031u);
+}
+
+TEST_F(FtpTransferTest, AStalledReadIs12002) {
+  session.SetTimeouts(shortTimeouts());
+  ScriptedFtp server = serving({{"stall_after", 1'000'000}, {"gate", "never"}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  EXPECT_EQ(thrownBy([&] { readPattern(*file); }).error, 12002u);
+  EXPECT_EQ(thrownBy([&] { readPattern(*file); }).error, 12030u) << "no end of data after a failure";
+  EXPECT_FALSE(file->Close());
+  EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12030u);
+}
+
+TEST_F(FtpTransferTest, AStalledReadEndsAsSoonAsTheServerTellsWhy) {
+  // The data connection stays open and silent; only the control connection tells that it is over.
+  ScriptedFtp server(
+      json{{"tree", {{"/big", {{"size", kBigSize}, {"seed", kSeed}}}}},
+           {"rules",
+            {{{"on", "RETR"},
+              {"do", {{{"reply", "150 Here"}}, {{"gate", "wait"}}, {{"reply", "451 Disk error"}}}}}}}});
+  auto connection = connect(server, true);
+  auto file = openToRead(*connection, "/big");
+  server.release("wait");
+  const Thrown thrown = thrownBy([&] { readPattern(*file); });
+  EXPECT_EQ(thrown.error, 12003u);
+  EXPECT_EQ(thrown.text, "451 Disk error");
+}
+
+TEST_F(FtpTransferTest, AFullDiskInMidUploadKeepsTheServersWords) {
+  for (const char* how : {"close_after", "reset_after"}) {
+    ScriptedFtp server = serving({{how, 1'000'000}, {"final", "552 disk full"}}, "STOR");
+    auto connection = connect(server);
+    auto file = openToWrite(*connection, "/up");
+    const Thrown thrown = thrownBy([&] { writePattern(*file, 50'000'000); });
+    EXPECT_EQ(thrown.error, 12003u) << how;
+    EXPECT_EQ(thrown.text, "552 disk full") << how;
+    EXPECT_EQ(errorOf([&] { return file->Close(); }), 12003u) << how;
+    EXPECT_TRUE(works(*connection)) << how;
+  }
+}
+
+TEST_F(FtpTransferTest, AnUploadThatTheServerStopsReadingEndsAsSoonAsItTellsWhy) {
+  ScriptedFtp server(
+      json{{"rules",
+            {{{"on", "STOR"},
+              {"do", {{{"reply", "150 Send"}}, {{"gate", "wait"}}, {{"reply", "552 disk full"}}}}}}}});
+  auto connection = connect(server);
+  auto file = openToWrite(*connection, "/up");
+  server.release("wait");
+  const Thrown thrown = thrownBy([&] { writePattern(*file, 200'000'000, 1'000'000); });
+  EXPECT_EQ(thrown.error, 12003u);
+  EXPECT_EQ(thrown.text, "552 disk full");
+}
+
+TEST_F(FtpTransferTest, AStalledWriteIs12002) {
+  session.SetTimeouts(shortTimeouts());
+  ScriptedFtp server = serving({{"stall_after", 100'000}, {"gate", "never"}}, "STOR");
+  auto connection = connect(server);
+  auto file = openToWrite(*connection, "/up");
+  EXPECT_EQ(thrownBy([&] { writePattern(*file, 200'000'000, 1'000'000); }).error, 12002u);
+  EXPECT_EQ(errorOf([&] { return file->Close(); }), 12030u);
+}
+
+TEST_F(FtpTransferTest, AnUploadWithoutTheServersWordIsAFailure) {
+  for (const auto& [final, error] :
+       {std::pair(json(nullptr), 12002u), std::pair(json("451 Write error"), 12003u),
+        std::pair(json("426 Aborted"), 12030u), std::pair(json("552 Disk full"), 12003u)}) {
+    session.SetTimeouts(shortTimeouts());
+    ScriptedFtp server = serving({{"final", final}}, "STOR");
+    auto connection = connect(server);
+    auto file = openToWrite(*connection, "/up");
+    file->Write("abc", 3);
+    EXPECT_EQ(errorOf([&] { return file->Close(); }), error) << final;
+  }
+}
+
+TEST_F(FtpTransferTest, AFileOutlivesItsConnectionAndItsSession) {
+  ScriptedFtp server = serving(json::object());
+  auto inner = std::make_unique<RecordingSession>();
+  std::unique_ptr<CFtpConnection> connection(
+      inner->GetFtpConnection(server.host().c_str(), "user", "secret", server.port(), true));
+  auto file = openToRead(*connection, "/big");
+  inner.reset();
+  connection.reset();
+  EXPECT_EQ(readPattern(*file), kBigSize) << "what is on its way still comes";
+  EXPECT_EQ(errorOf([&] { return file->Close(); }), 12030u);
+  file.reset();
+  server.waitUntilAllClosed();
+}
+
+TEST_F(FtpTransferTest, AFileIsOnlyForWhatItWasOpenedFor) {
+  ScriptedFtp server = serving(json::object());
+  auto connection = connect(server);
+  char byte = 0;
+  auto in = openToRead(*connection, "/big");
+  EXPECT_EQ(thrownBy([&] { in->Write(&byte, 1); }).error, 12019u);
+  EXPECT_EQ(thrownBy([&] { in->Read(nullptr, 1); }).error, 87u);
+  EXPECT_TRUE(in->Close());
+  EXPECT_TRUE(in->Close()) << "twice";
+  EXPECT_EQ(thrownBy([&] { in->Read(&byte, 1); }).error, 12019u);
+  auto out = openToWrite(*connection, "/up");
+  EXPECT_EQ(thrownBy([&] { out->Read(&byte, 1); }).error, 12019u);
+  EXPECT_EQ(thrownBy([&] { out->Write(nullptr, 1); }).error, 87u);
+}
+
+TEST_F(FtpTransferTest, AServerThatSaysFarewellInMidTransferIs12030) {
+  ScriptedFtp server = serving({{"final", "421 Shutting down"}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  EXPECT_EQ(readPattern(*file), kBigSize);
+  EXPECT_EQ(errorOf([&] { return file->Close(); }), 12030u);
+  EXPECT_EQ(connection->LastServerText(), "421 Shutting down");
+}
+
+}  // namespace
+}  // namespace internet_tests
