@@ -30,8 +30,10 @@ CalendarTime localTimeOf(std::int64_t unixSeconds) noexcept {
   const FILETIME fileTime{units.LowPart, units.HighPart};
   SYSTEMTIME utc;
   SYSTEMTIME local;
-  // No zone named: the current one, in the rules of the year in question.
-  if (!::FileTimeToSystemTime(&fileTime, &utc) || !::SystemTimeToTzSpecificLocalTimeEx(nullptr, &utc, &local)) {
+  TIME_ZONE_INFORMATION rules;  // of the current zone, as they are in that year
+  if (!::FileTimeToSystemTime(&fileTime, &utc) ||
+      !::GetTimeZoneInformationForYear(utc.wYear, nullptr, &rules) ||
+      !::SystemTimeToTzSpecificLocalTime(&rules, &utc, &local)) {
     return {};
   }
   return fieldsOf(local);

@@ -19,8 +19,9 @@ void initCommonControls() noexcept {
 }
 
 bool startSockets() noexcept {
-  static constinit std::mutex mutex;
-  static constinit bool started = false;
+  // A refusal is not kept: the next call asks again.
+  static std::mutex mutex;
+  static bool started = false;
   const std::lock_guard lock(mutex);
   if (!started) {
     WSADATA data;
