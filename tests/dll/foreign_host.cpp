@@ -127,6 +127,7 @@ void checkDeletion(std::uint32_t nModuleCount) {
 
 extern "C" void hostMain() {
   checkSlotOrder();
+  if (g_nFailed != 0) ExitProcess(g_nFailed);  // calls into a real client would go astray
   const std::uint32_t before = moduleCount();
   TQXIPIFInt* const client = CreateQXIPIFInstance(&g_error);
   CHECK(client != nullptr);
