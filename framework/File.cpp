@@ -1,20 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include "framework/File.h"
 
-#include <algorithm>
-#include <cstring>
-#include <new>
+#include <exception>
 #include <string>
 
 #include "framework/platform/last_error.h"
 
 namespace {
 
+using platform::FileAccess;
+using platform::FileCreation;
+
 [[noreturn]] void throwLastError() { throw new CFileException(platform::lastError()); }
 
-platform::FileAccess accessOf(std::uint32_t flags) {
-  if ((flags & CFile::modeReadWrite) != 0) return platform::FileAccess::readWrite;
-  return (flags & CFile::modeWrite) != 0 ? platform::FileAccess::write : platform::FileAccess::read;
+FileAccess accessOf(std::uint32_t flags) noexcept {
+  if ((flags & CFile::modeReadWrite) != 0) return FileAccess::readWrite;
+  return (flags & CFile::modeWrite) != 0 ? FileAccess::write : FileAccess::read;
 }
 
 }  // namespace
@@ -24,13 +25,11 @@ bool CFileException::GetErrorMessage(char* buffer, std::uint32_t size) const noe
   buffer[0] = '\0';
   try {
     std::string text = platform::systemErrorText(m_lOsError);
-    while (!text.empty() && (text.back() == '\r' || text.back() == '\n')) text.pop_back();
-    const std::size_t length = std::min<std::size_t>(text.size(), size - 1);
-    std::memcpy(buffer, text.data(), length);
-    buffer[length] = '\0';
-    return length > 0;
-  } catch (const std::bad_alloc&) {
-    return false;
+    text.erase(text.find_last_not_of("\r\n") + 1);
+    buffer[text.copy(buffer, size - 1)] = '\0';
+    return !text.empty();
+  } catch (const std::exception&) {
+    return false;  // no memory for a text
   }
 }
 
@@ -39,18 +38,17 @@ CFile::CFile(const char* path, std::uint32_t flags) {
 }
 
 bool CFile::Open(const char* path, std::uint32_t flags) noexcept {
-  const auto creation =
-      (flags & modeCreate) != 0 ? platform::FileCreation::createAlways : platform::FileCreation::openExisting;
+  const auto creation = (flags & modeCreate) != 0 ? FileCreation::createAlways : FileCreation::openExisting;
   return m_file.open(path, accessOf(flags), creation);
 }
 
 std::uint32_t CFile::Read(void* buffer, std::uint32_t size) {
   std::uint32_t done = 0;
   while (done < size) {
-    const std::int64_t read = m_file.read(static_cast<char*>(buffer) + done, size - done);
-    if (read < 0) throwLastError();
-    if (read == 0) break;
-    done += static_cast<std::uint32_t>(read);
+    const std::int64_t got = m_file.read(static_cast<char*>(buffer) + done, size - done);
+    if (got < 0) throwLastError();
+    if (got == 0) break;
+    done += static_cast<std::uint32_t>(got);
   }
   return done;
 }

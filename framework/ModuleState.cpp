@@ -3,32 +3,30 @@
 
 namespace {
 
-thread_local AFX_MODULE_STATE* g_installed = nullptr;
+constinit AFX_MODULE_STATE g_moduleState;
+constinit thread_local AFX_MODULE_STATE* t_installed = nullptr;
 
 }  // namespace
 
-std::atomic<std::uint32_t> g_nModuleRefs{0};
-
-AFX_MODULE_STATE* AfxGetAppModuleState() noexcept {
-  static AFX_MODULE_STATE state;
-  return &state;
-}
+AFX_MODULE_STATE* AfxGetAppModuleState() noexcept { return &g_moduleState; }
 
 AFX_MODULE_STATE* AfxGetModuleState() noexcept {
-  return g_installed != nullptr ? g_installed : AfxGetAppModuleState();
+  return t_installed != nullptr ? t_installed : &g_moduleState;
 }
 
-AFX_MAINTAIN_STATE2::AFX_MAINTAIN_STATE2(AFX_MODULE_STATE* state) noexcept : m_pPrevious(g_installed) {
-  g_installed = state;
+AFX_MAINTAIN_STATE2::AFX_MAINTAIN_STATE2(AFX_MODULE_STATE* state) noexcept : m_pPrevious(t_installed) {
+  t_installed = state;
 }
 
-AFX_MAINTAIN_STATE2::~AFX_MAINTAIN_STATE2() { g_installed = m_pPrevious; }
+AFX_MAINTAIN_STATE2::~AFX_MAINTAIN_STATE2() { t_installed = m_pPrevious; }
 
-std::uint32_t AddModuleRef() noexcept { return ++g_nModuleRefs; }
+constinit std::atomic<std::uint32_t> g_nModuleRefs{0};
+
+std::uint32_t AddModuleRef() noexcept { return g_nModuleRefs.fetch_add(1) + 1; }
 
 std::uint32_t ReleaseModuleRef() noexcept {
-  std::uint32_t count = g_nModuleRefs.load();
-  while (count > 0 && !g_nModuleRefs.compare_exchange_weak(count, count - 1)) {
+  std::uint32_t refs = g_nModuleRefs.load();
+  while (refs != 0 && !g_nModuleRefs.compare_exchange_weak(refs, refs - 1)) {
   }
-  return count > 0 ? count - 1 : 0;
+  return refs != 0 ? refs - 1 : 0;
 }

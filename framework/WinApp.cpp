@@ -9,15 +9,17 @@ CWinApp::CWinApp(const char* appName) noexcept : m_pszAppName(appName) {
 }
 
 CWinApp::~CWinApp() {
-  if (AfxGetAppModuleState()->m_pCurrentWinApp == this) AfxGetAppModuleState()->m_pCurrentWinApp = nullptr;
+  CWinApp*& current = AfxGetAppModuleState()->m_pCurrentWinApp;
+  if (current == this) current = nullptr;
 }
 
 CWinApp* AfxGetApp() noexcept { return AfxGetModuleState()->m_pCurrentWinApp; }
 
 bool AfxWinInit(void* instance, void* /*previousInstance*/, const char* /*commandLine*/,
                 int /*showCommand*/) noexcept {
-  // Clients are made from several threads: every one of them stores the same handle.
-  AfxGetModuleState()->m_hCurrentInstanceHandle.store(instance, std::memory_order_relaxed);
+  // Clients are made on any thread; the first one's handle stays.
+  void* none = nullptr;
+  AfxGetAppModuleState()->m_hCurrentInstanceHandle.compare_exchange_strong(none, instance);
   return true;
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Contract: local files by narrow path. Failures set the thread's last error (platform/last_error.h).
-// On POSIX a drive prefix names the root ("Z:/home/me/f", any letter) and a backslash is a separator, so names
-// are built the same way on both builds.
+// On POSIX a drive prefix names the root ("Z:/home/me/f", any letter) and a backslash is a separator, so
+// names are built the same way on both builds.
 #pragma once
 
 #include <cstddef>

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Contract: the calling thread's message queue. None of these functions waits.
 // On Windows it is the Win32 queue. On POSIX it is the thread's GLib main context where the host has GLib in
-// its process (looked up at run time; nothing is linked): the thread-default context if one is pushed, else the
-// default context when this thread owns it or is the process's first thread. Without GLib there are no messages.
+// its process (looked up at run time; nothing is linked): the thread-default context if one is pushed, else
+// the default context when this thread owns it or is the process's first thread. Without GLib there are no
+// messages.
 #pragma once
 
 #include <cstdint>

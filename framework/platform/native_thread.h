@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Contract: the system's thread below WorkerThread. What both systems have in common (the stop token, the kill) is
-// in platform/worker_thread.cpp.
+// Contract: the system's thread below WorkerThread. What both systems have in common (the stop token, the
+// kill) is in platform/worker_thread.cpp.
 #pragma once
 
 #include <chrono>
@@ -17,19 +17,20 @@ class NativeThread {
   NativeThread(const NativeThread&) = delete;
   NativeThread& operator=(const NativeThread&) = delete;
 
-  // Runs `entry(argument)`: default stack and priority, at once. Whatever exception leaves `entry` ends the thread and
-  // nothing else. False with the last error set when the system gives no thread. REQUIRES: not started yet.
+  // Runs `entry(argument)`: default stack and priority, at once. Whatever exception leaves `entry` ends the
+  // thread and nothing else. False with the last error set when the system gives no thread. REQUIRES: not
+  // started yet.
   [[nodiscard]] bool start(Entry entry, void* argument) noexcept;
 
-  // True once nothing of the thread runs any more, its thread-local destructors included. Waits at most `limit`;
-  // with `wakeForMessages` a message for the calling thread ends the wait early. Any number of threads may wait.
-  // REQUIRES: started.
+  // True once nothing of the thread runs any more, its thread-local destructors included. Waits at most
+  // `limit`; with `wakeForMessages` a message for the calling thread ends the wait early. Any number of
+  // threads may wait. REQUIRES: started.
   [[nodiscard]] bool wait(std::chrono::milliseconds limit, bool wakeForMessages = false) noexcept;
 
   void setNormalPriority() noexcept;
 
-  // Ends the thread wherever it is, with exit code 0. False where the system has no such thing (POSIX) or refuses.
-  // wait() tells when it is gone.
+  // Ends the thread wherever it is, with exit code 0. False where the system has no such thing (POSIX) or
+  // refuses. wait() tells when it is gone.
   bool endByForce() noexcept;
 
  private:

@@ -11,7 +11,8 @@ void* processModule() noexcept;
 void initCommonControls() noexcept;
 
 // Starts the sockets layer for this library. False with the last error set when the system refuses.
-// May be called repeatedly and from several threads; it is started once and stays up while the library is loaded.
+// May be called repeatedly and from several threads; it is started once and stays up while the library is
+// loaded.
 [[nodiscard]] bool startSockets() noexcept;
 
 }  // namespace platform

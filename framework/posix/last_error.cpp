@@ -117,7 +117,8 @@ std::string systemErrorText(std::uint32_t error) {
   if (row != std::end(kNumbers)) return textOfErrno(row->errnoValue);
   const std::uint32_t errnoValue = error & ~kErrnoBit;
   constexpr std::uint32_t kLargestErrno = 4095;  // the kernel's own bound
-  if ((error & kErrnoBit) != 0 && errnoValue <= kLargestErrno) return textOfErrno(static_cast<int>(errnoValue));
+  if ((error & kErrnoBit) != 0 && errnoValue <= kLargestErrno)
+    return textOfErrno(static_cast<int>(errnoValue));
   return {};
 }
 

@@ -59,11 +59,12 @@ const GLib* glib() noexcept {
 
   const std::lock_guard lock(mutex);
   if (found.load(std::memory_order_relaxed) == nullptr) {
-    // Among the names that everybody sees, else where a plug-in of the host loaded it for itself. A library found
-    // that way is never released, so the functions stay.
+    // Among the names that everybody sees, else where a plug-in of the host loaded it for itself. A library
+    // found that way is never released, so the functions stay.
     void* const library = ::dlopen("libglib-2.0.so.0", RTLD_LAZY | RTLD_NOLOAD);
     GLib candidate{};
-    if (!findAll(RTLD_DEFAULT, candidate) && (library == nullptr || !findAll(library, candidate))) return nullptr;
+    if (!findAll(RTLD_DEFAULT, candidate) && (library == nullptr || !findAll(library, candidate)))
+      return nullptr;
     functions = candidate;
     found.store(&functions, std::memory_order_release);
   }
@@ -98,7 +99,8 @@ bool messageWaiting() noexcept {
 void takeAndDispatchMessage() { iterate(); }
 
 // The sources of a context have neither windows nor numbers, so each of them is within any range.
-bool dispatchOneMessage(WindowHandle /*window*/, std::uint32_t /*firstMessage*/, std::uint32_t /*lastMessage*/) {
+bool dispatchOneMessage(WindowHandle /*window*/, std::uint32_t /*firstMessage*/,
+                        std::uint32_t /*lastMessage*/) {
   return iterate();
 }
 

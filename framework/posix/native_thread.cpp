@@ -44,7 +44,8 @@ class HostSignalsBlocked {
   HostSignalsBlocked() noexcept {
     sigset_t blocked;
     sigfillset(&blocked);
-    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS}) sigdelset(&blocked, fault);
+    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS})
+      sigdelset(&blocked, fault);
     pthread_sigmask(SIG_SETMASK, &blocked, &previous_);
   }
   ~HostSignalsBlocked() { pthread_sigmask(SIG_SETMASK, &previous_, nullptr); }
@@ -77,9 +78,10 @@ void* NativeThread::State::run(void* object) {
   return nullptr;
 }
 
-// After the entry only thread-local destructors and the system's own end remain, microseconds as a rule, so asking
-// is enough; the timed joins of the system follow a clock that may be set back.
-bool NativeThread::State::join(std::unique_lock<std::mutex>& lock, steady_clock::time_point deadline) noexcept {
+// After the entry only thread-local destructors and the system's own end remain, microseconds as a rule, so
+// asking is enough; the timed joins of the system follow a clock that may be set back.
+bool NativeThread::State::join(std::unique_lock<std::mutex>& lock,
+                               steady_clock::time_point deadline) noexcept {
   for (int tries = 0; !joined; ++tries) {
     if (pthread_tryjoin_np(id, nullptr) == 0) {
       joined = true;
@@ -113,7 +115,8 @@ bool NativeThread::start(Entry entry, void* argument) noexcept {
 
 bool NativeThread::wait(std::chrono::milliseconds limit, bool /*wakeForMessages*/) noexcept {
   using std::chrono::milliseconds;
-  limit = std::clamp<milliseconds>(limit, milliseconds(0), std::chrono::hours(24));  // its sum with now() must fit
+  limit = std::clamp<milliseconds>(limit, milliseconds(0),
+                                   std::chrono::hours(24));  // its sum with now() must fit
   std::unique_lock lock(state_->mutex);
   if (state_->joined) return true;
   if (!state_->hasLeftEntry && limit == milliseconds(0)) return false;

@@ -13,8 +13,8 @@ void* processModule() noexcept {
 
 void initCommonControls() noexcept {}
 
-// Nothing to start. A peer that went away must not end the host by SIGPIPE; since signals are the host's business,
-// each send says so itself (MSG_NOSIGNAL).
+// Nothing to start. A peer that went away must not end the host by SIGPIPE; since signals are the host's
+// business, each send says so itself (MSG_NOSIGNAL).
 bool startSockets() noexcept { return true; }
 
 }  // namespace platform

@@ -8,117 +8,97 @@
 #include "framework/windows/windows_api.h"
 
 namespace platform {
-
 namespace {
 
-// One call moves less than 4 GiB.
-constexpr std::size_t kSlice = std::size_t{1} << 30;
+// What one call of the system takes: its sizes are 32-bit.
+constexpr std::size_t kLargestPiece = 0x40000000;
 
-HANDLE handleOf(std::intptr_t handle) noexcept { return reinterpret_cast<HANDLE>(handle); }
-
-bool given(const char* path) noexcept {
-  if (path != nullptr && *path != '\0') return true;
-  setLastError(kErrorPathNotFound);
-  return false;
-}
+HANDLE nativeFile(std::intptr_t handle) noexcept { return reinterpret_cast<HANDLE>(handle); }
 
 DWORD accessRights(FileAccess access) noexcept {
-  switch (access) {
-    case FileAccess::read:
-      return GENERIC_READ;
-    case FileAccess::write:
-      return GENERIC_WRITE;
-    default:
-      return GENERIC_READ | GENERIC_WRITE;
-  }
+  if (access == FileAccess::read) return GENERIC_READ;
+  if (access == FileAccess::write) return GENERIC_WRITE;
+  return GENERIC_READ | GENERIC_WRITE;
 }
 
 DWORD disposition(FileCreation creation) noexcept {
-  switch (creation) {
-    case FileCreation::createNew:
-      return CREATE_NEW;
-    case FileCreation::createAlways:
-      return CREATE_ALWAYS;
-    default:
-      return OPEN_EXISTING;
-  }
+  if (creation == FileCreation::createNew) return CREATE_NEW;
+  if (creation == FileCreation::createAlways) return CREATE_ALWAYS;
+  return OPEN_EXISTING;
+}
+
+// The value of a closed file is, for the system, the handle of the process itself.
+bool refusedClosed(const File& file) noexcept {
+  if (!file.isOpen()) setLastError(kErrorInvalidHandle);
+  return !file.isOpen();
 }
 
 }  // namespace
 
-File::~File() { close(); }
-
-File::File(File&& other) noexcept : handle_(std::exchange(other.handle_, kNone)) {}
-
-File& File::operator=(File&& other) noexcept {
-  if (this != &other) {
-    close();
-    handle_ = std::exchange(other.handle_, kNone);
-  }
-  return *this;
-}
-
 bool File::open(const char* path, FileAccess access, FileCreation creation,
                 std::uint32_t attributes) noexcept {
   close();
-  if (!given(path)) return false;
-  const HANDLE handle = CreateFileA(path, accessRights(access), FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                    disposition(creation), attributes, nullptr);
-  handle_ = reinterpret_cast<std::intptr_t>(handle);
-  return handle_ != kNone;
+  // Others may read and write meanwhile, as they may on the other systems.
+  constexpr DWORD kSharing = FILE_SHARE_READ | FILE_SHARE_WRITE;
+  handle_ = reinterpret_cast<std::intptr_t>(::CreateFileA(path != nullptr ? path : "", accessRights(access),
+                                                          kSharing, nullptr, disposition(creation),
+                                                          attributes, nullptr));
+  return isOpen();
 }
 
-bool File::isOpen() const noexcept { return handle_ != kNone; }
-
 std::int64_t File::read(void* buffer, std::size_t size) noexcept {
-  DWORD done = 0;
-  const auto wanted = static_cast<DWORD>(std::min(size, kSlice));
-  return ReadFile(handleOf(handle_), buffer, wanted, &done, nullptr) ? std::int64_t{done} : -1;
+  if (refusedClosed(*this)) return -1;
+  DWORD got = 0;
+  const auto piece = static_cast<DWORD>(std::min(size, kLargestPiece));
+  return ::ReadFile(nativeFile(handle_), buffer, piece, &got, nullptr) ? std::int64_t{got} : -1;
 }
 
 bool File::write(const void* data, std::size_t size) noexcept {
+  if (refusedClosed(*this)) return false;
   const char* next = static_cast<const char*>(data);
-  while (size > 0) {
-    DWORD done = 0;
-    if (!WriteFile(handleOf(handle_), next, static_cast<DWORD>(std::min(size, kSlice)), &done, nullptr))
-      return false;
-    if (done == 0) {
+  while (size != 0) {
+    DWORD written = 0;
+    const auto piece = static_cast<DWORD>(std::min(size, kLargestPiece));
+    if (!::WriteFile(nativeFile(handle_), next, piece, &written, nullptr)) return false;
+    if (written == 0) {  // no error and no progress: asking again would go on for ever
       setLastError(kErrorDiskFull);
       return false;
     }
-    next += done;
-    size -= done;
+    next += written;
+    size -= written;
   }
   return true;
 }
 
 std::int64_t File::size() const noexcept {
-  LARGE_INTEGER size{};
-  return GetFileSizeEx(handleOf(handle_), &size) ? size.QuadPart : -1;
+  LARGE_INTEGER size;
+  return !refusedClosed(*this) && ::GetFileSizeEx(nativeFile(handle_), &size) ? size.QuadPart : -1;
 }
 
 std::int64_t File::seekToEnd() noexcept {
-  LARGE_INTEGER position{};
-  return SetFilePointerEx(handleOf(handle_), LARGE_INTEGER{}, &position, FILE_END) ? position.QuadPart : -1;
+  LARGE_INTEGER position;
+  constexpr LARGE_INTEGER kNoOffset{};
+  if (refusedClosed(*this)) return -1;
+  return ::SetFilePointerEx(nativeFile(handle_), kNoOffset, &position, FILE_END) ? position.QuadPart : -1;
 }
 
-bool File::close() noexcept {
-  if (handle_ == kNone) return true;
-  return CloseHandle(handleOf(std::exchange(handle_, kNone))) != FALSE;
+bool File::close() noexcept { return !isOpen() || ::CloseHandle(nativeFile(std::exchange(handle_, kNone))); }
+
+bool deleteFile(const char* path) noexcept { return ::DeleteFileA(path != nullptr ? path : "") != FALSE; }
+
+bool createDirectory(const char* path) noexcept {
+  return ::CreateDirectoryA(path != nullptr ? path : "", nullptr) != FALSE;
 }
-
-bool deleteFile(const char* path) noexcept { return given(path) && DeleteFileA(path); }
-
-bool createDirectory(const char* path) noexcept { return given(path) && CreateDirectoryA(path, nullptr); }
 
 bool setFileAttributes(const char* path, std::uint32_t attributes) noexcept {
-  return given(path) && SetFileAttributesA(path, attributes);
+  return ::SetFileAttributesA(path != nullptr ? path : "", attributes) != FALSE;
 }
 
 std::size_t temporaryFolder(char* buffer, std::size_t size) noexcept {
-  const DWORD length = GetTempPathA(static_cast<DWORD>(size), buffer);
-  if (length < size) return length;
-  setLastError(kErrorInvalidParameter);
+  const auto room = static_cast<DWORD>(std::min<std::size_t>(size, MAXDWORD));
+  const DWORD length = ::GetTempPathA(room, buffer);
+  if (length < room) return length;  // 0 when it failed
+  setLastError(kErrorInsufficientBuffer);
   return 0;
 }
 

@@ -13,8 +13,10 @@ void setLastError(std::uint32_t error) noexcept { ::SetLastError(error); }
 
 std::string systemErrorText(std::uint32_t error) {
   const LastErrorKeeper keeper;
-  // A text with place holders has nothing to fill them here; the argument-array form makes the system refuse it.
-  constexpr DWORD kHow = FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_ARGUMENT_ARRAY;
+  // A text with place holders has nothing to fill them here; the argument-array form makes the system refuse
+  // it.
+  constexpr DWORD kHow =
+      FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_ARGUMENT_ARRAY;
   char* text = nullptr;
   const DWORD length = ::FormatMessageA(kHow, nullptr, error, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
                                         reinterpret_cast<char*>(&text), 0, nullptr);

@@ -50,7 +50,9 @@ bool NativeThread::wait(std::chrono::milliseconds limit, bool wakeForMessages) n
   return ::MsgWaitForMultipleObjects(1, &state_->handle, FALSE, time, QS_ALLINPUT) == WAIT_OBJECT_0;
 }
 
-void NativeThread::setNormalPriority() noexcept { ::SetThreadPriority(state_->handle, THREAD_PRIORITY_NORMAL); }
+void NativeThread::setNormalPriority() noexcept {
+  ::SetThreadPriority(state_->handle, THREAD_PRIORITY_NORMAL);
+}
 
 bool NativeThread::endByForce() noexcept { return ::TerminateThread(state_->handle, 0) != FALSE; }
 

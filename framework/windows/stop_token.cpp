@@ -32,7 +32,9 @@ void StopToken::raise() noexcept {
 
 bool StopToken::raised() const noexcept { return impl_->raised.load(std::memory_order_acquire); }
 
-std::intptr_t StopToken::nativeHandle() const noexcept { return reinterpret_cast<std::intptr_t>(impl_->event); }
+std::intptr_t StopToken::nativeHandle() const noexcept {
+  return reinterpret_cast<std::intptr_t>(impl_->event);
+}
 
 void StopToken::waitOnce(std::chrono::milliseconds limit) const noexcept {
   ::WaitForSingleObject(impl_->event, static_cast<DWORD>(limit.count()));

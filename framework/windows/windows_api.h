@@ -25,8 +25,8 @@
 // Only now:
 #include <windows.h>
 
-// These macros rename members of classes that share a file with them. Our code names the narrow functions itself
-// (CreateFileA), so nobody misses them.
+// These macros rename members of classes that share a file with them. Our code names the narrow functions
+// itself (CreateFileA), so nobody misses them.
 #undef CopyFile
 #undef CreateDirectory
 #undef CreateFile
