@@ -122,22 +122,25 @@ FtpReply ControlChannel::reply(milliseconds limit) {
     requireOpen();
   }
   notify(kStatusResponseReceived);
+  answered_ = answered_ || !reply->preliminary();
   accept(*reply);
   return std::move(*reply);
 }
 
 std::optional<FtpReply> ControlChannel::tryReply(milliseconds limit) {
   auto reply = nextReply(Deadline(limit));
-  if (!reply) return std::nullopt;
+  if (reply) accept(*reply);
+  return reply;
+}
+
+void ControlChannel::notifyReply(const FtpReply& reply) {
   notify(kStatusReceivingResponse);
   notify(kStatusResponseReceived);
-  accept(*reply);
-  return reply;
+  answered_ = answered_ || !reply.preliminary();
 }
 
 void ControlChannel::accept(const FtpReply& reply) {
   awaiting_ = isOpen() && reply.preliminary();
-  answered_ = answered_ || !reply.preliminary();
   if (!aheadRefusal_.empty()) fail(kExtendedError, std::exchange(aheadRefusal_, {}));
 }
 

@@ -43,9 +43,11 @@ class ControlChannel {
   // The next reply (40, 41), after the handlers of what went ahead have had theirs. A reply of 421 closes the
   // connection and counts as 12030.
   FtpReply reply(std::chrono::milliseconds limit);
-  // The same without failing: none when the reply has not come within `limit`, or when the connection is
-  // closed.
+  // The same without failing and without notifications: none when the reply has not come within `limit`, or
+  // when the connection is closed.
   std::optional<FtpReply> tryReply(std::chrono::milliseconds limit);
+  // 40 and 41 for a reply that tryReply() has taken.
+  void notifyReply(const FtpReply& reply);
   // The final reply to the last command has not come yet.
   [[nodiscard]] bool awaiting() const noexcept { return awaiting_; }
   // A reply is here already, so readInterest() may never become ready for it.
@@ -68,7 +70,7 @@ class ControlChannel {
   void reportClosed();
   // Silent on a thread that was asked to stop.
   void notify(std::uint32_t status, std::string text = {});
-  // True when a command has had its final reply since the last call (for notification 100).
+  // True when a final reply was reported since the last call (for notification 100).
   [[nodiscard]] bool takeAnswered() noexcept;
 
  private:

@@ -140,7 +140,10 @@ FtpReply FtpDataChannel::establish() {
   const Deadline deadline(timeouts.connect);
   std::optional<FtpReply> reply;
   while (!tryToStand()) {
-    if (!reply) reply = channel.tryReply(kAtOnce);
+    if (!reply) {
+      reply = channel.tryReply(kAtOnce);
+      if (reply) channel.notifyReply(*reply);
+    }
     if (reply && (reply->refused() || (listening_ && reply->completed()))) return *reply;
     if (!reply && !channel.isOpen()) return channel.reply(kAtOnce);  // fails with the reason
     if (!socket_.isOpen()) failWithReason(control_, kCannotConnect);

@@ -44,6 +44,7 @@ FtpReply FtpTransfer::begin(std::string_view verb, std::string_view argument) {
   data_ = data.take();
   state_ = data_ ? State::running : State::ended;
   if (!reply.preliminary()) final_ = reply;
+  finalNotified_ = final_.has_value();
   if (kind_ == Kind::download) announced_ = parseAnnouncedSize(reply.text);
   return reply;
 }
@@ -171,9 +172,11 @@ FtpReply FtpTransfer::finish() {
   if (data_ && kind_ == Kind::upload) data_->shutdownSend();
   closeData();
   state_ = State::ended;
+  if (final_) notifyFinal();
   while (!final_) {
     FtpReply reply = control_->channel().reply(control_->timeouts().finalReply);
     if (!reply.preliminary()) final_ = std::move(reply);
+    finalNotified_ = true;
   }
   return *final_;
 }
@@ -181,7 +184,11 @@ FtpReply FtpTransfer::finish() {
 bool FtpTransfer::abandon() {
   breakData();
   state_ = State::failed;
-  if (!awaitFinal(control_->timeouts().earlyClose)) control_->channel().drop();
+  if (awaitFinal(control_->timeouts().earlyClose)) {
+    notifyFinal();
+  } else {
+    control_->channel().drop();
+  }
   return control_->isOpen();
 }
 
@@ -247,6 +254,12 @@ bool FtpTransfer::awaitFinal(milliseconds limit) {
     if (!reply->preliminary()) final_ = std::move(reply);
   }
   return true;
+}
+
+// A final reply that came while data moved is reported by the call that ends the transfer, as any other is:
+// from within Read and Write the host hears nothing.
+void FtpTransfer::notifyFinal() {
+  if (!std::exchange(finalNotified_, true)) control_->channel().notifyReply(*final_);
 }
 
 void FtpTransfer::closeData() noexcept { data_.reset(); }

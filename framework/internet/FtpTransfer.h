@@ -59,6 +59,7 @@ class FtpTransfer {
   void endOfData();
   void waitForData(bool write, std::optional<Deadline>& deadline);
   void watchControl();
+  void notifyFinal();
   bool awaitFinal(std::chrono::milliseconds limit);
   [[nodiscard]] bool movedInFull() const noexcept;
   void closeData() noexcept;
@@ -71,6 +72,7 @@ class FtpTransfer {
   State state_ = State::idle;
   std::unique_ptr<Sock> data_;
   std::optional<FtpReply> final_;
+  bool finalNotified_ = false;
   std::optional<std::uint64_t> announced_;
   std::uint64_t received_ = 0;
   // read()'s: received, not handed out yet.

@@ -1,0 +1,333 @@
+// SPDX-License-Identifier: MIT
+// A worker that is asked to stop leaves at once, wherever it waits, and leaves nothing behind. Measured from
+// the raising of the token until the worker has unwound everything: finder, file, connection and session.
+#include <condition_variable>
+#include <filesystem>
+#include <future>
+#include <iostream>
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "framework/internet/FtpControl.h"
+#include "framework/internet/NameLookup.h"
+#include "framework/platform/stop_token.h"
+#include "tests/internet/FtpTest.h"
+#include "tests/support/Median.h"
+#include "tests/support/ProcessCounters.h"
+
+namespace internet_tests {
+namespace {
+
+using fixture::ScriptedFtp;
+using nlohmann::json;
+using namespace nlohmann::literals;
+using Milliseconds = std::chrono::duration<double, std::milli>;
+
+// Wine passes every wait through its server.
+constexpr bool kWindows = std::filesystem::path::preferred_separator == '\\';
+constexpr double kMostMs = kWindows ? 50 : 10;
+constexpr int kRuns = 7;
+
+// Something that one thread tells another.
+class Signal {
+ public:
+  void give() { promise_.set_value(); }
+  void await() { promise_.get_future().wait(); }
+
+ private:
+  std::promise<void> promise_;
+};
+
+class FtpCancel : public FtpTest {
+ protected:
+  // Runs `work` on a thread with a stop token that is raised once `blocked` has returned.
+  template <class Work, class Blocked>
+  static double latencyMs(Work work, Blocked blocked) {
+    using Clock = std::chrono::steady_clock;
+    platform::StopToken token;
+    Clock::time_point ended;
+    bool stopped = false;
+    std::thread worker([&] {
+      const platform::StopToken::Scope scope(&token);
+      try {
+        work();
+      } catch (const platform::OperationStopped&) {
+        stopped = true;
+      }
+      ended = Clock::now();
+    });
+    blocked();
+    const auto raised = Clock::now();
+    token.raise();
+    worker.join();
+    EXPECT_TRUE(stopped) << "the call came back by itself";
+    return Milliseconds(ended - raised).count();
+  }
+
+  // The median over some runs of `once`, which returns the latency of one.
+  template <class Once>
+  void expectPrompt(const char* place, Once once) {
+    std::vector<double> latencies;
+    for (int i = 0; i < kRuns; ++i) latencies.push_back(once());
+    const double middle = testing_support::median(latencies);
+    std::cout << "[ latency  ] " << place << ": " << middle << " ms\n";
+    EXPECT_LE(middle, kMostMs) << place;
+  }
+
+  // A login that runs on the calling thread and unwinds with it.
+  struct Worker {
+    explicit Worker(const fixture::Server& server, bool passive = true)
+        : connection(
+              session.GetFtpConnection(server.host().c_str(), "user", "secret", server.port(), passive)) {}
+    RecordingSession session;
+    std::unique_ptr<CFtpConnection> connection;
+  };
+
+  static ScriptedFtp serving(const char* verb, const json& steps) {
+    return ScriptedFtp(json{{"tree", {{"/big", {{"size", 50'000'000}, {"seed", 3}}}}},
+                            {"rules", {{{"on", verb}, {"do", json::array({steps})}}}}});
+  }
+  static ScriptedFtp transferring(const char* verb, const json& options) {
+    return serving(verb, {{"normal", options}});
+  }
+
+  static void readAll(const fixture::Server& server, bool passive = true) {
+    Worker worker(server, passive);
+    auto file = openToRead(*worker.connection, "/big");
+    std::vector<char> buffer(65536);
+    while (file->Read(buffer.data(), 65536) > 0) {
+    }
+    file->Close();
+    platform::throwIfStopped();
+  }
+
+  static void writeALot(const fixture::Server& server) {
+    Worker worker(server);
+    auto file = openToWrite(*worker.connection, "/up");
+    const std::vector<char> buffer(1'000'000);
+    for (int i = 0; i < 50; ++i) file->Write(buffer.data(), 1'000'000);
+  }
+};
+
+// A lookup that takes as long as the test wants.
+struct SlowLookup {
+  SlowLookup() { internet::setResolverForTesting(&resolve); }
+  ~SlowLookup() {
+    internet::setResolverForTesting(nullptr);
+    std::unique_lock lock(mutex);
+    finished = true;
+    changed.notify_all();
+    changed.wait(lock, [] { return running == 0; });
+  }
+  static std::vector<platform::SocketAddress> resolve(const std::string&, std::uint16_t) {
+    std::unique_lock lock(mutex);
+    ++running;
+    changed.notify_all();
+    changed.wait(lock, [] { return finished; });
+    --running;
+    changed.notify_all();
+    return {};
+  }
+  static void awaitRunning(int count) {
+    std::unique_lock lock(mutex);
+    changed.wait(lock, [count] { return running == count; });
+  }
+
+  static inline std::mutex mutex;
+  static inline std::condition_variable changed;
+  static inline int running = 0;
+  static inline bool finished = false;
+};
+
+TEST_F(FtpCancel, InTheLookup) {
+  const SlowLookup slow;
+  int count = 0;
+  expectPrompt("lookup", [&] {
+    return latencyMs([] { RecordingSession().GetFtpConnection("slow.test"); },
+                     [&] { SlowLookup::awaitRunning(++count); });
+  });
+}
+
+TEST_F(FtpCancel, InConnecting) {
+  fixture::Blackhole hanging(false);
+  expectPrompt("connect", [&] {
+    Signal connecting;
+    return latencyMs(
+        [&] {
+          RecordingSession own;
+          own.onStatus = [&](std::uint32_t status) {
+            if (status == 20) connecting.give();
+          };
+          own.GetFtpConnection(hanging.host().c_str(), "u", "p", hanging.port());
+        },
+        [&] { connecting.await(); });
+  });
+}
+
+TEST_F(FtpCancel, InTheGreeting) {
+  expectPrompt("greeting", [&] {
+    fixture::Blackhole silent;
+    return latencyMs([&] { Worker worker(silent); }, [&] { silent.waitFor(R"({"connections": 1})"); });
+  });
+}
+
+TEST_F(FtpCancel, InAReply) {
+  expectPrompt("reply", [&] {
+    ScriptedFtp server = serving("DELE", "silent");
+    return latencyMs([&] { Worker(server).connection->Remove("/x"); },
+                     [&] { server.waitForCommand("DELE"); });
+  });
+}
+
+TEST_F(FtpCancel, InTheFirstReplyOfATransfer) {
+  expectPrompt("transfer's first reply", [&] {
+    ScriptedFtp server = serving("RETR", "silent");
+    return latencyMs([&] { readAll(server); }, [&] { server.waitForCommand("RETR"); });
+  });
+}
+
+TEST_F(FtpCancel, InThePassiveDataConnect) {
+  expectPrompt("passive data connect", [&] {
+    ScriptedFtp server = serving("EPSV", {{"passive", {{"listen", "full"}}}});
+    return latencyMs([&] { readAll(server); }, [&] { server.waitForCommand("EPSV"); });
+  });
+}
+
+TEST_F(FtpCancel, InTheActiveDataConnect) {
+  expectPrompt("active data connect", [&] {
+    ScriptedFtp server = transferring("RETR", {{"connect", "never"}});
+    return latencyMs([&] { readAll(server, false); }, [&] { server.waitForCommand("RETR"); });
+  });
+}
+
+TEST_F(FtpCancel, InRead) {
+  expectPrompt("data, read", [&] {
+    ScriptedFtp server = transferring("RETR", {{"stall_after", 100'000}, {"gate", "rest"}});
+    return latencyMs([&] { readAll(server); }, [&] { server.waitAtGate("rest"); });
+  });
+}
+
+TEST_F(FtpCancel, InReadWhileDataFlows) {
+  expectPrompt("data that flows", [&] {
+    ScriptedFtp server = transferring("RETR", {{"pace", {{"bytes", 1000}, {"ms", 1}}}});
+    return latencyMs([&] { readAll(server); }, [&] { server.waitFor(R"({"data_bytes": 10000})"); });
+  });
+}
+
+TEST_F(FtpCancel, InWrite) {
+  expectPrompt("data, write", [&] {
+    ScriptedFtp server = transferring("STOR", {{"stall_after", 100'000}, {"gate", "rest"}});
+    return latencyMs([&] { writeALot(server); }, [&] { server.waitAtGate("rest"); });
+  });
+}
+
+TEST_F(FtpCancel, InAListing) {
+  expectPrompt("listing", [&] {
+    ScriptedFtp server = transferring("LIST", {{"stall_after", 0}, {"gate", "rest"}});
+    return latencyMs(
+        [&] {
+          Worker worker(server);
+          const auto& control = worker.connection->Control();
+          control->request([&] { control->listing("LIST"); });
+        },
+        [&] { server.waitAtGate("rest"); });
+  });
+}
+
+TEST_F(FtpCancel, InTheFinalReplyOfADownload) {
+  const testing_support::ScratchFolder folder;
+  const std::string local = folder.file("local");
+  expectPrompt("final reply, GetFile", [&] {
+    ScriptedFtp server =
+        transferring("RETR", {{"close_after", 1000}, {"opening", "150 Here"}, {"final", nullptr}});
+    const double latency = latencyMs([&] { Worker(server).connection->GetFile("/big", local.c_str()); },
+                                     [&] { server.waitFor(R"({"data_closed": 1})"); });
+    EXPECT_FALSE(std::filesystem::exists(local));
+    return latency;
+  });
+}
+
+TEST_F(FtpCancel, InCloseOfAnUpload) {
+  expectPrompt("final reply, Close", [&] {
+    ScriptedFtp server = transferring("STOR", {{"final", nullptr}});
+    return latencyMs(
+        [&] {
+          Worker worker(server);
+          auto file = openToWrite(*worker.connection, "/up");
+          file->Write("abc", 3);
+          EXPECT_FALSE(file->Close()) << "does not throw";
+          platform::throwIfStopped();
+        },
+        [&] { server.waitFor(R"({"data_closed": 1})"); });
+  });
+}
+
+TEST_F(FtpCancel, InAnEarlyCloseOfADownload) {
+  expectPrompt("early Close", [&] {
+    ScriptedFtp server = transferring("RETR", {{"final", nullptr}});
+    return latencyMs(
+        [&] {
+          Worker worker(server);
+          auto file = openToRead(*worker.connection, "/big");
+          EXPECT_FALSE(file->Close()) << "does not throw";
+          platform::throwIfStopped();
+        },
+        [&] { server.waitFor(R"({"data_closed": 1})"); });
+  });
+}
+
+TEST_F(FtpCancel, InWaitIdle) {
+  ScriptedFtp server;
+  expectPrompt("idle", [&] {
+    Signal idle;
+    return latencyMs(
+        [&] {
+          Worker worker(server);
+          idle.give();
+          worker.connection->WaitIdle(std::chrono::hours(1));
+        },
+        [&] { idle.await(); });
+  });
+}
+
+TEST_F(FtpCancel, AStoppedWorkerNotifiesNothingMore) {
+  ScriptedFtp server = serving("DELE", "silent");
+  RecordingSession own;
+  latencyMs(
+      [&] {
+        const std::unique_ptr<CFtpConnection> connection(
+            own.GetFtpConnection(server.host().c_str(), "u", "p", server.port()));
+        connection->Remove("/x");
+      },
+      [&] { server.waitForCommand("DELE"); });
+  EXPECT_EQ(own.statuses.back(), 40u) << "neither 50 nor 70";
+}
+
+TEST_F(FtpCancel, AWorkerStoppedBeforehandConnectsToNothing) {
+  ScriptedFtp server;
+  latencyMs(
+      [&] {
+        while (!platform::stopRequested()) std::this_thread::yield();
+        Worker worker(server);
+      },
+      [] {});
+  EXPECT_TRUE(server.connections().empty());
+}
+
+TEST_F(FtpCancel, AHundredCancelsLeaveNothingBehind) {
+  ScriptedFtp server = transferring("RETR", {{"stall_after", 1000}, {"gate", "rest"}});
+  const auto cancelOnce = [&](int count) {
+    latencyMs([&] { readAll(server); }, [&] { server.waitForCommand("RETR", count); });
+  };
+  cancelOnce(1);
+  const auto before = testing_support::processCounters();
+  for (int i = 0; i < 100; ++i) cancelOnce(i + 2);
+  const auto after = testing_support::processCounters();
+  EXPECT_EQ(after.handles, before.handles);
+  EXPECT_EQ(after.threads, before.threads);
+  server.waitUntilAllClosed();
+}
+
+}  // namespace
+}  // namespace internet_tests
