@@ -12,7 +12,9 @@ class Wait {
   explicit Wait(const WorkerCall& call) : m_call(call), m_running(call.client) {}
 
   WaitEnd Run() {
-    if (!m_running.Worker().start(m_call.worker, &m_call.record)) return WaitEnd::failed;
+    // A worker that has to stop starts none of its own: that one would not know of the stop yet.
+    if (platform::stopRequested()) return WaitEnd::abandoned;
+    if (!m_running.Start(m_call.worker, &m_call.record)) return WaitEnd::failed;
     m_call.record.hThread = &m_running.Worker();
     m_running.Worker().setNormalPriority();
     while (!m_cancel && !m_reconnect && !IsSet(m_call.record.bDone)) {
@@ -53,7 +55,7 @@ class Wait {
     if (m_cancel) return WaitEnd::cancelled;
     if (m_reconnect) return WaitEnd::reconnect;
     while (!m_running.Worker().ended()) DispatchOne();
-    m_running.Worker().close();
+    m_running.Close();
     return MustLeave() ? WaitEnd::abandoned : WaitEnd::done;
   }
 

@@ -43,10 +43,20 @@ RunningOperation::~RunningOperation() {
   registry().left.notify_all();
 }
 
+bool RunningOperation::Start(platform::WorkerThread::Entry entry, void* argument) noexcept {
+  const std::lock_guard lock(registry().mutex);
+  return m_worker.start(entry, argument);
+}
+
+void RunningOperation::Close() noexcept {
+  const std::lock_guard lock(registry().mutex);
+  m_worker.close();
+}
+
 void RunningOperation::Kill() noexcept {
   if (!m_worker.started()) return;
   m_worker.kill(kUnwindBound, &dispatchWaitingMessage);
-  m_worker.close();
+  Close();
 }
 
 void RunningOperation::Abandon(TQXIP& client) noexcept {

@@ -20,7 +20,11 @@ class RunningOperation {
   RunningOperation(const RunningOperation&) = delete;
   RunningOperation& operator=(const RunningOperation&) = delete;
 
+  // Start() and Close() alone change what Worker() holds: another thread may reach for it at any moment.
+  [[nodiscard]] bool Start(platform::WorkerThread::Entry entry, void* argument) noexcept;
   [[nodiscard]] platform::WorkerThread& Worker() noexcept { return m_worker; }
+  // REQUIRES: the worker has ended.
+  void Close() noexcept;
 
   // The client has been destroyed.
   [[nodiscard]] bool IsOrphaned() const noexcept { return m_orphaned.load(std::memory_order_acquire); }
