@@ -4,6 +4,7 @@
 #include "Src/OperationRunner.h"
 #include "Src/QXIP.h"
 #include "Src/SharedFlag.h"
+#include "Src/WorkerFrame.h"
 #include "framework/internet/FtpConnection.h"
 #include "framework/platform/message_queue.h"
 #include "framework/platform/stop_token.h"
@@ -28,6 +29,7 @@ void FTPKeepAliveThr(void* argument) {
   if (argument == nullptr) return;
   auto& record = *static_cast<QXFtpThread*>(argument);
   const AFX_MAINTAIN_STATE2 moduleState(AfxGetAppModuleState());
+  const DoneFlag done(record);
   TQXIP& client = *record.pQXIP;
   while (IsSet(client.m_bInitialized) && IsSet(client.m_bConnected)) {
     waitOneTurn(client);
@@ -35,7 +37,6 @@ void FTPKeepAliveThr(void* argument) {
   }
   platform::throwIfStopped();
   record.bResult = 1;
-  SetFlag(record.bDone, true);
 }
 
 }  // namespace

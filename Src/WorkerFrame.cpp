@@ -36,15 +36,19 @@ void EndRun(QXFtpThread& record, const WorkerShape& shape, const AttemptOutcome&
       ReportFailure(client, shape.failedLine->line, client.m_szMessage);
     }
   }
-  SetFlag(record.bDone, true);
 }
 
 }  // namespace
+
+DoneFlag::~DoneFlag() {
+  if (!platform::stopRequested()) SetFlag(m_record.bDone, true);
+}
 
 void RunWorker(void* argument, const WorkerShape& shape, Attempt attempt) {
   if (argument == nullptr) return;
   QXFtpThread& record = *static_cast<QXFtpThread*>(argument);
   const AFX_MAINTAIN_STATE2 moduleState(AfxGetAppModuleState());
+  const DoneFlag done(record);
   AttemptOutcome failed;
   std::uint64_t failedRuns = 0;
   AttemptOutcome outcome = RunOnce(record, shape, attempt);

@@ -26,6 +26,19 @@ struct WorkerShape {
   bool reportsAttemptError = false;  // the report stores the attempt's error number
 };
 
+// Sets bDone as the worker's last act, also when an exception of the host's hooks ends it: the caller would
+// wait for ever otherwise. A stopped worker leaves it at 0.
+class DoneFlag {
+ public:
+  explicit DoneFlag(QXFtpThread& record) noexcept : m_record(record) {}
+  ~DoneFlag();
+  DoneFlag(const DoneFlag&) = delete;
+  DoneFlag& operator=(const DoneFlag&) = delete;
+
+ private:
+  QXFtpThread& m_record;
+};
+
 // Runs `attempt` on the QXFtpThread at `argument` until it succeeds or *pRetries is used up. A failed
 // attempt's lines come after those of the attempts that followed it, as if each retry ran inside the attempt
 // before it; the stack does not grow with the retry count.
