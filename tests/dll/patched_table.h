@@ -9,21 +9,23 @@
 
 class PatchedTable {
  public:
-  explicit PatchedTable(TQXIPIFInt* client) : m_client(client), m_original(table()) {
+  explicit PatchedTable(TQXIPIFInt* client) : m_client(client), m_original(fieldAt<void**>(client, 0)) {
     std::memcpy(m_entries, m_original - kBefore, sizeof m_entries);
-    table() = m_entries + kBefore;
+    use(m_entries + kBefore);
   }
-  ~PatchedTable() { table() = m_original; }
+  ~PatchedTable() { use(m_original); }
   PatchedTable(const PatchedTable&) = delete;
   PatchedTable& operator=(const PatchedTable&) = delete;
 
   template <typename Function>
   void replace(std::size_t slot, Function* hook) {
-    m_entries[kBefore + slot] = reinterpret_cast<void*>(hook);
+    void* const entry = reinterpret_cast<void*>(hook);
+    std::memcpy(&m_entries[kBefore + slot], &entry, sizeof entry);
   }
 
  private:
-  void**& table() const { return *reinterpret_cast<void***>(m_client); }
+  // As bytes: the compiler must not take this for memory that calls do not read.
+  void use(void** table) { std::memcpy(static_cast<void*>(m_client), &table, sizeof table); }
 
   static constexpr std::size_t kBefore = 2;  // what compilers keep in front of the slots
   TQXIPIFInt* m_client;

@@ -15,7 +15,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::StartsWith;
 
 constexpr char kScript[] = R"({"user": "me", "password": "secret", "tree": {
@@ -173,8 +172,7 @@ TEST_F(HooksAtServer, AFailedConnectGoesToSlot8WithoutRetryCount) {
   PatchedTable table(client.get());
   table.replace(8, &noteError);
   EXPECT_EQ(connect("wrong"), 0);
-  EXPECT_THAT(g_seen, ElementsAre(StartsWith("12014 once: ")));
-  EXPECT_THAT(g_seen, ElementsAre(HasSubstr("530"))) << "the server's own words";
+  EXPECT_THAT(g_seen, ElementsAre("12014 once: The password was not allowed"));
 }
 
 TEST_F(HooksAtServer, QueriesDoNotAskWhetherToCancel) {

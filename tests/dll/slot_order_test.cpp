@@ -12,7 +12,8 @@ TEST(SlotOrder, EveryOperationOfTheHeaderGoesToItsSlot) {
   unsigned calls = 0;
 #define QX_SLOT(number, operation, arguments) \
   client->operation arguments;                \
-  EXPECT_EQ(SlotProbe::taken(), number##U) << #operation, ++calls;
+  ++calls;                                    \
+  EXPECT_EQ(SlotProbe::taken(), number##U) << #operation;
 #include "tests/dll/slots.inc"
 #undef QX_SLOT
   client->DeletingDestructor(0);

@@ -11,11 +11,18 @@ class SlotProbe {
   static constexpr unsigned kNone = ~0U;
   static constexpr unsigned kTable = kSlots + 13;  // slots that moved to behind the last one are told, too
 
-  SlotProbe() noexcept : m_pTable(m_table) { Fill<kTable>::into(m_table); }
+  SlotProbe() noexcept {
+    Fill<kTable>::into(m_table);
+    put(m_object, m_table);
+  }
   SlotProbe(const SlotProbe&) = delete;
   SlotProbe& operator=(const SlotProbe&) = delete;
 
-  TQXIPIFInt* client() noexcept { return reinterpret_cast<TQXIPIFInt*>(&m_pTable); }
+  TQXIPIFInt* client() noexcept {
+    // Volatile: a compiler that sees where the pointer comes from knows that no client is there.
+    void* volatile object = m_object;
+    return static_cast<TQXIPIFInt*>(object);
+  }
 
   // The slot called since the last question.
   static unsigned taken() noexcept {
@@ -31,15 +38,22 @@ class SlotProbe {
     return 0;
   }
 
+  // As bytes: the compiler must not take pointers of another type for memory that calls do not read.
+  template <typename Pointer>
+  static void put(unsigned char* where, Pointer pointer) noexcept {
+    __builtin_memcpy(where, &pointer, sizeof pointer);
+  }
+
   template <unsigned Count>
   struct Fill {
-    static void into(void** table) noexcept {
-      table[Count - 1] = reinterpret_cast<void*>(&note<Count - 1>);
+    static void into(unsigned char* table) noexcept {
+      put(table + (Count - 1) * sizeof(void*), &note<Count - 1>);
       if constexpr (Count > 1) Fill<Count - 1>::into(table);
     }
   };
 
   static inline volatile unsigned s_called = kNone;
-  void** m_pTable;  // where a client has the pointer to its table
-  void* m_table[kTable];
+  // All that a call reads of a client: the address of its table.
+  alignas(void*) unsigned char m_object[sizeof(void*)];
+  alignas(void*) unsigned char m_table[kTable * sizeof(void*)];
 };
