@@ -24,7 +24,7 @@ class BoundedText {
       return false;
     }
     const std::size_t length = size();
-    std::memcpy(m_text + length, piece.data(), piece.size());
+    piece.copy(m_text + length, piece.size());  // unlike memcpy it takes an empty piece without address
     m_text[length + piece.size()] = '\0';
     return true;
   }
