@@ -135,6 +135,7 @@ extern "C" void hostMain() {
     CHECK(moduleCount() == before + 1);
     CHECK(client->m_pErrorInfo == &g_error);
     checkReferences(client);
+    if (g_nFailed != 0) ExitProcess(g_nFailed);  // the library has other slots: further calls would go astray
     checkUnavailable(client);
     checkOperations(client);
     checkErrorRecord(client);
