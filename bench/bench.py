@@ -26,7 +26,7 @@ TARGETS = {
     "listing": {"linux": 1.5},
 }
 SMALL = "/tree/small.txt"
-# In one process, after each other: what an operation costs a host that is running already.
+# In one process, one after the other: what an operation costs a host that is running already.
 IN_A_ROW = 100
 
 
@@ -53,7 +53,7 @@ class Bench:
         for contender in contenders[1:]:
             contender.target = TARGETS.get(work, {}).get(contender.name)
         interleave(contenders, self._arguments.runs)
-        return list(rows(f"{work}, {self._server.kind}", contenders))
+        return list(rows(f"{work}, {self._server.kind}", contenders, curl))
 
     def download(self):
         size = self._arguments.size
@@ -114,17 +114,17 @@ class Bench:
         )
 
     def queries(self):
-        # curl asks for size and time without fetching.
-        curl = Contender("curl", self._curl(SMALL, "-I", "-o", "/dev/null"))
-        work = {"exists": (SMALL,), "size": (SMALL, 5)}
         result = []
-        for operation, words in work.items():
-            for times in (1, IN_A_ROW):
-                result += self._measure(
-                    operation if times == 1 else f"{operation} x {times}",
-                    Contender(curl.name, curl.command),
-                    lambda build: Contender(build.name, self._ours(build, operation, times, *words)),  # noqa: B023
-                )
+        for operation, words in {"exists": (SMALL,), "size": (SMALL, 5)}.items():
+
+            def ours(build, times=1, operation=operation, words=words):
+                return Contender(build.name, self._ours(build, operation, times, *words))
+
+            # curl asks for size and time without fetching.
+            result += self._measure(operation, Contender("curl", self._curl(SMALL, "-I", "-o", "/dev/null")), ours)
+            in_a_row = [ours(build, IN_A_ROW) for build in self._builds]
+            interleave(in_a_row, self._arguments.runs)
+            result += rows(f"{operation} x {IN_A_ROW}, {self._server.kind}", in_a_row)
         return result
 
     def run(self):

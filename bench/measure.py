@@ -14,7 +14,7 @@ class Contender:
 
     name: str
     command: list
-    target: float = None  # the most that its median may be, as a multiple of the first contender's
+    target: float = None  # the most that its median may be, as a multiple of curl's
     before: object = None
     after: object = None
     walls: list = dataclasses.field(default_factory=list)
@@ -53,17 +53,18 @@ def interleave(contenders, runs):
             contender.note(*contender.run_once())
 
 
-def rows(work, contenders):
-    """Lines of the table for one piece of work; the first contender is the measure of the others."""
-    base = statistics.median(contenders[0].walls)
+def rows(work, contenders, measure=None):
+    """Lines of the table for one piece of work, and whether each met its target, which counts in medians of `measure`."""
+    base = statistics.median(measure.walls) if measure else None
     for contender in contenders:
-        wall, ratio = statistics.median(contender.walls), statistics.median(contender.walls) / base
+        wall = statistics.median(contender.walls)
+        ratio = f"{wall / base:.2f}" if base else ""
         target = f"<= {contender.target:g}" if contender.target else ""
-        met = contender.target is None or ratio <= contender.target
+        met = not contender.target or wall / base <= contender.target
         yield (
             f"| {work} | {contender.name} | {wall:.3f} ({min(contender.walls):.3f} - {max(contender.walls):.3f}) "
             f"| {statistics.median(contender.processors):.3f} "
-            f"| {_median_text(contender.inner)} | {ratio:.2f} | {target}{'' if met else ' MISSED'} |",
+            f"| {_median_text(contender.inner)} | {ratio} | {target}{'' if met else ' MISSED'} |",
             met,
         )
 

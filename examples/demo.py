@@ -62,7 +62,8 @@ def look_around(client):
         judge(client.run("size", path).stdout.strip() == str(size), f"{path} has {size} bytes")
     judge("is a file" in client.run("exists", "/pub/docs/guide.txt").stdout, "the guide is a file")
     judge("is a directory" in client.run("exists", "/pub/docs/old").stdout, "docs/old is a directory")
-    judge(client.run("exists", "/pub/none").returncode == 1, "a missing path is missing")
+    done = client.run("exists", "/pub/none")
+    judge(done.returncode == 1 and "FTPDirExist '/pub/none' failed!" in done.stderr, "a missing path is missing")
 
 
 def move_files(client, server, folder):
