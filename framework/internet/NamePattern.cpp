@@ -20,6 +20,7 @@ std::size_t characterLength(std::string_view text) noexcept {
 
 // What is left of a pattern at the name's end: nothing but wildcards, with or without a dot before them.
 bool matchesNothing(std::string_view pattern) noexcept {
+  pattern.remove_prefix(std::min(pattern.find_first_not_of("*?"), pattern.size()));
   if (pattern.size() > 1 && pattern.front() == '.') pattern.remove_prefix(1);
   return pattern.find_first_not_of("*?") == std::string_view::npos;
 }

@@ -37,10 +37,11 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"a*.", "b", false}, Case{"a*.", "a.b", false}, Case{"?.", "a"},
                     Case{"?.", "ab", false}, Case{"name.*", "name"}, Case{"name.*", "name.txt"},
                     Case{"name.*", "name.a.b"}, Case{"name.*", "names", false}, Case{"name.*", "name."},
-                    Case{"na*.*", "name"}, Case{"*.txt", "a.txt"}, Case{"*.txt", "a.b.txt"},
-                    Case{"*.txt", "txt", false}, Case{"*.txt", "a.txt.b", false}, Case{"*.txt", ".txt"},
-                    Case{"*.b*", "a.b.c"}, Case{".*", ".a"}, Case{".*", "a", false}, Case{"a.b.*", "a.b"},
-                    Case{"a.b.*", "a", false}, Case{"*.*.*", "a.b"}, Case{"*.*.*", "a", false}));
+                    Case{"na*.*", "name"}, Case{"name*.*", "name"}, Case{"*.txt", "a.txt"},
+                    Case{"*.txt", "a.b.txt"}, Case{"*.txt", "txt", false}, Case{"*.txt", "a.txt.b", false},
+                    Case{"*.txt", ".txt"}, Case{"*.b*", "a.b.c"}, Case{".*", ".a"}, Case{".*", "a", false},
+                    Case{"a.b.*", "a.b"}, Case{"a.b.*", "a", false}, Case{"*.*.*", "a.b"},
+                    Case{"*.*.*", "a", false}));
 
 INSTANTIATE_TEST_SUITE_P(
     QuestionMarks, NamePattern,
