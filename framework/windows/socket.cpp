@@ -67,6 +67,13 @@ SOCKET openSocket(bool v6) noexcept {
                     WSA_FLAG_OVERLAPPED | WSA_FLAG_NO_HANDLE_INHERIT);
 }
 
+// Wine reports a broken connection to recv() as an orderly end. Sending nothing tells them apart.
+bool brokenByPeer(SOCKET handle) noexcept {
+  if (::send(handle, "", 0, 0) == 0) return false;
+  const int error = WSAGetLastError();
+  return error == WSAECONNRESET || error == WSAECONNABORTED;
+}
+
 template <class Value>
 void setOption(SOCKET handle, int level, int name, const Value& value) noexcept {
   setsockopt(handle, level, name, reinterpret_cast<const char*>(&value), sizeof value);
@@ -153,8 +160,8 @@ std::optional<SocketAddress> Socket::peerAddress() const noexcept {
 IoResult Socket::receive(void* buffer, std::size_t size) noexcept {
   const IoResult result =
       moved(::recv(SocketAccess::handle(*this), static_cast<char*>(buffer), bounded(size), 0));
-  if (result.status == IoStatus::done && result.bytes == 0 && size > 0) return {IoStatus::closed, 0};
-  return result;
+  if (result.status != IoStatus::done || result.bytes > 0 || size == 0) return result;
+  return {brokenByPeer(SocketAccess::handle(*this)) ? IoStatus::reset : IoStatus::closed, 0};
 }
 
 IoResult Socket::send(const void* data, std::size_t size) noexcept {
