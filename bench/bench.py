@@ -153,12 +153,16 @@ def print_conditions(arguments, scratch):
     print(f"machine: {processor()}, {os.cpu_count()} processors, {platform.platform()}")
     print(f"load before: {os.getloadavg()[0]:.2f}")
     print(f"builds: {', '.join(arguments.build)} (RelWithDebInfo, -O2); {first_line('g++', '--version')}")
-    print(f"curl: {first_line('curl', '--version').split(' (')[0]}; wine: {first_line('/usr/lib/wine/wine64', '--version')}")
+    wine = first_line("/usr/lib/wine/wine64", "--version")
+    print(f"curl: {first_line('curl', '--version').split(' (')[0]}; wine: {wine}")
     print(f"servers: {', '.join(arguments.server)}, native, on loopback, passive mode")
     print(f"files: {arguments.size} bytes; listing: {arguments.entries} entries; all files below {scratch}")
-    print(f"{arguments.runs} runs each after one to warm up, interleaved; wall is that of the whole process, the start of")
-    print('Wine\'s program included; "one operation" is timed by the host itself. curl\'s listing is raw text, not parsed;')
-    print("its query asks for size and time.\n", flush=True)
+    print(
+        f"{arguments.runs} runs each after one to warm up, interleaved. Wall is that of the whole process, the start\n"
+        "of Wine's program included; \"one operation\" is timed by the host itself. curl's listing is raw text, not\n"
+        "parsed; its query asks for size and time.\n",
+        flush=True,
+    )
 
 
 def parse_size(text):

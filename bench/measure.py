@@ -54,7 +54,7 @@ def interleave(contenders, runs):
 
 
 def rows(work, contenders, measure=None):
-    """Lines of the table for one piece of work, and whether each met its target, which counts in medians of `measure`."""
+    """Lines of the table for one piece of work, and whether each met its target: a multiple of `measure`'s median."""
     base = statistics.median(measure.walls) if measure else None
     for contender in contenders:
         wall = statistics.median(contender.walls)

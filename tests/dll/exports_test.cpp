@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The exported functions: creation, freeing and the module-wide count.
 #include "tests/dll/library.h"
+#include "tests/dll/patched_table.h"
 
 namespace {
 
@@ -82,17 +83,17 @@ struct ConnectCall {
 ConnectCall ConnectCall::latest{};
 
 TEST_F(Exports, ConnectingHandsAllArgumentsToSlot26) {
-  void* table[51] = {};
-  table[26] = reinterpret_cast<void*>(&ConnectCall::take);
-  void** object[1] = {table};
-  auto* const client = reinterpret_cast<TQXIPIFInt*>(object);
-  auto* const session = reinterpret_cast<TInternetSession*>(table);
+  const Client client = makeClient(library(), nullptr);
+  PatchedTable table(client.get());
+  table.replace(26, &ConnectCall::take);
+  auto* const session = reinterpret_cast<TInternetSession*>(&table);
   const char host[] = "host", user[] = "user", password[] = "password";
 
-  EXPECT_EQ(library().connect(client, host, user, password, 0xFEDCBA98, 0xA5, 0x89ABCDEF, session), 0x5A);
+  EXPECT_EQ(library().connect(client.get(), host, user, password, 0xFEDCBA98, 0xA5, 0x89ABCDEF, session),
+            0x5A);
 
   const ConnectCall& call = ConnectCall::latest;
-  EXPECT_EQ(call.client, client);
+  EXPECT_EQ(call.client, client.get());
   EXPECT_EQ(call.host, host);
   EXPECT_EQ(call.user, user);
   EXPECT_EQ(call.password, password);

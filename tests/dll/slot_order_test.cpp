@@ -6,9 +6,8 @@
 
 namespace {
 
-TEST(SlotOrder, EveryOperationOfTheHeaderGoesToItsSlot) {
-  SlotProbe probe;
-  TQXIPIFInt* const client = probe.client();
+// Calls every operation; the number of calls. The probe is no client, which one of the sanitizers would tell.
+__attribute__((no_sanitize("vptr"))) unsigned callEverySlot(TQXIPIFInt* client) {
   unsigned calls = 0;
 #define QX_SLOT(number, operation, arguments) \
   client->operation arguments;                \
@@ -18,7 +17,12 @@ TEST(SlotOrder, EveryOperationOfTheHeaderGoesToItsSlot) {
 #undef QX_SLOT
   client->DeletingDestructor(0);
   EXPECT_EQ(SlotProbe::taken(), 3U);
-  EXPECT_EQ(calls + 1, SlotProbe::kSlots);
+  return calls + 1;
+}
+
+TEST(SlotOrder, EveryOperationOfTheHeaderGoesToItsSlot) {
+  SlotProbe probe;
+  EXPECT_EQ(callEverySlot(probe.client()), SlotProbe::kSlots);
 }
 
 }  // namespace
