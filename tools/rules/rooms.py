@@ -1,0 +1,90 @@
+# SPDX-License-Identifier: MIT
+"""Who may include whom, and where a platform may show."""
+
+import re
+
+from .sources import ROOT, all_files
+
+# Each room and the rooms that it may include besides itself. Programs around the product may look anywhere, except the
+# examples: they are hosts, and a host has include/ alone.
+ARROWS = {
+    "include": set(),
+    "framework": set(),
+    "support": {"framework", "include"},
+    "Src": {"support", "framework", "include"},
+    "module": {"Src", "support", "framework", "include"},
+    "examples": {"include"},
+    "bench": {"examples", "module", "Src", "support", "framework", "include", "tests"},
+    "tests": {"examples", "module", "Src", "support", "framework", "include"},
+}
+PRODUCT = {"framework", "support", "Src", "module", "include"}
+
+# A platform's folders and what may include their headers: the folder itself, of the same room.
+PLATFORM_FOLDERS = ("windows", "posix")
+PLATFORM_TEST_ROOMS = {"framework", "include", "tests", "examples", "bench"}
+
+WINDOWS_WRAPPER = "framework/windows/windows_api.h"
+WRAPPED = re.compile(r"windows\.h|winsock2?\.h")
+
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
+PLATFORM_IF = re.compile(
+    r"^\s*#\s*(?:el)?if.*\b(_WIN32|_WIN64|__MINGW\w+|_MSC_VER|__linux__|__unix__|__APPLE__|__CYGWIN__)\b")
+
+
+def platform_of(path):
+    return next((part for part in path.parts[:-1] if part in PLATFORM_FOLDERS), None)
+
+
+def resolve(file, name):
+    """The included file below the root, or None."""
+    for folder in (file.path.parent, ".", "include"):
+        candidate = (ROOT / folder / name).resolve()
+        if candidate.is_file():
+            return candidate.relative_to(ROOT)
+    return None
+
+
+def check_own_header(file, name):
+    target = resolve(file, name)
+    if target is None:
+        return f'"{name}" is not found from here, from the root or in include/'
+    room = target.parts[0]
+    if room != file.room and room not in ARROWS[file.room]:
+        return f"{file.room}/ must not know {room}/ (\"{name}\")"
+    platform = platform_of(target)
+    if platform and (platform_of(file.path) != platform or (room != file.room and file.room in PRODUCT)):
+        return f'"{name}" belongs to {target.parent}/ alone'
+    return None
+
+
+def check_system_header(file, name):
+    """The C++ standard library's headers have no suffix; all others are a platform's."""
+    if file.room not in PRODUCT or not name.endswith(".h") or str(file.path) == WINDOWS_WRAPPER:
+        return None
+    if file.room != "framework" or not platform_of(file.path):
+        return f"<{name}> belongs into framework/windows/ or framework/posix/"
+    return f"<{name}> comes through {WINDOWS_WRAPPER}" if WRAPPED.fullmatch(name) else None
+
+
+def check_line(file, line):
+    include = INCLUDE.match(line)
+    if include:
+        kind, name = include.groups()
+        return check_own_header(file, name) if kind == '"' else check_system_header(file, name)
+    if file.room not in PLATFORM_TEST_ROOMS:
+        test = PLATFORM_IF.match(line)
+        if test:
+            return f"{test.group(1)} outside framework/: choose a file by CMake instead"
+    return None
+
+
+def check(files=None):
+    findings = []
+    for file in files or all_files():
+        if not file.is_cpp or file.room not in ARROWS:
+            continue
+        for number, line in enumerate(file.lines, 1):
+            text = check_line(file, line)
+            if text:
+                findings.append(file.finding(number, text))
+    return findings
