@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+// Operations that this version does not carry out: each answers 0, says so, and touches nothing else.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/client/ErrorRecord.h"
+#include "tests/client/RecordingClient.h"
+
+namespace {
+
+struct Later {
+  const char* name;
+  int line;
+  std::uint32_t (*run)(TQXIP& client);
+};
+
+const Later kLater[] = {
+    {"FillWipePattern", 0, [](TQXIP& c) -> std::uint32_t { return c.FillWipePattern(1, 0); }},
+    {"WipeWith", 0, [](TQXIP& c) -> std::uint32_t { return c.WipeWith("a", 0, 0); }},
+    {"Wipe", 0, [](TQXIP& c) -> std::uint32_t { return c.Wipe("a"); }},
+    {"HTTPDownloadFile", 0,
+     [](TQXIP& c) { return c.HTTPDownloadFile("server", "/object", 80, "file", nullptr, 0, 0); }},
+    {"FTPDestroyFileContent", 0,
+     [](TQXIP& c) -> std::uint32_t { return c.FTPDestroyFileContent("/a", 1, 0, 0, 0); }},
+    {"FTPCpyFile", 6259,
+     [](TQXIP& c) -> std::uint32_t { return c.FTPCpyFile("/a", "/b", nullptr, 0, 0, 0); }},
+    {"FTPMovFile", 6345,
+     [](TQXIP& c) -> std::uint32_t { return c.FTPMovFile("/a", "/b", nullptr, 0, 0, 0); }},
+    {"FTPRmvFile", 6687, [](TQXIP& c) -> std::uint32_t { return c.FTPRmvFile("/a", 0, 0, 0, 0); }},
+    {"FTPRmvDir", 7059, [](TQXIP& c) -> std::uint32_t { return c.FTPRmvDir("/a", 0, 0, 0); }},
+    {"FTPCreateDir", 7454, [](TQXIP& c) -> std::uint32_t { return c.FTPCreateDir("/a", 0, 0, 0); }},
+    {"FTPCreateNewDir", 7560,
+     [](TQXIP& c) -> std::uint32_t {
+       char created[256] = "";
+       return c.FTPCreateNewDir("/a", created, "b", 0);
+     }},
+    {"FTPWriteFile", 8669,
+     [](TQXIP& c) -> std::uint32_t { return c.FTPWriteFile("/a", "x", 1, 0, 0, 0, 0, 0); }},
+    {"FTPReadFile", 9201,
+     [](TQXIP& c) -> std::uint32_t {
+       void* data = nullptr;
+       std::uint32_t size = 0;
+       return c.FTPReadFile("/a", &data, &size, 0, 0, 0, 0);
+     }},
+    {"FTPFreeFileAPI", 0, [](TQXIP& c) -> std::uint32_t { return c.FTPFreeFileAPI(nullptr); }},
+    {"FTPRenameFile", 9357, [](TQXIP& c) -> std::uint32_t { return c.FTPRenameFile("/a", "/b", 0); }},
+};
+
+class NotAvailable : public testing::TestWithParam<Later> {
+ protected:
+  const std::string message = std::string("TQXIP::") + GetParam().name + " is not available in this version!";
+};
+
+TEST_P(NotAvailable, AnswersZeroSaysSoAndReportsError120) {
+  QXErrorInfo record{};
+  RecordingClient client(&record);
+  EXPECT_EQ(GetParam().run(client), 0u);
+  EXPECT_EQ(client.m_szMessage, message);
+  EXPECT_THAT(record, ReportsLastError(message, 120u, GetParam().line));
+}
+
+TEST_P(NotAvailable, WithoutAnErrorRecordSaysSoInTheMessageAlone) {
+  RecordingClient client;
+  EXPECT_EQ(GetParam().run(client), 0u);
+  EXPECT_EQ(client.m_szMessage, message);
+  EXPECT_TRUE(client.calls().empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, NotAvailable, testing::ValuesIn(kLater),
+                         [](const auto& instance) { return instance.param.name; });
+
+}  // namespace

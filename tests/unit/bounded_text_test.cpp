@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+#include "support/BoundedText.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using FourText = BoundedText<5>;
+
+TEST(BoundedText, StartsEmpty) {
+  const FourText text;
+  EXPECT_TRUE(text.empty());
+  EXPECT_EQ(text.size(), 0u);
+  EXPECT_STREQ(text.c_str(), "");
+}
+
+TEST(BoundedText, HoldsATextOfItsCapacityLessTheTerminator) {
+  FourText text;
+  EXPECT_TRUE(text.assign("abcd"));
+  EXPECT_STREQ(text.c_str(), "abcd");
+  EXPECT_EQ(text.size(), 4u);
+}
+
+TEST(BoundedText, RefusesATextThatIsOneCharacterTooLongAndIsEmptyThen) {
+  FourText text;
+  ASSERT_TRUE(text.assign("ab"));
+  EXPECT_FALSE(text.assign("abcde"));
+  EXPECT_TRUE(text.empty());
+}
+
+TEST(BoundedText, RefusesNullAndIsEmptyThen) {
+  FourText text;
+  ASSERT_TRUE(text.assign("ab"));
+  EXPECT_FALSE(text.assign(nullptr));
+  EXPECT_TRUE(text.empty());
+}
+
+TEST(BoundedText, AppendsUpToItsCapacity) {
+  FourText text;
+  EXPECT_TRUE(text.append("ab"));
+  EXPECT_TRUE(text.append("cd"));
+  EXPECT_TRUE(text.append(""));
+  EXPECT_STREQ(text.c_str(), "abcd");
+}
+
+TEST(BoundedText, APieceThatDoesNotFitLeavesItEmptyRatherThanCut) {
+  FourText text;
+  ASSERT_TRUE(text.append("abc"));
+  EXPECT_FALSE(text.append("de"));
+  EXPECT_TRUE(text.empty());
+}
+
+TEST(BoundedText, APathTextHolds255CharactersAndRefuses256) {
+  PathText path;
+  EXPECT_TRUE(path.assign(std::string(255, 'p').c_str()));
+  EXPECT_EQ(path.size(), 255u);
+  EXPECT_FALSE(path.assign(std::string(256, 'p').c_str()));
+}
+
+TEST(StoreText, CopiesATextThatFits) {
+  char field[5] = "";
+  EXPECT_TRUE(StoreText(field, "abcd"));
+  EXPECT_STREQ(field, "abcd");
+}
+
+TEST(StoreText, LeavesTheFieldEmptyWhenTheTextDoesNotFit) {
+  char field[5] = "old";
+  EXPECT_FALSE(StoreText(field, "abcde"));
+  EXPECT_STREQ(field, "");
+}
+
+TEST(StoreText, StoresTheEmptyText) {
+  char field[5] = "old";
+  EXPECT_TRUE(StoreText(field, ""));
+  EXPECT_STREQ(field, "");
+}
+
+}  // namespace
