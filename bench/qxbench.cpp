@@ -2,7 +2,6 @@
 // qxbench: carries out one operation of the loaded library a number of times and prints the seconds of each.
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -81,9 +80,8 @@ int main(int argc, char** argv) {
     return 2;
   }
   try {
-    const Login login{argv[2], argv[4], argv[5],
-                      static_cast<std::uint32_t>(std::strtoul(argv[3], nullptr, 10))};
-    run(argv[1], login, argv[6], std::atoi(argv[7]), {argv + 8, argv + argc});
+    const Login login{argv[2], argv[4], argv[5], static_cast<std::uint32_t>(std::stoul(argv[3]))};
+    run(argv[1], login, argv[6], std::stoi(argv[7]), {argv + 8, argv + argc});
     return 0;
   } catch (const std::exception& problem) {
     std::fprintf(stderr, "qxbench: %s\n", problem.what());
