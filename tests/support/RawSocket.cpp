@@ -3,42 +3,36 @@
 #include "tests/support/RawSocket.h"
 
 #include <stdexcept>
+#include <utility>
 
 namespace testing_support {
 
 std::string RawSocket::readLine() {
+  char buffer[65536];
+  std::size_t searched = 0;
   for (;;) {
-    if (const auto end = received_.find('\n'); end != std::string::npos) {
+    if (const auto end = received_.find('\n', searched); end != std::string::npos) {
       std::string line = received_.substr(0, end);
       received_.erase(0, end + 1);
       if (line.ends_with('\r')) line.pop_back();
       return line;
     }
-    char buffer[16384];
-    const long long count = receiveSome(buffer, sizeof buffer);
-    if (count <= 0) throw std::runtime_error("the connection ended after \"" + received_ + "\"");
-    received_.append(buffer, static_cast<std::size_t>(count));
+    searched = received_.size();
+    const std::size_t count = receiveSome(buffer, sizeof buffer);
+    if (count == 0) throw std::runtime_error("the connection ended after \"" + received_ + "\"");
+    received_.append(buffer, count);
   }
 }
 
 std::string RawSocket::readToEnd(std::size_t limit) {
-  std::string all = std::move(received_);
-  received_.clear();
+  std::string all = std::exchange(received_, {});
   char buffer[65536];
   while (all.size() < limit) {
-    const long long count = receiveSome(buffer, sizeof buffer);
-    if (count < 0) throw std::runtime_error("the connection was reset");
+    const std::size_t count = receiveSome(buffer, sizeof buffer);
     if (count == 0) break;
-    all.append(buffer, static_cast<std::size_t>(count));
+    all.append(buffer, count);
   }
   return all;
-}
-
-bool RawSocket::endedByReset() {
-  char buffer[65536];
-  long long count = 0;
-  while ((count = receiveSome(buffer, sizeof buffer)) > 0) continue;
-  return count < 0;
 }
 
 }  // namespace testing_support

@@ -21,15 +21,13 @@ class RawSocket {
   void sendLine(std::string_view line) { send(std::string(line) + "\r\n"); }
   // The next line without its line end. Throws when the peer closes before the line is complete.
   std::string readLine();
-  // Everything up to the peer's end. `limit` stops an endless answer: reading ends at that many bytes or
-  // more.
+  // Everything up to the peer's end, by FIN or by RST: Wine cannot always tell them apart. `limit` stops an
+  // endless answer: reading ends at that many bytes or more.
   std::string readToEnd(std::size_t limit = SIZE_MAX);
-  // True when the peer ended the connection by RST; false when by FIN. Reads and drops what still comes.
-  bool endedByReset();
 
  private:
-  // Bytes received, 0 at the end, -1 after a reset.
-  long long receiveSome(char* buffer, std::size_t size);
+  // Bytes received, 0 at the end or after a reset.
+  std::size_t receiveSome(char* buffer, std::size_t size);
 
   std::intptr_t socket_;
   std::string received_;

@@ -8,6 +8,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -27,10 +28,13 @@ constexpr unsigned kSecondsForAll = 60;
 void* frames[kMostFrames];
 int frameCount = 0;
 sem_t stored;
+// The thread whose stack is wanted; one that answers too late must not write into another's.
+std::atomic<long> wanted{0};
 
 int stackSignal() { return SIGRTMAX - 1; }
 
 void storeStack(int) {
+  if (syscall(SYS_gettid) != wanted) return;
   const int savedError = errno;
   frameCount = backtrace(frames, kMostFrames);
   sem_post(&stored);
@@ -39,12 +43,14 @@ void storeStack(int) {
 
 // False when the thread does not react (it ended, or its signal is held back).
 bool askThread(int thread) {
+  wanted = thread;
   if (syscall(SYS_tgkill, getpid(), thread, stackSignal()) != 0) return false;
   timespec until{};
   clock_gettime(CLOCK_REALTIME, &until);
   until.tv_sec += kSecondsPerThread;
   int result = 0;
   while ((result = sem_timedwait(&stored, &until)) != 0 && errno == EINTR) continue;
+  wanted = 0;
   return result == 0;
 }
 

@@ -59,11 +59,11 @@ void RawSocket::send(std::string_view data) {
   }
 }
 
-long long RawSocket::receiveSome(char* buffer, std::size_t size) {
+std::size_t RawSocket::receiveSome(char* buffer, std::size_t size) {
   for (;;) {
     const ssize_t count = recv(static_cast<int>(socket_), buffer, size, 0);
-    if (count >= 0) return count;
-    if (errno == ECONNRESET) return -1;
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno == ECONNRESET) return 0;
     if (errno != EINTR) fail("recv");
   }
 }

@@ -121,7 +121,7 @@ void endProcess(int exitCode) {
 
 void disableErrorBoxes() {
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
-  _set_abort_behavior(0, _WRITE_ABORT_MSG | _CALL_REPORTFAULT);
+  _set_error_mode(_OUT_TO_STDERR);
   SetUnhandledExceptionFilter(reportCrash);
 }
 

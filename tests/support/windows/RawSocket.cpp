@@ -70,12 +70,12 @@ void RawSocket::send(std::string_view data) {
   }
 }
 
-long long RawSocket::receiveSome(char* buffer, std::size_t size) {
+std::size_t RawSocket::receiveSome(char* buffer, std::size_t size) {
   const int count = recv(asSocket(socket_), buffer, static_cast<int>(size), 0);
-  if (count >= 0) return count;
+  if (count >= 0) return static_cast<std::size_t>(count);
   const int error = WSAGetLastError();
   if (error != WSAECONNRESET && error != WSAECONNABORTED) fail("recv", error);
-  return -1;
+  return 0;
 }
 
 }  // namespace testing_support
