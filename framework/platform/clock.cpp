@@ -8,10 +8,11 @@ namespace platform {
 
 std::uint64_t fileTimeOf(const CalendarTime& time) noexcept {
   namespace chr = std::chrono;
-  const chr::year_month_day date(chr::year(time.year), chr::month(time.month), chr::day(time.day));
-  // 30827 is the last year that the units hold as a positive 64-bit number.
-  if (time.year < 1601 || time.year > 30827 || !date.ok()) return 0;
+  // The calendar's types hold less than the fields do.
+  if (time.year < kFirstYear || time.year > kLastYear || time.month > 12 || time.day > 31) return 0;
   if (time.hour > 23 || time.minute > 59 || time.second > 59 || time.milliseconds > 999) return 0;
+  const chr::year_month_day date(chr::year(time.year), chr::month(time.month), chr::day(time.day));
+  if (!date.ok()) return 0;
 
   using Units = chr::duration<std::int64_t, std::ratio<1, 10'000'000>>;
   constexpr chr::sys_days kEpoch = chr::year(1601) / 1 / 1;

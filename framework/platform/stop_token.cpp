@@ -20,8 +20,7 @@ StopToken::Scope::~Scope() { t_current = previous_; }
 
 bool StopToken::wait(std::chrono::milliseconds limit) const noexcept {
   using std::chrono::milliseconds;
-  limit =
-      std::min<milliseconds>(limit, std::chrono::hours(24 * 365));  // its sum with a clock's time must fit
+  limit = std::clamp<milliseconds>(limit, milliseconds(0), std::chrono::hours(24 * 365));  // sums must fit
   const auto deadline = std::chrono::steady_clock::now() + limit;
   while (!raised()) {
     const auto left = std::chrono::ceil<milliseconds>(deadline - std::chrono::steady_clock::now());

@@ -10,7 +10,7 @@ CalendarTime localTime(std::time_t seconds, long nanoseconds) noexcept {
   std::tm fields{};
   if (::localtime_r(&seconds, &fields) == nullptr) return {};
   const std::int64_t year = std::int64_t{fields.tm_year} + 1900;
-  if (year < 1601 || year > 30827) return {};
+  if (year < kFirstYear || year > kLastYear) return {};
   const auto narrow = [](long value) { return static_cast<std::uint16_t>(value); };
   CalendarTime time;
   time.year = narrow(year);

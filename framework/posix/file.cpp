@@ -44,6 +44,15 @@ std::int64_t noted(Result result) noexcept {
   return result;
 }
 
+// The same for a transfer, where an open file refuses the access that it is not open for as no descriptor at
+// all.
+template <class Result>
+std::int64_t notedTransfer(const File& file, Result result) noexcept {
+  const bool refused = result < 0 && errno == EBADF && file.isOpen();
+  if (noted(result) < 0 && refused) setLastError(kErrorAccessDenied);
+  return result;
+}
+
 }  // namespace
 
 bool File::open(const char* path, FileAccess access, FileCreation creation,
@@ -71,14 +80,15 @@ bool File::open(const char* path, FileAccess access, FileCreation creation,
 }
 
 std::int64_t File::read(void* buffer, std::size_t size) noexcept {
-  return noted(repeatInterrupted([&] { return ::read(static_cast<int>(handle_), buffer, size); }));
+  return notedTransfer(*this,
+                       repeatInterrupted([&] { return ::read(static_cast<int>(handle_), buffer, size); }));
 }
 
 bool File::write(const void* data, std::size_t size) noexcept {
   const char* next = static_cast<const char*>(data);
   do {
-    const std::int64_t written =
-        noted(repeatInterrupted([&] { return ::write(static_cast<int>(handle_), next, size); }));
+    const std::int64_t written = notedTransfer(
+        *this, repeatInterrupted([&] { return ::write(static_cast<int>(handle_), next, size); }));
     if (written < 0) return false;
     if (written == 0 && size != 0) {  // no error and no progress: asking again would go on for ever
       setLastError(kErrorDiskFull);
