@@ -25,7 +25,7 @@ TARGETS = {
     "upload": {"linux": 0.9, "windows": 1.5},
     "listing": {"linux": 1.5},
 }
-SMALL = "/tree/small.txt"
+SMALL = "/pub/small.txt"
 # In one process, one after the other: what an operation costs a host that is running already.
 IN_A_ROW = 100
 
@@ -67,12 +67,12 @@ class Bench:
 
         def ours(build):
             path = self._folder / build.name
-            command = self._ours(build, "download", 1, "/tree/large", build.local(path))
+            command = self._ours(build, "download", 1, "/pub/large", build.local(path))
             return contender(build.name, command, path)
 
         by_curl = self._folder / "curl"
         result = self._measure(
-            "download", contender("curl", self._curl("tree/large", "-o", str(by_curl)), by_curl), ours
+            "download", contender("curl", self._curl("pub/large", "-o", str(by_curl)), by_curl), ours
         )
         for name in ["curl", *(build.name for build in self._builds)]:
             if not file_matches(self._folder / name, DOWN_SEED, size):
@@ -87,30 +87,30 @@ class Bench:
 
         def contender(name, command):
             def forget():
-                self._server.ask("put", files={f"/tree/{name}": None})
+                self._server.ask("put", files={f"/pub/{name}": ""})
 
             def check():
-                if self._server.ask("stat", path=f"/tree/{name}").get("size") != size:
+                if self._server.ask("stat", path=f"/pub/{name}").get("size") != size:
                     raise RuntimeError(f"{name}: wrong size")
 
             return Contender(name, command, before=forget, after=check)
 
         def ours(build):
-            return contender(build.name, self._ours(build, "upload", 1, build.local(source), f"/tree/{build.name}"))
+            return contender(build.name, self._ours(build, "upload", 1, build.local(source), f"/pub/{build.name}"))
 
-        result = self._measure("upload", contender("curl", self._curl("tree/curl", "-T", str(source))), ours)
+        result = self._measure("upload", contender("curl", self._curl("pub/curl", "-T", str(source))), ours)
         for name in ["curl", *(build.name for build in self._builds)]:
-            if not self._server.matches(f"/tree/{name}", UP_SEED, size):
+            if not self._server.matches(f"/pub/{name}", UP_SEED, size):
                 raise RuntimeError(f"{name}: wrong content")
-            self._server.ask("put", files={f"/tree/{name}": None})
+            self._server.ask("put", files={f"/pub/{name}": ""})
         source.unlink()
         return result
 
     def listing(self):
         entries = self._arguments.entries
-        raw = Contender("curl", self._curl("tree/many/", "-o", "/dev/null"))
+        raw = Contender("curl", self._curl("pub/many/", "-o", "/dev/null"))
         return self._measure(
-            "listing", raw, lambda build: Contender(build.name, self._ours(build, "list", 1, "/tree/many", entries))
+            "listing", raw, lambda build: Contender(build.name, self._ours(build, "list", 1, "/pub/many", entries))
         )
 
     def queries(self):
@@ -128,8 +128,8 @@ class Bench:
         return result
 
     def run(self):
-        tree = {"/tree/large": {"size": self._arguments.size, "seed": DOWN_SEED}, SMALL: "small"}
-        self._server.ask("put", files={**tree, "/tree/many/": {"many": {"count": self._arguments.entries}}})
+        tree = {"/pub/large": {"size": self._arguments.size, "seed": DOWN_SEED}, SMALL: "small"}
+        self._server.ask("put", files={**tree, "/pub/many/": {"many": {"count": self._arguments.entries}}})
         for work in (self.download, self.upload, self.listing, self.queries):
             for line, met in work():
                 print(line, flush=True)

@@ -40,9 +40,9 @@ class Client:
         self.build = build
         self._server = server
 
-    def run(self, *command, password=None):
-        login = ["--host", self._server.host, "--port", str(self._server.port), "--user", self._server.user]
-        arguments = [*login, "--password", password or self._server.password, *command]
+    def run(self, *command, user=None):
+        login = ["--host", self._server.host, "--port", str(self._server.port), "--user", user or self._server.user]
+        arguments = [*login, "--password", self._server.password, *command]
         print("  $ qxftp " + shlex.join(arguments), flush=True)
         done = subprocess.run(self.build.command("qxftp") + arguments, capture_output=True, text=True, timeout=300)
         for line in (done.stdout + done.stderr).splitlines():
@@ -76,8 +76,8 @@ def move_files(client, server, folder):
 
 
 def be_refused(client):
-    done = client.run("connect", password="not-the-password")
-    # 12014: the server refused the password.
+    done = client.run("connect", user="stranger")
+    # 12014: the server refused user or password.
     record = re.search(r"^error: +12014 \(code 1000\): .*password", done.stderr, re.M)
     judge(done.returncode == 1 and record, "a refused login is told by the error record")
 
