@@ -100,7 +100,7 @@ std::optional<Found> FindRule::byFacts(const Path& path) {
 
 // A link, for one: a directory if it can be listed.
 Found FindRule::byKindUnknown(const Path& path, const MlsxRow& row) {
-  const FtpListingText answer = control_.listing("MLSD", path.whole);
+  const FtpListingText answer = fetch("MLSD", path.whole);
   if (answer.reply.code != 450 && answer.reply.code < 500) {
     return Found{entriesOf(answer, Form::facts, path.whole, true), {}};
   }
@@ -116,7 +116,7 @@ Found FindRule::byKindUnknown(const Path& path, const MlsxRow& row) {
 Found FindRule::byVisit(const Path& path) {
   FtpControl::DirectoryVisit visit(control_);
   if (!visit.enter(path.whole).completed()) return bySize(path);
-  return Found{entriesOf(control_.listing("LIST"), Form::unixOrDos, path.whole, true), {}};
+  return Found{entriesOf(fetch("LIST"), Form::unixOrDos, path.whole, true), {}};
 }
 
 Found FindRule::bySize(const Path& path) {
@@ -146,7 +146,7 @@ Found FindRule::byParent(const Path& path) {
 // The content of a directory.
 std::vector<FtpEntry> FindRule::list(std::string_view directory, bool exists) {
   if (!control_.traits().mlst) return listByVisit(directory);
-  const FtpListingText answer = control_.listing("MLSD", directory);
+  const FtpListingText answer = fetch("MLSD", directory);
   if (!commandUnknown(answer.reply)) return entriesOf(answer, Form::facts, directory, exists);
   std::vector<FtpEntry> entries = listByVisit(directory);
   withdrawFacts();
@@ -160,7 +160,15 @@ std::vector<FtpEntry> FindRule::listByVisit(std::string_view directory) {
     const FtpReply entered = visit.enter(directory);
     if (!entered.completed()) control_.raise(entered);
   }
-  return entriesOf(control_.listing("LIST"), Form::unixOrDos, directory, true);
+  return entriesOf(fetch("LIST"), Form::unixOrDos, directory, true);
+}
+
+FtpListingText FindRule::fetch(std::string_view verb, std::string_view directory) {
+  // A refusal is handed back; what is thrown has broken the listing off.
+  listingUnusable_ = true;
+  FtpListingText answer = control_.listing(verb, directory);
+  listingUnusable_ = false;
+  return answer;
 }
 
 std::vector<FtpEntry> FindRule::entriesOf(const FtpListingText& answer, Form form, std::string_view directory,

@@ -49,6 +49,7 @@ class FindRule {
   Found byParent(const Path& path);
   std::vector<FtpEntry> list(std::string_view directory, bool exists);
   std::vector<FtpEntry> listByVisit(std::string_view directory);
+  FtpListingText fetch(std::string_view verb, std::string_view directory = {});
   std::vector<FtpEntry> entriesOf(const FtpListingText& answer, Form form, std::string_view directory,
                                   bool exists);
   void checkWhole(const FtpReply& reply, const FtpListing& listing);

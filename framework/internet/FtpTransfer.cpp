@@ -63,8 +63,12 @@ std::size_t FtpTransfer::receive(void* buffer, std::size_t size) {
         received_ += result.bytes;
         return result.bytes;
       case IoStatus::wouldBlock:
+        if (refused()) {
+          closeData();
+          state_ = State::ended;
+          return 0;
+        }
         waitForData(false, deadline);
-        if (state_ == State::ended) return 0;
         break;
       case IoStatus::closed:
         endOfData();
@@ -222,7 +226,7 @@ void FtpTransfer::requireRunning() const {
 void FtpTransfer::waitForData(bool write, std::optional<Deadline>& deadline) {
   ControlChannel& channel = control_->channel();
   if (channel.replyReady()) watchControl();
-  if (!data_) return;
+  if (refused()) return;
   if (!deadline) deadline.emplace(control_->timeouts().data);
   std::array watched{platform::SocketInterest{&data_->socket(), !write, write},
                      final_ ? platform::SocketInterest{} : channel.readInterest()};
@@ -236,12 +240,9 @@ void FtpTransfer::waitForData(bool write, std::optional<Deadline>& deadline) {
 
 void FtpTransfer::watchControl() {
   if (final_ || !awaitFinal(kAtOnce) || !final_->refused()) return;
-  if (kind_ == Kind::listing) {
-    // The caller judges: some servers refuse what they have nothing to list for only now.
-    closeData();
-    state_ = State::ended;
-    return;
-  }
+  // The caller judges a listing, with the rows that came before the refusal: some servers refuse what they
+  // have nothing to list for only now.
+  if (kind_ == Kind::listing) return;
   breakData();
   control_->raise(*final_);
 }

@@ -61,6 +61,8 @@ class FtpTransfer {
   void watchControl();
   void notifyFinal();
   bool awaitFinal(std::chrono::milliseconds limit);
+  // The server has ended the transfer with a refusal.
+  [[nodiscard]] bool refused() const noexcept { return final_ && final_->refused(); }
   [[nodiscard]] bool movedInFull() const noexcept;
   void closeData() noexcept;
   void breakData() noexcept;

@@ -214,6 +214,8 @@ TEST_F(Finder, TakesACutListingForBroken) {
     EXPECT_EQ(result.error, 0u) << final;
     EXPECT_EQ(result.thrown.error, std::string(final).starts_with("426") ? 12030u : 12003u) << final;
   }
+  const json reset = {{{"normal", {{"reset_after", 60}, {"final", "451 Local error"}}}}};
+  EXPECT_EQ(searchListing(reset).thrown.error, 12003u);
   // The line end alone is missing, and the server says that this is all.
   const json unended = {{{"normal", {{"cut_last", 2}}}}};
   EXPECT_EQ(searchListing(unended).entries.size(), 4u);
