@@ -181,6 +181,32 @@ TEST(Server, StopsWithItsObject) {
   EXPECT_ANY_THROW(RawSocket("127.0.0.1", port));
 }
 
+class RealServers : public testing::TestWithParam<const char*> {};
+
+TEST_P(RealServers, ServeTheirFolder) {
+  const fixture::RealServer server(GetParam());
+  server.put(R"({"/pub/big": {"size": 2000000, "seed": 6}})");
+  {
+    RawSocket control = connectTo(server);
+    std::string reply = control.readLine();
+    while (reply.starts_with("220-")) reply = control.readLine();
+    EXPECT_THAT(reply, testing::StartsWith("220"));
+    EXPECT_THAT(command(control, "USER " + server.user()), testing::StartsWith("331"));
+    EXPECT_THAT(command(control, "PASS " + server.password()), testing::StartsWith("230"));
+    EXPECT_THAT(command(control, "DELE " + server.folder() + "/none"), testing::StartsWith("550"));
+    EXPECT_THAT(command(control, "TYPE I"), testing::StartsWith("200"));
+    RawSocket data = openData(server, control);
+    control.sendLine("RETR " + server.folder() + "/big");
+    EXPECT_EQ(data.readToEnd().size(), 2000000U);
+  }
+  EXPECT_TRUE(server.matches("/pub/big", 6, 2000000));
+  EXPECT_EQ(server.size("/pub/big"), 2000000U);
+  EXPECT_EQ(server.connectionCount(), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, RealServers,
+                         testing::Values("vsftpd", "pyftpdlib", "proftpd", "pure-ftpd", "inetutils-ftpd"));
+
 TEST(Server, RefusedPortRefuses) {
   const fixture::RefusedPort port;
   EXPECT_ANY_THROW(connectTo(port));

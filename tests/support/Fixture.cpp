@@ -170,6 +170,8 @@ std::string RealServer::user() const { return started().at("user"); }
 
 std::string RealServer::password() const { return started().at("password"); }
 
+std::string RealServer::folder() const { return started().at("folder"); }
+
 int RealServer::connectionCount() const { return log().at("connections"); }
 
 Blackhole::Blackhole(bool accepts, const std::string& host)

@@ -122,14 +122,16 @@ class ScriptedFtp : public FileServer {
   void disconnect(const std::string& reply = {}, const std::string& how = "fin") const;
 };
 
-// A real FTP server program with a folder of its own.
+// A real FTP server program with a tree of its own, which the test may look at from outside.
 class RealServer : public FileServer {
  public:
-  // `kind`: "vsftpd", "pyftpdlib". Options are in the README.
+  // `kind`: "vsftpd", "pyftpdlib", "proftpd", "pure-ftpd", "inetutils-ftpd". Options are in the README.
   explicit RealServer(const char* kind, std::string_view options = "{}");
 
   [[nodiscard]] std::string user() const;
   [[nodiscard]] std::string password() const;
+  // The folder below which the user may change things: "/pub".
+  [[nodiscard]] std::string folder() const;
   [[nodiscard]] int connectionCount() const;
 };
 
