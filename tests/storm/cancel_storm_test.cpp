@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: MIT
+// A thousand cancels in a row: the caller is free at once each time, and nothing of the workers is left.
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "Src/PrivateConnection.h"
+#include "framework/internet/InternetFile.h"
+#include "tests/storm/Build.h"
+#include "tests/storm/Health.h"
+#include "tests/storm/RunnerTest.h"
+#include "tests/support/Fixture.h"
+#include "tests/support/Median.h"
+
+namespace storm {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr const char* kServer = R"({
+  "tree": {"/normal.txt": "still there", "/stalled.bin": {"size": 65536, "seed": 1}, "/silent.bin": "never sent"},
+  "rules": [
+    {"on": "RETR", "argument": "/stalled.bin", "do": [{"normal": {"stall_after": 4096, "gate": "never"}}]},
+    {"on": "RETR", "argument": "/silent.bin", "do": ["silent"]},
+    {"on": "MLST", "argument": "/stuck", "do": ["silent"]}
+  ]})";
+
+constexpr int kWarmUp = 20;
+constexpr std::uint64_t kMemorySlack = 1U << 20;
+constexpr auto kJudgedMedian = 100ms;
+
+class CancelStorm : public RunnerTest {
+ protected:
+  void SetUp() override {
+    LogInTo(server);
+    script.onPoll = [this](QXBool&) { return PollToCancel(); };
+  }
+
+  void LogInTo(const fixture::Server& target) {
+    client->FTPSetLogin(target.host().c_str(), "u", "p", target.port(), 1);
+  }
+
+  // Cancels up to some milliseconds after the worker has gone into its stuck place.
+  bool PollToCancel() {
+    if (!entered) return false;
+    if (enteredAt == Clock::time_point{}) {
+      if (untilStuck) untilStuck();
+      enteredAt = Clock::now();
+    }
+    cancelledAt = Clock::now();
+    return cancelledAt - enteredAt >= (started % 16) * 250us;
+  }
+
+  // For a worker that is stuck where only the server knows: waits until that has seen this command in the
+  // round.
+  void WaitAtServerFor(const char* verb) {
+    untilStuck = [this, verb] { server.waitForCommand(verb, started); };
+  }
+
+  void Cancel(int rounds) {
+    for (int round = 0; round < rounds; ++round) {
+      ++started;
+      entered = false;
+      enteredAt = {};
+      ASSERT_FALSE(client->Run(3)) << "round " << round;
+      latencies.push_back(Clock::now() - cancelledAt);
+      ASSERT_EQ(running, 0) << "round " << round;
+      ASSERT_EQ(script.done.back(), 0) << "round " << round;
+    }
+  }
+
+  void Storm() {
+    ASSERT_NO_FATAL_FAILURE(Cancel(kWarmUp));
+    latencies.clear();
+    const Health health;
+    ASSERT_NO_FATAL_FAILURE(Cancel(kRounds));
+    health.expectBack(kMemorySlack);
+    JudgeLatencies();
+    useHeap();
+    ExpectNormalWork();
+  }
+
+  void JudgeLatencies() {
+    const auto milliseconds = [](Clock::duration time) {
+      return std::chrono::duration<double, std::milli>(time).count();
+    };
+    const auto median = testing_support::median(latencies);
+    std::cout << latencies.size() << " cancels, ms until the return: median " << milliseconds(median)
+              << ", longest " << milliseconds(*std::max_element(latencies.begin(), latencies.end())) << '\n';
+    EXPECT_LE(median, kJudgedMedian);
+  }
+
+  void ExpectNormalWork() {
+    LogInTo(server);
+    script.onPoll = nullptr;
+    script.attempt = [](QXFtpThread& record) {
+      return AttemptOutcome{.ok = record.pQXIP->FTPFileSize("/normal.txt", 0, 0, 0) == 11};
+    };
+    EXPECT_TRUE(client->Run());
+    server.waitUntilAllClosed();
+  }
+
+  fixture::ScriptedFtp server{std::string_view(kServer)};
+  int started = 0;  // rounds, counted from 1
+  std::function<void()> untilStuck;
+  Clock::time_point enteredAt;
+  Clock::time_point cancelledAt;
+  std::vector<Clock::duration> latencies;
+};
+
+TEST_F(CancelStorm, AsTheWorkerStarts) {
+  script.onPoll = [this](QXBool&) {
+    cancelledAt = Clock::now();
+    return true;
+  };
+  Storm();
+}
+
+TEST_F(CancelStorm, InAStalledTransfer) {
+  script.attempt = [this](QXFtpThread& record) {
+    const Presence presence(running);
+    PrivateConnection connection(*record.pQXIP);
+    if (!connection.Open()) return AttemptOutcome{};
+    const std::unique_ptr<CInternetFile> file(
+        connection.Connection()->OpenFile("/stalled.bin", internet::kGenericRead));
+    std::vector<char> block(4096);
+    static_cast<void>(file->Read(block.data(), 4096));
+    entered = true;
+    return AttemptOutcome{.ok = file->Read(block.data(), 4096) > 0};
+  };
+  Storm();
+}
+
+TEST_F(CancelStorm, WhileAReplyIsMissing) {
+  script.attempt = [this](QXFtpThread& record) {
+    const Presence presence(running);
+    PrivateConnection connection(*record.pQXIP);
+    if (!connection.Open()) return AttemptOutcome{};
+    entered = true;
+    const std::unique_ptr<CInternetFile> file(
+        connection.Connection()->OpenFile("/silent.bin", internet::kGenericRead));
+    return AttemptOutcome{.ok = file != nullptr};
+  };
+  WaitAtServerFor("RETR");
+  Storm();
+}
+
+TEST_F(CancelStorm, WhileConnectingHangs) {
+  const fixture::Blackhole blackhole(false);
+  LogInTo(blackhole);
+  script.attempt = [this](QXFtpThread& record) {
+    const Presence presence(running);
+    PrivateConnection connection(*record.pQXIP);
+    entered = true;
+    return AttemptOutcome{.ok = connection.Open()};
+  };
+  Storm();
+}
+
+TEST_F(CancelStorm, AtAnyMomentOfConnectingAndLoggingIn) {
+  script.attempt = [this](QXFtpThread& record) {
+    const Presence presence(running);
+    entered = true;
+    while (PrivateConnection(*record.pQXIP).Open()) {
+    }
+    return AttemptOutcome{};
+  };
+  Storm();
+}
+
+TEST_F(CancelStorm, InALongSleep) { Storm(); }
+
+TEST_F(CancelStorm, InANestedOperation) {
+  script.attempt = [this](QXFtpThread& record) {
+    const Presence presence(running);
+    entered = true;
+    const bool found = started % 2 == 0 ? record.pQXIP->FTPFileSize("/stuck", 3, 0, 0) != 0
+                                        : record.pQXIP->FTPDirExist("/stuck/below", 3, 0, 0) != 0;
+    return AttemptOutcome{.ok = found};
+  };
+  WaitAtServerFor("MLST");
+  Storm();
+}
+
+TEST_F(CancelStorm, WhileTheHeapIsBusy) {
+  script.attempt = [this](QXFtpThread&) {
+    const Presence presence(running);
+    entered = true;
+    for (std::size_t size = 1;; size = size * 7 % 10'007) {
+      try {
+        throw std::string(size, 'x');
+      } catch (const std::string& thrown) {
+        const std::vector<std::string> copies(3, thrown);
+      }
+      platform::throwIfStopped();
+    }
+    return AttemptOutcome{};
+  };
+  Storm();
+}
+
+}  // namespace
+}  // namespace storm

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+// FTPKeepAlive on a real connection: it stays while that is up and returns soon after it is not.
+#include <thread>
+
+#include "tests/storm/RunnerTest.h"
+#include "tests/support/Fixture.h"
+
+namespace storm {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr auto kSoon = 2s;
+
+class KeepAlive : public RunnerTest {
+ protected:
+  void SetUp() override { Connect(); }
+
+  void Connect() {
+    ASSERT_TRUE(client->FTPConnect(server.host().c_str(), "u", "p", server.port(), 1, 0, nullptr))
+        << error.szText;
+  }
+
+  // Returns with the call; `happening` runs in a message that the call dispatches.
+  void KeepAliveUntil(Mailbox::Work happening) {
+    TQXIP* const object = client.get();
+    bool inside = true;
+    mailbox.post([&, happening = std::move(happening)] {
+      EXPECT_TRUE(inside);
+      happening();
+      happenedAt = Clock::now();
+    });
+    object->FTPKeepAlive();
+    returnedAt = Clock::now();
+    inside = false;
+    EXPECT_NE(happenedAt, Clock::time_point{}) << "returned too early";
+    EXPECT_LE(returnedAt - happenedAt, kSoon);
+  }
+
+  fixture::ScriptedFtp server;
+  Clock::time_point happenedAt;
+  Clock::time_point returnedAt;
+};
+
+TEST_F(KeepAlive, ReturnsAfterTheServerHasClosed) {
+  KeepAliveUntil([this] { server.disconnect(); });
+  EXPECT_EQ(client->m_bConnected, 0);
+}
+
+TEST_F(KeepAlive, ReturnsAfterTheServerHasSaidGoodbye) {
+  KeepAliveUntil([this] { server.disconnect("421 Idle for too long"); });
+}
+
+TEST_F(KeepAlive, ReturnsAfterTheServerHasResetTheConnection) {
+  KeepAliveUntil([this] { server.disconnect("", "reset"); });
+}
+
+// Without a record the notifications do not reach the client.
+TEST_F(KeepAlive, ReturnsAfterTheServerHasClosedThoughThereIsNoErrorRecord) {
+  client = makeClient(script, nullptr);
+  Connect();
+  KeepAliveUntil([this] { server.disconnect(); });
+  EXPECT_EQ(client->m_bConnected, 0);
+}
+
+TEST_F(KeepAlive, ReturnsWhenAMessageDisconnects) {
+  KeepAliveUntil([this] { EXPECT_TRUE(client->FTPDisconnect()); });
+}
+
+TEST_F(KeepAlive, ReturnsWhenAMessageFreesTheClient) {
+  KeepAliveUntil([this] { client.release()->Release(); });
+  server.waitUntilAllClosed();
+}
+
+TEST_F(KeepAlive, ReturnsWhenAnotherThreadFreesTheClient) {
+  std::thread other;
+  KeepAliveUntil([&] { other = std::thread([this] { client.release()->Release(); }); });
+  other.join();
+  server.waitUntilAllClosed();
+}
+
+TEST_F(KeepAlive, StaysForSeveralTurnsAndDispatchesMessagesMeanwhile) {
+  constexpr auto kTurns = 350ms;  // three of 100 ms, and more
+  const auto start = Clock::now();
+  int messages = 0;
+  Mailbox::Work again = [&] {
+    ++messages;
+    if (Clock::now() - start < kTurns) {
+      mailbox.post(again);
+    } else {
+      server.disconnect();
+    }
+  };
+  mailbox.post(again);
+  client->FTPKeepAlive();
+  EXPECT_GE(Clock::now() - start, kTurns);
+  EXPECT_GT(messages, 100);
+  EXPECT_EQ(server.connections().size(), 1u);
+}
+
+}  // namespace
+}  // namespace storm

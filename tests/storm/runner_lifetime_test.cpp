@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: MIT
+// What must hold when the host does something drastic in the middle of an operation: it frees the client, or
+// one of its handlers throws. Run with the sanitizers these tests also prove that nothing freed is used.
+#include <stdexcept>
+#include <thread>
+
+#include "Src/SharedFlag.h"
+#include "tests/storm/Build.h"
+#include "tests/storm/Count.h"
+#include "tests/storm/RunnerTest.h"
+
+namespace storm {
+namespace {
+
+using Lifetime = RunnerTest;
+
+struct HandlerFailed : std::runtime_error {
+  HandlerFailed() : std::runtime_error("the host's handler failed") {}
+};
+
+[[noreturn]] void fail() { throw HandlerFailed(); }
+
+TEST_F(Lifetime, AThrowingMessageHandlerLeavesNoWorkerBehind) {
+  mailbox.post(&fail);
+  EXPECT_THROW(client->Run(), HandlerFailed);
+  EXPECT_EQ(running, 0);
+  script.attempt = [](QXFtpThread&) { return AttemptOutcome{.ok = true}; };
+  EXPECT_TRUE(client->Run()) << "the client is usable afterwards";
+}
+
+TEST_F(Lifetime, AThrowingPollLeavesNoWorkerBehind) {
+  script.onPoll = [this](QXBool&) -> bool {
+    if (entered) fail();
+    return false;
+  };
+  EXPECT_THROW(client->Run(), HandlerFailed);
+  EXPECT_EQ(running, 0);
+}
+
+TEST_F(Lifetime, AHookThatThrowsInTheWorkerFailsTheOperation) {
+  script.attempt = [this](QXFtpThread& record) {
+    const Presence presence(running);
+    record.pQXIP->OnIPError(12002, "text", record.pRetries);
+    return AttemptOutcome{.ok = true};
+  };
+  script.onIPError = [](std::uint32_t, std::uint32_t*) { fail(); };
+  EXPECT_FALSE(client->Run(3));
+  EXPECT_EQ(running, 0);
+}
+
+TEST_F(Lifetime, AHandlerThatThrowsWhileACancelledWorkerUnwindsDoesNoHarm) {
+  Count handled;
+  script.attempt = [&](QXFtpThread&) {
+    const Presence presence(running);
+    entered = true;
+    while (!platform::stopRequested()) platform::yieldProcessor();
+    mailbox.post([&] {
+      handled.add();
+      fail();
+    });
+    handled.waitFor(1);
+    return AttemptOutcome{};
+  };
+  script.onPoll = [this](QXBool&) { return CancelOnceEntered(); };
+  EXPECT_FALSE(client->Run());
+  EXPECT_EQ(handled.value(), 1);
+  EXPECT_EQ(running, 0);
+}
+
+TEST_F(Lifetime, MessagesFlowWhileACancelledWorkerUnwinds) {
+  Count handled;
+  script.attempt = [&](QXFtpThread&) {
+    const Presence presence(running);
+    entered = true;
+    while (!platform::stopRequested()) platform::yieldProcessor();
+    mailbox.post([&] { handled.add(); });
+    handled.waitFor(1);
+    return AttemptOutcome{};
+  };
+  script.onPoll = [this](QXBool&) { return CancelOnceEntered(); };
+  EXPECT_FALSE(client->Run());
+  EXPECT_EQ(handled.value(), 1);
+}
+
+TEST_F(Lifetime, TheClientMayBeFreedByAMessage) {
+  mailbox.post([this] { client.release()->Release(); });
+  EXPECT_FALSE(client->Run(3));
+  EXPECT_EQ(running, 0);
+}
+
+TEST_F(Lifetime, TheClientMayBeFreedByOnPoll) {
+  script.onPoll = [this](QXBool&) {
+    if (entered && client) client.release()->Release();
+    return false;
+  };
+  EXPECT_FALSE(client->Run());
+}
+
+TEST_F(Lifetime, TheClientMayBeFreedByAMessageWhileACancelledWorkerUnwinds) {
+  std::atomic<bool> freed{false};
+  script.attempt = [&](QXFtpThread&) {
+    const Presence presence(running);
+    entered = true;
+    while (!platform::stopRequested()) platform::yieldProcessor();
+    mailbox.post([&] {
+      client.release()->Release();
+      freed = true;
+    });
+    platform::stoppableSleep(std::chrono::hours(1));
+    return AttemptOutcome{};
+  };
+  script.onPoll = [this](QXBool&) { return CancelOnceEntered(); };
+  EXPECT_FALSE(client->Run());
+  if (!freed) dispatchAll();
+  EXPECT_TRUE(freed);
+}
+
+TEST_F(Lifetime, TheClientMayBeFreedByAMessageOfANestedOperation) {
+  Script innerScript{.attempt = [this](QXFtpThread&) { return Hang(); }};
+  Client inner = makeClient(innerScript, nullptr);
+  mailbox.post([&] {
+    mailbox.post([this] { client.release()->Release(); });
+    innerScript.onPoll = [this](QXBool&) { return client == nullptr; };
+    EXPECT_FALSE(inner->Run()) << "cancelled once the outer client is gone";
+  });
+  EXPECT_FALSE(client->Run());
+}
+
+// The keep-alive worker needs no server: without a connection it sleeps its turns away.
+class KeepAliveLifetime : public RunnerTest {
+ protected:
+  void SetUp() override { SetFlag(client->m_bConnected, true); }
+};
+
+TEST_F(KeepAliveLifetime, TheClientMayBeFreedByAMessage) {
+  mailbox.post([this] { client.release()->Release(); });
+  client->FTPKeepAlive();
+}
+
+TEST_F(KeepAliveLifetime, TheClientMayBeFreedByAnotherThreadAtAnyMoment) {
+  for (int round = 0; round < kRounds; ++round) {
+    client = makeClient(script, &error);
+    SetFlag(client->m_bConnected, true);
+    Count inside;
+    mailbox.post([&] { inside.add(); });
+    std::thread other([&] {
+      inside.waitFor(1);
+      for (int turn = 0; turn < round % 64 * 8; ++turn) platform::yieldProcessor();
+      client.release()->Release();
+    });
+    TQXIP* const object = client.get();
+    object->FTPKeepAlive();
+    other.join();
+  }
+}
+
+TEST_F(KeepAliveLifetime, ReturnsWhenAMessageDisconnects) {
+  mailbox.post([this] { EXPECT_TRUE(client->FTPDisconnect()); });
+  client->FTPKeepAlive();
+  EXPECT_EQ(client->m_bConnected, 0);
+}
+
+TEST_F(KeepAliveLifetime, ReturnsAtOnceOnAClientThatIsNotInitialised) {
+  SetFlag(client->m_bInitialized, false);
+  bool dispatched = false;
+  mailbox.post([&] { dispatched = true; });
+  client->FTPKeepAlive();
+  EXPECT_FALSE(dispatched);
+  dispatchAll();
+  SetFlag(client->m_bInitialized, true);
+}
+
+TEST_F(KeepAliveLifetime, ReturnsAtOnceWithoutAConnection) {
+  SetFlag(client->m_bConnected, false);
+  client->FTPKeepAlive();
+}
+
+}  // namespace
+}  // namespace storm
