@@ -23,7 +23,7 @@ using testing_support::ProcessCounters;
 using testing_support::processCounters;
 
 constexpr int kWarmUps = 100;  // until the run time's own pools are filled
-constexpr std::uint64_t kMemorySlack = 4 << 20;
+constexpr std::uint64_t kMemorySlack = std::uint64_t{QX_MEMORY_SLACK_MIB} << 20;
 
 void tellStarted(void* started) {
   auto* flag = static_cast<std::atomic<bool>*>(started);

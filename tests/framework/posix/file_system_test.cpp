@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-// What files add on POSIX: drive prefixes, modes, descriptors, full disks, very large writes.
+// What files add on POSIX: drive prefixes, modes, descriptors and full disks.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -105,17 +104,6 @@ TEST_F(PosixFiles, AFullDiskFailsTheWrite) {
   EXPECT_FALSE(file.write("x", 1));
   EXPECT_EQ(lastError(), platform::kErrorDiskFull);
   EXPECT_TRUE(file.close());
-}
-
-// One call of the system takes less than 2 GiB, so this takes several.
-TEST_F(PosixFiles, WritesOfMoreThan4GiBAreComplete) {
-  constexpr std::size_t kSize = std::size_t{5} << 30;
-  void* const data = ::mmap(nullptr, kSize, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  ASSERT_NE(data, MAP_FAILED);
-  File file;
-  ASSERT_TRUE(file.open("/dev/null", FileAccess::write, FileCreation::openExisting));
-  EXPECT_TRUE(file.write(data, kSize));
-  ::munmap(data, kSize);
 }
 
 TEST_F(PosixFiles, AFailedCloseIsToldOnce) {

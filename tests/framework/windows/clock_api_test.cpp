@@ -8,7 +8,7 @@
 namespace {
 
 TEST(FileTimeOf, AgreesWithTheSystem) {
-  constexpr std::int64_t kStep = 86'400ll * 1'234 + 56'789;
+  constexpr std::int64_t kStep = 86'400ll * 12'340 + 56'789;
   constexpr std::int64_t kFirst = -11'644'473'600;
   constexpr std::int64_t kLast = 910'670'000'000;
   int count = 0;
@@ -22,7 +22,7 @@ TEST(FileTimeOf, AgreesWithTheSystem) {
               (static_cast<std::uint64_t>(expected.dwHighDateTime) << 32) | expected.dwLowDateTime)
         << seconds;
   }
-  EXPECT_GT(count, 8000);
+  EXPECT_GT(count, 800);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What files add on Windows: attributes, very large writes.
+// What files add on Windows: attributes.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -33,17 +33,6 @@ TEST(WindowsFiles, HaveTheReadOnlyAttribute) {
   EXPECT_NE(readOnlyBit(path), 0u);
   EXPECT_TRUE(platform::setFileAttributes(path.c_str(), platform::kFileAttributeNormal));
   EXPECT_TRUE(platform::deleteFile(path.c_str()));
-}
-
-// One call of the system has a 32-bit size.
-TEST(WindowsFiles, WritesOfMoreThan4GiBAreComplete) {
-  constexpr std::size_t kSize = (std::size_t{4} << 30) + 4096;
-  void* const data = ::VirtualAlloc(nullptr, kSize, MEM_RESERVE | MEM_COMMIT, PAGE_READONLY);
-  ASSERT_NE(data, nullptr);
-  File file;
-  ASSERT_TRUE(file.open("NUL", FileAccess::write, FileCreation::openExisting));
-  EXPECT_TRUE(file.write(data, kSize));
-  ::VirtualFree(data, 0, MEM_RELEASE);
 }
 
 }  // namespace
