@@ -7,6 +7,15 @@
 
 namespace testing_support {
 
+RawSocket::RawSocket(RawSocket&& other) noexcept
+    : socket_(std::exchange(other.socket_, kNone)), received_(std::move(other.received_)) {}
+
+RawSocket& RawSocket::operator=(RawSocket&& other) noexcept {
+  std::swap(socket_, other.socket_);
+  std::swap(received_, other.received_);
+  return *this;
+}
+
 std::string RawSocket::readLine() {
   char buffer[65536];
   std::size_t searched = 0;

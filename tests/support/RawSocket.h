@@ -29,6 +29,7 @@ class RawSocket {
   // Bytes received, 0 at the end or after a reset.
   std::size_t receiveSome(char* buffer, std::size_t size);
 
+  static constexpr std::intptr_t kNone = -1;
   std::intptr_t socket_;
   std::string received_;
 };

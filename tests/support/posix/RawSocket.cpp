@@ -9,12 +9,9 @@
 #include <cerrno>
 #include <stdexcept>
 #include <system_error>
-#include <utility>
 
 namespace testing_support {
 namespace {
-
-constexpr std::intptr_t kNone = -1;
 
 [[noreturn]] void fail(const char* what) { throw std::system_error(errno, std::generic_category(), what); }
 
@@ -40,15 +37,6 @@ RawSocket::RawSocket(const std::string& host, std::uint16_t port) : socket_(kNon
 
 RawSocket::~RawSocket() {
   if (socket_ != kNone) close(static_cast<int>(socket_));
-}
-
-RawSocket::RawSocket(RawSocket&& other) noexcept
-    : socket_(std::exchange(other.socket_, kNone)), received_(std::move(other.received_)) {}
-
-RawSocket& RawSocket::operator=(RawSocket&& other) noexcept {
-  std::swap(socket_, other.socket_);
-  std::swap(received_, other.received_);
-  return *this;
 }
 
 void RawSocket::send(std::string_view data) {

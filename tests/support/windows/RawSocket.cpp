@@ -3,7 +3,6 @@
 #include "tests/support/RawSocket.h"
 
 #include <stdexcept>
-#include <utility>
 
 #include "framework/windows/windows_api.h"
 // After windows.h only.
@@ -11,8 +10,6 @@
 
 namespace testing_support {
 namespace {
-
-constexpr std::intptr_t kNone = -1;
 
 [[noreturn]] void fail(const char* what, int error) {
   throw std::runtime_error(std::string(what) + ": error " + std::to_string(error));
@@ -51,15 +48,6 @@ RawSocket::RawSocket(const std::string& host, std::uint16_t port) : socket_(kNon
 
 RawSocket::~RawSocket() {
   if (socket_ != kNone) closesocket(asSocket(socket_));
-}
-
-RawSocket::RawSocket(RawSocket&& other) noexcept
-    : socket_(std::exchange(other.socket_, kNone)), received_(std::move(other.received_)) {}
-
-RawSocket& RawSocket::operator=(RawSocket&& other) noexcept {
-  std::swap(socket_, other.socket_);
-  std::swap(received_, other.received_);
-  return *this;
 }
 
 void RawSocket::send(std::string_view data) {
