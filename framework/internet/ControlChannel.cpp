@@ -47,7 +47,7 @@ void ControlChannel::send(std::string_view line) {
   settle();
   notify(kStatusSendingRequest);
   requireOpen();
-  std::string bytes = std::exchange(queued_, {});
+  std::string bytes = takeQueued();
   bytes.append(line).append("\r\n");
   awaiting_ = true;
   transmit(bytes);
@@ -55,8 +55,15 @@ void ControlChannel::send(std::string_view line) {
 }
 
 void ControlChannel::queue(std::string_view line, ReplyHandler handler) {
-  ahead_.push_back(std::move(handler));
+  queuedAhead_.push_back(std::move(handler));
   queued_.append(line).append("\r\n");
+}
+
+// The queued lines, about to be sent: their replies are due from here on.
+std::string ControlChannel::takeQueued() {
+  for (ReplyHandler& handler : queuedAhead_) ahead_.push_back(std::move(handler));
+  queuedAhead_.clear();
+  return std::exchange(queued_, {});
 }
 
 void ControlChannel::sendAhead(std::string_view line, ReplyHandler handler) noexcept {
@@ -64,9 +71,9 @@ void ControlChannel::sendAhead(std::string_view line, ReplyHandler handler) noex
   if (awaiting_ || platform::stopRequested()) return drop();
   try {
     queue(line, std::move(handler));
-    const auto sent = sock_->send(queued_.data(), queued_.size());
-    if (sent.status != IoStatus::done || sent.bytes != queued_.size()) return drop();
-    queued_.clear();
+    const std::string bytes = takeQueued();
+    const auto sent = sock_->send(bytes.data(), bytes.size());
+    if (sent.status != IoStatus::done || sent.bytes != bytes.size()) return drop();
     settleFirst_ = true;
   } catch (...) {
     // Out of memory.
@@ -87,9 +94,7 @@ void ControlChannel::settle() {
       requireOpen();
     }
   }
-  if (ahead_.empty()) {
-    while (nextReply(Deadline(kAtOnce))) {
-    }
+  while (nextReply(Deadline(kAtOnce))) {
   }
   requireOpen();
 }
@@ -227,6 +232,7 @@ void ControlChannel::drop() noexcept {
   sock_.reset();
   reader_ = {};
   queued_.clear();
+  queuedAhead_.clear();
   ahead_.clear();
   aheadRefusal_.clear();
   settleFirst_ = false;

@@ -76,6 +76,7 @@ class ControlChannel {
  private:
   void requireOpen() const;
   void settle();
+  std::string takeQueued();
   void transmit(std::string_view bytes);
   std::optional<FtpReply> nextReply(const Deadline& deadline);
   std::optional<FtpReply> takeReply();
@@ -87,9 +88,10 @@ class ControlChannel {
   std::shared_ptr<SessionLink> session_;
   std::unique_ptr<Sock> sock_;
   FtpReplyReader reader_;
-  std::string queued_;              // whole lines
-  std::deque<ReplyHandler> ahead_;  // of the replies that come before the command's own
-  bool settleFirst_ = false;        // what was sent ahead must be answered before the next command
+  std::string queued_;                    // whole lines, not sent yet
+  std::deque<ReplyHandler> queuedAhead_;  // of the replies to these
+  std::deque<ReplyHandler> ahead_;        // of the replies that are due before the command's own
+  bool settleFirst_ = false;              // what was sent ahead must be answered before the next command
   std::string aheadRefusal_;
   bool awaiting_ = false;
   bool announced_ = false;  // 20 was reported, 50 and 51 not yet

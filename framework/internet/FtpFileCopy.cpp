@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "framework/internet/Failure.h"
 #include "framework/internet/FtpTransfer.h"
@@ -110,9 +109,9 @@ void downloadFile(FtpControl& control, const char* remote, const char* local, bo
   LocalTarget target(local, failIfExists, attributes);
   FtpTransfer transfer(control.shared_from_this(), FtpTransfer::Kind::download);
   begin(control, transfer, "RETR", remote);
-  std::vector<char> block(kTransferBuffer);
-  while (const std::size_t count = transfer.receive(block.data(), block.size())) {
-    if (target.write(block.data(), count)) continue;
+  const auto block = std::make_unique_for_overwrite<char[]>(kTransferBuffer);
+  while (const std::size_t count = transfer.receive(block.get(), kTransferBuffer)) {
+    if (target.write(block.get(), count)) continue;
     const std::uint32_t error = platform::lastError();
     transfer.abandon();
     fail(error);

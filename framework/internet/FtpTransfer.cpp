@@ -85,7 +85,7 @@ std::size_t FtpTransfer::read(void* buffer, std::size_t size) {
   while (filled < size) {
     if (bufferStart_ < bufferEnd_) {
       const std::size_t count = std::min(size - filled, bufferEnd_ - bufferStart_);
-      std::memcpy(out + filled, buffer_.data() + bufferStart_, count);
+      std::memcpy(out + filled, buffer_.get() + bufferStart_, count);
       bufferStart_ += count;
       filled += count;
     } else if (size - filled >= kTransferBuffer) {
@@ -93,9 +93,9 @@ std::size_t FtpTransfer::read(void* buffer, std::size_t size) {
       if (count == 0) break;
       filled += count;
     } else {
-      buffer_.resize(kTransferBuffer);
+      if (!buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(kTransferBuffer);
       bufferStart_ = bufferEnd_ = 0;
-      bufferEnd_ = receive(buffer_.data(), buffer_.size());
+      bufferEnd_ = receive(buffer_.get(), kTransferBuffer);
       if (bufferEnd_ == 0) break;
     }
   }
@@ -157,16 +157,16 @@ void FtpTransfer::sendFile(platform::File& file) {
 }
 
 void FtpTransfer::copyFile(platform::File& file) {
-  std::vector<char> block(kTransferBuffer);
+  const auto block = std::make_unique_for_overwrite<char[]>(kTransferBuffer);
   for (;;) {
-    const std::int64_t count = file.read(block.data(), block.size());
+    const std::int64_t count = file.read(block.get(), kTransferBuffer);
     if (count == 0) return;
     if (count < 0) {
       const std::uint32_t error = platform::lastError();
       abandon();
       fail(error);
     }
-    send(block.data(), static_cast<std::size_t>(count));
+    send(block.get(), static_cast<std::size_t>(count));
   }
 }
 
@@ -198,6 +198,8 @@ bool FtpTransfer::abandon() {
 
 void FtpTransfer::close() {
   control_->holdForFile(false);
+  // A stopped worker has not written all that it wanted: what is up there must not pass for the whole file.
+  platform::throwIfStopped();
   const bool failed = state_ == State::failed;
   if (failed || !movedInFull()) {
     const bool inStep = abandon();

@@ -8,7 +8,6 @@
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <vector>
 
 #include "framework/internet/FtpControl.h"
 #include "framework/internet/Sock.h"
@@ -78,7 +77,7 @@ class FtpTransfer {
   std::optional<std::uint64_t> announced_;
   std::uint64_t received_ = 0;
   // read()'s: received, not handed out yet.
-  std::vector<char> buffer_;
+  std::unique_ptr<char[]> buffer_;
   std::size_t bufferStart_ = 0;
   std::size_t bufferEnd_ = 0;
 };

@@ -315,6 +315,22 @@ TEST_F(FtpCancel, AWorkerStoppedBeforehandConnectsToNothing) {
   EXPECT_TRUE(server.connections().empty());
 }
 
+TEST_F(FtpCancel, AStoppedUploadIsNeverTakenForAWholeFile) {
+  for (int i = 0; i < 20; ++i) {
+    ScriptedFtp server;
+    latencyMs(
+        [&] {
+          Worker worker(server);
+          auto file = openToWrite(*worker.connection, "/up");
+          file->Write("half a file", 11);
+          platform::stoppableSleep(std::chrono::hours(1));
+        },
+        [&] { server.waitFor(R"({"data_bytes": 11})"); });
+    server.waitFor(R"({"data_closed": 1})");
+    EXPECT_NE(server.dataConnections().at(0).how, "complete");
+  }
+}
+
 TEST_F(FtpCancel, AHundredCancelsLeaveNothingBehind) {
   ScriptedFtp server = transferring("RETR", {{"stall_after", 1000}, {"gate", "rest"}});
   const auto cancelOnce = [&](int count) {

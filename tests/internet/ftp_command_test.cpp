@@ -178,6 +178,17 @@ TEST_F(FtpCommand, AReplyThatNobodyAskedForIsNotTakenForAnAnswer) {
   EXPECT_TRUE(works(*connection));
 }
 
+TEST_F(FtpCommand, AReplyThatNobodyAskedForIsNotTakenForAnAnswerToALineInWaiting) {
+  // OPTS waits for the next command while the server speaks unasked.
+  ScriptedFtp server(R"({"rules": [{"on": "FEAT", "do": ["normal", {"reply": "200 Unasked"}]}]})"_json);
+  auto connection = connect(server);
+  const auto& control = connection->Control();
+  control->request([&] { EXPECT_TRUE(control->traits().utf8); });
+  EXPECT_FALSE(connection->WaitIdle(std::chrono::milliseconds(20)));
+  EXPECT_TRUE(works(*connection));
+  EXPECT_EQ(errorOf([&] { return connection->Remove("/missing"); }), 12003u);
+}
+
 TEST_F(FtpCommand, WaitIdleReportsTheServersCloseOnce) {
   ScriptedFtp server;
   auto connection = connect(server);
