@@ -42,6 +42,7 @@ void throwIfStopped() {
 void stoppableSleep(std::chrono::milliseconds duration) {
   const StopToken* token = StopToken::current();
   if (token == nullptr) {
+    // allowed: sleep_for: this is the sleep itself, of a thread that nobody can stop
     std::this_thread::sleep_for(duration);
   } else if (token->wait(duration)) {
     throw OperationStopped{};

@@ -93,6 +93,7 @@ bool NativeThread::State::join(std::unique_lock<std::mutex>& lock,
     if (tries < 20) {
       sched_yield();
     } else {
+      // allowed: sleep_for: the thread is past its last instruction of ours, the system tells no event
       std::this_thread::sleep_for(std::chrono::microseconds(50));
     }
     lock.lock();

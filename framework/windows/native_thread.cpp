@@ -54,6 +54,7 @@ void NativeThread::setNormalPriority() noexcept {
   ::SetThreadPriority(state_->handle, THREAD_PRIORITY_NORMAL);
 }
 
+// allowed: TerminateThread: the last resort for a worker that does not react
 bool NativeThread::endByForce() noexcept { return ::TerminateThread(state_->handle, 0) != FALSE; }
 
 void yieldProcessor() noexcept { ::SwitchToThread(); }

@@ -220,6 +220,7 @@ Wake waitForSockets(std::span<SocketInterest> interests, std::chrono::millisecon
   const DWORD limitMs = static_cast<DWORD>(limit.count());
   DWORD woken = WAIT_TIMEOUT;
   if (count == 0) {
+    // allowed: Sleep: there is nothing to wait for but the time
     Sleep(limitMs);
   } else {
     woken = WaitForMultipleObjects(count, watched.data(), FALSE, limitMs);

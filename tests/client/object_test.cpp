@@ -2,6 +2,7 @@
 // The client object by itself: its fields as hosts see them, its reference count, its finders.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -90,7 +91,7 @@ TEST(ClientFields, StandWhereHostsReadThem) {
   TQXIP& client = *own.client;
   client.AddRef();
   client.FTPSetLogin("ftp://host", "user", "secret", 2121, 1);
-  std::strcpy(client.m_szMessage, "line");
+  std::snprintf(client.m_szMessage, sizeof client.m_szMessage, "line");
   client.m_Transfer = {1, 0x1122334455667788u, 0x99};
   client.m_bConnected = 1;
   EXPECT_EQ(at<std::uint32_t>(client, 8), 2u);

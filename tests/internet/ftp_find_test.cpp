@@ -312,7 +312,8 @@ TEST_F(FindCommands, TakeATimeThatCannotBeHadForUnknown) {
 TEST_F(FindCommands, ReturnToTheDirectoryAfterAFailedListing) {
   json script = scriptOf(kUnix);
   script["rules"] = R"([{"on": "LIST", "nth": 1, "do": [{"reply": "550 Permission denied"}]},
-                        {"on": "LIST", "nth": 2, "do": [{"normal": {"final": "226 Output truncated to 6 matches"}}]}])"_json;
+                        {"on": "LIST", "nth": 2,
+                         "do": [{"normal": {"final": "226 Output truncated to 6 matches"}}]}])"_json;
   const ScriptedFtp server(script);
   const auto connection = connect(server);
   CFtpFileFind finder(connection.get());

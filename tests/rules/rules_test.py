@@ -71,8 +71,9 @@ class Banned(unittest.TestCase):
             self.assertEqual(len(findings(banned, code)), 1, code)
 
     def test_other_uses_are_not(self):
-        for code in ("// strcpy(a, b)", 'print("strcpy(a, b)");', "my_strcpy(a, b);", "clock->Sleep(1);", "s.system(1);",
-                     "/* atoi(a)\n   atoi(b) */", "int strcpy = 1;", 'R"(atoi(a))";', "long big = 1'000; char c = '\"';"):
+        for code in ("// strcpy(a, b)", 'print("strcpy(a, b)");', "my_strcpy(a, b);", "clock->Sleep(1);",
+                     "s.system(1);", "/* atoi(a)\n   atoi(b) */", "int strcpy = 1;", 'R"(atoi(a))";',
+                     "long big = 1'000; char c = '\"';"):
             self.assertEqual(findings(banned, code), [], code)
 
     def test_code_behind_a_text_counts(self):

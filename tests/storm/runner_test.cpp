@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The runner and the worker's frame by themselves: how an operation with a worker is cancelled, run again and
 // repeated, and what it leaves in the object and in the error record.
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,9 @@ namespace {
 
 using Runner = RunnerTest;
 
-void setMessage(TQXIP& client, const char* text) { std::strcpy(client.m_szMessage, text); }
+void setMessage(TQXIP& client, const char* text) {
+  std::snprintf(client.m_szMessage, sizeof client.m_szMessage, "%s", text);
+}
 
 TEST_F(Runner, ReturnsWhatItsWorkerStores) {
   script.attempt = [](QXFtpThread&) { return AttemptOutcome{.ok = true}; };

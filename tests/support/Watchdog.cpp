@@ -85,7 +85,7 @@ class Watchdog {
 
 std::chrono::seconds usualLimit() {
   const char* given = std::getenv("QX_TEST_LIMIT");
-  return given == nullptr ? kUsualLimit : std::chrono::seconds(std::atoi(given));
+  return given == nullptr ? kUsualLimit : std::chrono::seconds(std::strtol(given, nullptr, 10));
 }
 
 class EachTest : public testing::EmptyTestEventListener {

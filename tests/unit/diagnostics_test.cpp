@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -38,7 +39,7 @@ QXErrorInfo filled() {
   record.bSet = 1;
   record.nCode = 7;
   record.nError = 8;
-  std::strcpy(record.szText, "first");
+  std::snprintf(record.szText, sizeof record.szText, "first");
   return record;
 }
 

@@ -88,7 +88,8 @@ def check_file(file):
             if place:
                 used.add(place)
             else:
-                findings.append(file.finding(number, f"{name}() {BANNED[name]} (if it must stay: // allowed: {name}: why)"))
+                advice = f"(if it must stay: // allowed: {name}: why)"
+                findings.append(file.finding(number, f"{name}() {BANNED[name]} {advice}"))
     findings += [file.finding(at, f"allows {permits[at]}, which is not called here") for at in permits.keys() - used]
     return findings
 

@@ -14,6 +14,7 @@ using testing_support::processCounters;
 // Hangs as a callback of the host might, looking at nothing and holding nothing.
 void hang(void* started) {
   ::SetEvent(started);
+  // allowed: Sleep: the worker that never reacts
   ::Sleep(INFINITE);
 }
 

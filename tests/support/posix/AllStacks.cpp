@@ -109,7 +109,9 @@ void printAllStacks() {
   alarm(kSecondsForAll);
   const auto self = static_cast<int>(syscall(SYS_gettid));
   for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task"))
-    if (const int thread = std::atoi(entry.path().filename().c_str()); thread != self) printThread(thread);
+    if (const auto thread = static_cast<int>(std::strtol(entry.path().filename().c_str(), nullptr, 10));
+        thread != self)
+      printThread(thread);
 }
 
 void endProcess(int exitCode) { _exit(exitCode); }

@@ -92,6 +92,7 @@ void printThread(DWORD id) {
 
 // Should even the printing hang.
 DWORD WINAPI endLater(void*) {
+  // allowed: Sleep: the time that printing may take
   Sleep(kMillisecondsForAll);
   endProcess(42);
 }
@@ -116,6 +117,7 @@ void printAllStacks() {
 
 void endProcess(int exitCode) {
   TerminateProcess(GetCurrentProcess(), static_cast<UINT>(exitCode));
+  // allowed: Sleep: the process ends under this thread
   for (;;) Sleep(INFINITE);
 }
 
