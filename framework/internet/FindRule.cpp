@@ -93,7 +93,7 @@ std::optional<Found> FindRule::byFacts(const Path& path) {
   if (reply.code >= 500) return Found();
   if (reply.refused()) control_.raise(reply);
   const MlsxRow row = factsOfReply(reply.text);
-  if (row.type == MlsxType::file) return onlyEntry(row.raw, path.name);
+  if (row.type == MlsxType::file) return byFileFacts(path, row);
   if (row.raw.isDirectory) return Found{list(path.whole, true), {}};
   return byKindUnknown(path, row);
 }
@@ -104,11 +104,16 @@ Found FindRule::byKindUnknown(const Path& path, const MlsxRow& row) {
   if (answer.reply.code != 450 && answer.reply.code < 500) {
     return Found{entriesOf(answer, Form::facts, path.whole, true), {}};
   }
+  return byFileFacts(path, row);
+}
+
+Found FindRule::byFileFacts(const Path& path, const MlsxRow& row) {
   RawRow file = row.raw;
-  // The facts are those of the link itself.
-  if (std::exchange(file.isLink, false)) {
+  // What is no directory is a file, whose size a link's facts do not tell.
+  if (std::exchange(file.isLink, false)) file.size = 0;
+  if (row.mayBeLink) {
     control_.useBinary();
-    file.size = parseSizeReply(control_.command("SIZE", path.whole)).value_or(0);
+    file.size = parseSizeReply(control_.command("SIZE", path.whole)).value_or(file.size);
   }
   return onlyEntry(file, path.name);
 }

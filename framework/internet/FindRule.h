@@ -16,6 +16,8 @@
 
 namespace internet {
 
+struct MlsxRow;
+
 struct Found {
   std::vector<FtpEntry> entries;  // in the server's order; empty when nothing is there
   std::string timePath;           // MDTM of this path tells the only entry's time; "" = the times are known
@@ -43,7 +45,8 @@ class FindRule {
 
   static Path split(std::string_view asked) noexcept;
   std::optional<Found> byFacts(const Path& path);
-  Found byKindUnknown(const Path& path, const struct MlsxRow& row);
+  Found byKindUnknown(const Path& path, const MlsxRow& row);
+  Found byFileFacts(const Path& path, const MlsxRow& row);
   Found byVisit(const Path& path);
   Found bySize(const Path& path);
   Found byParent(const Path& path);

@@ -52,6 +52,9 @@ enum class MlsxType { unknown, file, directory, itself, link, other };
 
 struct MlsxRow {
   MlsxType type = MlsxType::unknown;
+  // A link for sure, or a file with the rights that every link has: some servers say "file" of a link, but
+  // give its own size.
+  bool mayBeLink = false;
   RawRow raw;  // its name as the server sent it: a path in the answer to MLST
 };
 

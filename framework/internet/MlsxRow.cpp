@@ -15,6 +15,7 @@ struct Facts {
   std::int64_t modified = 0;
   std::optional<bool> readOnlyByMode;
   std::optional<bool> readOnlyByRights;
+  bool everyRight = false;
 };
 
 MlsxType typeOf(std::string_view value) noexcept {
@@ -45,6 +46,7 @@ void takeFact(std::string_view name, std::string_view value, Facts& facts) noexc
     facts.readOnlyByRights = value.find_first_of("aAwW") == std::string_view::npos;
   } else if (equalBlindToCase(name, "unix.mode")) {
     facts.readOnlyByMode = readOnlyByMode(value);
+    facts.everyRight = value.ends_with("777");
   }
 }
 
@@ -99,6 +101,7 @@ bool readMlsxRow(std::string_view line, MlsxRow& row) noexcept {
       line.starts_with(' ') ? readRowBehindBlank(line, facts, name) : readRow(line, facts, name);
   if (!read || name.empty()) return false;
   row.type = facts.type;
+  row.mayBeLink = facts.type == MlsxType::link || (facts.type == MlsxType::file && facts.everyRight);
   row.raw.isDirectory = facts.type == MlsxType::directory || facts.type == MlsxType::itself;
   row.raw.isLink = facts.type == MlsxType::link;
   row.raw.readOnly = isReadOnly(facts);

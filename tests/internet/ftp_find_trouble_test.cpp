@@ -314,6 +314,14 @@ TEST_F(MlstReply, IsReadInEveryDress) {
   EXPECT_EQ(namesFor("250 There it is"), file);
 }
 
+TEST_F(MlstReply, OfALinkThatIsCalledAFileHasTheWrongSize) {
+  const ScriptedFtp server(R"({"tree": {"/d/file": "12345"}, "rules": [{"on": "MLST", "do": [{"reply": [
+      "250-Listing", " type=file;size=8;UNIX.mode=0777; /d/link", "250 End"]}]}]})"_json);
+  const Search result = searchAt(server, "/d/file");
+  ASSERT_EQ(result.entries.size(), 1u);
+  EXPECT_EQ(result.entries[0].size, 5u);
+}
+
 TEST_F(MlstReply, MayRefuse) {
   EXPECT_EQ(namesFor("550 No such file"), Names{"error 18"});
   EXPECT_EQ(namesFor("553 Not that name"), Names{"error 18"});
