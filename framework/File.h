@@ -11,7 +11,8 @@ class CFileException {
  public:
   explicit CFileException(std::uint32_t osError) noexcept : m_lOsError(osError) {}
 
-  // The system's text for the error without line end, cut to fit and NUL-terminated. False (and "") when there is none.
+  // The system's text for the error without line end, cut to fit and NUL-terminated. False (and "") when
+  // there is none.
   bool GetErrorMessage(char* buffer, std::uint32_t size) const noexcept;
   void Delete() noexcept { delete this; }
 

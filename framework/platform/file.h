@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Contract: local files by narrow path. Failures set the thread's last error (platform/last_error.h).
+// Contract: local files by narrow path. Failures set the thread's last error (platform/last_error.h): 2 for a
+// missing file, 3 for a missing folder and for a null or empty path, 5 for a folder in place of a file.
 // On POSIX a drive prefix names the root ("Z:/home/me/f", any letter) and a backslash is a separator, so
 // names are built the same way on both builds.
 #pragma once
@@ -23,10 +24,11 @@ inline constexpr std::uint32_t kFileAttributeNormal = 0x80;
 class File {
  public:
   File() noexcept = default;
-  ~File();  // close()
+  ~File();  // close(), leaving the last error alone
   File(File&& other) noexcept;
   File& operator=(File&& other) noexcept;
 
+  // Closes a file that is open. Others may read and write meanwhile.
   // `attributes` are those of a file that gets created (kFileAttribute...; POSIX honours read-only).
   [[nodiscard]] bool open(const char* path, FileAccess access, FileCreation creation,
                           std::uint32_t attributes = kFileAttributeNormal) noexcept;

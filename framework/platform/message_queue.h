@@ -23,7 +23,7 @@ using WindowHandle = void*;
 void takeAndDispatchMessage();
 
 // Removes and dispatches one message of `window` (null = any of this thread) within the range (0, 0 = all).
-// False when there was none.
+// False when there was none. The sources of GLib have neither windows nor numbers: any of them will do there.
 bool dispatchOneMessage(WindowHandle window, std::uint32_t firstMessage, std::uint32_t lastMessage);
 
 }  // namespace platform

@@ -116,6 +116,16 @@ TEST_F(PosixFiles, AFailedCloseIsToldOnce) {
   EXPECT_TRUE(file.close());
 }
 
+TEST_F(PosixFiles, AFailedCloseAtTheirEndLeavesTheLastErrorAlone) {
+  {
+    File file;
+    ASSERT_TRUE(file.open(path.c_str(), FileAccess::write, FileCreation::createNew));
+    ::close(static_cast<int>(file.nativeHandle()));
+    platform::setLastError(77);
+  }
+  EXPECT_EQ(lastError(), 77u);
+}
+
 TEST_F(PosixFiles, AFileInTheWayIsAMissingPath) {
   create(FileCreation::createNew, platform::kFileAttributeNormal);
   File file;
