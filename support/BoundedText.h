@@ -44,12 +44,12 @@ class BoundedText {
 inline constexpr std::size_t kPathCapacity = 256;
 using PathText = BoundedText<kPathCapacity>;
 
-// Copies `text` into a fixed field. A text that does not fit leaves the field empty (false).
+// Copies `text`, which may stand in the field itself, into a fixed field. A text that does not fit leaves the
+// field empty (false).
 template <std::size_t Capacity>
 [[nodiscard]] bool StoreText(char (&field)[Capacity], const char* text) noexcept {
-  field[0] = '\0';
   const std::size_t length = std::strlen(text);
-  if (length >= Capacity) return false;
-  std::memcpy(field, text, length + 1);
-  return true;
+  const bool fits = length < Capacity;
+  std::memmove(field, fits ? text : "", fits ? length + 1 : 1);
+  return fits;
 }

@@ -71,6 +71,14 @@ TEST(StoreText, LeavesTheFieldEmptyWhenTheTextDoesNotFit) {
   EXPECT_STREQ(field, "");
 }
 
+TEST(StoreText, TakesATextThatStandsInTheFieldItself) {
+  char field[9] = "ftp:host";
+  EXPECT_TRUE(StoreText(field, field));
+  EXPECT_STREQ(field, "ftp:host");
+  EXPECT_TRUE(StoreText(field, field + 4));
+  EXPECT_STREQ(field, "host");
+}
+
 TEST(StoreText, StoresTheEmptyText) {
   char field[5] = "old";
   EXPECT_TRUE(StoreText(field, ""));
