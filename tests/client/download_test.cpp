@@ -63,6 +63,9 @@ TEST_F(Download, NeverUsesTheConnectionOfFTPConnect) {
   EXPECT_EQ(download(), 1);
   EXPECT_EQ(server.connections().size(), 2u);
   EXPECT_EQ(server.dataConnections().at(0).connection, 2);
+  EXPECT_NE(client.m_pFtpConnection, nullptr);
+  EXPECT_EQ(client.m_bConnected,
+            0);  // any session's notifications move the flag, and the last one was a close
 }
 
 TEST_F(Download, TheEntryLineNamesBothPaths) {

@@ -60,6 +60,14 @@ TEST_F(Login, ANullHostKeepsTheStoredOne) {
   EXPECT_STREQ(client.m_UserName, "second");
 }
 
+TEST_F(Login, TheObjectsOwnFieldsMayBeGivenAgain) {
+  client.FTPSetLogin("host", "user", "secret", 2121, 1);
+  EXPECT_EQ(client.FTPSetLogin(client.m_RemoteSystem, client.m_UserName, client.m_Password, 22, 0), 1);
+  EXPECT_STREQ(client.m_RemoteSystem, "host");
+  EXPECT_STREQ(client.m_UserName, "user");
+  EXPECT_STREQ(client.m_Password, "secret");
+}
+
 TEST_F(Login, EmptyTextsReplaceWhatIsStored) {
   client.FTPSetLogin("host", "user", "secret", 21, 0);
   EXPECT_EQ(client.FTPSetLogin("", "", "", 21, 0), 1);

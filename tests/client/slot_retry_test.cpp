@@ -151,7 +151,7 @@ TEST(OwnSlot, ManyRetriesOfTheCallersThreadDoNotGrowTheStack) {
 
 TEST(OwnSlot, ManyRetriesOfAWorkerDoNotGrowTheStack) {
   TQXIP* client = new TQXIP(nullptr);
-  EXPECT_EQ(client->FTPDirExist(nullptr, kManyRetries, 0, 0), 0);
+  EXPECT_EQ(client->FTPDirExist("/\x01", kManyRetries, 0, 0), 0);
   client->Release();
 }
 
