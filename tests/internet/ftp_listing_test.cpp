@@ -48,7 +48,7 @@ void expectEntry(const FtpEntry& entry, const Row& row) {
 
 class ListRow : public testing::TestWithParam<Row> {};
 
-TEST_P(ListRow, isRead) {
+TEST_P(ListRow, IsRead) {
   FtpEntry entry;
   ASSERT_TRUE(parseListLine(GetParam().line, kNow, entry));
   expectEntry(entry, GetParam());
@@ -175,7 +175,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 class NoListRow : public testing::TestWithParam<std::string_view> {};
 
-TEST_P(NoListRow, isNoEntry) {
+TEST_P(NoListRow, IsNoEntry) {
   FtpEntry entry;
   EXPECT_FALSE(parseListLine(GetParam(), kNow, entry));
 }
@@ -220,7 +220,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 class MlsxLine : public testing::TestWithParam<Row> {};
 
-TEST_P(MlsxLine, isRead) {
+TEST_P(MlsxLine, IsRead) {
   FtpEntry entry;
   ASSERT_TRUE(parseMlsxLine(GetParam().line, entry));
   expectEntry(entry, GetParam());
@@ -267,7 +267,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 class NoMlsxLine : public testing::TestWithParam<std::string_view> {};
 
-TEST_P(NoMlsxLine, isNoEntry) {
+TEST_P(NoMlsxLine, IsNoEntry) {
   FtpEntry entry;
   EXPECT_FALSE(parseMlsxLine(GetParam(), entry));
 }
@@ -280,7 +280,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, NoMlsxLine,
                                          "file; n", "=file; n", "type=file;rubbish; n", "total 88",
                                          "-rw-r--r-- 1 r r 7 Jan 12 10:05 n"));
 
-TEST(Listing, tellsEntriesFromHeadersErrorsAndRubbish) {
+TEST(Listing, TellsEntriesFromHeadersErrorsAndRubbish) {
   const FtpListing listing = parseList(
       "total 88\r\n"
       "\r\n"
@@ -304,7 +304,7 @@ TEST(Listing, tellsEntriesFromHeadersErrorsAndRubbish) {
   EXPECT_FALSE(listing.overLimit);
 }
 
-TEST(Listing, knowsErrorTexts) {
+TEST(Listing, KnowsErrorTexts) {
   for (const std::string text :
        {"ls: /x: No such file or directory", "/x: No such file or directory",
         "/bin/ls: cannot access '/x': denied", "ls: cannot open directory '.': Permission denied",
@@ -324,7 +324,7 @@ std::vector<std::string> namesOf(const FtpListing& listing) {
 
 using Names = std::vector<std::string>;
 
-TEST(Listing, takesEveryLineEnd) {
+TEST(Listing, TakesEveryLineEnd) {
   EXPECT_EQ(namesOf(parseMlsd("type=file; a\r\ntype=file; b\r\n")), (Names{"a", "b"}));
   EXPECT_EQ(namesOf(parseMlsd("type=file; a\ntype=file; b\n")), (Names{"a", "b"}));
   EXPECT_EQ(namesOf(parseMlsd("type=file; a\rtype=file; b\r")), (Names{"a", "b"}));
@@ -333,13 +333,13 @@ TEST(Listing, takesEveryLineEnd) {
   EXPECT_TRUE(parseMlsd("").entries.empty());
 }
 
-TEST(Listing, carriageReturnInANameForgesNoRow) {
+TEST(Listing, CarriageReturnInANameForgesNoRow) {
   const FtpListing listing = parseMlsd("type=file; a\rtype=dir; forged\r\ntype=file; b\r\n");
   EXPECT_EQ(namesOf(listing), (Names{"b"}));
   EXPECT_EQ(listing.unparsedLines, 1u);
 }
 
-TEST(Listing, seesACutLastRow) {
+TEST(Listing, SeesACutLastRow) {
   EXPECT_FALSE(parseMlsd("").cutInLine);
   EXPECT_FALSE(parseMlsd("type=file; a\r\n").cutInLine);
   const FtpListing readable = parseMlsd("type=file; a\r\ntype=file; b");
@@ -352,7 +352,7 @@ TEST(Listing, seesACutLastRow) {
   EXPECT_EQ(namesOf(broken), (Names{"a"}));
 }
 
-TEST(Listing, stopsAtTheLimitOfEntries) {
+TEST(Listing, StopsAtTheLimitOfEntries) {
   std::string text;
   for (int i = 0; i < 6; ++i) text += "type=file; same\r\n";
   EXPECT_FALSE(parseMlsd(text, {.maxEntries = 6}).overLimit);
@@ -361,14 +361,14 @@ TEST(Listing, stopsAtTheLimitOfEntries) {
   EXPECT_EQ(listing.entries.size(), 5u);
 }
 
-TEST(Listing, canBeLeftBetweenRows) {
+TEST(Listing, CanBeLeftBetweenRows) {
   std::string text;
   for (int i = 0; i < 10'000; ++i) text += "rubbish\n";
   const ListingRules rules{.betweenRows = [] { throw std::runtime_error("stop"); }};
   EXPECT_THROW(static_cast<void>(parseList(text, kNow, rules)), std::runtime_error);
 }
 
-TEST(Listing, takesTheBaseNameOfTheListedDirectoryOnly) {
+TEST(Listing, TakesTheBaseNameOfTheListedDirectoryOnly) {
   const std::string text =
       "type=file; /pub/a\ntype=file; /pub/sub/b\ntype=file; /c\ntype=file; pub/d\ntype=file; ./e\n";
   EXPECT_EQ(namesOf(parseMlsd(text, {.directory = "/pub"})), (Names{"a", "e"}));
@@ -381,13 +381,13 @@ TEST(Listing, takesTheBaseNameOfTheListedDirectoryOnly) {
             (Names{"n"}));
 }
 
-TEST(Listing, refusesNamesThatNoCommandCanCarry) {
+TEST(Listing, RefusesNamesThatNoCommandCanCarry) {
   const std::string longest(kMaxArgument - 1, 'n');
   EXPECT_EQ(namesOf(parseMlsd("type=file; " + longest + "\n")), (Names{longest}));
   EXPECT_EQ(parseMlsd("type=file; " + longest + "n\n").unparsedLines, 1u);
 }
 
-TEST(Listing, readsManyEntries) {
+TEST(Listing, ReadsManyEntries) {
   for (const std::size_t count : {std::size_t{600}, std::size_t{100'000}}) {
     std::string text;
     for (std::size_t i = 0; i < count; ++i) {
@@ -402,7 +402,7 @@ TEST(Listing, readsManyEntries) {
 }
 
 // Rows of a megabyte, each of which a reader that goes back over its text would never finish.
-TEST(Listing, readsLongRowsInLinearTime) {
+TEST(Listing, ReadsLongRowsInLinearTime) {
   const std::string blanks(1 << 20, ' ');
   const std::string digits(1 << 20, '1');
   std::string fields;
@@ -414,7 +414,7 @@ TEST(Listing, readsLongRowsInLinearTime) {
   }
 }
 
-TEST(MdtmTime, isReadInUtc) {
+TEST(MdtmTime, IsReadInUtc) {
   EXPECT_EQ(parseMdtmTime("20240112100500"), kJanuary);
   EXPECT_EQ(parseMdtmTime("20240112100500.123"), kJanuary);
   EXPECT_EQ(parseMdtmTime("20240112100500."), kJanuary);
@@ -424,7 +424,7 @@ TEST(MdtmTime, isReadInUtc) {
   EXPECT_EQ(parseMdtmTime("99991231235959"), utc(9999, 12, 31, 23, 59, 59));
 }
 
-TEST(MdtmTime, isZeroWhenItIsNone) {
+TEST(MdtmTime, IsZeroWhenItIsNone) {
   for (const std::string_view text :
        {"", "2024", "2024011210050", "202401121005000", "20240112100500x", "20240112100500.x",
         "20241312100500", "20240132100500", "20240112240500", "20240112106000", "20240112100561",

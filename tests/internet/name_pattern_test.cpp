@@ -22,7 +22,7 @@ void PrintTo(const Case& value, std::ostream* out) {
 
 class NamePattern : public testing::TestWithParam<Case> {};
 
-TEST_P(NamePattern, followsTheWindowsRules) {
+TEST_P(NamePattern, FollowsTheWindowsRules) {
   EXPECT_EQ(matchesPattern(GetParam().pattern, GetParam().name), GetParam().matches);
 }
 
@@ -83,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(RealWildcards, NamePattern,
                          testing::Values(Case{"a*b", "a*b"}, Case{"a?.txt", "a?.txt"}, Case{"?", "?"},
                                          Case{"*", "*"}, Case{"a?b?", "A?B?"}, Case{"what?.*", "what?.txt"}));
 
-TEST(NamePatternTime, growsNoFasterThanPatternTimesName) {
+TEST(NamePatternTime, GrowsNoFasterThanPatternTimesName) {
   std::string pattern;
   for (int i = 0; i < 300; ++i) pattern += "*a";
   const std::string name(4000, 'a');
