@@ -4,9 +4,11 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -25,11 +27,27 @@ using testing_support::processCounters;
 constexpr int kWarmUps = 100;  // until the run time's own pools are filled
 constexpr std::uint64_t kMemorySlack = std::uint64_t{QX_MEMORY_SLACK_MIB} << 20;
 
-void tellStarted(void* started) {
-  auto* flag = static_cast<std::atomic<bool>*>(started);
-  *flag = true;
-  flag->notify_one();
-}
+// Waited for asleep: a caller that spins would keep a busy worker from its turn. No std::atomic::wait: where
+// it is no system call of its own, it was seen to miss the notice.
+class Start {
+ public:
+  void tell() {
+    const std::lock_guard lock(mutex_);
+    told_ = true;
+    changed_.notify_one();
+  }
+  void await() {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return told_; });
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  bool told_ = false;
+};
+
+void tellStarted(void* started) { static_cast<Start*>(started)->tell(); }
 
 void sleeping(void* started) {
   tellStarted(started);
@@ -54,10 +72,10 @@ void allocating(void* started) {
 
 // One cycle; every second one kills the thread before it is known to run.
 microseconds cycle(WorkerThread::Entry entry, bool awaitStart) {
-  std::atomic<bool> started{false};
+  Start started;
   WorkerThread thread;
   EXPECT_TRUE(thread.start(entry, &started));
-  if (awaitStart) started.wait(false);  // asleep: a busy worker would keep a caller that spins from its turn
+  if (awaitStart) started.await();
   const auto start = steady_clock::now();
   EXPECT_TRUE(thread.kill(std::chrono::minutes(1)));
   const auto took = std::chrono::duration_cast<microseconds>(steady_clock::now() - start);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Sessions, connections and lookups: who may end when, and what callbacks may do.
 #include <atomic>
+#include <condition_variable>
+#include <mutex>
 #include <nlohmann/json.hpp>
 #include <thread>
 
@@ -165,14 +167,27 @@ TEST(NameLookup, AsksTheSystem) {
   EXPECT_TRUE(text == "127.0.0.1" || text == "::1") << text;
 }
 
+// The end of a lookup that nobody waits for any more.
+struct SlowLookup {
+  std::mutex mutex;
+  std::condition_variable changed;
+  bool release = false;
+  bool ended = false;
+};
+
+SlowLookup& slowLookup() {
+  static SlowLookup instance;
+  return instance;
+}
+
 TEST(NameLookup, GivesUpAfterItsTime) {
-  static std::atomic<bool> release{false};
-  static std::atomic<int> running{0};
+  SlowLookup& slow = slowLookup();
+  slow.release = slow.ended = false;
   internet::setResolverForTesting([](const std::string&, std::uint16_t) {
-    ++running;
-    release.wait(false);
-    --running;
-    running.notify_all();
+    std::unique_lock lock(slowLookup().mutex);
+    slowLookup().changed.wait(lock, [] { return slowLookup().release; });
+    slowLookup().ended = true;
+    slowLookup().changed.notify_all();
     return std::vector<platform::SocketAddress>(1);
   });
   std::uint32_t error = 0;
@@ -182,9 +197,10 @@ TEST(NameLookup, GivesUpAfterItsTime) {
     error = failure.error;
   }
   EXPECT_EQ(error, internet::kTimeout);
-  release = true;
-  release.notify_all();
-  for (int left = running; left != 0; left = running) running.wait(left);
+  std::unique_lock lock(slow.mutex);
+  slow.release = true;
+  slow.changed.notify_all();
+  slow.changed.wait(lock, [&] { return slow.ended; });
   internet::setResolverForTesting(nullptr);
 }
 

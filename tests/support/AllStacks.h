@@ -14,6 +14,11 @@ void printAllStacks();
 // Ends the process at once, without destructors.
 [[noreturn]] void endProcess(int exitCode);
 
+// The end of main. On Windows the process ends here: under Wine the ordinary end, which unloads every library
+// while threads of the system may be at work, was seen to hang once in some hundred runs. On POSIX it
+// returns, for the leak check is part of the ordinary end.
+int leaveMain(int exitCode);
+
 // Nothing may wait for a person: no error boxes, no debugger; a crash prints what it can and ends the
 // process.
 void disableErrorBoxes();

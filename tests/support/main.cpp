@@ -7,13 +7,9 @@
 #include "tests/support/AllStacks.h"
 #include "tests/support/Watchdog.h"
 
-int main(int argc, char** argv) {
-  testing_support::disableErrorBoxes();
-  testing::InitGoogleTest(&argc, argv);
-  testing_support::watchAllTests();
-  // On Windows GoogleTest starts a thread at its first trace or failure; now, it is in no test's count of
-  // threads.
-  { SCOPED_TRACE("first"); }
+namespace {
+
+int runAll() {
   const int result = RUN_ALL_TESTS();
   if (result != 0 || GTEST_FLAG_GET(list_tests)) return result;
 
@@ -23,4 +19,16 @@ int main(int argc, char** argv) {
   std::fprintf(stderr, "%d tests ran, %d of them were skipped\n", run.test_to_run_count(),
                run.skipped_test_count());
   return 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  testing_support::disableErrorBoxes();
+  testing::InitGoogleTest(&argc, argv);
+  testing_support::watchAllTests();
+  // On Windows GoogleTest starts a thread at its first trace or failure; now, it is in no test's count of
+  // threads.
+  { SCOPED_TRACE("first"); }
+  return testing_support::leaveMain(runAll());
 }

@@ -121,6 +121,12 @@ void endProcess(int exitCode) {
   for (;;) Sleep(INFINITE);
 }
 
+int leaveMain(int exitCode) {
+  std::fflush(nullptr);
+  endProcess(exitCode);
+  return exitCode;
+}
+
 void disableErrorBoxes() {
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
   _set_error_mode(_OUT_TO_STDERR);
