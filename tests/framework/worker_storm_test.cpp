@@ -2,7 +2,6 @@
 // Starting and killing over and over leaves no thread, no handle and no memory behind, and takes no time.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
