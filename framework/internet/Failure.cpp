@@ -7,6 +7,7 @@
 #include "framework/internet/InternetErrors.h"
 #include "framework/internet/InternetException.h"
 #include "framework/platform/last_error.h"
+#include "framework/platform/stop_token.h"
 
 namespace internet {
 
@@ -21,14 +22,19 @@ void fail(std::uint32_t error, std::string serverText) {
 std::optional<Failure> attempt(const std::function<void()>& work) {
   // Sockets leave their own numbers behind (Windows: would block), which mean nothing to the caller.
   const platform::LastErrorKeeper keeper;
+  std::optional<Failure> failure;
   try {
+    platform::throwIfStopped();
     work();
     return std::nullopt;
-  } catch (const Failure& failure) {
-    return failure;
+  } catch (const Failure& thrown) {
+    failure = thrown;
   } catch (const std::bad_alloc&) {
-    return Failure{platform::kErrorNotEnoughMemory, {}};
+    failure = Failure{platform::kErrorNotEnoughMemory, {}};
   }
+  // A stop that something on the way had to swallow (a Close) shows as a broken connection.
+  platform::throwIfStopped();
+  return failure;
 }
 
 bool answer(const std::function<void()>& work) {

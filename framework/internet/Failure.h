@@ -19,7 +19,8 @@ struct Failure {
 [[noreturn]] void fail(std::uint32_t error, std::string serverText = {});
 
 // Runs `work` and hands back its failure; std::bad_alloc counts as error 8. Keeps the thread's last error.
-// OperationStopped passes through, here and below.
+// OperationStopped passes through, here and below; on a thread that was asked to stop it takes a failure's
+// place.
 std::optional<Failure> attempt(const std::function<void()>& work);
 
 // Runs `work`; a failure becomes false with the thread's last error set as the last act.

@@ -188,12 +188,27 @@ FtpReply FtpTransfer::finish() {
 bool FtpTransfer::abandon() {
   breakData();
   state_ = State::failed;
-  if (awaitFinal(control_->timeouts().earlyClose)) {
-    notifyFinal();
-  } else {
-    control_->channel().drop();
-  }
+  if (!awaitAnyEnd()) control_->channel().drop();
   return control_->isOpen();
+}
+
+// The final reply, or what stands for it: pure-ftpd ends a broken transfer with a second 150. The answer to
+// NOOP tells that nothing else will come, because no transfer ends with its codes.
+bool FtpTransfer::awaitAnyEnd() {
+  ControlChannel& channel = control_->channel();
+  const Deadline deadline(control_->timeouts().earlyClose);
+  bool asked = false;
+  while (!final_) {
+    auto reply = channel.tryReply(deadline.left());
+    if (!reply) return false;
+    if (reply->preliminary()) {
+      if (!std::exchange(asked, true)) channel.send("NOOP");
+    } else if (!asked || reply->code == 200 || reply->unsupported()) {
+      final_ = std::move(reply);
+    }
+  }
+  notifyFinal();
+  return true;
 }
 
 void FtpTransfer::close() {

@@ -59,6 +59,7 @@ class FtpTransfer {
   void waitForData(bool write, std::optional<Deadline>& deadline);
   void watchControl();
   void notifyFinal();
+  bool awaitAnyEnd();
   bool awaitFinal(std::chrono::milliseconds limit);
   // The server has ended the transfer with a refusal.
   [[nodiscard]] bool refused() const noexcept { return final_ && final_->refused(); }

@@ -277,6 +277,20 @@ TEST_F(FtpCancel, InAnEarlyCloseOfADownload) {
   });
 }
 
+TEST_F(FtpCancel, AStopThatACloseHadToSwallowIsThrownByTheNextCall) {
+  ScriptedFtp server = transferring("RETR", {{"final", nullptr}});
+  latencyMs(
+      [&] {
+        Worker worker(server);
+        auto file = openToRead(*worker.connection, "/big");
+        EXPECT_FALSE(file->Close());
+        // As the operations go on after a Close; no failure of theirs may be seen any more.
+        static_cast<void>(worker.connection->Remove("/x"));
+        ADD_FAILURE() << "came back";
+      },
+      [&] { server.waitFor(R"({"data_closed": 1})"); });
+}
+
 TEST_F(FtpCancel, InWaitIdle) {
   ScriptedFtp server;
   expectPrompt("idle", [&] {

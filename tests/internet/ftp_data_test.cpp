@@ -170,7 +170,11 @@ TEST_F(FtpData, AServerWithoutBinaryTypeIsRefused) {
 TEST_F(FtpData, TakesATransferWhoseFirstReplyIsTheFinalOne) {
   ScriptedFtp server = serverWith({{{"on", "RETR"}, {"do", {{{"normal", {{"opening", nullptr}}}}}}}});
   auto connection = connect(server);
-  EXPECT_EQ(readFile(*connection), "content");
+  auto opened = openToRead(*connection, "/f");
+  EXPECT_EQ(readToEnd(*opened), "content");
+  session.takeStatuses();
+  EXPECT_TRUE(opened->Close());
+  EXPECT_EQ(session.takeStatuses(), std::vector<std::uint32_t>{}) << "told by OpenFile already";
   EXPECT_TRUE(works(*connection));
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Open remote files: what Read, Write and Close tell, and what servers do wrong in mid-transfer.
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "tests/internet/FtpTest.h"
 #include "tests/support/Pattern.h"
@@ -182,6 +183,19 @@ TEST_F(FtpTransferTest, AnEarlyCloseOfAReadKeepsTheConnection) {
   }
 }
 
+TEST_F(FtpTransferTest, AnEarlyCloseTakesASecondOpeningForTheEnd) {
+  // As pure-ftpd does it; and with the real final reply behind it after all.
+  for (const json& ending : {json("150 0.006 seconds"), json{"150 0.006 seconds", "426 Aborted"}}) {
+    ScriptedFtp server = serving({{"final", ending}});
+    auto connection = connect(server);
+    auto file = openToRead(*connection, "/big");
+    EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
+    EXPECT_EQ(server.commandCount("NOOP"), 1);
+    EXPECT_TRUE(works(*connection));
+    EXPECT_TRUE(connection->Remove("/big")) << "in step";
+  }
+}
+
 TEST_F(FtpTransferTest, AnEarlyCloseThatTheServerIgnoresEndsTheConnection) {
   session.SetTimeouts(shortTimeouts());
   ScriptedFtp server = serving({{"final", nullptr}});
@@ -202,6 +216,17 @@ TEST_F(FtpTransferTest, AReadOfExactlyTheSizeIsComplete) {
   EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
   EXPECT_TRUE(works(*connection));
   EXPECT_EQ(server.dataConnections().at(0).how, "complete");
+}
+
+TEST_F(FtpTransferTest, AReadOfExactlyTheSizeIsAFailureWhereTheServerSaysSo) {
+  ScriptedFtp server = serving({{"final", "451 Checksum error"}, {"final_gate", "late"}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  std::vector<char> buffer(kBigSize);
+  EXPECT_EQ(file->Read(buffer.data(), kBigSize), kBigSize);
+  server.release("late");
+  EXPECT_EQ(errorOf([&] { return file->Close(); }), 12003u);
+  EXPECT_EQ(connection->LastServerText(), "451 Checksum error");
 }
 
 TEST_F(FtpTransferTest, WithoutAFinalReplyReadTellsTheEndAndCloseTheFailure) {
@@ -279,19 +304,37 @@ TEST_F(FtpTransferTest, AStalledReadIs12002) {
   EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12030u);
 }
 
+TEST_F(FtpTransferTest, ARefusalThatFollowsTheEndOfTheDataIsWaitedForWhereTheSizeIsUnknown) {
+  ScriptedFtp server = serving({{"close_after", 1'000'000},
+                                {"opening", "150 Size unknown"},
+                                {"final_gate", "later"},
+                                {"final", "451 Read error"}});
+  internet::Timeouts patient;
+  patient.endOfData = std::chrono::seconds(30);
+  session.SetTimeouts(patient);
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  std::thread later([&] {
+    server.waitAtGate("later");
+    server.release("later");
+  });
+  EXPECT_EQ(thrownBy([&] { readPattern(*file); }).error, 12003u);
+  later.join();
+}
+
 TEST_F(FtpTransferTest, AStalledReadEndsAsSoonAsTheServerTellsWhy) {
   // The data connection stays open and silent; only the control connection tells that it is over.
-  ScriptedFtp server(
-      json{{"tree", {{"/big", {{"size", kBigSize}, {"seed", kSeed}}}}},
-           {"rules",
-            {{{"on", "RETR"},
-              {"do", {{{"reply", "150 Here"}}, {{"gate", "wait"}}, {{"reply", "451 Disk error"}}}}}}}});
-  auto connection = connect(server, true);
-  auto file = openToRead(*connection, "/big");
-  server.release("wait");
-  const Thrown thrown = thrownBy([&] { readPattern(*file); });
-  EXPECT_EQ(thrown.error, 12003u);
-  EXPECT_EQ(thrown.text, "451 Disk error");
+  const json later = {{{"reply", "150 Here"}}, {{"gate", "wait"}}, {{"reply", "451 Disk error"}}};
+  const json together = json::array({{{"reply", {"150 Here", "451 Disk error"}}}, {{"gate", "wait"}}});
+  for (const json& steps : {later, together}) {
+    ScriptedFtp server(json{{"rules", {{{"on", "RETR"}, {"do", steps}}}}});
+    auto connection = connect(server);
+    auto file = openToRead(*connection, "/big");
+    server.release("wait");
+    const Thrown thrown = thrownBy([&] { readPattern(*file); });
+    EXPECT_EQ(thrown.error, 12003u);
+    EXPECT_EQ(thrown.text, "451 Disk error");
+  }
 }
 
 TEST_F(FtpTransferTest, AFullDiskInMidUploadKeepsTheServersWords) {
