@@ -29,6 +29,12 @@ class RunnerTest : public testing::Test {
     return {.ok = true};
   }
 
+  // For a body that notices the stop but does not leave at once.
+  void AwaitStop() {
+    entered = true;
+    while (!platform::stopRequested()) platform::yieldProcessor();
+  }
+
   // An OnPoll that cancels as soon as the worker is in its body.
   bool CancelOnceEntered() const { return entered; }
 

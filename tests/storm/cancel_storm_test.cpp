@@ -41,7 +41,7 @@ class CancelStorm : public RunnerTest {
     client->FTPSetLogin(target.host().c_str(), "u", "p", target.port(), 1);
   }
 
-  // Cancels up to some milliseconds after the worker has gone into its stuck place.
+  // Cancels up to two milliseconds after the worker has gone into its stuck place.
   bool PollToCancel() {
     if (!entered) return false;
     if (enteredAt == Clock::time_point{}) {
@@ -49,7 +49,7 @@ class CancelStorm : public RunnerTest {
       enteredAt = Clock::now();
     }
     cancelledAt = Clock::now();
-    return cancelledAt - enteredAt >= (started % 16) * 250us;
+    return cancelledAt - enteredAt >= (started % 16) * 125us;
   }
 
   // For a worker that is stuck where only the server knows: waits until that has seen this command in the
@@ -101,6 +101,15 @@ class CancelStorm : public RunnerTest {
     server.waitUntilAllClosed();
   }
 
+  // A worker that works on a connection of its own.
+  void OnConnection(std::function<bool(CFtpConnection& connection)> work) {
+    script.attempt = [this, work = std::move(work)](QXFtpThread& record) {
+      const Presence presence(running);
+      PrivateConnection connection(*record.pQXIP);
+      return AttemptOutcome{.ok = connection.Open() && work(*connection.Connection())};
+    };
+  }
+
   fixture::ScriptedFtp server{std::string_view(kServer)};
   int started = 0;  // rounds, counted from 1
   std::function<void()> untilStuck;
@@ -118,30 +127,22 @@ TEST_F(CancelStorm, AsTheWorkerStarts) {
 }
 
 TEST_F(CancelStorm, InAStalledTransfer) {
-  script.attempt = [this](QXFtpThread& record) {
-    const Presence presence(running);
-    PrivateConnection connection(*record.pQXIP);
-    if (!connection.Open()) return AttemptOutcome{};
-    const std::unique_ptr<CInternetFile> file(
-        connection.Connection()->OpenFile("/stalled.bin", internet::kGenericRead));
+  OnConnection([this](CFtpConnection& connection) {
+    const std::unique_ptr<CInternetFile> file(connection.OpenFile("/stalled.bin", internet::kGenericRead));
     std::vector<char> block(4096);
     static_cast<void>(file->Read(block.data(), 4096));
     entered = true;
-    return AttemptOutcome{.ok = file->Read(block.data(), 4096) > 0};
-  };
+    return file->Read(block.data(), 4096) > 0;
+  });
   Storm();
 }
 
 TEST_F(CancelStorm, WhileAReplyIsMissing) {
-  script.attempt = [this](QXFtpThread& record) {
-    const Presence presence(running);
-    PrivateConnection connection(*record.pQXIP);
-    if (!connection.Open()) return AttemptOutcome{};
+  OnConnection([this](CFtpConnection& connection) {
     entered = true;
-    const std::unique_ptr<CInternetFile> file(
-        connection.Connection()->OpenFile("/silent.bin", internet::kGenericRead));
-    return AttemptOutcome{.ok = file != nullptr};
-  };
+    const std::unique_ptr<CInternetFile> file(connection.OpenFile("/silent.bin", internet::kGenericRead));
+    return file != nullptr;
+  });
   WaitAtServerFor("RETR");
   Storm();
 }

@@ -48,39 +48,34 @@ TEST_F(Lifetime, AHookThatThrowsInTheWorkerFailsTheOperation) {
   EXPECT_EQ(running, 0);
 }
 
-TEST_F(Lifetime, AHandlerThatThrowsWhileACancelledWorkerUnwindsDoesNoHarm) {
-  Count handled;
-  script.attempt = [&](QXFtpThread&) {
-    const Presence presence(running);
-    entered = true;
-    while (!platform::stopRequested()) platform::yieldProcessor();
-    mailbox.post([&] {
-      handled.add();
-      fail();
-    });
-    handled.waitFor(1);
-    return AttemptOutcome{};
-  };
-  script.onPoll = [this](QXBool&) { return CancelOnceEntered(); };
-  EXPECT_FALSE(client->Run());
-  EXPECT_EQ(handled.value(), 1);
-  EXPECT_EQ(running, 0);
+// A cancelled worker that ends only after a message which it has posted itself was handled.
+class UnwindingWorker : public RunnerTest {
+ protected:
+  void CancelAndHandle(const Mailbox::Work& react) {
+    Count handled;
+    script.attempt = [&](QXFtpThread&) {
+      const Presence presence(running);
+      AwaitStop();
+      mailbox.post([&] {
+        handled.add();
+        react();
+      });
+      handled.waitFor(1);
+      return AttemptOutcome{};
+    };
+    script.onPoll = [this](QXBool&) { return CancelOnceEntered(); };
+    EXPECT_FALSE(client->Run());
+    EXPECT_EQ(running, 0);
+  }
+};
+
+TEST_F(UnwindingWorker, LetsMessagesFlow) {
+  bool handled = false;
+  CancelAndHandle([&] { handled = true; });
+  EXPECT_TRUE(handled);
 }
 
-TEST_F(Lifetime, MessagesFlowWhileACancelledWorkerUnwinds) {
-  Count handled;
-  script.attempt = [&](QXFtpThread&) {
-    const Presence presence(running);
-    entered = true;
-    while (!platform::stopRequested()) platform::yieldProcessor();
-    mailbox.post([&] { handled.add(); });
-    handled.waitFor(1);
-    return AttemptOutcome{};
-  };
-  script.onPoll = [this](QXBool&) { return CancelOnceEntered(); };
-  EXPECT_FALSE(client->Run());
-  EXPECT_EQ(handled.value(), 1);
-}
+TEST_F(UnwindingWorker, IsNotLeftByAHandlerThatThrows) { CancelAndHandle(&fail); }
 
 TEST_F(Lifetime, TheClientMayBeFreedByAMessage) {
   mailbox.post([this] { client.release()->Release(); });
@@ -100,8 +95,7 @@ TEST_F(Lifetime, TheClientMayBeFreedByAMessageWhileACancelledWorkerUnwinds) {
   std::atomic<bool> freed{false};
   script.attempt = [&](QXFtpThread&) {
     const Presence presence(running);
-    entered = true;
-    while (!platform::stopRequested()) platform::yieldProcessor();
+    AwaitStop();
     mailbox.post([&] {
       client.release()->Release();
       freed = true;

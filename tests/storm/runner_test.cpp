@@ -49,8 +49,7 @@ class StoppedWorker : public RunnerTest, public testing::WithParamInterface<cons
  protected:
   AttemptOutcome Outlive(QXFtpThread& record) {
     const Presence presence(running);
-    entered = true;
-    while (!platform::stopRequested()) platform::yieldProcessor();
+    AwaitStop();
     const std::string what = GetParam();
     if (what == "fails") return {.ok = false, .error = 5};
     if (what == "succeeds") return {.ok = true};
