@@ -20,6 +20,8 @@ using std::chrono::milliseconds;
 namespace {
 
 constexpr milliseconds kAtOnce{0};
+// A server that says nothing for this long about a transfer that was broken off is asked whether it has ended.
+constexpr milliseconds kQuiet{250};
 
 }  // namespace
 
@@ -192,16 +194,16 @@ bool FtpTransfer::abandon() {
   return control_->isOpen();
 }
 
-// The final reply, or what stands for it: pure-ftpd ends a broken transfer with a second 150. The answer to
-// NOOP tells that nothing else will come, because no transfer ends with its codes.
+// The final reply, or what stands for it: pure-ftpd ends a broken transfer with a second 150 or in silence. The
+// answer to NOOP tells that nothing else will come, because no transfer ends with its codes.
 bool FtpTransfer::awaitAnyEnd() {
   ControlChannel& channel = control_->channel();
   const Deadline deadline(control_->timeouts().earlyClose);
   bool asked = false;
   while (!final_) {
-    auto reply = channel.tryReply(deadline.left());
-    if (!reply) return false;
-    if (reply->preliminary()) {
+    auto reply = channel.tryReply(asked ? deadline.left() : std::min(kQuiet, deadline.left()));
+    if (!reply && (asked || !channel.isOpen())) return false;
+    if (!reply || reply->preliminary()) {
       if (!std::exchange(asked, true)) channel.send("NOOP");
     } else if (!asked || reply->code == 200 || reply->unsupported()) {
       final_ = std::move(reply);
@@ -282,11 +284,11 @@ void FtpTransfer::notifyFinal() {
 
 void FtpTransfer::closeData() noexcept { data_.reset(); }
 
-// Breaks the data connection off. A half upload must not look like a whole one, which an orderly end would
-// do.
+// Breaks the data connection off, never by an orderly end: a half upload must not look like a whole one, and
+// a server that goes on sending into an end (inetutils-ftpd) is ended by the signal of a broken pipe.
 void FtpTransfer::breakData() noexcept {
   state_ = State::failed;
-  if (data_ && kind_ == Kind::upload) data_->socket().abort();
+  if (data_) data_->socket().abort();
   closeData();
 }
 

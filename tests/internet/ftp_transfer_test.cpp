@@ -196,14 +196,38 @@ TEST_F(FtpTransferTest, AnEarlyCloseTakesASecondOpeningForTheEnd) {
   }
 }
 
+TEST_F(FtpTransferTest, AnEarlyCloseThatAskedForTheEndWaitsForThatAnswer) {
+  ScriptedFtp server(json{
+      {"tree", {{"/big", {{"size", kBigSize}, {"seed", kSeed}}}}},
+      {"rules",
+       {{{"on", "RETR"}, {"do", {{{"normal", {{"final", "150 0.006 seconds"}}}}}}},
+        {{"on", "NOOP"}, {"do", {{{"reply", "426 Aborted"}}, {{"delay_ms", 30}}, {{"reply", "200 OK"}}}}}}}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
+  EXPECT_TRUE(works(*connection));
+}
+
+TEST_F(FtpTransferTest, AnEarlyCloseAsksAServerThatStaysSilent) {
+  ScriptedFtp server = serving({{"final", nullptr}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
+  EXPECT_EQ(server.commands().back(), "NOOP");
+  EXPECT_TRUE(works(*connection));
+}
+
 TEST_F(FtpTransferTest, AnEarlyCloseThatTheServerIgnoresEndsTheConnection) {
   session.SetTimeouts(shortTimeouts());
-  ScriptedFtp server = serving({{"final", nullptr}});
+  ScriptedFtp server(json{{"tree", {{"/big", {{"size", kBigSize}, {"seed", kSeed}}}}},
+                          {"rules",
+                           {{{"on", "RETR"}, {"do", {{{"normal", {{"final", nullptr}}}}}}},
+                            {{"on", "NOOP"}, {"do", {"silent"}}}}}});
   auto connection = connect(server);
   auto file = openToRead(*connection, "/big");
   session.takeStatuses();
   EXPECT_EQ(errorOf([&] { return file->Close(); }), 12030u);
-  EXPECT_EQ(session.takeStatuses(), (Statuses{50, 51}));
+  EXPECT_EQ(session.takeStatuses(), (Statuses{30, 31, 50, 51}));
   EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12030u);
 }
 
@@ -264,7 +288,7 @@ TEST_F(FtpTransferTest, AShortFileIsNeverASuccess) {
        true},
       {{{"reset_after", 1'000'000}}, 12030, true},
       {{{"reset_after", 1'000'000}, {"final", "552 Gone"}}, 12003, true},
-      {{{"close_after", 1'000'000}, {"final", nullptr}}, 12030, false},
+      {{{"close_after", 1'000'000}, {"final", nullptr}}, 12030, true},
   };
   for (const Case& each : cases) {
     session.SetTimeouts(shortTimeouts());
