@@ -3,6 +3,7 @@
 #include "Src/OperationGuard.h"
 #include "Src/OperationRunner.h"
 #include "Src/QXIP.h"
+#include "Src/RunningOperations.h"
 #include "Src/SharedFlag.h"
 #include "Src/WorkerFrame.h"
 #include "framework/internet/FtpConnection.h"
@@ -12,17 +13,25 @@
 namespace {
 
 constexpr std::chrono::milliseconds kTurn{100};
+constexpr std::chrono::milliseconds kLook{20};
 constexpr std::uint32_t kRetries = 3;
 
-// Waits one turn at the connection, so that a server which closes it is noticed at once.
-void waitOneTurn(TQXIP& client) {
-  CFtpConnection* connection = client.m_pFtpConnection;
-  if (connection == nullptr) {
-    platform::stoppableSleep(kTurn);
-  } else if (connection->WaitIdle(kTurn)) {
-    // Without an error record the notifications do not reach the client, and it would wait for ever.
-    client.OnDisconnect();
-  }
+struct KeepAliveThread : QXFtpThread {
+  std::chrono::steady_clock::time_point nextLook{};
+};
+
+// Sees an idle connection that the server has closed. It is looked at from the caller's thread, because the
+// host's messages work with the client there: from any other thread their replies could be taken away.
+void lookAtConnection(QXFtpThread& record, const RunningOperation& running) {
+  auto& nextLook = static_cast<KeepAliveThread&>(record).nextLook;
+  TQXIP& client = *record.pQXIP;
+  const auto now = std::chrono::steady_clock::now();
+  if (client.m_pFtpConnection == nullptr || !IsSet(client.m_bConnected) || now < nextLook) return;
+  nextLook = now + kLook;
+  const bool closed = client.m_pFtpConnection->WaitIdle(std::chrono::milliseconds(0));
+  // Without an error record the notifications do not reach the client, and it would wait for ever. With one,
+  // the host may have freed the client in them.
+  if (closed && !running.IsOrphaned()) client.OnDisconnect();
 }
 
 void FTPKeepAliveThr(void* argument) {
@@ -32,7 +41,7 @@ void FTPKeepAliveThr(void* argument) {
   const DoneFlag done(record);
   TQXIP& client = *record.pQXIP;
   while (IsSet(client.m_bInitialized) && IsSet(client.m_bConnected)) {
-    waitOneTurn(client);
+    platform::stoppableSleep(kTurn);
     platform::dispatchOneMessage(nullptr, 0, 0);
   }
   platform::throwIfStopped();
@@ -45,11 +54,12 @@ void TQXIP::FTPKeepAlive() {
   GuardOperation([&] {
     if (!IsSet(m_bInitialized)) return;
     std::uint32_t retries = kRetries;
-    QXFtpThread record;
+    KeepAliveThread record;
     FillRecord(record, *this, retries, nullptr);
     static_cast<void>(RunAndWait({.client = *this,
                                   .record = record,
                                   .worker = &FTPKeepAliveThr,
-                                  .polling = Polling::whileInitialized}));
+                                  .polling = Polling::whileInitialized,
+                                  .eachTurn = &lookAtConnection}));
   });
 }

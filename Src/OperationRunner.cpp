@@ -35,6 +35,7 @@ class Wait {
           m_call.client.OnPoll(m_call.nPollArg1, m_call.nPollArg2, m_call.nTransfer, &m_reconnect) != 0;
     } else if (m_call.polling == Polling::whileInitialized) {
       m_cancel = !IsSet(m_call.client.m_bInitialized);
+      if (!m_cancel && m_call.eachTurn != nullptr) m_call.eachTurn(m_call.record, m_running);
     }
   }
 

@@ -8,6 +8,8 @@
 #include "Src/OperationGuard.h"
 #include "framework/platform/worker_thread.h"
 
+class RunningOperation;
+
 // What the wait asks on every turn.
 enum class Polling {
   none,              // nothing: it waits for the worker however long that takes
@@ -32,6 +34,9 @@ struct WorkerCall {
   QXHostValue nPollArg1 = 0;
   QXHostValue nPollArg2 = 0;
   QXHostValue nTransfer = 0;  // third argument of OnPoll
+  // With whileInitialized: called on every turn, between two messages. What the host does with the client in
+  // a message has ended then.
+  void (*eachTurn)(QXFtpThread& record, const RunningOperation& running) = nullptr;
 };
 
 // Fills the members that every operation fills alike. `retries` is the operation's own argument.

@@ -30,6 +30,11 @@ void TestClient::OnIPError(std::uint32_t nError, const char* pszText, std::uint3
   TQXIP::OnIPError(nError, pszText, pRetries);
 }
 
+void TestClient::OnDisconnect() {
+  TQXIP::OnDisconnect();
+  if (m_script.onDisconnect) m_script.onDisconnect();
+}
+
 QXBool TestClient::OnPoll(QXHostValue, QXHostValue, QXHostValue, QXBool* pbReconnect) {
   return m_script.onPoll && m_script.onPoll(*pbReconnect) ? 1 : 0;
 }

@@ -27,6 +27,7 @@ struct Script {
       nullptr;                                                           // before the library's own
   std::function<void()> onHasSubDir = nullptr;                           // before the library's own
   std::function<bool(std::uint32_t* pnCount)> onGetDirectory = nullptr;  // instead of the library's own
+  std::function<void()> onDisconnect = nullptr;                          // after the library's own
 
   // The operation.
   std::function<AttemptOutcome(QXFtpThread& record)> attempt = nullptr;  // on the worker's thread
@@ -45,6 +46,7 @@ class TestClient : public TQXIP {
 
   void* DeletingDestructor(std::uint32_t nFlags) override;
   void OnIPError(std::uint32_t nError, const char* pszText, std::uint32_t* pRetries) override;
+  void OnDisconnect() override;
   QXBool OnPoll(QXHostValue nPollArg1, QXHostValue nPollArg2, QXHostValue nTransfer,
                 QXBool* pbReconnect) override;
   QXBool FTPGetDirectory(const char* pszPath, QXDirEntry* pEntries, std::uint32_t* pnCount,

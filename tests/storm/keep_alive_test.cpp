@@ -80,6 +80,35 @@ TEST_F(KeepAlive, ReturnsWhenAnotherThreadFreesTheClient) {
   server.waitUntilAllClosed();
 }
 
+TEST_F(KeepAlive, ReturnsWhenTheNewsOfTheCloseFreesTheClient) {
+  script.onDisconnect = [this] {
+    // Freeing disconnects once more.
+    if (client) client.release()->Release();
+  };
+  KeepAliveUntil([this] { server.disconnect(); });
+  EXPECT_EQ(client, nullptr);
+}
+
+// A host that is kept in FTPKeepAlive has its messages only to work in.
+TEST_F(KeepAlive, LeavesTheConnectionToWhatMessagesDoWithIt) {
+  server.put(R"({"/pub/there/": {}})");
+  KeepAliveUntil([this] {
+    for (int i = 0; i < 50; ++i) ASSERT_EQ(client->FTPDirExist("/pub/there", 0, 0, 0), 1) << error.szText;
+    client->FTPDisconnect();
+  });
+  EXPECT_EQ(server.connections().size(), 1u);
+}
+
+TEST_F(KeepAlive, GoesOnWithAConnectionThatAMessageHasReplaced) {
+  const fixture::ScriptedFtp other;
+  KeepAliveUntil([&] {
+    ASSERT_TRUE(client->FTPConnect(other.host().c_str(), "u", "p", other.port(), 1, 0, nullptr))
+        << error.szText;
+    mailbox.post([&] { other.disconnect(); });
+  });
+  EXPECT_EQ(client->m_bConnected, 0);
+}
+
 TEST_F(KeepAlive, StaysForSeveralTurnsAndDispatchesMessagesMeanwhile) {
   constexpr auto kTurns = 350ms;  // three of 100 ms, and more
   const auto start = Clock::now();
