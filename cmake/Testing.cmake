@@ -1,4 +1,10 @@
 # SPDX-License-Identifier: MIT
+# What sanitizers look for beyond their defaults; the other presets take no notice.
+set(QX_SANITIZER_ENVIRONMENT
+  ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1
+  TSAN_OPTIONS=second_deadlock_stack=1
+  UBSAN_OPTIONS=print_stacktrace=1)
+
 # qx_test(NAME name SOURCES files... [LIBS targets...] [LABELS unit|fixture|real|dll|storm...] [TIMEOUT seconds]
 #         [ENVIRONMENT NAME=value...] [FIXTURE] [SERIAL])
 #
@@ -12,6 +18,9 @@ function(qx_test)
   endif()
   if(NOT test_TIMEOUT)
     set(test_TIMEOUT 120)
+  endif()
+  if(QX_SANITIZE MATCHES "address|thread")
+    math(EXPR test_TIMEOUT "${test_TIMEOUT} * 3") # a checked program is slower by about this
   endif()
   if(NOT test_LABELS)
     set(test_LABELS unit)
@@ -36,6 +45,6 @@ function(qx_test)
   set_tests_properties(${test_NAME} PROPERTIES
     TIMEOUT ${test_TIMEOUT}
     LABELS "${test_LABELS}"
-    ENVIRONMENT "${test_ENVIRONMENT}"
+    ENVIRONMENT "${QX_SANITIZER_ENVIRONMENT};${test_ENVIRONMENT}"
     RUN_SERIAL ${test_SERIAL})
 endfunction()

@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "framework/internet/Failure.h"
 #include "framework/internet/FtpControl.h"
 #include "framework/internet/NameLookup.h"
 #include "framework/platform/stop_token.h"
@@ -303,6 +304,40 @@ TEST_F(FtpCancel, InWaitIdle) {
         },
         [&] { idle.await(); });
   });
+}
+
+TEST_F(FtpCancel, AConnectionThatWasLeftInMidCommandIsDead) {
+  // Else the next command would take the late answer to this one for its own.
+  ScriptedFtp server = serving("DELE", {{"gate", "late"}});
+  auto connection = connect(server);
+  platform::StopToken token;
+  std::thread stopper([&] {
+    server.waitAtGate("late");
+    token.raise();
+  });
+  {
+    const platform::StopToken::Scope scope(&token);
+    EXPECT_THROW(connection->Remove("/x"), platform::OperationStopped);
+  }
+  stopper.join();
+  EXPECT_EQ(errorOf([&] { return connection->Remove("/y"); }), 12030u);
+}
+
+TEST_F(FtpCancel, AStopShowsAsAStopAlsoWhereItHasBrokenTheConnectionFirst) {
+  ScriptedFtp server(R"({"tree": {"/pub/": {}}})"_json);
+  auto connection = connect(server);
+  const auto& control = connection->Control();
+  platform::StopToken token;
+  const platform::StopToken::Scope scope(&token);
+  const auto work = [&] {
+    {
+      internet::FtpControl::DirectoryVisit visit(*control);
+      EXPECT_TRUE(visit.enter("/pub").completed());
+      token.raise();
+    }
+    control->command("NOOP");
+  };
+  EXPECT_THROW(internet::answer([&] { control->request(work); }), platform::OperationStopped);
 }
 
 TEST_F(FtpCancel, AStoppedWorkerNotifiesNothingMore) {

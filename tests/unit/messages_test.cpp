@@ -4,6 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -27,23 +31,35 @@ class Messages : public testing::Test {
 };
 
 // A worker that runs until its gate opens.
-struct GatedWorker {
-  std::atomic<bool> open{false};
-  platform::WorkerThread thread;
-
-  GatedWorker() {
-    const auto entry = [](void* gate) { static_cast<std::atomic<bool>*>(gate)->wait(false); };
-    EXPECT_TRUE(thread.start(entry, &open));
-  }
+class GatedWorker {
+ public:
+  GatedWorker() { EXPECT_TRUE(thread.start(&wait, this)); }
   ~GatedWorker() {
     release();
     while (!thread.ended(std::chrono::seconds(1))) {
     }
   }
+  GatedWorker(const GatedWorker&) = delete;
+  GatedWorker& operator=(const GatedWorker&) = delete;
+
   void release() {
-    open = true;
-    open.notify_all();
+    const std::lock_guard lock(m_mutex);
+    m_open = true;
+    m_opened.notify_all();
   }
+
+  platform::WorkerThread thread;
+
+ private:
+  static void wait(void* argument) {
+    auto& self = *static_cast<GatedWorker*>(argument);
+    std::unique_lock lock(self.m_mutex);
+    self.m_opened.wait(lock, [&] { return self.m_open; });
+  }
+
+  std::mutex m_mutex;
+  std::condition_variable m_opened;
+  bool m_open = false;
 };
 
 void setFlag(std::uint8_t& flag, std::uint8_t value) { std::atomic_ref<std::uint8_t>(flag).store(value); }
