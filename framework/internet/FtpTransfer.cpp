@@ -20,7 +20,8 @@ using std::chrono::milliseconds;
 namespace {
 
 constexpr milliseconds kAtOnce{0};
-// A server that says nothing for this long about a transfer that was broken off is asked whether it has ended.
+// A server that says nothing for this long about a transfer that was broken off is asked whether it has
+// ended.
 constexpr milliseconds kQuiet{250};
 
 }  // namespace
@@ -141,27 +142,9 @@ void FtpTransfer::send(const void* data, std::size_t size) {
 
 void FtpTransfer::sendFile(platform::File& file) {
   requireRunning();
-  std::optional<Deadline> deadline;
+  const auto block = std::make_unique_for_overwrite<char[]>(platform::kSendBlock);
   for (;;) {
-    platform::throwIfStopped();
-    const platform::IoResult result = data_->sendFile(file, kTransferBuffer);
-    if (result.status == IoStatus::done) {
-      if (result.bytes == 0) return;
-      deadline.reset();
-    } else if (result.status == IoStatus::wouldBlock) {
-      waitForData(true, deadline);
-    } else if (result.status == IoStatus::unsupported) {
-      return copyFile(file);
-    } else {
-      dataFailed(result.status);
-    }
-  }
-}
-
-void FtpTransfer::copyFile(platform::File& file) {
-  const auto block = std::make_unique_for_overwrite<char[]>(kTransferBuffer);
-  for (;;) {
-    const std::int64_t count = file.read(block.get(), kTransferBuffer);
+    const std::int64_t count = file.read(block.get(), platform::kSendBlock);
     if (count == 0) return;
     if (count < 0) {
       const std::uint32_t error = platform::lastError();
@@ -194,8 +177,8 @@ bool FtpTransfer::abandon() {
   return control_->isOpen();
 }
 
-// The final reply, or what stands for it: pure-ftpd ends a broken transfer with a second 150 or in silence. The
-// answer to NOOP tells that nothing else will come, because no transfer ends with its codes.
+// The final reply, or what stands for it: pure-ftpd ends a broken transfer with a second 150 or in silence.
+// The answer to NOOP tells that nothing else will come, because no transfer ends with its codes.
 bool FtpTransfer::awaitAnyEnd() {
   ControlChannel& channel = control_->channel();
   const Deadline deadline(control_->timeouts().earlyClose);

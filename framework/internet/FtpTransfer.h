@@ -67,7 +67,6 @@ class FtpTransfer {
   void closeData() noexcept;
   void breakData() noexcept;
   [[noreturn]] void dataFailed(platform::IoStatus status);
-  void copyFile(platform::File& file);
 
   const std::shared_ptr<FtpControl> control_;
   const Kind kind_;

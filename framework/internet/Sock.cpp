@@ -25,10 +25,6 @@ platform::IoResult Sock::send(const void* data, std::size_t size) noexcept {
   return socket_.send(data, size);
 }
 
-platform::IoResult Sock::sendFile(const platform::File& file, std::size_t size) noexcept {
-  return socket_.sendFile(file, size);
-}
-
 void Sock::shutdownSend() noexcept { socket_.shutdownSend(); }
 
 bool wait(std::span<platform::SocketInterest> interests, const Deadline& deadline, std::intptr_t signal) {

@@ -37,7 +37,6 @@ class Sock {
   // Never block.
   [[nodiscard]] virtual platform::IoResult receive(void* buffer, std::size_t size) noexcept;
   [[nodiscard]] virtual platform::IoResult send(const void* data, std::size_t size) noexcept;
-  [[nodiscard]] virtual platform::IoResult sendFile(const platform::File& file, std::size_t size) noexcept;
   virtual void shutdownSend() noexcept;
 
   [[nodiscard]] platform::Socket& socket() noexcept { return socket_; }

@@ -12,8 +12,6 @@
 #include <span>
 #include <string>
 
-#include "framework/platform/file.h"
-
 namespace platform {
 
 struct SocketAddress {
@@ -34,11 +32,14 @@ std::string addressText(const SocketAddress& address);
 enum class IoStatus {
   done,
   wouldBlock,
-  closed,      // the peer has ended its stream in good order
-  reset,       // the connection was broken by the peer
-  failed,      // any other failure
-  unsupported  // sendFile only: copy with read() and send() instead
+  closed,  // the peer has ended its stream in good order
+  reset,   // the connection was broken by the peer
+  failed   // any other failure
 };
+
+// The bytes to send at a time from a file: as few as stay in the processor's cache between reading and
+// sending, as many as the cost of a call asks for.
+extern const std::size_t kSendBlock;
 
 struct IoResult {
   IoStatus status = IoStatus::failed;
@@ -66,8 +67,6 @@ class Socket {
 
   [[nodiscard]] IoResult receive(void* buffer, std::size_t size) noexcept;
   [[nodiscard]] IoResult send(const void* data, std::size_t size) noexcept;
-  // Sends up to `size` bytes from the file's position and moves it; done with 0 bytes = end of the file.
-  [[nodiscard]] IoResult sendFile(const File& file, std::size_t size) noexcept;
 
   // Ends the outgoing stream; what was sent still arrives.
   void shutdownSend() noexcept;

@@ -7,13 +7,10 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
-#include <sys/sendfile.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
-#include <ctime>
 #include <utility>
 
 #include "framework/platform/native_address.h"
@@ -25,6 +22,8 @@ struct SocketAccess {
   static int fd(const Socket& socket) noexcept { return static_cast<int>(socket.socket_); }
   static void set(Socket& socket, int fd) noexcept { socket.socket_ = fd; }
 };
+
+const std::size_t kSendBlock = 64 * 1024;
 
 namespace {
 
@@ -57,34 +56,6 @@ template <class Value>
 void setOption(int fd, int level, int name, const Value& value) noexcept {
   ::setsockopt(fd, level, name, &value, sizeof value);
 }
-
-// sendfile() has no flag against SIGPIPE, and the process's handling of signals belongs to the host: the
-// signal is blocked on this thread and one that the call raised is taken away.
-class PipeSignalGuard {
- public:
-  PipeSignalGuard() noexcept {
-    sigemptyset(&pipe_);
-    sigaddset(&pipe_, SIGPIPE);
-    sigset_t pending;
-    sigemptyset(&pending);
-    sigpending(&pending);
-    wasPending_ = sigismember(&pending, SIGPIPE) == 1;
-    pthread_sigmask(SIG_BLOCK, &pipe_, &previous_);
-  }
-  ~PipeSignalGuard() {
-    const timespec now{};
-    while (!wasPending_ && sigtimedwait(&pipe_, nullptr, &now) < 0 && errno == EINTR) {
-    }
-    pthread_sigmask(SIG_SETMASK, &previous_, nullptr);
-  }
-  PipeSignalGuard(const PipeSignalGuard&) = delete;
-  PipeSignalGuard& operator=(const PipeSignalGuard&) = delete;
-
- private:
-  sigset_t pipe_;
-  sigset_t previous_;
-  bool wasPending_ = false;
-};
 
 }  // namespace
 
@@ -174,15 +145,6 @@ IoResult Socket::receive(void* buffer, std::size_t size) noexcept {
 
 IoResult Socket::send(const void* data, std::size_t size) noexcept {
   return moved([&] { return ::send(SocketAccess::fd(*this), data, size, MSG_NOSIGNAL); });
-}
-
-IoResult Socket::sendFile(const File& file, std::size_t size) noexcept {
-  const PipeSignalGuard guard;
-  const IoResult result = moved([&] {
-    return ::sendfile(SocketAccess::fd(*this), static_cast<int>(file.nativeHandle()), nullptr, size);
-  });
-  // What the file may be to blame for is left to read(), which tells it exactly.
-  return result.status == IoStatus::failed ? IoResult{IoStatus::unsupported, 0} : result;
 }
 
 void Socket::shutdownSend() noexcept { ::shutdown(SocketAccess::fd(*this), SHUT_WR); }

@@ -35,6 +35,8 @@ struct SocketAccess {
   }
 };
 
+const std::size_t kSendBlock = 512 * 1024;
+
 namespace {
 
 IoStatus lastStatus() noexcept {
@@ -167,8 +169,6 @@ IoResult Socket::receive(void* buffer, std::size_t size) noexcept {
 IoResult Socket::send(const void* data, std::size_t size) noexcept {
   return moved(::send(SocketAccess::handle(*this), static_cast<const char*>(data), bounded(size), 0));
 }
-
-IoResult Socket::sendFile(const File&, std::size_t) noexcept { return {IoStatus::unsupported, 0}; }
 
 void Socket::shutdownSend() noexcept { shutdown(SocketAccess::handle(*this), SD_SEND); }
 

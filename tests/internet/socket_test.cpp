@@ -4,15 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <filesystem>
 #include <thread>
 #include <vector>
 
 #include "framework/internet/Sock.h"
 #include "framework/platform/process.h"
 #include "framework/platform/stop_token.h"
-#include "tests/support/Pattern.h"
-#include "tests/support/ScratchFolder.h"
 
 namespace platform {
 namespace {
@@ -201,43 +198,10 @@ TEST(SocketWait, WakesWhenTheOtherThreadRaises) {
   other.join();
 }
 
-TEST(SocketSendFile, SendsTheFileOrSaysThatItCannot) {
-  const testing_support::ScratchFolder folder;
-  const testing_support::Pattern pattern(5);
-  constexpr std::uint64_t kSize = 3'000'000;
-  pattern.writeFile(folder.file("f"), kSize);
-  File file;
-  ASSERT_TRUE(file.open(folder.file("f").c_str(), FileAccess::read, FileCreation::openExisting));
-  Pair pair;
-  std::uint64_t received = 0;
-  std::vector<char> sink(1'000'000);
-  bool ended = false;
-  while (!ended || received < kSize) {
-    const IoResult sent = pair.far.sendFile(file, 500'000);
-    if (sent.status == IoStatus::unsupported) {
-      EXPECT_EQ(std::filesystem::path::preferred_separator, '\\');
-      return;
-    }
-    ASSERT_TRUE(sent.status == IoStatus::done || sent.status == IoStatus::wouldBlock);
-    ended = sent.status == IoStatus::done && sent.bytes == 0;
-    const IoResult got = pair.near.receive(sink.data(), sink.size());
-    if (got.status != IoStatus::done) continue;
-    EXPECT_TRUE(pattern.matches(received, sink.data(), got.bytes));
-    received += got.bytes;
-  }
-  EXPECT_EQ(received, kSize);
-}
-
-TEST(SocketSendFile, ABrokenConnectionRaisesNoSignal) {
-  const testing_support::ScratchFolder folder;
-  testing_support::Pattern(5).writeFile(folder.file("f"), 1000);
-  File file;
-  ASSERT_TRUE(file.open(folder.file("f").c_str(), FileAccess::read, FileCreation::openExisting));
+TEST(Socket, ABrokenConnectionRaisesNoSignal) {
   Pair pair;
   pair.far.abort();
   EXPECT_EQ(pair.receive().status, IoStatus::reset);
-  const IoStatus status = pair.near.sendFile(file, 1000).status;
-  EXPECT_TRUE(status == IoStatus::reset || status == IoStatus::unsupported);
   EXPECT_EQ(pair.near.send("x", 1).status, IoStatus::reset);
 }
 
