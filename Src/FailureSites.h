@@ -31,14 +31,16 @@ inline constexpr FailureSite kDirExist{"FTPDirExist", "FTPDirExist", 4746};
 inline constexpr FailureSite kFileExistsThr{"FTPFileExistsThr", "FTPFileExistsThr", 5063};
 inline constexpr FailureSite kFileExists{"FTPFileExists", "FTPFileExists", 5232};
 
-// Operations of this interface that this version answers with a failure.
+inline constexpr FailureSite kCpyFileThr{"FTPCpyFileThr", "FTPCpyFileThr", 6082};
 inline constexpr FailureSite kCpyFile{"FTPCpyFile", "FTPCpyFile", 6259};
 inline constexpr FailureSite kMovFile{"FTPMovFile", "FTPMovFile", 6345};
 inline constexpr FailureSite kRmvFile{"FTPRmvFile", "FTPRmvFile", 6687};
 inline constexpr FailureSite kRmvDir{"FTPRmvDir", "FTPRemoveDir", 7059};
 inline constexpr FailureSite kCreateDir{"FTPCreateDir", "FTPCreateDir", 7454};
 inline constexpr FailureSite kCreateNewDir{"FTPCreateNewDir", "FTPCreateNewDir", 7560};
+inline constexpr FailureSite kWriteFileThr{"FTPWriteFileThr", "FTPWriteFileThr", 8489};
 inline constexpr FailureSite kWriteFile{"FTPWriteFile", "FTPWriteFile", 8669};
+inline constexpr FailureSite kReadFileThr{"FTPReadFileThr", "FTPReadFileThr", 9015};
 inline constexpr FailureSite kReadFile{"FTPReadFile", "FTPReadFile", 9201};
 inline constexpr FailureSite kRenameFile{"FTPRenameFile", "FTPRenameFile", 9357};
 

@@ -45,14 +45,6 @@ QXBool TQXIP::FTPDestroyFileContent(const char*, std::uint32_t, std::uint32_t, Q
   return notAvailable(*this, "FTPDestroyFileContent", kNoLine);
 }
 
-QXBool TQXIP::FTPCpyFile(const char*, const char*, QXProgress, std::uint32_t, QXHostValue, QXHostValue) {
-  return notAvailable(*this, sites::kCpyFile);
-}
-
-QXBool TQXIP::FTPMovFile(const char*, const char*, QXProgress, std::uint32_t, QXHostValue, QXHostValue) {
-  return notAvailable(*this, sites::kMovFile);
-}
-
 QXBool TQXIP::FTPRmvFile(const char*, std::uint32_t, std::uint32_t, QXHostValue, QXHostValue) {
   return notAvailable(*this, sites::kRmvFile);
 }
@@ -67,20 +59,4 @@ QXBool TQXIP::FTPCreateDir(const char*, std::uint32_t, QXHostValue, QXHostValue)
 
 QXBool TQXIP::FTPCreateNewDir(const char*, char*, const char*, std::uint32_t) {
   return notAvailable(*this, sites::kCreateNewDir);
-}
-
-QXBool TQXIP::FTPWriteFile(const char*, const void*, std::uint32_t, QXBool, std::uint32_t, std::uint32_t,
-                           QXHostValue, QXHostValue) {
-  return notAvailable(*this, sites::kWriteFile);
-}
-
-QXBool TQXIP::FTPReadFile(const char*, void**, std::uint32_t*, std::uint32_t, std::uint32_t, QXHostValue,
-                          QXHostValue) {
-  return notAvailable(*this, sites::kReadFile);
-}
-
-QXBool TQXIP::FTPFreeFileAPI(void*) { return notAvailable(*this, "FTPFreeFileAPI", kNoLine); }
-
-QXBool TQXIP::FTPRenameFile(const char*, const char*, std::uint32_t) {
-  return notAvailable(*this, sites::kRenameFile);
 }

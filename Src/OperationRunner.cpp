@@ -76,6 +76,17 @@ void FillRecord(QXFtpThread& record, TQXIP& client, std::uint32_t& retries, cons
   record.pszName = name;
 }
 
+WorkerCall TransferCall(TQXIP& client, QXFtpThread& record, platform::WorkerThread::Entry worker,
+                        QXHostValue nPollArg1, QXHostValue nPollArg2) noexcept {
+  return {.client = client,
+          .record = record,
+          .worker = worker,
+          .polling = Polling::unlessUpdating,
+          .nPollArg1 = nPollArg1,
+          .nPollArg2 = nPollArg2,
+          .nTransfer = reinterpret_cast<QXHostValue>(&client.m_Transfer)};
+}
+
 WaitEnd RunAndWait(const WorkerCall& call) {
   Wait wait(call);
   return wait.Run();

@@ -42,6 +42,11 @@ struct WorkerCall {
 // Fills the members that every operation fills alike. `retries` is the operation's own argument.
 void FillRecord(QXFtpThread& record, TQXIP& client, std::uint32_t& retries, const char* name) noexcept;
 
+// The call of an operation that moves data: OnPoll gets the transfer counters.
+[[nodiscard]] WorkerCall TransferCall(TQXIP& client, QXFtpThread& record,
+                                      platform::WorkerThread::Entry worker, QXHostValue nPollArg1,
+                                      QXHostValue nPollArg2) noexcept;
+
 // Starts the worker and waits. When it returns the worker has ended and nothing uses the record any more.
 WaitEnd RunAndWait(const WorkerCall& call);
 

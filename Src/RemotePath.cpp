@@ -9,6 +9,12 @@ bool MayGoToServer(const char* name) noexcept {
   return false;
 }
 
+bool BothGiven(const char* first, const char* second) noexcept {
+  if (first != nullptr && *first != '\0' && second != nullptr && *second != '\0') return true;
+  platform::setLastError(platform::kErrorInvalidParameter);
+  return false;
+}
+
 bool MakeFtpPath(const char* name, PathText& path) noexcept {
   if (MayGoToServer(name) && path.assign(name)) ToFtpPath(path.data());
   if (!path.empty()) return true;

@@ -8,6 +8,9 @@
 // and "" pass: each operation has its own answer to those.
 [[nodiscard]] bool MayGoToServer(const char* name) noexcept;
 
+// False, with the last error 87, when one of the paths is null or "".
+[[nodiscard]] bool BothGiven(const char* first, const char* second) noexcept;
+
 // Copies `name` and turns it into an FTP path. False, with the last error 87, for null, "", an over-long path
 // or one with a control character.
 [[nodiscard]] bool MakeFtpPath(const char* name, PathText& path) noexcept;

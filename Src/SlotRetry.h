@@ -7,7 +7,7 @@
 #include <chrono>
 #include <cstddef>
 
-#include "Src/QXIP.h"
+#include "Src/MessageLines.h"
 #include "framework/platform/stop_token.h"
 
 enum class Slot : std::size_t {
@@ -15,7 +15,9 @@ enum class Slot : std::size_t {
   FTPDownloadFile = 32,
   FTPUploadFile = 33,
   FTPHasSubDir = 34,
-  FTPCountFolderItems = 35
+  FTPCountFolderItems = 35,
+  FTPMovFile = 40,
+  FTPRenameFile = 50
 };
 
 // True while the client's slot is the library's own function.
@@ -51,4 +53,26 @@ bool RetryThroughSlot(TQXIP& client, std::uint32_t& retries, const RetryRule& ru
   if (innermostIsOurs) end(!ok);
   for (; failedRuns > 0; --failedRuns) end(rule.failedRunStaysFailed || !ok);
   return ok;
+}
+
+// An operation on two paths, each of whose runs has an entry line, a failed line and a report of its own.
+struct PairOperation {
+  TQXIP& client;
+  const FailureSite& site;
+  LinePaths paths;
+  Slot slot;
+};
+
+template <typename Run, typename Again>
+QXBool RunPairOperation(const PairOperation& operation, std::uint32_t& retries, Run&& run, Again&& again) {
+  const auto runWithEntryLine = [&] {
+    WriteEntryLine(operation.client, operation.site, operation.paths);
+    return run();
+  };
+  const auto end = [&](bool failed) {
+    EndWithReport(operation.client, operation.site, operation.paths, failed);
+  };
+  return RetryThroughSlot(operation.client, retries, {.slot = operation.slot}, runWithEntryLine, again, end)
+             ? 1
+             : 0;
 }

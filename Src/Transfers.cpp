@@ -13,12 +13,6 @@
 
 namespace {
 
-bool bothGiven(const char* first, const char* second) {
-  if (first != nullptr && *first != '\0' && second != nullptr && *second != '\0') return true;
-  platform::setLastError(platform::kErrorInvalidParameter);
-  return false;
-}
-
 // A remote file whose size query answers 0 cannot be told from a missing one: an existing local file then
 // counts as the download, its content stays as it was. Why the transfer itself failed is not forgotten
 // meanwhile.
@@ -62,27 +56,16 @@ bool transferOnce(TQXIP& client, const char* remote, const char* local, Transfer
   if (!MayGoToServer(remote)) return false;
   PrivateConnection connection(client);
   PathText target;
-  if (!connection.Open() || !bothGiven(remote, local) || !MakeFtpPath(remote, target)) return false;
+  if (!connection.Open() || !BothGiven(remote, local) || !MakeFtpPath(remote, target)) return false;
   ToFtpPath(target.data());  // twice: of three leading slashes one remains
   return transfer(client, *connection.Connection(), target.c_str(), local);
 }
 
-struct TransferOperation {
-  const FailureSite& site;
-  LinePaths paths;
-  Slot slot;
-  Transfer transfer;
-};
-
 template <typename Again>
-QXBool runTransfer(TQXIP& client, const TransferOperation& operation, const char* remote, const char* local,
+QXBool runTransfer(const PairOperation& operation, Transfer transfer, const char* remote, const char* local,
                    std::uint32_t retries, Again&& again) {
-  const auto run = [&] {
-    WriteEntryLine(client, operation.site, operation.paths);
-    return transferOnce(client, remote, local, operation.transfer);
-  };
-  const auto end = [&](bool failed) { EndWithReport(client, operation.site, operation.paths, failed); };
-  return RetryThroughSlot(client, retries, {.slot = operation.slot}, run, again, end) ? 1 : 0;
+  const auto run = [&] { return transferOnce(operation.client, remote, local, transfer); };
+  return RunPairOperation(operation, retries, run, again);
 }
 
 }  // namespace
@@ -91,7 +74,7 @@ QXBool TQXIP::FTPDownloadFile(const char* pszRemote, const char* pszLocal, std::
   return GuardOperation([&] {
     const LinePaths paths{.first = pszRemote, .second = pszLocal, .isPair = true, .join = FailedJoin::tight};
     return runTransfer(
-        *this, {sites::kDownloadFile, paths, Slot::FTPDownloadFile, &download}, pszRemote, pszLocal, nRetries,
+        {*this, sites::kDownloadFile, paths, Slot::FTPDownloadFile}, &download, pszRemote, pszLocal, nRetries,
         [&](std::uint32_t retries) { return FTPDownloadFile(pszRemote, pszLocal, retries) != 0; });
   });
 }
@@ -100,7 +83,7 @@ QXBool TQXIP::FTPUploadFile(const char* pszRemote, const char* pszLocal, std::ui
   return GuardOperation([&] {
     const LinePaths paths{.first = pszLocal, .second = pszRemote, .isPair = true, .join = FailedJoin::tight};
     return runTransfer(
-        *this, {sites::kUploadFile, paths, Slot::FTPUploadFile, &upload}, pszRemote, pszLocal, nRetries,
+        {*this, sites::kUploadFile, paths, Slot::FTPUploadFile}, &upload, pszRemote, pszLocal, nRetries,
         [&](std::uint32_t retries) { return FTPUploadFile(pszRemote, pszLocal, retries) != 0; });
   });
 }

@@ -12,7 +12,7 @@
 namespace {
 
 AttemptOutcome RunOnce(QXFtpThread& record, const WorkerShape& shape, Attempt attempt) {
-  if (shape.entryLine != nullptr) WriteEntryLine(*record.pQXIP, *shape.entryLine, {.first = record.pszName});
+  if (shape.entryLine != nullptr) WriteEntryLine(*record.pQXIP, *shape.entryLine, shape.paths(record));
   AttemptOutcome outcome;
   try {
     outcome = attempt(record);
@@ -28,7 +28,7 @@ void EndRun(QXFtpThread& record, const WorkerShape& shape, const AttemptOutcome&
   platform::throwIfStopped();
   if (shape.failedLine != nullptr) {
     TQXIP& client = *record.pQXIP;
-    WriteFailedLine(client, *shape.failedLine, {.first = record.pszName});
+    WriteFailedLine(client, *shape.failedLine, shape.paths(record));
     if (!outcome.ok && shape.reportsAttemptError) {
       ReportFailure(client, shape.failedLine->line, client.m_szMessage, outcome.error);
     } else if (!outcome.ok) {
@@ -39,6 +39,8 @@ void EndRun(QXFtpThread& record, const WorkerShape& shape, const AttemptOutcome&
 }
 
 }  // namespace
+
+LinePaths OnePath(const QXFtpThread& record) { return {.first = record.pszName}; }
 
 DoneFlag::~DoneFlag() {
   if (!platform::stopRequested()) SetFlag(m_record.bDone, true);

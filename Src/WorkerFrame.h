@@ -8,6 +8,7 @@
 
 #include "Src/FailureSites.h"
 #include "Src/FtpThread.h"
+#include "Src/MessageLines.h"
 
 // How one attempt ended; `error` is the last-error value that goes with a failure.
 struct AttemptOutcome {
@@ -17,13 +18,18 @@ struct AttemptOutcome {
 
 using Attempt = AttemptOutcome (*)(QXFtpThread& record);
 
+// The paths that a worker's lines name.
+using PathsOf = LinePaths (*)(const QXFtpThread& record);
+LinePaths OnePath(const QXFtpThread& record);
+
 struct WorkerShape {
   const FailureSite* entryLine = nullptr;   // none: no entry line
   const FailureSite* failedLine = nullptr;  // none: neither failed line nor report
-  std::chrono::milliseconds pause{0};       // before a retry
-  bool storesOutcome = true;         // bResult = the attempt's outcome; else the attempt stores an answer
-  bool spendsRetries = false;        // a retry, whatever came of it, uses the retry count up
-  bool reportsAttemptError = false;  // the report stores the attempt's error number
+  PathsOf paths = &OnePath;
+  std::chrono::milliseconds pause{0};  // before a retry
+  bool storesOutcome = true;           // bResult = the attempt's outcome; else the attempt stores an answer
+  bool spendsRetries = false;          // a retry, whatever came of it, uses the retry count up
+  bool reportsAttemptError = false;    // the report stores the attempt's error number
 };
 
 // Sets bDone as the worker's last act, also when an exception of the host's hooks ends it: the caller would

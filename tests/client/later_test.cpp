@@ -23,10 +23,6 @@ const Later kLater[] = {
      [](TQXIP& c) { return c.HTTPDownloadFile("server", "/object", 80, "file", nullptr, 0, 0); }},
     {"FTPDestroyFileContent", 0,
      [](TQXIP& c) -> std::uint32_t { return c.FTPDestroyFileContent("/a", 1, 0, 0, 0); }},
-    {"FTPCpyFile", 6259,
-     [](TQXIP& c) -> std::uint32_t { return c.FTPCpyFile("/a", "/b", nullptr, 0, 0, 0); }},
-    {"FTPMovFile", 6345,
-     [](TQXIP& c) -> std::uint32_t { return c.FTPMovFile("/a", "/b", nullptr, 0, 0, 0); }},
     {"FTPRmvFile", 6687, [](TQXIP& c) -> std::uint32_t { return c.FTPRmvFile("/a", 0, 0, 0, 0); }},
     {"FTPRmvDir", 7059, [](TQXIP& c) -> std::uint32_t { return c.FTPRmvDir("/a", 0, 0, 0); }},
     {"FTPCreateDir", 7454, [](TQXIP& c) -> std::uint32_t { return c.FTPCreateDir("/a", 0, 0, 0); }},
@@ -35,16 +31,6 @@ const Later kLater[] = {
        char created[256] = "";
        return c.FTPCreateNewDir("/a", created, "b", 0);
      }},
-    {"FTPWriteFile", 8669,
-     [](TQXIP& c) -> std::uint32_t { return c.FTPWriteFile("/a", "x", 1, 0, 0, 0, 0, 0); }},
-    {"FTPReadFile", 9201,
-     [](TQXIP& c) -> std::uint32_t {
-       void* data = nullptr;
-       std::uint32_t size = 0;
-       return c.FTPReadFile("/a", &data, &size, 0, 0, 0, 0);
-     }},
-    {"FTPFreeFileAPI", 0, [](TQXIP& c) -> std::uint32_t { return c.FTPFreeFileAPI(nullptr); }},
-    {"FTPRenameFile", 9357, [](TQXIP& c) -> std::uint32_t { return c.FTPRenameFile("/a", "/b", 0); }},
 };
 
 class NotAvailable : public testing::TestWithParam<Later> {

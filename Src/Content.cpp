@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: MIT
+// FTPWriteFile, FTPReadFile, FTPFreeFileAPI: blocks of the host's memory to and from remote files, in paced
+// chunks.
+#include <algorithm>
+#include <cstdlib>
+
+#include "Src/LocalFile.h"
+#include "Src/OperationRunner.h"
+#include "Src/PrivateAttempt.h"
+#include "Src/Progress.h"
+#include "Src/RemoteFile.h"
+#include "Src/RemotePath.h"
+#include "Src/TemporaryCopy.h"
+#include "framework/platform/stop_token.h"
+#include "support/Messages.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr std::uint32_t kChunk = 4096;
+constexpr milliseconds kPace{20};  // before every chunk
+constexpr milliseconds kRetryPause{10};
+
+struct ContentThread : QXFtpThread {
+  const void* pData = nullptr;
+  std::uint64_t nSize = 0;
+  std::uint64_t bAppend = 0;
+  std::uint32_t nReserved = 0;
+  void** ppData = nullptr;
+  std::uint32_t* pnSize = nullptr;
+};
+
+struct Free {
+  void operator()(void* block) const noexcept { std::free(block); }
+};
+using Block = std::unique_ptr<std::uint8_t, Free>;
+
+void keepPace() {
+  platform::stoppableSleep(kPace);
+  PumpMessages(nullptr, 0, 0);
+}
+
+bool writeChunks(ContentThread& record, RemoteFile& file) {
+  const auto* data = static_cast<const std::uint8_t*>(record.pData);
+  const auto total = static_cast<std::uint32_t>(record.nSize);
+  for (std::uint32_t sent = 0; sent < total;) {
+    keepPace();
+    const std::uint32_t chunk = std::min(kChunk, total - sent);
+    if (!file.Write(data + sent, chunk)) return false;
+    sent += chunk;
+    // The last chunk shows its own size, not the sum: hosts know the end of a transfer by it.
+    StoreProgress(record, sent < total ? sent : chunk, total);
+  }
+  return true;
+}
+
+bool appendLocally(ContentThread& record, const char* local) {
+  LocalFile file(*record.pQXIP, record.pRetries);
+  return file.Open(local, CFile::modeWrite) && file.SeekBehindContent() &&
+         file.Write(record.pData, static_cast<std::uint32_t>(record.nSize)) && file.Close();
+}
+
+// Appends through a local copy. The remote file has been opened for writing and closed before, so a server
+// that empties it then leaves nothing to append to, and the append fails.
+bool appendThroughCopy(ContentThread& record, RemoteFile& file) {
+  TQXIP& client = *record.pQXIP;
+  TemporaryCopy copy;
+  static_cast<void>(file.Close());
+  return copy.NameAfter(record.pszName) &&
+         client.FTPDownloadFile(record.pszName, copy.Name(), *record.pRetries) != 0 &&
+         appendLocally(record, copy.Name()) &&
+         client.FTPUploadFile(record.pszName, copy.Name(), *record.pRetries) != 0;
+}
+
+bool writeContent(ContentThread& record, CFtpConnection& connection) {
+  PathText target;
+  if (record.nSize == 0) {
+    platform::setLastError(platform::kErrorInvalidParameter);
+    return false;
+  }
+  if (!MakeFtpPath(record.pszName, target)) return false;
+  ToFtpPath(target.data());
+  RemoteFile file(*record.pQXIP, record.pRetries);
+  if (!file.Open(connection, target.c_str(), internet::kGenericWrite)) return false;
+  if (record.bAppend != 0) return appendThroughCopy(record, file);
+  return writeChunks(record, file) && file.Close();
+}
+
+// One byte more than the content has; of an empty one that byte is 0.
+Block newBlock(std::uint32_t size) {
+  Block block(static_cast<std::uint8_t*>(std::malloc(std::size_t{size} + 1)));
+  if (block == nullptr) {
+    platform::setLastError(platform::kErrorNotEnoughMemory);
+  } else if (size == 0) {
+    *block = 0;
+  }
+  return block;
+}
+
+bool readChunks(ContentThread& record, RemoteFile& file, std::uint8_t* block, std::uint32_t size) {
+  for (std::uint32_t done = 0; done < size;) {
+    keepPace();
+    const std::uint32_t chunk = std::min(kChunk, size - done);
+    std::uint32_t read = 0;
+    if (!file.Read(block + done, chunk, &read)) return false;
+    if (read < chunk) {
+      platform::setLastError(internet::kConnectionAborted);  // the file ended before its size
+      return false;
+    }
+    done += chunk;
+    StoreProgress(record, done, size);
+  }
+  return true;
+}
+
+bool readInto(ContentThread& record, CFtpConnection& connection, const char* target, std::uint8_t* block,
+              std::uint32_t size) {
+  RemoteFile file(*record.pQXIP, record.pRetries);
+  return file.Open(connection, target, internet::kGenericRead) && readChunks(record, file, block, size) &&
+         file.Close();
+}
+
+bool readContent(ContentThread& record, CFtpConnection& connection) {
+  *record.ppData = nullptr;
+  *record.pnSize = 0;
+  PathText target;
+  if (!MakeFtpPath(record.pszName, target)) return false;
+  ToFtpPath(target.data());
+  const std::uint32_t size = record.pQXIP->FTPFileSize(record.pszName, *record.pRetries, 0, 0);
+  platform::throwIfStopped();
+  Block block = newBlock(size);
+  if (block == nullptr) return false;
+  if (size > 0 && !readInto(record, connection, target.c_str(), block.get(), size)) return false;
+  *record.ppData = block.release();
+  *record.pnSize = size;
+  return true;
+}
+
+template <bool move(ContentThread&, CFtpConnection&)>
+AttemptOutcome attempt(QXFtpThread& base) {
+  auto& record = static_cast<ContentThread&>(base);
+  return AttemptOverPrivateConnection(record, MayGoToServer(record.pszName),
+                                      [&](CFtpConnection& connection) { return move(record, connection); });
+}
+
+void FTPWriteFileThr(void* argument) {
+  const FailureSite* site = &sites::kWriteFileThr;
+  RunWorker(argument, {.entryLine = site, .failedLine = site, .pause = kRetryPause}, &attempt<writeContent>);
+}
+
+void FTPReadFileThr(void* argument) {
+  const FailureSite* site = &sites::kReadFileThr;
+  RunWorker(argument, {.entryLine = site, .failedLine = site, .pause = kRetryPause}, &attempt<readContent>);
+}
+
+}  // namespace
+
+QXBool TQXIP::FTPWriteFile(const char* pszPath, const void* pData, std::uint32_t nSize, QXBool bAppend,
+                           std::uint32_t nReserved, std::uint32_t nRetries, QXHostValue nPollArg1,
+                           QXHostValue nPollArg2) {
+  return GuardOperation([&] {
+    ContentThread record;
+    FillRecord(record, *this, nRetries, pszPath);
+    record.pData = pData;
+    record.nSize = nSize;
+    record.bAppend = bAppend;
+    record.nReserved = nReserved;
+    const bool checked = IsSet(m_bInitialized) && pszPath != nullptr && *pszPath != '\0' && pData != nullptr;
+    const auto rerun = [&] {
+      return FTPWriteFile(pszPath, pData, nSize, bAppend, nReserved, 1, nPollArg1, nPollArg2) != 0;
+    };
+    WriteEntryLine(*this, sites::kWriteFile, {.first = pszPath});
+    return RunReportedOperation(TransferCall(*this, record, &FTPWriteFileThr, nPollArg1, nPollArg2),
+                                {.site = sites::kWriteFile, .paths = {.first = pszPath}}, checked, rerun);
+  });
+}
+
+QXBool TQXIP::FTPReadFile(const char* pszPath, void** ppData, std::uint32_t* pnSize, std::uint32_t nReserved,
+                          std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) {
+  return GuardOperation([&] {
+    ContentThread record;
+    FillRecord(record, *this, nRetries, pszPath);
+    record.bAppend = nReserved;
+    record.ppData = ppData;
+    record.pnSize = pnSize;
+    const bool checked = IsSet(m_bInitialized) && pszPath != nullptr && *pszPath != '\0' &&
+                         ppData != nullptr && pnSize != nullptr;
+    if (checked) {
+      *ppData = nullptr;
+      *pnSize = 0;
+    }
+    const auto rerun = [&] {
+      return FTPReadFile(pszPath, ppData, pnSize, nReserved, 1, nPollArg1, nPollArg2) != 0;
+    };
+    WriteEntryLine(*this, sites::kReadFile, {.first = pszPath});
+    return RunReportedOperation(TransferCall(*this, record, &FTPReadFileThr, nPollArg1, nPollArg2),
+                                {.site = sites::kReadFile, .paths = {.first = pszPath}}, checked, rerun);
+  });
+}
+
+QXBool TQXIP::FTPFreeFileAPI(void* pData) {
+  return GuardOperation([&]() -> QXBool {
+    OnBeforeDisconnect();  // a pair of events that hosts may use as they like
+    std::free(pData);
+    OnAfterDisconnect();
+    return 1;
+  });
+}

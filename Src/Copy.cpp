@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+// FTPCpyFile: a file from one path to another, where each may be on the server or local.
+#include "Src/LocalFile.h"
+#include "Src/OperationRunner.h"
+#include "Src/PrivateAttempt.h"
+#include "Src/Progress.h"
+#include "Src/RemoteFile.h"
+#include "Src/RemotePath.h"
+#include "Src/TemporaryCopy.h"
+#include "framework/platform/stop_token.h"
+
+namespace {
+
+constexpr std::uint32_t kChunk = 4096;
+
+struct CopyThread : QXFtpThread {
+  const char* pszNewName = nullptr;
+  QXProgress pfnProgress = nullptr;
+};
+
+// How a copy went on: a stop that the host asked for is a success.
+enum class Step { failed, done, stopped };
+
+LinePaths bothPaths(const QXFtpThread& record) {
+  const auto& copy = static_cast<const CopyThread&>(record);
+  return {.first = copy.pszName, .second = copy.pszNewName, .isPair = true};
+}
+
+bool asksToStop(const CopyThread& record, const char* path, std::uint32_t percent) {
+  return record.pfnProgress != nullptr && record.pfnProgress(path, percent, 0) != 0;
+}
+
+// In 32 bits, in which the product wraps for large files: hosts expect these figures.
+std::uint32_t percentOf(std::uint64_t done, std::uint32_t size) {
+  return size == 0 ? 0 : static_cast<std::uint32_t>(done) * 100u / size;
+}
+
+Step copyChunks(CopyThread& record, RemoteFile& source, LocalFile& target, const char* shown,
+                std::uint32_t size) {
+  char chunk[kChunk];
+  std::uint64_t done = 0;
+  for (std::uint32_t count = kChunk; count == kChunk;) {
+    if (!source.Read(chunk, kChunk, &count) || !target.Write(chunk, count)) return Step::failed;
+    done += count;
+    const bool stop = asksToStop(record, shown, percentOf(done, size));
+    StoreProgress(record, done, size);
+    if (stop) return Step::stopped;
+  }
+  if (done >= size) return Step::done;
+  platform::setLastError(internet::kConnectionAborted);  // the file ended before its size
+  return Step::failed;
+}
+
+// Remote file to local file.
+Step fetch(CopyThread& record, CFtpConnection& connection, const char* remote, const char* local,
+           std::uint32_t size) {
+  RemoteFile source(*record.pQXIP, record.pRetries);
+  LocalFile target(*record.pQXIP, record.pRetries);
+  if (!source.Open(connection, remote, internet::kGenericRead)) return Step::failed;
+  if (!target.Open(local, CFile::modeCreate | CFile::modeWrite)) return Step::failed;
+  const Step step = copyChunks(record, source, target, remote, size);
+  if (step == Step::failed) return step;
+  // The server's last word on a copy that was broken off does not matter.
+  if (!source.Close() && step == Step::done) return Step::failed;
+  return target.Close() ? step : Step::failed;
+}
+
+std::uint32_t sizeOf(const CopyThread& record, std::uint32_t retries) {
+  const std::uint32_t size = record.pQXIP->FTPFileSize(record.pszName, retries, 0, 0);
+  platform::throwIfStopped();
+  return size;
+}
+
+bool store(CopyThread& record, const char* local) {
+  PathText target;
+  return MakeFtpPath(record.pszNewName, target) &&
+         record.pQXIP->FTPUploadFile(target.c_str(), local, *record.pRetries) != 0;
+}
+
+bool remoteToRemote(CopyThread& record, CFtpConnection& connection) {
+  const std::uint32_t size = sizeOf(record, 1);
+  PathText source;
+  TemporaryCopy copy;
+  if (!MakeFtpPath(record.pszName, source) || !copy.NameAfter(record.pszNewName)) return false;
+  const Step step = fetch(record, connection, source.c_str(), copy.Name(), size);
+  return step == Step::stopped || (step == Step::done && store(record, copy.Name()));
+}
+
+bool remoteToLocal(CopyThread& record, CFtpConnection& connection) {
+  const std::uint32_t size = sizeOf(record, *record.pRetries);
+  PathText source;
+  const bool ok = MakeFtpPath(record.pszName, source) &&
+                  fetch(record, connection, source.c_str(), record.pszNewName, size) != Step::failed;
+  const platform::LastErrorKeeper reason;
+  record.pQXIP->OnAfterDisconnect();
+  return ok;
+}
+
+bool localToRemote(CopyThread& record) {
+  return asksToStop(record, record.pszName, 0) || store(record, record.pszName);
+}
+
+bool copyFile(CopyThread& record, CFtpConnection& connection) {
+  if (!BothGiven(record.pszName, record.pszNewName)) return false;
+  const bool toServer = IsRemotePath(record.pszNewName);
+  if (IsRemotePath(record.pszName)) {
+    return toServer ? remoteToRemote(record, connection) : remoteToLocal(record, connection);
+  }
+  return !toServer || localToRemote(record);  // between two local paths there is nothing for us to do
+}
+
+// Local paths have their own limits and may hold what the operating system lets them.
+bool mayBeUsed(const char* path) {
+  PathText copy;
+  if (path == nullptr || (IsRemotePath(path) ? MayGoToServer(path) : copy.assign(path))) return true;
+  platform::setLastError(platform::kErrorInvalidParameter);
+  return false;
+}
+
+AttemptOutcome attempt(QXFtpThread& base) {
+  auto& record = static_cast<CopyThread&>(base);
+  return AttemptOverPrivateConnection(
+      record, mayBeUsed(record.pszName) && mayBeUsed(record.pszNewName),
+      [&](CFtpConnection& connection) { return copyFile(record, connection); });
+}
+
+void FTPCpyFileThr(void* argument) {
+  const FailureSite* site = &sites::kCpyFileThr;
+  RunWorker(
+      argument,
+      {.entryLine = site, .failedLine = site, .paths = &bothPaths, .pause = std::chrono::milliseconds(10)},
+      &attempt);
+}
+
+}  // namespace
+
+QXBool TQXIP::FTPCpyFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
+                         std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) {
+  return GuardOperation([&] {
+    CopyThread record;
+    FillRecord(record, *this, nRetries, pszSource);
+    record.pszNewName = pszDestination;
+    record.pfnProgress = pfnProgress;
+    const OperationLines lines{.site = sites::kCpyFile, .paths = bothPaths(record)};
+    const auto rerun = [&] {
+      return FTPCpyFile(pszSource, pszDestination, pfnProgress, 1, nPollArg1, nPollArg2) != 0;
+    };
+    WriteEntryLine(*this, lines.site, lines.paths);
+    return RunReportedOperation(TransferCall(*this, record, &FTPCpyFileThr, nPollArg1, nPollArg2), lines,
+                                IsSet(m_bInitialized) && pszSource != nullptr && pszDestination != nullptr,
+                                rerun);
+  });
+}

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+// FTPMovFile and FTPRenameFile, on the caller's thread.
+#include "Src/OperationGuard.h"
+#include "Src/PrivateConnection.h"
+#include "Src/RemotePath.h"
+#include "Src/SharedFlag.h"
+#include "Src/SlotRetry.h"
+#include "framework/platform/file.h"
+
+namespace {
+
+bool removeLocal(const char* path) {
+  static_cast<void>(platform::setFileAttributes(path, platform::kFileAttributeArchive));
+  return platform::deleteFile(path);
+}
+
+bool renameOnce(TQXIP& client, const char* from, const char* to) {
+  if (!MayGoToServer(from) || !MayGoToServer(to)) return false;
+  PrivateConnection connection(client);
+  PathText source;
+  PathText target;
+  return connection.Open() && BothGiven(from, to) && MakeFtpPath(from, source) && MakeFtpPath(to, target) &&
+         connection.Connection()->Rename(source.c_str(), target.c_str());
+}
+
+}  // namespace
+
+// The source goes whenever the copy says success, which a copy that the host stopped does, too, and one
+// between two local paths, which copies nothing.
+QXBool TQXIP::FTPMovFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
+                         std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) {
+  return GuardOperation([&] {
+    const auto run = [&] {
+      if (!IsSet(m_bInitialized) || !BothGiven(pszSource, pszDestination)) return false;
+      if (FTPCpyFile(pszSource, pszDestination, pfnProgress, nRetries, nPollArg1, nPollArg2) == 0)
+        return false;
+      return IsRemotePath(pszSource) ? FTPRmvFile(pszSource, 0, nRetries, nPollArg1, nPollArg2) != 0
+                                     : removeLocal(pszSource);
+    };
+    const auto again = [&](std::uint32_t retries) {
+      return FTPMovFile(pszSource, pszDestination, pfnProgress, retries, nPollArg1, nPollArg2) != 0;
+    };
+    const LinePaths paths{.first = pszSource, .second = pszDestination, .isPair = true};
+    return RunPairOperation({*this, sites::kMovFile, paths, Slot::FTPMovFile}, nRetries, run, again);
+  });
+}
+
+QXBool TQXIP::FTPRenameFile(const char* pszOld, const char* pszNew, std::uint32_t nRetries) {
+  return GuardOperation([&] {
+    const auto run = [&] { return renameOnce(*this, pszOld, pszNew); };
+    const auto again = [&](std::uint32_t retries) { return FTPRenameFile(pszOld, pszNew, retries) != 0; };
+    const LinePaths paths{.first = pszOld, .second = pszNew, .isPair = true};
+    return RunPairOperation({*this, sites::kRenameFile, paths, Slot::FTPRenameFile}, nRetries, run, again);
+  });
+}
