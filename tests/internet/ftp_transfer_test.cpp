@@ -1,53 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Open remote files: what Read, Write and Close tell, and what servers do wrong in mid-transfer.
-#include <nlohmann/json.hpp>
 #include <thread>
 
-#include "tests/internet/FtpTest.h"
-#include "tests/support/Pattern.h"
+#include "tests/internet/FtpTransferTest.h"
 
 namespace internet_tests {
 namespace {
-
-using fixture::ScriptedFtp;
-using nlohmann::json;
-using namespace nlohmann::literals;
-using Statuses = std::vector<std::uint32_t>;
-
-constexpr std::uint32_t kSeed = 7;
-
-class FtpTransferTest : public FtpTest {
- protected:
-  static constexpr std::uint64_t kBigSize = 3'000'000;
-
-  // A server whose /big is read or /up is written by these transfer options.
-  static ScriptedFtp serving(const json& options, const char* verb = "RETR") {
-    return ScriptedFtp(json{{"tree", {{"/big", {{"size", kBigSize}, {"seed", kSeed}}}}},
-                            {"rules", {{{"on", verb}, {"do", {{{"normal", options}}}}}}}});
-  }
-
-  // Reads to the end in blocks and compares with the pattern.
-  static std::uint64_t readPattern(CInternetFile& file, std::uint32_t block = 65536) {
-    const testing_support::Pattern pattern(kSeed);
-    std::vector<char> buffer(block);
-    std::uint64_t position = 0;
-    while (const std::uint32_t count = file.Read(buffer.data(), block)) {
-      EXPECT_TRUE(pattern.matches(position, buffer.data(), count));
-      position += count;
-    }
-    return position;
-  }
-
-  static void writePattern(CInternetFile& file, std::uint64_t size, std::uint32_t block = 65536) {
-    const testing_support::Pattern pattern(kSeed);
-    std::vector<char> buffer(block);
-    for (std::uint64_t position = 0; position < size; position += block) {
-      const auto count = static_cast<std::uint32_t>(std::min<std::uint64_t>(block, size - position));
-      pattern.fill(position, buffer.data(), count);
-      file.Write(buffer.data(), count);
-    }
-  }
-};
 
 TEST_F(FtpTransferTest, ReadsInBlocksOfAnySize) {
   ScriptedFtp server = serving(json::object());
@@ -168,67 +126,6 @@ TEST_F(FtpTransferTest, NotifiesOfTheControlConnectionAlone) {
   EXPECT_EQ(session.takeStatuses(), Statuses{});
   EXPECT_TRUE(file->Close());
   EXPECT_EQ(session.takeStatuses(), (Statuses{40, 41, 100}));
-}
-
-TEST_F(FtpTransferTest, AnEarlyCloseOfAReadKeepsTheConnection) {
-  for (const std::uint32_t block : {0u, 1000u, 1'000'000u}) {
-    ScriptedFtp server = serving(json::object());
-    auto connection = connect(server);
-    auto file = openToRead(*connection, "/big");
-    std::vector<char> buffer(1'000'000);
-    EXPECT_EQ(file->Read(buffer.data(), block), block);
-    EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
-    EXPECT_TRUE(works(*connection));
-    EXPECT_EQ(server.connections().size(), 1u);
-  }
-}
-
-TEST_F(FtpTransferTest, AnEarlyCloseTakesASecondOpeningForTheEnd) {
-  // As pure-ftpd does it; and with the real final reply behind it after all.
-  for (const json& ending : {json("150 0.006 seconds"), json{"150 0.006 seconds", "426 Aborted"}}) {
-    ScriptedFtp server = serving({{"final", ending}});
-    auto connection = connect(server);
-    auto file = openToRead(*connection, "/big");
-    EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
-    EXPECT_EQ(server.commandCount("NOOP"), 1);
-    EXPECT_TRUE(works(*connection));
-    EXPECT_TRUE(connection->Remove("/big")) << "in step";
-  }
-}
-
-TEST_F(FtpTransferTest, AnEarlyCloseThatAskedForTheEndWaitsForThatAnswer) {
-  ScriptedFtp server(json{
-      {"tree", {{"/big", {{"size", kBigSize}, {"seed", kSeed}}}}},
-      {"rules",
-       {{{"on", "RETR"}, {"do", {{{"normal", {{"final", "150 0.006 seconds"}}}}}}},
-        {{"on", "NOOP"}, {"do", {{{"reply", "426 Aborted"}}, {{"delay_ms", 30}}, {{"reply", "200 OK"}}}}}}}});
-  auto connection = connect(server);
-  auto file = openToRead(*connection, "/big");
-  EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
-  EXPECT_TRUE(works(*connection));
-}
-
-TEST_F(FtpTransferTest, AnEarlyCloseAsksAServerThatStaysSilent) {
-  ScriptedFtp server = serving({{"final", nullptr}});
-  auto connection = connect(server);
-  auto file = openToRead(*connection, "/big");
-  EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
-  EXPECT_EQ(server.commands().back(), "NOOP");
-  EXPECT_TRUE(works(*connection));
-}
-
-TEST_F(FtpTransferTest, AnEarlyCloseThatTheServerIgnoresEndsTheConnection) {
-  session.SetTimeouts(shortTimeouts());
-  ScriptedFtp server(json{{"tree", {{"/big", {{"size", kBigSize}, {"seed", kSeed}}}}},
-                          {"rules",
-                           {{{"on", "RETR"}, {"do", {{{"normal", {{"final", nullptr}}}}}}},
-                            {{"on", "NOOP"}, {"do", {"silent"}}}}}});
-  auto connection = connect(server);
-  auto file = openToRead(*connection, "/big");
-  session.takeStatuses();
-  EXPECT_EQ(errorOf([&] { return file->Close(); }), 12030u);
-  EXPECT_EQ(session.takeStatuses(), (Statuses{30, 31, 50, 51}));
-  EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12030u);
 }
 
 TEST_F(FtpTransferTest, AReadOfExactlyTheSizeIsComplete) {

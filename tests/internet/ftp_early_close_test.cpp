@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+// Downloads that are given up half-way, and what servers make of it.
+#include "tests/internet/FtpTransferTest.h"
+
+namespace internet_tests {
+namespace {
+
+TEST_F(FtpTransferTest, AnEarlyCloseOfAReadKeepsTheConnection) {
+  for (const std::uint32_t block : {0u, 1000u, 1'000'000u}) {
+    ScriptedFtp server = serving(json::object());
+    auto connection = connect(server);
+    auto file = openToRead(*connection, "/big");
+    std::vector<char> buffer(1'000'000);
+    EXPECT_EQ(file->Read(buffer.data(), block), block);
+    EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
+    EXPECT_TRUE(works(*connection));
+    EXPECT_EQ(server.connections().size(), 1u);
+  }
+}
+
+TEST_F(FtpTransferTest, AnEarlyCloseTakesASecondOpeningForTheEnd) {
+  // As pure-ftpd does it; and with the real final reply behind it after all.
+  for (const json& ending : {json("150 0.006 seconds"), json{"150 0.006 seconds", "426 Aborted"}}) {
+    ScriptedFtp server = serving({{"final", ending}});
+    auto connection = connect(server);
+    auto file = openToRead(*connection, "/big");
+    EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
+    EXPECT_EQ(server.commandCount("NOOP"), 1);
+    EXPECT_TRUE(works(*connection));
+    EXPECT_TRUE(connection->Remove("/big")) << "in step";
+  }
+}
+
+TEST_F(FtpTransferTest, AnEarlyCloseThatAskedForTheEndWaitsForThatAnswer) {
+  ScriptedFtp server(json{
+      {"tree", {{"/big", {{"size", kBigSize}, {"seed", kSeed}}}}},
+      {"rules",
+       {{{"on", "RETR"}, {"do", {{{"normal", {{"final", "150 0.006 seconds"}}}}}}},
+        {{"on", "NOOP"}, {"do", {{{"reply", "426 Aborted"}}, {{"delay_ms", 30}}, {{"reply", "200 OK"}}}}}}}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
+  EXPECT_TRUE(works(*connection));
+}
+
+TEST_F(FtpTransferTest, AnEarlyCloseAsksAServerThatStaysSilent) {
+  ScriptedFtp server = serving({{"final", nullptr}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
+  EXPECT_EQ(server.commands().back(), "NOOP");
+  EXPECT_TRUE(works(*connection));
+}
+
+TEST_F(FtpTransferTest, AnEarlyCloseThatTheServerIgnoresEndsTheConnection) {
+  session.SetTimeouts(shortTimeouts());
+  ScriptedFtp server(json{{"tree", {{"/big", {{"size", kBigSize}, {"seed", kSeed}}}}},
+                          {"rules",
+                           {{{"on", "RETR"}, {"do", {{{"normal", {{"final", nullptr}}}}}}},
+                            {{"on", "NOOP"}, {"do", {"silent"}}}}}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  session.takeStatuses();
+  EXPECT_EQ(errorOf([&] { return file->Close(); }), 12030u);
+  EXPECT_EQ(session.takeStatuses(), (Statuses{30, 31, 50, 51}));
+  EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12030u);
+}
+
+}  // namespace
+}  // namespace internet_tests
