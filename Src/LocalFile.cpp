@@ -31,7 +31,11 @@ void LocalFile::Flush() {
 }
 
 bool LocalFile::SeekBehindContent() {
-  return Guard([&] { return m_file.SeekToEnd() != 0; });
+  return Guard([&] {
+    if (m_file.SeekToEnd() != 0) return true;
+    platform::setLastError(platform::kErrorHandleEof);
+    return false;
+  });
 }
 
 bool LocalFile::Write(const void* data, std::uint32_t size) {

@@ -24,7 +24,10 @@ bool TemporaryCopy::NameAfter(const char* path) noexcept {
   SplitPath(path, nullptr, &fileName, nullptr);
   // The folder ends in a separator already; the doubled one is part of the name that hosts see.
   if (!m_name.append(folder) || !m_name.append(kFolder)) return false;
-  static_cast<void>(platform::createDirectory(m_name.c_str()));  // it may exist already
+  {
+    const platform::LastErrorKeeper reason;
+    static_cast<void>(platform::createDirectory(m_name.c_str()));  // it may exist already
+  }
   if (m_name.append("\\") && m_name.append(fileName.c_str())) return true;
   platform::setLastError(platform::kErrorInvalidParameter);
   return false;

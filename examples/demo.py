@@ -14,6 +14,9 @@ import tempfile
 from servers import Build, Server, file_matches, run_under_fixture, write_pattern
 
 LARGE = 64 << 20
+NOTE = 10_000
+# An append goes through a local copy, which is made after the file was opened for writing.
+EMPTIED_BY_OPENING = ("pyftpdlib", "vsftpd")
 DOWN_SEED, UP_SEED = 11, 23
 TREE = {
     "/pub/readme.txt": "This tree is made for the demonstration.\n",
@@ -75,6 +78,50 @@ def move_files(client, server, folder):
     judge(done.returncode == 0 and server.matches("/pub/incoming/up.bin", UP_SEED, LARGE), f"uploaded {LARGE} bytes")
 
 
+def change_content(client, server, folder):
+    local, back = folder / "note.bin", folder / "back.bin"
+    write_pattern(local, UP_SEED, NOTE)
+    note = "/pub/incoming/note.bin"
+    done = client.run("write", client.build.local(local), note)
+    judge(done.returncode == 0 and server.matches(note, UP_SEED, NOTE), f"wrote {NOTE} bytes from memory")
+    done = client.run("read", note, client.build.local(back))
+    judge(done.returncode == 0 and file_matches(back, UP_SEED, NOTE), "read them back")
+    done = client.run("append", client.build.local(local), note)
+    if server.kind in EMPTIED_BY_OPENING:
+        judge(done.returncode == 1, "append: this server empties a file that is opened for writing")
+        client.run("write", client.build.local(local), note)
+    else:
+        judge(done.returncode == 0 and server.size(note) == 2 * NOTE, "appended the same again")
+    return note
+
+
+def change_tree(client, server, folder, note):
+    size = server.size(note)
+    done = client.run("copy", note, "/pub/incoming/copy.bin")
+    judge(done.returncode == 0 and server.size("/pub/incoming/copy.bin") == size, "copied it on the server")
+    local = folder / "copied.bin"
+    # Between a remote and a local path the drive letter makes the difference, on Linux, too.
+    done = client.run("copy", note, f"Z:{local}")
+    judge(done.returncode == 0 and local.stat().st_size == size, "copied it here")
+    done = client.run("move", "/pub/incoming/copy.bin", "/pub/docs/moved.bin")
+    moved = server.size("/pub/docs/moved.bin") == size and server.size("/pub/incoming/copy.bin") is None
+    judge(done.returncode == 0 and moved, "moved the copy")
+    done = client.run("rename", "/pub/docs/moved.bin", "/pub/docs/final.bin")
+    renamed = server.size("/pub/docs/final.bin") == size and server.size("/pub/docs/moved.bin") is None
+    judge(done.returncode == 0 and renamed, "renamed it")
+    done = client.run("rm", "/pub/docs/final.bin")
+    judge(done.returncode == 0 and server.size("/pub/docs/final.bin") is None, "removed it")
+    for name in ("New", "New (1)"):
+        done = client.run("mknew", "/pub/docs", "New")
+        judge(done.stdout.strip() == f"/pub/docs/{name}" and server.exists(f"/pub/docs/{name}"), f"made {name}")
+    done = client.run("mkdir", "/pub/docs/a/b/c")
+    judge(done.returncode == 0 and server.exists("/pub/docs/a/b/c"), "made a folder and those above it")
+    done = client.run("rmdir", "/pub/docs/a/b")
+    judge(done.returncode == 1 and server.exists("/pub/docs/a/b/c"), "a folder with content stays")
+    done = client.run("rmdir", "/pub/docs/a/b/c")
+    judge(done.returncode == 0 and not server.exists("/pub/docs/a/b/c"), "removed the inner one")
+
+
 def be_refused(client):
     done = client.run("connect", user="stranger")
     # 12014: the server refused user or password.
@@ -89,6 +136,8 @@ def demonstrate(build, kind):
         client = Client(build, server)
         look_around(client)
         move_files(client, server, pathlib.Path(folder))
+        note = change_content(client, server, pathlib.Path(folder))
+        change_tree(client, server, pathlib.Path(folder), note)
         be_refused(client)
 
 

@@ -55,6 +55,13 @@ class Server:
         """One of the requests that tests/fixture/README.md lists."""
         return self._request(op=op, id=self._number, **arguments)
 
+    def exists(self, path):
+        return self.ask("stat", path=path)["exists"]
+
+    def size(self, path):
+        """None when there is no such file."""
+        return self.ask("stat", path=path).get("size")
+
     def matches(self, path, seed, size):
         """Whether the server's file is exactly the pattern of this seed and size."""
         return self.ask("matches", path=path, seed=seed, size=size)["matches"]

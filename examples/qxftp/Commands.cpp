@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <filesystem>
 
-namespace {
+#include "examples/qxftp/ChangeCommands.h"
 
-using Arguments = std::vector<std::string>;
+namespace {
 
 constexpr std::uint32_t kRetries = 2;
 
@@ -106,9 +106,24 @@ bool count(const Session& session, const Arguments& arguments) {
 }
 
 constexpr Command kCommands[] = {
-    {"connect", "", 0, connectOnly}, {"ls", "PATH", 1, list},         {"exists", "PATH", 1, exists},
-    {"size", "PATH", 1, size},       {"get", "REMOTE LOCAL", 2, get}, {"put", "LOCAL REMOTE", 2, put},
+    {"connect", "", 0, connectOnly},
+    {"ls", "PATH", 1, list},
+    {"exists", "PATH", 1, exists},
+    {"size", "PATH", 1, size},
+    {"get", "REMOTE LOCAL", 2, get},
+    {"put", "LOCAL REMOTE", 2, put},
     {"count", "PATH", 1, count},
+    {"write", "LOCAL REMOTE", 2, writeContent},
+    {"append", "LOCAL REMOTE", 2, appendContent},
+    {"read", "REMOTE LOCAL", 2, readContent},
+    {"copy", "FROM TO", 2, copyFile},
+    {"move", "FROM TO", 2, moveFile},
+    {"rename", "OLD NEW", 2, renameFile},
+    {"rm", "PATH", 1, removeFile},
+    {"rmdir", "PATH", 1, removeDirectory},
+    {"mkdir", "PATH", 1, createDirectory},
+    {"mknew", "PARENT NAME", 2, createNewDirectory},
+    {"http", "OBJECT LOCAL", 2, downloadByHttp},
 };
 
 }  // namespace

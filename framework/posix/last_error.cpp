@@ -96,6 +96,7 @@ struct NumberText {
 constexpr NumberText kOwnTexts[] = {
     {kErrorSuccess, "The operation completed successfully."},
     {kErrorNoMoreFiles, "There are no more files."},
+    {kErrorHandleEof, "Reached the end of the file."},
     {kErrorInsufficientBuffer, "The data area passed to a system call is too small."},
 };
 
