@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Measures the library against curl on the same servers in one run: whole files down and up, a long listing, and
-single queries. Whole processes are timed, interleaved; the table has medians and ratios to curl's. The exit code is 1
+"""Measures the library against curl and others on the same servers in one run: whole files down and up, a copy in
+small pieces, a long listing, and single queries. Whole processes are timed, interleaved; the table has medians and ratios to curl's. The exit code is 1
 when a target is missed."""
 
 import argparse
@@ -17,14 +17,17 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "examples"))
 
 from measure import HEAD, Contender, interleave, rows  # noqa: E402  (beside this file)
+from peers import Curl, others  # noqa: E402
 from servers import Build, Server, file_matches, run_under_fixture, write_pattern  # noqa: E402
 
 DOWN_SEED, UP_SEED = 3, 4
 TARGETS = {
     "download": {"linux": 0.9, "windows": 1.5},
     "upload": {"linux": 0.9, "windows": 1.5},
+    "copy": {"linux": 1.2},
     "listing": {"linux": 1.5},
 }
+WORK = ["download", "upload", "copy", "listing", "queries"]
 SMALL = "/pub/small.txt"
 # In one process, one after the other: what an operation costs a host that is running already.
 IN_A_ROW = 100
@@ -36,81 +39,88 @@ class Bench:
         self._builds = builds
         self._arguments = arguments
         self._folder = folder
-        self._login = f"{server.user}:{server.password}"
-
-    def _curl(self, path, *options):
-        url = f"ftp://{self._server.host}:{self._server.port}/{path}"
-        return ["curl", "-s", "-S", "-u", self._login, *options, url]
+        self._curl = Curl(server)
 
     def _ours(self, build, operation, times, *arguments):
         login = [self._server.host, str(self._server.port), self._server.user, self._server.password]
         library = build.local(build.library)
         return [*build.command("qxbench"), library, *login, operation, str(times), *map(str, arguments)]
 
-    def _measure(self, work, curl, ours):
-        """`ours` makes the contender of a build."""
-        contenders = [curl, *map(ours, self._builds)]
-        for contender in contenders[1:]:
+    def _measure(self, work, curl, ours, others=()):
+        """`ours` makes the contender of a build; the first of all is curl."""
+        builds = [ours(build) for build in self._builds]
+        for contender in builds:
             contender.target = TARGETS.get(work, {}).get(contender.name)
+        contenders = [curl, *others, *builds]
         interleave(contenders, self._arguments.runs)
         return list(rows(f"{work}, {self._server.kind}", contenders, curl))
 
-    def download(self):
-        size = self._arguments.size
+    def _fetching(self, name, command):
+        """A contender whose command brings the large file to one place; its first result is compared in full."""
+        target = self._folder / "large"
+        first = [True]
 
-        def contender(name, command, path):
-            def check():
-                if path.stat().st_size != size:
-                    raise RuntimeError(f"{name}: wrong size")
+        def check():
+            if target.stat().st_size != self._arguments.size:
+                raise RuntimeError(f"{name}: wrong size")
+            if first and not file_matches(target, DOWN_SEED, self._arguments.size):
+                raise RuntimeError(f"{name}: wrong content")
+            first.clear()
 
-            return Contender(name, command, before=lambda: path.unlink(missing_ok=True), after=check)
+        return Contender(name, command, before=lambda: target.unlink(missing_ok=True), after=check)
+
+    def _fetch(self, work, operation, local, others=()):
+        target = self._folder / "large"
 
         def ours(build):
-            path = self._folder / build.name
-            command = self._ours(build, "download", 1, "/pub/large", build.local(path))
-            return contender(build.name, command, path)
+            return self._fetching(build.name, self._ours(build, operation, 1, "/pub/large", local(build, target)))
 
-        by_curl = self._folder / "curl"
-        result = self._measure(
-            "download", contender("curl", self._curl("pub/large", "-o", str(by_curl)), by_curl), ours
-        )
-        for name in ["curl", *(build.name for build in self._builds)]:
-            if not file_matches(self._folder / name, DOWN_SEED, size):
-                raise RuntimeError(f"{name}: wrong content")
-            (self._folder / name).unlink()
+        by_others = [self._fetching(peer.name, peer.download("/pub/large", target)) for peer in others]
+        by_curl = self._fetching("curl", self._curl.download("/pub/large", target))
+        result = self._measure(work, by_curl, ours, by_others)
+        target.unlink()
         return result
+
+    def download(self):
+        return self._fetch("download", "download", Build.local, others(self._server))
+
+    def copy(self):
+        # Between a remote and a local path the drive letter makes the difference, on Linux, too.
+        return self._fetch("copy", "copy", lambda build, path: f"Z:{path}")
 
     def upload(self):
         size = self._arguments.size
-        source = self._folder / "source"
+        source = self._folder / "upload"
         write_pattern(source, UP_SEED, size)
-
-        # All into the same file, over what the one before has left: the memory that new files of this size take costs
-        # more or less by the system's whim.
+        # All into the same file, over what the one before has left: the memory that new files of this size take
+        # costs more or less by the system's whim.
         target = "/pub/upload"
-        compared = set()
 
         def contender(name, command):
+            first = [True]
+
             def check():
-                if self._server.ask("stat", path=target).get("size") != size:
+                if self._server.size(target) != size:
                     raise RuntimeError(f"{name}: wrong size")
-                if name not in compared and not self._server.matches(target, UP_SEED, size):
+                if first and not self._server.matches(target, UP_SEED, size):
                     raise RuntimeError(f"{name}: wrong content")
-                compared.add(name)
+                first.clear()
 
             return Contender(name, command, after=check)
 
         def ours(build):
             return contender(build.name, self._ours(build, "upload", 1, build.local(source), target))
 
-        result = self._measure("upload", contender("curl", self._curl(target[1:], "-T", str(source))), ours)
+        commands = {peer.name: peer.upload(source, target) for peer in others(self._server)}
+        by_others = [contender(name, command) for name, command in commands.items() if command]
+        result = self._measure("upload", contender("curl", self._curl.upload(source, target)), ours, by_others)
         self._server.ask("put", files={target: ""})
         source.unlink()
         return result
 
     def listing(self):
         entries = self._arguments.entries
-        raw = Contender("curl", self._curl("pub/many/", "-o", "/dev/null"))
+        raw = Contender("curl", self._curl.download("/pub/many/", "/dev/null"))
         return self._measure(
             "listing", raw, lambda build: Contender(build.name, self._ours(build, "list", 1, "/pub/many", entries))
         )
@@ -122,8 +132,7 @@ class Bench:
             def ours(build, times=1, operation=operation, words=words):
                 return Contender(build.name, self._ours(build, operation, times, *words))
 
-            # curl asks for size and time without fetching.
-            result += self._measure(operation, Contender("curl", self._curl(SMALL, "-I", "-o", "/dev/null")), ours)
+            result += self._measure(operation, Contender("curl", self._curl.query(SMALL)), ours)
             in_a_row = [ours(build, IN_A_ROW) for build in self._builds]
             interleave(in_a_row, self._arguments.runs)
             result += rows(f"{operation} x {IN_A_ROW}, {self._server.kind}", in_a_row)
@@ -132,8 +141,8 @@ class Bench:
     def run(self):
         tree = {"/pub/large": {"size": self._arguments.size, "seed": DOWN_SEED}, SMALL: "small"}
         self._server.ask("put", files={**tree, "/pub/many/": {"many": {"count": self._arguments.entries}}})
-        for work in (self.download, self.upload, self.listing, self.queries):
-            for line, met in work():
+        for work in self._arguments.work:
+            for line, met in getattr(self, work)():
                 print(line, flush=True)
                 yield met
 
@@ -156,7 +165,8 @@ def print_conditions(arguments, scratch):
     print(f"load before: {os.getloadavg()[0]:.2f}")
     print(f"builds: {', '.join(arguments.build)} (RelWithDebInfo, -O2); {first_line('g++', '--version')}")
     wine = first_line("/usr/lib/wine/wine64", "--version")
-    print(f"curl: {first_line('curl', '--version').split(' (')[0]}; wine: {wine}")
+    versions = [first_line(program, "--version").split(" (")[0] for program in ("curl", "wget", "lftp")]
+    print(f"peers: {'; '.join(versions)}; {first_line('dpkg-query', '-W', 'ncftp')}; wine: {wine}")
     print(f"servers: {', '.join(arguments.server)}, native, on loopback, passive mode")
     print(f"files: {arguments.size} bytes; listing: {arguments.entries} entries; all files below {scratch}")
     print(
@@ -175,7 +185,7 @@ def parse_size(text):
 def choose_scratch(arguments):
     """Memory, when it has room for the server's file, the source and the copies; else the build tree's disk."""
     memory = pathlib.Path("/dev/shm")
-    needed = arguments.size * (3 + len(arguments.build)) + (1 << 30)
+    needed = arguments.size * 4 + (1 << 30)
     if memory.is_dir() and shutil.disk_usage(memory).free > needed:
         return memory
     return ROOT / "build"
@@ -188,7 +198,9 @@ def parse_arguments():
     parser.add_argument("--runs", type=int, default=5, help="default 5")
     parser.add_argument("--server", action="append", choices=["vsftpd", "pyftpdlib"], help="default: both")
     parser.add_argument("--build", action="append", choices=["linux", "windows"], help="default: both")
+    parser.add_argument("--work", action="append", choices=WORK, help="default: all")
     arguments = parser.parse_args()
+    arguments.work = arguments.work or WORK
     arguments.server = arguments.server or ["vsftpd", "pyftpdlib"]
     arguments.build = arguments.build or ["linux", "windows"]
     return arguments

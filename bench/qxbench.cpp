@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -20,6 +21,10 @@ bool download(TQXIPIFInt& client, const Arguments& arguments) {
   return client.FTPDownloadFile(arguments.at(0).c_str(), arguments.at(1).c_str(), 0) != 0;
 }
 
+bool copy(TQXIPIFInt& client, const Arguments& arguments) {
+  return client.FTPCpyFile(arguments.at(0).c_str(), arguments.at(1).c_str(), nullptr, 0, 0, 0) != 0;
+}
+
 bool upload(TQXIPIFInt& client, const Arguments& arguments) {
   return client.FTPUploadFile(arguments.at(1).c_str(), arguments.at(0).c_str(), 0) != 0;
 }
@@ -29,8 +34,8 @@ bool upload(TQXIPIFInt& client, const Arguments& arguments) {
 bool list(TQXIPIFInt& client, const Arguments& arguments) {
   std::uint32_t count = 0;
   if (!client.FTPGetDirectory(arguments.at(0).c_str(), nullptr, &count, "*", 0)) return false;
-  std::vector<QXDirEntry> entries(count + 1);
-  if (!client.FTPGetDirectory(arguments.at(0).c_str(), entries.data(), &count, "*", 0)) return false;
+  const auto entries = std::make_unique_for_overwrite<QXDirEntry[]>(count + 1);
+  if (!client.FTPGetDirectory(arguments.at(0).c_str(), entries.get(), &count, "*", 0)) return false;
   return std::to_string(count) == arguments.at(1);
 }
 
@@ -42,8 +47,9 @@ bool size(TQXIPIFInt& client, const Arguments& arguments) {
   return std::to_string(client.FTPFileSize(arguments.at(0).c_str(), 0, 0, 0)) == arguments.at(1);
 }
 
-const std::map<std::string, Operation> kOperations = {
-    {"download", download}, {"upload", upload}, {"list", list}, {"exists", exists}, {"size", size}};
+const std::map<std::string, Operation> kOperations = {{"download", download}, {"copy", copy},
+                                                      {"upload", upload},     {"list", list},
+                                                      {"exists", exists},     {"size", size}};
 
 void runOnce(TQXIPIFInt& client, const QXErrorInfo& error, const Operation& operation,
              const Arguments& arguments) {
