@@ -28,6 +28,7 @@ function(qx_test)
 
   add_executable(${test_NAME} ${test_SOURCES})
   target_link_libraries(${test_NAME} PRIVATE ${test_LIBS} qx_testing qx_warnings)
+  target_precompile_headers(${test_NAME} REUSE_FROM qx_testing)
   set_target_properties(${test_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests/bin")
 
   set(command ${CMAKE_CROSSCOMPILING_EMULATOR} "$<TARGET_FILE:${test_NAME}>")
