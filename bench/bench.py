@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
 """Measures the library against curl and others on the same servers in one run: whole files down and up, a copy in
-small pieces, a long listing, and single queries. Whole processes are timed, interleaved; the table has medians and ratios to curl's. The exit code is 1
-when a target is missed."""
+small pieces, a long listing, and single queries. Whole processes are timed, interleaved; the table has medians and
+ratios to curl's. The exit code is 1 when a target is missed."""
 
 import argparse
 import os
