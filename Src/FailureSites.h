@@ -30,12 +30,15 @@ inline constexpr FailureSite kDirExistThr{"FTPDirExistThr", "FTPDirExist", 4589}
 inline constexpr FailureSite kDirExist{"FTPDirExist", "FTPDirExist", 4746};
 inline constexpr FailureSite kFileExistsThr{"FTPFileExistsThr", "FTPFileExistsThr", 5063};
 inline constexpr FailureSite kFileExists{"FTPFileExists", "FTPFileExists", 5232};
-
 inline constexpr FailureSite kCpyFileThr{"FTPCpyFileThr", "FTPCpyFileThr", 6082};
 inline constexpr FailureSite kCpyFile{"FTPCpyFile", "FTPCpyFile", 6259};
 inline constexpr FailureSite kMovFile{"FTPMovFile", "FTPMovFile", 6345};
+inline constexpr FailureSite kRmvFileThr{"FTPRmvFileThr", "FTPRmvFileThr", 6520};
 inline constexpr FailureSite kRmvFile{"FTPRmvFile", "FTPRmvFile", 6687};
+inline constexpr FailureSite kRmvDirThr{"FTPRmvDirThr", "FTPRmvDirThr", 6880};
+// The failed line of the directory removal has a word of its own.
 inline constexpr FailureSite kRmvDir{"FTPRmvDir", "FTPRemoveDir", 7059};
+inline constexpr FailureSite kCreateDirThr{"FTPCreateDirThr", "FTPCreateDirThr", 7275};
 inline constexpr FailureSite kCreateDir{"FTPCreateDir", "FTPCreateDir", 7454};
 inline constexpr FailureSite kCreateNewDir{"FTPCreateNewDir", "FTPCreateNewDir", 7560};
 inline constexpr FailureSite kWriteFileThr{"FTPWriteFileThr", "FTPWriteFileThr", 8489};

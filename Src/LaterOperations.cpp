@@ -20,43 +20,9 @@ QXBool notAvailable(TQXIP& client, const char* operation, int line) {
   });
 }
 
-QXBool notAvailable(TQXIP& client, const FailureSite& site) {
-  return notAvailable(client, site.name, site.line);
-}
-
 }  // namespace
-
-QXBool TQXIP::FillWipePattern(std::uint32_t, std::uint32_t) {
-  return notAvailable(*this, "FillWipePattern", kNoLine);
-}
-
-QXBool TQXIP::WipeWith(const char*, std::uint32_t, std::uint32_t) {
-  return notAvailable(*this, "WipeWith", kNoLine);
-}
-
-QXBool TQXIP::Wipe(const char*) { return notAvailable(*this, "Wipe", kNoLine); }
 
 std::uint32_t TQXIP::HTTPDownloadFile(const char*, const char*, std::uint32_t, const char*, std::uint64_t*,
                                       QXHostValue, QXHostValue) {
   return notAvailable(*this, "HTTPDownloadFile", kNoLine);
-}
-
-QXBool TQXIP::FTPDestroyFileContent(const char*, std::uint32_t, std::uint32_t, QXHostValue, QXHostValue) {
-  return notAvailable(*this, "FTPDestroyFileContent", kNoLine);
-}
-
-QXBool TQXIP::FTPRmvFile(const char*, std::uint32_t, std::uint32_t, QXHostValue, QXHostValue) {
-  return notAvailable(*this, sites::kRmvFile);
-}
-
-QXBool TQXIP::FTPRmvDir(const char*, std::uint32_t, QXHostValue, QXHostValue) {
-  return notAvailable(*this, sites::kRmvDir);
-}
-
-QXBool TQXIP::FTPCreateDir(const char*, std::uint32_t, QXHostValue, QXHostValue) {
-  return notAvailable(*this, sites::kCreateDir);
-}
-
-QXBool TQXIP::FTPCreateNewDir(const char*, char*, const char*, std::uint32_t) {
-  return notAvailable(*this, sites::kCreateNewDir);
 }

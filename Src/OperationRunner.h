@@ -6,9 +6,7 @@
 #include "Src/FtpThread.h"
 #include "Src/MessageLines.h"
 #include "Src/OperationGuard.h"
-#include "framework/platform/worker_thread.h"
-
-class RunningOperation;
+#include "Src/RunningOperations.h"
 
 // What the wait asks on every turn.
 enum class Polling {
@@ -61,8 +59,12 @@ bool RunOperation(const WorkerCall& call, bool checked, Rerun&& rerun, bool& aba
   switch (end) {
     case WaitEnd::done:
       return call.record.bResult != 0;
-    case WaitEnd::reconnect:
-      return rerun() && call.record.bResult != 0;
+    case WaitEnd::reconnect: {
+      const RunningOperation running(call.client);
+      const bool ok = rerun();
+      running.LeaveIfOrphaned();
+      return ok && call.record.bResult != 0;
+    }
     default:
       return false;
   }

@@ -53,6 +53,11 @@ void RunningOperation::Close() noexcept {
   m_worker.close();
 }
 
+void RunningOperation::LeaveIfOrphaned() const {
+  if (IsOrphaned()) throw platform::OperationStopped();
+  platform::throwIfStopped();
+}
+
 void RunningOperation::Kill() noexcept {
   if (!m_worker.started()) return;
   m_worker.kill(kUnwindBound, &dispatchWaitingMessage);

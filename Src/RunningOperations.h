@@ -29,6 +29,10 @@ class RunningOperation {
   // The client has been destroyed.
   [[nodiscard]] bool IsOrphaned() const noexcept { return m_orphaned.load(std::memory_order_acquire); }
 
+  // For operations that call other operations of their client: leaves by OperationStopped when the client is
+  // gone or the calling thread has to stop.
+  void LeaveIfOrphaned() const;
+
   // Asks the worker to stop and waits until it has ended, dispatching messages meanwhile. Does nothing
   // without a running worker.
   void Kill() noexcept;

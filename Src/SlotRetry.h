@@ -17,6 +17,7 @@ enum class Slot : std::size_t {
   FTPHasSubDir = 34,
   FTPCountFolderItems = 35,
   FTPMovFile = 40,
+  FTPCreateNewDir = 44,
   FTPRenameFile = 50
 };
 

@@ -16,21 +16,8 @@ struct Later {
 };
 
 const Later kLater[] = {
-    {"FillWipePattern", 0, [](TQXIP& c) -> std::uint32_t { return c.FillWipePattern(1, 0); }},
-    {"WipeWith", 0, [](TQXIP& c) -> std::uint32_t { return c.WipeWith("a", 0, 0); }},
-    {"Wipe", 0, [](TQXIP& c) -> std::uint32_t { return c.Wipe("a"); }},
     {"HTTPDownloadFile", 0,
      [](TQXIP& c) { return c.HTTPDownloadFile("server", "/object", 80, "file", nullptr, 0, 0); }},
-    {"FTPDestroyFileContent", 0,
-     [](TQXIP& c) -> std::uint32_t { return c.FTPDestroyFileContent("/a", 1, 0, 0, 0); }},
-    {"FTPRmvFile", 6687, [](TQXIP& c) -> std::uint32_t { return c.FTPRmvFile("/a", 0, 0, 0, 0); }},
-    {"FTPRmvDir", 7059, [](TQXIP& c) -> std::uint32_t { return c.FTPRmvDir("/a", 0, 0, 0); }},
-    {"FTPCreateDir", 7454, [](TQXIP& c) -> std::uint32_t { return c.FTPCreateDir("/a", 0, 0, 0); }},
-    {"FTPCreateNewDir", 7560,
-     [](TQXIP& c) -> std::uint32_t {
-       char created[256] = "";
-       return c.FTPCreateNewDir("/a", created, "b", 0);
-     }},
 };
 
 class NotAvailable : public testing::TestWithParam<Later> {

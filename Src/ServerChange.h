@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+// What the operations that change the server's directory tree have in common: FTPRmvFile, FTPRmvDir,
+// FTPCreateDir. Each change runs over a connection of its own, never over the object's.
+#pragma once
+
+#include "Src/OperationRunner.h"
+#include "Src/RunningOperations.h"
+#include "Src/WorkerFrame.h"
+#include "support/Paths.h"
+
+class CFtpConnection;
+
+// Whether a change may begin: the client is up and a path is given (else the last error is 87).
+[[nodiscard]] bool MayChange(const TQXIP& client, const char* path) noexcept;
+
+// The few lines that make a change; `path` is the record's name as an FTP path. False with the last error
+// set.
+using Change = bool (*)(QXFtpThread& record, CFtpConnection& connection, const PathText& path);
+
+// One attempt of a change's worker.
+AttemptOutcome ChangeServer(QXFtpThread& record, Change change);
+
+// A change's worker. `site` names it in its lines.
+void RunChangeWorker(void* argument, const FailureSite& site, Attempt attempt);
+
+// Asks FTPDirExist from a change's worker. Leaves the last error alone.
+[[nodiscard]] bool DirectoryIsThere(QXFtpThread& record, const PathText& path);
+
+// The caller's side of a change to a directory. Where the directory already is as `wanted` (there or gone) no
+// worker runs, and the answer is 1.
+template <typename Rerun>
+QXBool ChangeDirectoryTree(const WorkerCall& call, const FailureSite& site, bool wanted, Rerun&& rerun) {
+  const OperationLines lines{.site = site, .paths = {.first = call.record.pszName}};
+  WriteEntryLine(call.client, site, lines.paths);
+  const bool checked = MayChange(call.client, call.record.pszName);
+  if (checked) {
+    const RunningOperation running(call.client);
+    const bool exists = call.client.FTPDirExist(call.record.pszName, *call.record.pRetries, 0, 0) != 0;
+    running.LeaveIfOrphaned();
+    if (exists == wanted) {
+      WriteFailedLine(call.client, site, lines.paths);
+      return 1;
+    }
+  }
+  return RunReportedOperation(call, lines, checked, rerun);
+}
