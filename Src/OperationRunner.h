@@ -62,7 +62,7 @@ bool RunOperation(const WorkerCall& call, bool checked, Rerun&& rerun, bool& aba
     case WaitEnd::reconnect: {
       const RunningOperation running(call.client);
       const bool ok = rerun();
-      running.LeaveIfOrphaned();
+      abandoned = running.IsOrphaned() || platform::stopRequested();
       return ok && call.record.bResult != 0;
     }
     default:

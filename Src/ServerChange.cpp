@@ -8,7 +8,7 @@
 
 bool MayChange(const TQXIP& client, const char* path) noexcept {
   if (!IsSet(client.m_bInitialized)) return false;
-  if (path != nullptr && *path != '\0') return true;
+  if (path != nullptr && *path != '\0') return MayGoToServer(path);
   platform::setLastError(platform::kErrorInvalidParameter);
   return false;
 }
@@ -16,7 +16,7 @@ bool MayChange(const TQXIP& client, const char* path) noexcept {
 AttemptOutcome ChangeServer(QXFtpThread& record, Change change) {
   PrivateConnection connection(*record.pQXIP);
   PathText path;
-  const bool ok = MayGoToServer(record.pszName) && connection.Open() && MakeFtpPath(record.pszName, path) &&
+  const bool ok = connection.Open() && MakeFtpPath(record.pszName, path) &&
                   change(record, *connection.Connection(), path);
   return {.ok = ok, .error = platform::lastError()};
 }

@@ -166,17 +166,20 @@ TEST_F(Slots, WithoutRecordAFailureChangesTheMessageAlone) {
   EXPECT_EQ(callSlot<QXBool>(silent.get(), kFTPSetProxy, Text("proxy.test"), 0U), 0);
   EXPECT_STREQ(silent->m_szMessage, "TQXIP::FTPSetProxy failed!");
   EXPECT_EQ(
-      callSlot<QXBool>(silent.get(), kFTPRmvFile, Text("/file"), 0U, 0U, QXHostValue{0}, QXHostValue{0}), 0);
+      callSlot<QXBool>(silent.get(), kFTPRmvFile, Text(""), 0U, 0U, QXHostValue{0}, QXHostValue{0}), 0);
   EXPECT_EQ(callSlot<std::uint32_t>(silent.get(), kFTPFileSize, Text(""), 0U, QXHostValue{0}, QXHostValue{0}),
             0U);
   EXPECT_EQ(bytesWithoutMessage(silent.get()), before);
 }
 
+TEST_F(Slots, OperationsOnBothSidesOfTheDestructorAreTheirOwn) {
+  EXPECT_EQ(call<QXBool>(kWipe, Text(nullptr)), 0);
+  EXPECT_EQ(call<QXBool>(kWipe, Text("/file")), 1);
+  EXPECT_EQ(call<QXBool>(kFTPRmvFile, Text(""), 0U, 0U, QXHostValue{0}, QXHostValue{0}), 0);
+  EXPECT_STREQ(client->m_szMessage, "TQXIP::FTPRmvFile '' failed!");
+}
+
 TEST_F(Slots, OperationsOfLaterVersionsSaySo) {
-  EXPECT_EQ(call<QXBool>(kWipe, Text("/file")), 0);
-  EXPECT_STREQ(client->m_szMessage, "TQXIP::Wipe is not available in this version!");
-  EXPECT_EQ(call<QXBool>(kFTPRmvFile, Text("/file"), 0U, 0U, QXHostValue{0}, QXHostValue{0}), 0);
-  EXPECT_STREQ(client->m_szMessage, "TQXIP::FTPRmvFile is not available in this version!");
   EXPECT_EQ(call<QXBool>(kFTPRenameFile, Text("/old"), Text("/new"), 0U), 0);
   EXPECT_STREQ(client->m_szMessage, "TQXIP::FTPRenameFile is not available in this version!");
   EXPECT_EQ(error.bSet, 1U);

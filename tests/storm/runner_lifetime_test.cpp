@@ -91,6 +91,19 @@ TEST_F(Lifetime, TheClientMayBeFreedByOnPoll) {
   EXPECT_FALSE(client->Run());
 }
 
+TEST_F(Lifetime, TheClientMayBeFreedByAMessageOfTheRerun) {
+  script.onPoll = [this](QXBool& reconnect) {
+    if (script.calls.size() == 1) {
+      reconnect = entered.exchange(false) ? 1 : 0;
+    } else if (entered && client) {
+      client.release()->Release();
+    }
+    return false;
+  };
+  EXPECT_FALSE(client->Run());
+  EXPECT_EQ(script.calls.size(), 2u);
+}
+
 TEST_F(Lifetime, TheClientMayBeFreedByAMessageWhileACancelledWorkerUnwinds) {
   std::atomic<bool> freed{false};
   script.attempt = [&](QXFtpThread&) {

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+// What the tests of the operations that change the server have in common.
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+
+#include "tests/client/HostClient.h"
+#include "tests/client/ServerTest.h"
+
+class ChangeTest : public ServerTest {
+ protected:
+  // The command lines that look at or change directories and files, in the order of their coming.
+  static Names changes(const fixture::ScriptedFtp& server) {
+    Names lines = server.commands();
+    std::erase_if(lines, [](const std::string& line) {
+      constexpr const char* kVerbs[] = {"PWD", "CWD", "CDUP", "DELE", "RMD", "MKD", "STOR", "APPE", "RNFR"};
+      return std::none_of(std::begin(kVerbs), std::end(kVerbs), [&](const std::string& verb) {
+        return line == verb || line.starts_with(verb + " ");
+      });
+    });
+    return lines;
+  }
+  static int lineCount(const fixture::ScriptedFtp& server, const std::string& line) {
+    const Names lines = server.commands();
+    return static_cast<int>(std::count(lines.begin(), lines.end(), line));
+  }
+
+  // One file or folder ("/a/") of a tree.
+  static std::string treeWith(const std::string& path) {
+    std::string key;
+    for (const char c : path) key += c == '"' ? "\\\"" : std::string(1, c);
+    return R"({"tree": {")" + key + (path.ends_with('/') ? R"(": {}}})" : R"(": "x"}})");
+  }
+
+  // Operations with functions of a host's own in their way.
+  void loginHostAt(const fixture::Server& server) {
+    host.FTPSetLogin(server.host().c_str(), "user", "secret", server.port(), 1);
+  }
+
+  HostClient host{&record};
+};
+
+// Paths that no operation takes.
+inline const std::string kBadPaths[] = {"/" + std::string(255, 'a'),
+                                        std::string(300, 'a'),
+                                        std::string(100000, 'a'),
+                                        "/a\r\nDELE /b",
+                                        "/a\nb",
+                                        "/a\x7f",
+                                        "/\x01"};
+
+// Last components with which something could go wrong.
+inline const std::string kOddNames[] = {"with blank", " blank first", "blank last ", "100%25",
+                                        "#hash",      "a?b",          "a;b=c",       "-rf",
+                                        "a*b",        "quote\"d",     "d\xc3\xbcnn", "\xe6\xbc\xa2"};
