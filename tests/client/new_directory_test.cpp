@@ -5,6 +5,7 @@
 #include "Src/RunningOperations.h"
 #include "framework/platform/worker_thread.h"
 #include "tests/client/ChangeTest.h"
+#include "tests/client/ScriptedFinder.h"
 
 namespace {
 
@@ -122,6 +123,27 @@ TEST_F(NewDirectory, AThousandNamesAreTriedAndTheNumber1000IsOnlyNamed) {
   EXPECT_STREQ(created, "untouched");
   EXPECT_STREQ(host.m_szMessage, "TQXIP::FTPCreateNewDir '/pub/New (1000)' failed!");
   EXPECT_THAT(record, ReportsFrom("TQXIP::FTPCreateNewDir '/pub/New (1000)' failed!", kLine));
+}
+
+TEST_F(NewDirectory, AThousandOccupiedNamesAreAFailure) {
+  std::vector<Found> names{{.name = "New", .isDirectory = true}};
+  for (int number = 1; number < 1000; ++number) {
+    names.push_back({.name = "New (" + std::to_string(number) + ")", .isDirectory = true});
+  }
+  ScriptedFinder finder;
+  finder.answer = [&](const std::string& directory) -> std::vector<Found> {
+    return directory == "/pub" ? names : std::vector<Found>{{.name = "pub", .isDirectory = true}};
+  };
+  client.finder = &finder;
+  EXPECT_EQ(create(), 0);
+  EXPECT_EQ(finder.patterns.size(), 1u + 1000u);
+  EXPECT_STREQ(client.m_szMessage, "TQXIP::FTPCreateNewDir '/pub/New (1000)' failed!");
+
+  names.pop_back();  // the last number is free
+  host.dirExist = [&](const char* path, std::uint32_t) { return client.FTPDirExist(path, 0, 0, 0); };
+  host.createDir = [](const char*, std::uint32_t) -> QXBool { return 1; };
+  EXPECT_EQ(createAtHost(), 1);
+  EXPECT_STREQ(created, "/pub/New (999)");
 }
 
 TEST_F(NewDirectory, ARefusedCreationIsTriedAgainWithTheSameNameUntilItSucceeds) {

@@ -14,7 +14,7 @@ namespace {
 
 using Counts = std::vector<std::uint32_t>;
 
-// A host with functions of its own in the five slots that retry through themselves. Each notes the retry
+// A host with functions of its own in the six slots that retry through themselves. Each notes the retry
 // count, and from `succeedsFrom` calls on answers 1 without asking the library.
 class HostSlots final : public TQXIP {
  public:
@@ -49,6 +49,10 @@ class HostSlots final : public TQXIP {
     return noted(retryCount,
                  [&] { return TQXIP::FTPCountFolderItems(path, files, directories, retryCount); });
   }
+  QXBool FTPCreateNewDir(const char* parent, char* created, const char* base,
+                         std::uint32_t retryCount) override {
+    return noted(retryCount, [&] { return TQXIP::FTPCreateNewDir(parent, created, base, retryCount); });
+  }
 
  private:
   template <typename Call>
@@ -61,7 +65,7 @@ class HostSlots final : public TQXIP {
   }
 };
 
-// One of the five operations, failing as often as it is asked.
+// One of the six operations, failing as often as it is asked.
 struct Operation {
   const char* name;
   std::string message;  // at the end of a failed run
@@ -86,6 +90,10 @@ const Operation kOperations[] = {
     {"CountFolderItems", "TQXIP::FTPCountFolderItems '/a' failed!", false,
      [](TQXIP& client, std::uint32_t retries) {
        return client.FTPCountFolderItems("/a", nullptr, nullptr, retries);
+     }},
+    {"CreateNewDir", "TQXIP::FTPCreateNewDir '' failed!", true,
+     [](TQXIP& client, std::uint32_t retries) {
+       return client.FTPCreateNewDir(nullptr, nullptr, nullptr, retries);
      }},
 };
 
