@@ -17,8 +17,10 @@ constexpr std::uint32_t kRetries = 1;
 QXBool TQXIP::FillWipePattern(std::uint32_t nValue, std::uint32_t nCount) {
   if (m_pWipePattern == nullptr) return 1;
   const bool random = nValue == kRandom;
+  // allowed: srand: hosts know the random pattern as that of the C library, seeded with the time
   if (random) std::srand(static_cast<unsigned>(std::time(nullptr)));
   for (std::uint32_t i = 0; i < nCount; ++i) {
+    // allowed: rand: as above; nothing secret comes of it
     m_pWipePattern[i] = random ? static_cast<std::uint32_t>(std::rand()) : nValue;
   }
   return 1;

@@ -4,6 +4,7 @@
 
 #include "Src/RunningOperations.h"
 #include "framework/platform/worker_thread.h"
+#include "support/BoundedText.h"
 #include "tests/client/ChangeTest.h"
 #include "tests/client/ScriptedFinder.h"
 
@@ -240,7 +241,7 @@ TEST_F(NewDirectory, AClientThatGoesEndsTheRepeatsAndIsNotTouchedAgain) {
     if (++refused == 3) RunningOperation::Abandon(host);
     return 0;
   };
-  std::strcpy(host.m_szMessage, "the host's");
+  ASSERT_TRUE(StoreText(host.m_szMessage, "the host's"));
   EXPECT_EQ(createAtHost("/pub", "New", 5), 0);
   EXPECT_EQ(refused, 3);
   EXPECT_STREQ(host.m_szMessage, "the host's");

@@ -165,8 +165,7 @@ TEST_F(Slots, WithoutRecordAFailureChangesTheMessageAlone) {
   const std::string before = bytesWithoutMessage(silent.get());
   EXPECT_EQ(callSlot<QXBool>(silent.get(), kFTPSetProxy, Text("proxy.test"), 0U), 0);
   EXPECT_STREQ(silent->m_szMessage, "TQXIP::FTPSetProxy failed!");
-  EXPECT_EQ(
-      callSlot<QXBool>(silent.get(), kFTPRmvFile, Text(""), 0U, 0U, QXHostValue{0}, QXHostValue{0}), 0);
+  EXPECT_EQ(callSlot<QXBool>(silent.get(), kFTPRmvFile, Text(""), 0U, 0U, QXHostValue{0}, QXHostValue{0}), 0);
   EXPECT_EQ(callSlot<std::uint32_t>(silent.get(), kFTPFileSize, Text(""), 0U, QXHostValue{0}, QXHostValue{0}),
             0U);
   EXPECT_EQ(bytesWithoutMessage(silent.get()), before);
