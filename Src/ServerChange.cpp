@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "Src/ServerChange.h"
 
-#include "Src/PrivateConnection.h"
+#include "Src/PrivateAttempt.h"
 #include "Src/RemotePath.h"
 #include "Src/SharedFlag.h"
-#include "framework/platform/last_error.h"
+#include "framework/platform/stop_token.h"
 
 bool MayChange(const TQXIP& client, const char* path) noexcept {
   if (!IsSet(client.m_bInitialized)) return false;
@@ -14,11 +14,10 @@ bool MayChange(const TQXIP& client, const char* path) noexcept {
 }
 
 AttemptOutcome ChangeServer(QXFtpThread& record, Change change) {
-  PrivateConnection connection(*record.pQXIP);
-  PathText path;
-  const bool ok = connection.Open() && MakeFtpPath(record.pszName, path) &&
-                  change(record, *connection.Connection(), path);
-  return {.ok = ok, .error = platform::lastError()};
+  return AttemptOverPrivateConnection(record, true, [&](CFtpConnection& connection) {
+    PathText path;
+    return MakeFtpPath(record.pszName, path) && change(record, connection, path);
+  });
 }
 
 void RunChangeWorker(void* argument, const FailureSite& site, Attempt attempt) {

@@ -8,7 +8,7 @@
 #include <cstddef>
 
 #include "Src/MessageLines.h"
-#include "framework/platform/stop_token.h"
+#include "Src/RunningOperations.h"
 
 enum class Slot : std::size_t {
   FTPGetDirectory = 31,
@@ -39,18 +39,20 @@ struct RetryRule {
 template <typename Run, typename Again, typename End>
 bool RetryThroughSlot(TQXIP& client, std::uint32_t& retries, const RetryRule& rule, Run&& run, Again&& again,
                       End&& end) {
+  const RunningOperation running(client);  // a run may call other operations, which dispatch messages
   std::uint64_t failedRuns = 0;
   bool innermostIsOurs = true;
   bool ok = run();
+  running.LeaveIfOrphaned();
   while (!ok && retries > 0) {
     platform::stoppableSleep(rule.pause);
     --retries;
     ++failedRuns;
     innermostIsOurs = HasOwnSlot(client, rule.slot);
     ok = innermostIsOurs ? run() : again(retries);
+    running.LeaveIfOrphaned();
     if (!innermostIsOurs) break;
   }
-  platform::throwIfStopped();
   if (innermostIsOurs) end(!ok);
   for (; failedRuns > 0; --failedRuns) end(rule.failedRunStaysFailed || !ok);
   return ok;

@@ -125,6 +125,7 @@ class TQXIPIFInt {
                                QXHostValue nPollArg2) = 0;
 
   // Slots 38 to 44: changes on the server.
+  // The library's own destroys nothing, like WipeWith and Wipe: 1. FTPRmvFile with wipe passes calls it first.
   virtual QXBool FTPDestroyFileContent(const char* pszPath, std::uint32_t nMethod, std::uint32_t nRetries,
                                        QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
   virtual QXBool FTPCpyFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
@@ -133,11 +134,15 @@ class TQXIPIFInt {
                             std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
   virtual QXBool FTPRmvFile(const char* pszPath, std::uint32_t nWipePasses, std::uint32_t nRetries,
                             QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
+  // Empty directories only. What FTPDirExist does not find counts as removed.
   virtual QXBool FTPRmvDir(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                            QXHostValue nPollArg2) = 0;
+  // Makes the directories above as well. 1 also when the directory is there already.
   virtual QXBool FTPCreateDir(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                               QXHostValue nPollArg2) = 0;
-  // pszCreated receives the new directory's path: at least 256 characters.
+  // Takes the base name or the first of "Name (1)" to "Name (999)" that is free. A name that is free but that
+  // the server refuses is tried again until the server takes it. pszCreated receives the new directory's
+  // path: at least 256 characters.
   virtual QXBool FTPCreateNewDir(const char* pszParent, char* pszCreated, const char* pszBaseName,
                                  std::uint32_t nRetries) = 0;
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "Src/RunningOperations.h"
 #include "tests/client/ErrorRecord.h"
 #include "tests/client/RecordingClient.h"
 #include "tests/client/ScriptedFinder.h"
@@ -26,11 +27,13 @@ class HostSlots final : public TQXIP {
   std::size_t succeedsFrom = 1000;
   std::vector<std::string> messagesAfter;  // after each call into the library, innermost first
   bool listsThroughTheLibrary = true;
+  bool goesInAListing = false;  // as a client does that its host frees in a message
 
   CFtpFileFind* GetFinder(QXHostValue, const char*) override { return &finder; }
 
   QXBool FTPGetDirectory(const char* path, QXDirEntry* entries, std::uint32_t* count, const char* pattern,
                          std::uint32_t retryCount) override {
+    if (goesInAListing) RunningOperation::Abandon(*this);
     if (!listsThroughTheLibrary) return 0;
     return noted(retryCount,
                  [&] { return TQXIP::FTPGetDirectory(path, entries, count, pattern, retryCount); });
@@ -145,6 +148,17 @@ TEST(SlotRetryReports, ARunOfCountFolderItemsWhoseRetrySucceedsReportsNothing) {
   host.listsThroughTheLibrary = false;
   host.succeedsFrom = 2;
   EXPECT_EQ(host.FTPCountFolderItems("/a", nullptr, nullptr, 1), 1);
+  EXPECT_TRUE(IsBlank(record));
+}
+
+TEST(SlotRetryReports, AClientThatGoesDuringARunIsNotTouchedAgain) {
+  QXErrorInfo record{};
+  HostSlots host(&record);
+  host.listsThroughTheLibrary = false;
+  host.goesInAListing = true;
+  EXPECT_EQ(host.FTPHasSubDir("/a", 3), 0);
+  EXPECT_EQ(host.retries, Counts{3});
+  EXPECT_STREQ(host.m_szMessage, "");
   EXPECT_TRUE(IsBlank(record));
 }
 
