@@ -16,11 +16,8 @@
 
 namespace {
 
-using std::chrono::milliseconds;
-
 constexpr std::uint32_t kChunk = 4096;
-constexpr milliseconds kPace{20};  // before every chunk
-constexpr milliseconds kRetryPause{10};
+constexpr std::chrono::milliseconds kPace{20};  // before every chunk
 
 struct ContentThread : QXFtpThread {
   const void* pData = nullptr;
@@ -145,13 +142,11 @@ AttemptOutcome attempt(QXFtpThread& base) {
 }
 
 void FTPWriteFileThr(void* argument) {
-  const FailureSite* site = &sites::kWriteFileThr;
-  RunWorker(argument, {.entryLine = site, .failedLine = site, .pause = kRetryPause}, &attempt<writeContent>);
+  RunReportedWorker(argument, sites::kWriteFileThr, &attempt<writeContent>);
 }
 
 void FTPReadFileThr(void* argument) {
-  const FailureSite* site = &sites::kReadFileThr;
-  RunWorker(argument, {.entryLine = site, .failedLine = site, .pause = kRetryPause}, &attempt<readContent>);
+  RunReportedWorker(argument, sites::kReadFileThr, &attempt<readContent>);
 }
 
 }  // namespace

@@ -124,13 +124,7 @@ AttemptOutcome attempt(QXFtpThread& base) {
       [&](CFtpConnection& connection) { return copyFile(record, connection); });
 }
 
-void FTPCpyFileThr(void* argument) {
-  const FailureSite* site = &sites::kCpyFileThr;
-  RunWorker(
-      argument,
-      {.entryLine = site, .failedLine = site, .paths = &bothPaths, .pause = std::chrono::milliseconds(10)},
-      &attempt);
-}
+void FTPCpyFileThr(void* argument) { RunReportedWorker(argument, sites::kCpyFileThr, &attempt, &bothPaths); }
 
 }  // namespace
 

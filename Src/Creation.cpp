@@ -37,8 +37,8 @@ bool createDirectory(QXFtpThread& record, CFtpConnection& connection, const Path
 }
 
 void FTPCreateDirThr(void* argument) {
-  RunChangeWorker(argument, sites::kCreateDirThr,
-                  [](QXFtpThread& record) { return ChangeServer(record, &createDirectory); });
+  RunReportedWorker(argument, sites::kCreateDirThr,
+                    [](QXFtpThread& record) { return ChangeServer(record, &createDirectory); });
 }
 
 constexpr std::uint32_t kNames = 1000;

@@ -33,13 +33,13 @@ bool removeDirectory(QXFtpThread& record, CFtpConnection& connection, const Path
 }
 
 void FTPRmvFileThr(void* argument) {
-  RunChangeWorker(argument, sites::kRmvFileThr,
-                  [](QXFtpThread& record) { return ChangeServer(record, &removeFile); });
+  RunReportedWorker(argument, sites::kRmvFileThr,
+                    [](QXFtpThread& record) { return ChangeServer(record, &removeFile); });
 }
 
 void FTPRmvDirThr(void* argument) {
-  RunChangeWorker(argument, sites::kRmvDirThr,
-                  [](QXFtpThread& record) { return ChangeServer(record, &removeDirectory); });
+  RunReportedWorker(argument, sites::kRmvDirThr,
+                    [](QXFtpThread& record) { return ChangeServer(record, &removeDirectory); });
 }
 
 }  // namespace

@@ -20,11 +20,6 @@ AttemptOutcome ChangeServer(QXFtpThread& record, Change change) {
   });
 }
 
-void RunChangeWorker(void* argument, const FailureSite& site, Attempt attempt) {
-  RunWorker(argument, {.entryLine = &site, .failedLine = &site, .pause = std::chrono::milliseconds(10)},
-            attempt);
-}
-
 bool DirectoryIsThere(QXFtpThread& record, const PathText& path) {
   const platform::LastErrorKeeper reason;
   const bool exists = record.pQXIP->FTPDirExist(path.c_str(), *record.pRetries, 0, 0) != 0;

@@ -21,9 +21,6 @@ using Change = bool (*)(QXFtpThread& record, CFtpConnection& connection, const P
 // One attempt of a change's worker.
 AttemptOutcome ChangeServer(QXFtpThread& record, Change change);
 
-// A change's worker. `site` names it in its lines.
-void RunChangeWorker(void* argument, const FailureSite& site, Attempt attempt);
-
 // Asks FTPDirExist from a change's worker. Leaves the last error alone.
 [[nodiscard]] bool DirectoryIsThere(QXFtpThread& record, const PathText& path);
 

@@ -65,3 +65,9 @@ void RunWorker(void* argument, const WorkerShape& shape, Attempt attempt) {
   EndRun(record, shape, outcome);
   for (; failedRuns > 0; --failedRuns) EndRun(record, shape, failed);
 }
+
+void RunReportedWorker(void* argument, const FailureSite& site, Attempt attempt, PathsOf paths) {
+  RunWorker(argument,
+            {.entryLine = &site, .failedLine = &site, .paths = paths, .pause = std::chrono::milliseconds(10)},
+            attempt);
+}

@@ -49,3 +49,6 @@ class DoneFlag {
 // attempt's lines come after those of the attempts that followed it, as if each retry ran inside the attempt
 // before it; the stack does not grow with the retry count.
 void RunWorker(void* argument, const WorkerShape& shape, Attempt attempt);
+
+// The usual shape: `site` names the worker in its entry and failed lines, and 10 ms pass before a retry.
+void RunReportedWorker(void* argument, const FailureSite& site, Attempt attempt, PathsOf paths = &OnePath);

@@ -92,10 +92,10 @@ void checkWipe(TQXIPIFInt* client) {
   CHECK(equal(client->m_szMessage, "TQXIP::FTPRmvFile '' failed!"));
 }
 
-// A slot that this version answers with a failure: the message names it.
-void checkUnavailable(TQXIPIFInt* client) {
-  CHECK(client->FTPRenameFile("/old", "/new", 0) == 0);
-  CHECK(equal(client->m_szMessage, "TQXIP::FTPRenameFile is not available in this version!"));
+// The last slot.
+void checkRename(TQXIPIFInt* client) {
+  CHECK(client->FTPRenameFile("\n", "/new", 0) == 0);
+  CHECK(equal(client->m_szMessage, "TQXIP::FTPRenameFile from '\n' to '/new' failed!"));
 }
 
 void checkOperations(TQXIPIFInt* client) {
@@ -142,7 +142,7 @@ extern "C" void hostMain() {
     checkReferences(client);
     if (g_nFailed != 0) ExitProcess(g_nFailed);  // the library has other slots: further calls would go astray
     checkWipe(client);
-    checkUnavailable(client);
+    checkRename(client);
     checkOperations(client);
     checkErrorRecord(client);
     delete client;

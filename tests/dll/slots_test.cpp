@@ -178,9 +178,9 @@ TEST_F(Slots, OperationsOnBothSidesOfTheDestructorAreTheirOwn) {
   EXPECT_STREQ(client->m_szMessage, "TQXIP::FTPRmvFile '' failed!");
 }
 
-TEST_F(Slots, OperationsOfLaterVersionsSaySo) {
-  EXPECT_EQ(call<QXBool>(kFTPRenameFile, Text("/old"), Text("/new"), 0U), 0);
-  EXPECT_STREQ(client->m_szMessage, "TQXIP::FTPRenameFile is not available in this version!");
+TEST_F(Slots, TheLastOneIsRename) {
+  EXPECT_EQ(call<QXBool>(kFTPRenameFile, Text("\n"), Text("/new"), 0U), 0);
+  EXPECT_STREQ(client->m_szMessage, "TQXIP::FTPRenameFile from '\n' to '/new' failed!");
   EXPECT_EQ(error.bSet, 1U);
 }
 
