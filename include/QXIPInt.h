@@ -125,7 +125,8 @@ class TQXIPIFInt {
                                QXHostValue nPollArg2) = 0;
 
   // Slots 38 to 44: changes on the server.
-  // The library's own destroys nothing, like WipeWith and Wipe: 1. FTPRmvFile with wipe passes calls it first.
+  // The library's own destroys nothing, like WipeWith and Wipe: 1. FTPRmvFile with wipe passes calls it
+  // first.
   virtual QXBool FTPDestroyFileContent(const char* pszPath, std::uint32_t nMethod, std::uint32_t nRetries,
                                        QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
   virtual QXBool FTPCpyFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
