@@ -131,6 +131,25 @@ TEST_P(RealServers, RefuseAnUploadIntoAMissingFolder) {
   EXPECT_FALSE(server.exists(at("/none")));
 }
 
+TEST_P(RealServers, MakeAndRemoveDirectoriesAndFiles) {
+  EXPECT_EQ(client.FTPCreateDir(at("/made/With Blank/c").c_str(), 0, 0, 0), 1);
+  EXPECT_TRUE(server.exists(at("/made/With Blank/c")));
+  for (const char* path : {"/made/New", "/made/New (1)"}) {
+    char created[256] = "";
+    EXPECT_EQ(client.FTPCreateNewDir(at("/made").c_str(), created, "New", 0), 1);
+    EXPECT_EQ(created, at(path));
+    EXPECT_TRUE(server.exists(at(path)));
+  }
+  put("/made/With Blank/c/file", R"("x")");
+  EXPECT_EQ(client.FTPRmvDir(at("/made/With Blank/c").c_str(), 0, 0, 0), 0);
+  EXPECT_TRUE(server.exists(at("/made/With Blank/c/file")));
+  EXPECT_EQ(client.FTPRmvFile(at("/made/With Blank/c/file").c_str(), 0, 0, 0, 0), 1);
+  for (const char* path : {"/made/With Blank/c", "/made/With Blank", "/made/New", "/made/New (1)", "/made"}) {
+    EXPECT_EQ(client.FTPRmvDir(at(path).c_str(), 0, 0, 0), 1) << path;
+    EXPECT_FALSE(server.exists(at(path))) << path;
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Kinds, RealServers,
                          testing::Combine(testing::Values("vsftpd", "pyftpdlib", "proftpd", "pure-ftpd",
                                                           "inetutils-ftpd"),
