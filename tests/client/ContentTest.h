@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+// What the tests of operations that move content have in common: a temporary folder of their own, contents,
+// and what OnPoll saw of the transfer block.
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <ostream>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/client/TransferTest.h"
+#include "tests/support/TemporaryFolder.h"
+
+// The transfer block at one moment.
+struct Progress {
+  int valid = 0;
+  std::uint64_t transferred = 0;
+  std::uint64_t total = 0;
+
+  auto operator<=>(const Progress&) const = default;
+  friend std::ostream& operator<<(std::ostream& out, const Progress& progress) {
+    return out << progress.valid << ' ' << progress.transferred << '/' << progress.total;
+  }
+};
+
+inline Progress progressIn(const QXTransfer& transfer) {
+  return {transfer.bValid, transfer.nTransferred, transfer.nTotal};
+}
+
+// The first `size` bytes of a pattern.
+inline std::string patternText(std::size_t size, std::uint32_t seed = 7) {
+  std::string text(size, '\0');
+  testing_support::Pattern(seed).fill(0, text.data(), size);
+  return text;
+}
+
+class ContentTest : public TransferTest {
+ protected:
+  using Gate = std::function<QXBool(QXBool* reconnect)>;
+
+  const testing_support::TemporaryFolder temporary;
+
+  // The name that the operations give to a temporary copy: put together plainly, doubled separator included.
+  static std::string temporaryName(const std::string& name) {
+    char start[256];
+    const std::size_t length = platform::temporaryFolder(start, sizeof start);
+    return std::string(start, length) + "\\FTP\\" + name;
+  }
+  // The same file, for the standard library.
+  [[nodiscard]] std::filesystem::path temporaryFile(const std::string& name) const {
+    return temporary.path() / "FTP" / name;
+  }
+  [[nodiscard]] Names leftInTemporary() const {
+    Names names;
+    std::error_code none;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(temporary.path(), none)) {
+      if (!entry.is_directory()) names.push_back(entry.path().filename().string());
+    }
+    return names;
+  }
+
+  // A local file's name as the rule for local paths wants it on both builds.
+  static std::string localName(const std::string& native) {
+    return native.starts_with('/') ? "Z:" + native : native;
+  }
+
+  // From now on every look of OnPoll at the transfer block is kept.
+  void watchProgress() {
+    client.poll = [this](QXHostValue, QXHostValue, QXHostValue transfer, QXBool*) -> QXBool {
+      seen.insert(progressIn(*reinterpret_cast<const QXTransfer*>(transfer)));
+      return 0;
+    };
+  }
+  // At its first call OnPoll waits until a scripted action of the server waits at `gate`, and then does this.
+  void atGate(const fixture::ScriptedFtp& server, const std::string& gate, const Gate& action) {
+    client.poll = [&server, gate, action, first = true](QXHostValue, QXHostValue, QXHostValue,
+                                                        QXBool* reconnect) mutable -> QXBool {
+      if (!first) return 0;
+      first = false;
+      server.waitAtGate(gate);
+      return action(reconnect);
+    };
+  }
+
+  void expectAttempts(const fixture::ScriptedFtp& server, std::size_t count) {
+    server.waitFor("{\"connections\": " + std::to_string(count) + ", \"open\": 0}");
+    EXPECT_EQ(server.connections().size(), count);
+  }
+
+  std::set<Progress> seen;
+};
+
+// What the calls of OnPoll may do to an operation that hangs.
+inline QXBool cancels(QXBool*) { return 1; }
+inline QXBool reconnects(QXBool* reconnect) {
+  *reconnect = 1;
+  return 0;
+}
+
+// A transfer whose end the server refuses or loses, and the number that the failure then has.
+struct BadEnd {
+  const char* name;
+  const char* options;  // of the transfer in the server's script
+  int error;
+};
+
+// The number may come by way of OnIPError, or by the operation's own report.
+MATCHER_P(ShowsError, error, "") {
+  *result_listener << "text '" << arg.szText << "'";
+  return arg.bSet == 1 &&
+         std::string(arg.szText).find("[" + std::to_string(error) + " QXIP ") != std::string::npos;
+}
+
+// Names with characters that shells, URLs or servers' option parsers take for something else.
+inline const char* const kOddNames[] = {"with blank",      "%41",     "a#b",    "what?",     "a;type=i",
+                                        "-l",              "--help",  "a'b\"c", "100% [x]*", "\xc3\xbcml\xc3\xa4ut",
+                                        "\xe6\x96\x87.txt"};
+
+// Paths that may not go to a server.
+inline std::vector<std::string> badPaths() {
+  return {"/" + std::string(255, 'a'), std::string(300, 'a'), std::string(100'000, 'a'),
+          "/a\r\nDELE /b",             "/a\nb",               "/a\x7f",
+          "/\x01"};
+}

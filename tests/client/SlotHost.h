@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+// A host that has put functions of its own into the slots of the operations that others are made of. Each
+// notes its arguments, then does what the test says or, without that, what the library does.
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "Src/QXIP.h"
+
+class SlotHost final : public TQXIP {
+ public:
+  explicit SlotHost(QXErrorInfo* pErrorInfo = nullptr) : TQXIP(pErrorInfo) {}
+  ~SlotHost() = default;
+
+  // The calls in their order: "FTPUploadFile /a local 2".
+  [[nodiscard]] std::vector<std::string> calls() const {
+    const std::lock_guard lock(m_mutex);
+    return m_calls;
+  }
+  // The message buffer after each of those calls, in the order of their ends.
+  std::vector<std::string> messagesAfter;
+
+  // What the functions answer. None: the library's own function runs.
+  std::function<QXBool(const std::string& remote, const std::string& local)> download, upload;
+  std::function<QXBool()> copy, move, remove, rename, write, read;
+  std::function<std::uint32_t()> size;
+  std::function<QXBool(QXBool*)> poll;
+
+  QXBool OnPoll(QXHostValue, QXHostValue, QXHostValue, QXBool* reconnect) override {
+    return poll ? poll(reconnect) : QXBool{0};
+  }
+  QXBool FTPDownloadFile(const char* remote, const char* local, std::uint32_t retries) override {
+    note("FTPDownloadFile", remote, local, retries);
+    return ended(download ? download(remote, local) : TQXIP::FTPDownloadFile(remote, local, retries));
+  }
+  QXBool FTPUploadFile(const char* remote, const char* local, std::uint32_t retries) override {
+    note("FTPUploadFile", remote, local, retries);
+    return ended(upload ? upload(remote, local) : TQXIP::FTPUploadFile(remote, local, retries));
+  }
+  QXBool FTPCpyFile(const char* source, const char* destination, QXProgress progress, std::uint32_t retries,
+                    QXHostValue first, QXHostValue second) override {
+    note("FTPCpyFile", source, destination, progress != nullptr, retries, first, second);
+    return ended(copy ? copy()
+                      : TQXIP::FTPCpyFile(source, destination, progress, retries, first, second));
+  }
+  QXBool FTPMovFile(const char* source, const char* destination, QXProgress progress, std::uint32_t retries,
+                    QXHostValue first, QXHostValue second) override {
+    note("FTPMovFile", source, destination, progress != nullptr, retries, first, second);
+    return ended(move ? move()
+                      : TQXIP::FTPMovFile(source, destination, progress, retries, first, second));
+  }
+  QXBool FTPRmvFile(const char* path, std::uint32_t passes, std::uint32_t retries, QXHostValue first,
+                    QXHostValue second) override {
+    note("FTPRmvFile", path, passes, retries, first, second);
+    return ended(remove ? remove() : TQXIP::FTPRmvFile(path, passes, retries, first, second));
+  }
+  std::uint32_t FTPFileSize(const char* path, std::uint32_t retries, QXHostValue first,
+                            QXHostValue second) override {
+    note("FTPFileSize", path, retries, first, second);
+    return size ? size() : TQXIP::FTPFileSize(path, retries, first, second);
+  }
+  QXBool FTPWriteFile(const char* path, const void* data, std::uint32_t bytes, QXBool append,
+                      std::uint32_t reserved, std::uint32_t retries, QXHostValue first,
+                      QXHostValue second) override {
+    note("FTPWriteFile", path, bytes, int{append},
+         reserved, retries, first, second);
+    return ended(write ? write()
+                       : TQXIP::FTPWriteFile(path, data, bytes, append, reserved, retries, first, second));
+  }
+  QXBool FTPReadFile(const char* path, void** data, std::uint32_t* bytes, std::uint32_t reserved,
+                     std::uint32_t retries, QXHostValue first, QXHostValue second) override {
+    note("FTPReadFile", path, reserved, retries, first, second);
+    return ended(read ? read()
+                      : TQXIP::FTPReadFile(path, data, bytes, reserved, retries, first, second));
+  }
+  QXBool FTPRenameFile(const char* from, const char* to, std::uint32_t retries) override {
+    note("FTPRenameFile", from, to, retries);
+    return ended(rename ? rename() : TQXIP::FTPRenameFile(from, to, retries));
+  }
+
+ private:
+  static const char* shown(const char* text) { return text != nullptr ? text : "(null)"; }
+  template <typename Number>
+  static Number shown(Number number) {
+    return number;
+  }
+  template <typename... Arguments>
+  void note(const char* name, Arguments... arguments) {
+    std::ostringstream call;
+    call << name;
+    ((call << ' ' << shown(arguments)), ...);
+    const std::lock_guard lock(m_mutex);
+    m_calls.push_back(call.str());
+  }
+  QXBool ended(QXBool result) {
+    messagesAfter.emplace_back(m_szMessage);
+    return result;
+  }
+
+  // Workers call the slots, too.
+  mutable std::mutex m_mutex;
+  std::vector<std::string> m_calls;
+};

@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+// What goes wrong with an attempt to move content, how often it is tried again, and what the host hears of it.
+#include <chrono>
+
+#include "tests/client/ContentOperation.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr milliseconds kPause{10};  // before each retry
+constexpr const char* kRefuses = R"({"reply": "550 No"})";
+
+class ContentFailure : public ContentOperationTest {};
+
+TEST_P(ContentFailure, AClientThatIsNotInitialisedAsksNobody) {
+  const fixture::ScriptedFtp server(script(""));
+  loginAt(server);
+  client.m_bInitialized = 0;
+  client.poll = [](QXHostValue, QXHostValue, QXHostValue, QXBool*) -> QXBool {
+    ADD_FAILURE() << "no worker, no poll";
+    return 1;
+  };
+  if (operation.verb == std::string("STOR")) {
+    EXPECT_EQ(run(3), 0);
+  } else {
+    void* data = nullptr;
+    std::uint32_t size = 0;
+    const bool reads = operation.function == std::string("FTPReadFile");
+    EXPECT_EQ(reads ? client.FTPReadFile("/a", &data, &size, 0, 3, 0, 0) : run(3), 0);
+  }
+  client.m_bInitialized = 1;
+  EXPECT_EQ(server.connections().size(), 0u);
+  EXPECT_TRUE(client.calls().empty());
+  EXPECT_EQ(client.m_szMessage, failedLine);
+  EXPECT_THAT(record, ReportsFrom(failedLine, operation.line));
+}
+
+TEST_P(ContentFailure, ARefusedLoginIsTriedAsOftenAsTheRetriesSay) {
+  for (const std::uint32_t retries : {0u, 1u, 3u}) {
+    const fixture::ScriptedFtp server(R"({"password": "another"})");
+    loginAt(server);
+    client.forget();
+    const auto start = steady_clock::now();
+    EXPECT_EQ(run(retries), 0);
+    EXPECT_GE(steady_clock::now() - start, kPause * retries);
+    expectAttempts(server, retries + 1);
+    EXPECT_EQ(client.count("OnIPError 12014"), retries + 1);
+    EXPECT_EQ(client.count("OnIPError"), retries + 1);
+    for (const std::string& call : client.calls()) EXPECT_EQ(call.find(" retries "), std::string::npos) << call;
+    EXPECT_EQ(client.m_szMessage, failedLine);
+    EXPECT_EQ(record.nError, 12014u);
+  }
+}
+
+TEST_P(ContentFailure, NobodyListens) {
+  const fixture::RefusedPort nobody;
+  loginAt(nobody);
+  EXPECT_EQ(run(1), 0);
+  EXPECT_EQ(client.count("OnIPError 12029"), 2u);
+  EXPECT_EQ(record.nError, 12029u);
+  EXPECT_EQ(client.m_szMessage, failedLine);
+}
+
+TEST_P(ContentFailure, ARefusedTransferIsTriedAsOftenAsTheRetriesSay) {
+  for (const std::uint32_t retries : {0u, 1u, 3u}) {
+    const fixture::ScriptedFtp server(script(rule("", kRefuses)));
+    loginAt(server);
+    client.forget();
+    const auto start = steady_clock::now();
+    EXPECT_EQ(run(retries), 0);
+    EXPECT_GE(steady_clock::now() - start, kPause * retries);
+    EXPECT_EQ(transfers(server), static_cast<int>(retries) + 1);
+    EXPECT_EQ(client.count("OnIPError 12003"), retries + 1);
+    EXPECT_EQ(record.nError, 12003u);
+    EXPECT_THAT(record, ShowsError(12003));
+    EXPECT_EQ(client.m_szMessage, failedLine);
+    EXPECT_FALSE(operation.verb == std::string("STOR") ? server.content("/a") != patternText(kContentSize)
+                                                       : server.exists("/b"));
+  }
+}
+
+TEST_P(ContentFailure, OnIPErrorOfATransferGetsTheCounter) {
+  const fixture::ScriptedFtp server(script(rule("", kRefuses)));
+  loginAt(server);
+  EXPECT_EQ(run(2), 0);
+  std::string counters;
+  for (const std::string& call : client.calls()) {
+    if (call.starts_with("OnIPError 12003")) counters += call.substr(call.rfind(" retries "));
+  }
+  EXPECT_EQ(counters, " retries 2 retries 1 retries 0");
+}
+
+TEST_P(ContentFailure, ARetryThatSucceedsIsASuccessThatStillReportsTheFailedAttempt) {
+  const fixture::ScriptedFtp server(script(rule(R"("nth": 1)", kRefuses)));
+  loginAt(server);
+  EXPECT_EQ(run(3), 1);
+  EXPECT_TRUE(arrived(server));
+  EXPECT_EQ(transfers(server), 2);
+  EXPECT_EQ(client.m_szMessage, failedLine);
+  EXPECT_EQ(record.nError, 12003u);
+}
+
+TEST_P(ContentFailure, EveryAttemptClosesItsConnections) {
+  const fixture::ScriptedFtp server(script(rule("", kRefuses)));
+  loginAt(server);
+  EXPECT_EQ(run(1), 0);
+  server.waitUntilAllClosed();
+  const auto connections = server.connections();
+  for (const auto& connection : connections) EXPECT_EQ(connection.commands.back(), "QUIT");
+}
+
+TEST_P(ContentFailure, WithoutAnErrorRecordAFailureChangesTheMessageAlone) {
+  const fixture::ScriptedFtp server(script(rule("", kRefuses)));
+  RecordingClient silent;
+  silent.FTPSetLogin("127.0.0.1", "u", "p", server.port(), 1);
+  EXPECT_EQ(operation.run(silent, {target, 1}), 0);
+  EXPECT_EQ(silent.m_szMessage, failedLine);
+}
+
+TEST_P(ContentFailure, AStallIsGivenUp) {
+  const fixture::ScriptedFtp server(script(rule("", R"({"normal": {"stall_after": 5000, "gate": "never"}})")));
+  loginAt(server);
+  shortenTimeouts();
+  EXPECT_EQ(run(), 0);
+  EXPECT_THAT(record, ShowsError(12002));
+  EXPECT_EQ(client.m_szMessage, failedLine);
+}
+
+TEST_P(ContentFailure, AStallInOneAttemptIsMadeUpForByTheNext) {
+  const fixture::ScriptedFtp server(
+      script(rule(R"("nth": 1)", R"({"normal": {"stall_after": 5000, "gate": "never"}})")));
+  loginAt(server);
+  shortenTimeouts();
+  EXPECT_EQ(run(1), 1);
+  EXPECT_TRUE(arrived(server));
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, ContentFailure, testing::ValuesIn(kContentOperations), nameOfOperation);
+
+// Transfers that break off or that the server takes back at their end.
+constexpr BadEnd kBadEnds[] = {
+    {"ResetInTheMiddle", R"({"reset_after": 20000})", 0},
+    {"ClosedInTheMiddle", R"({"close_after": 20000})", 0},
+    {"ClosedInTheMiddleAndRefused", R"({"close_after": 20000, "final": "451 Local error"})", 0},
+    {"RefusedAtTheEnd", R"({"final": "552 Disk full"})", 12003},
+    {"AbortedAtTheEnd", R"({"final": "426 Aborted"})", 12030},
+    {"SilentAtTheEnd", R"({"final": null})", 12002},
+};
+
+class ContentBadEnd : public ContentTest,
+                      public testing::WithParamInterface<std::tuple<ContentOperation, BadEnd>> {
+ protected:
+  const std::string target = localName(local);
+  const ContentOperation operation = std::get<0>(GetParam());
+  const BadEnd end = std::get<1>(GetParam());
+  const std::string failedLine = operation.failedLine(target);
+
+  [[nodiscard]] std::string script(const char* which) const {
+    return std::string("{") + kContentTree + ", \"rules\": [{\"on\": \"" + operation.verb + "\", " + which +
+           "\"do\": [{\"normal\": " + end.options + "}]}]}";
+  }
+};
+
+TEST_P(ContentBadEnd, IsNoSuccess) {
+  const fixture::ScriptedFtp server(script(""));
+  loginAt(server);
+  shortenTimeouts();
+  EXPECT_EQ(operation.run(client, {target, 1}), 0);
+  EXPECT_EQ(server.commandCount(operation.verb), 2);
+  EXPECT_EQ(record.bSet, 1u);
+  if (end.error != 0) EXPECT_THAT(record, ShowsError(end.error));
+  EXPECT_EQ(client.m_szMessage, failedLine);
+  EXPECT_FALSE(server.exists("/b"));
+  EXPECT_EQ(leftInTemporary(), Names{});
+}
+
+TEST_P(ContentBadEnd, IsMadeUpForByTheNextAttempt) {
+  const fixture::ScriptedFtp server(script("\"nth\": 1, "));
+  loginAt(server);
+  shortenTimeouts();
+  EXPECT_EQ(operation.run(client, {target, 1}), 1);
+  EXPECT_TRUE(operation.arrived(server, target));
+  EXPECT_EQ(server.commandCount(operation.verb), 2);
+  EXPECT_EQ(record.bSet, 1u) << "the failed attempt is reported";
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, ContentBadEnd,
+                         testing::Combine(testing::ValuesIn(kContentOperations), testing::ValuesIn(kBadEnds)),
+                         [](const auto& instance) {
+                           return std::string(std::get<0>(instance.param).name) +
+                                  std::get<1>(instance.param).name;
+                         });
+
+}  // namespace
