@@ -33,6 +33,10 @@ struct ContentOperation {
   }
 };
 
+inline std::ostream& operator<<(std::ostream& out, const ContentOperation& operation) {
+  return out << operation.name;
+}
+
 namespace content_operations {
 
 inline std::string ofOnePath(const std::string& operation, const std::string&) {

@@ -3,6 +3,7 @@
 // and what OnPoll saw of the transfer block.
 #pragma once
 
+#include <atomic>
 #include <compare>
 #include <cstdint>
 #include <filesystem>
@@ -12,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "framework/platform/file.h"
 #include "tests/client/TransferTest.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -27,8 +29,10 @@ struct Progress {
   }
 };
 
-inline Progress progressIn(const QXTransfer& transfer) {
-  return {transfer.bValid, transfer.nTransferred, transfer.nTotal};
+// The worker may go on while OnPoll reads, so each member is read as a whole.
+inline Progress progressIn(QXTransfer& transfer) {
+  return {std::atomic_ref(transfer.bValid).load(), std::atomic_ref(transfer.nTransferred).load(),
+          std::atomic_ref(transfer.nTotal).load()};
 }
 
 // The first `size` bytes of a pattern.
@@ -71,7 +75,7 @@ class ContentTest : public TransferTest {
   // From now on every look of OnPoll at the transfer block is kept.
   void watchProgress() {
     client.poll = [this](QXHostValue, QXHostValue, QXHostValue transfer, QXBool*) -> QXBool {
-      seen.insert(progressIn(*reinterpret_cast<const QXTransfer*>(transfer)));
+      seen.insert(progressIn(*reinterpret_cast<QXTransfer*>(transfer)));
       return 0;
     };
   }
@@ -106,7 +110,10 @@ struct BadEnd {
   const char* name;
   const char* options;  // of the transfer in the server's script
   int error;
+  int errorOfUpload;
 };
+
+inline std::ostream& operator<<(std::ostream& out, const BadEnd& end) { return out << end.name; }
 
 // The number may come by way of OnIPError, or by the operation's own report.
 MATCHER_P(ShowsError, error, "") {
@@ -116,13 +123,25 @@ MATCHER_P(ShowsError, error, "") {
 }
 
 // Names with characters that shells, URLs or servers' option parsers take for something else.
-inline const char* const kOddNames[] = {"with blank",      "%41",     "a#b",    "what?",     "a;type=i",
-                                        "-l",              "--help",  "a'b\"c", "100% [x]*", "\xc3\xbcml\xc3\xa4ut",
+inline const char* const kOddNames[] = {"with blank",
+                                        "%41",
+                                        "a#b",
+                                        "what?",
+                                        "a;type=i",
+                                        "-l",
+                                        "--help",
+                                        "a'b\"c",
+                                        "100% [x]*",
+                                        "\xc3\xbcml\xc3\xa4ut",
                                         "\xe6\x96\x87.txt"};
 
 // Paths that may not go to a server.
 inline std::vector<std::string> badPaths() {
-  return {"/" + std::string(255, 'a'), std::string(300, 'a'), std::string(100'000, 'a'),
-          "/a\r\nDELE /b",             "/a\nb",               "/a\x7f",
+  return {"/" + std::string(255, 'a'),
+          std::string(300, 'a'),
+          std::string(100'000, 'a'),
+          "/a\r\nDELE /b",
+          "/a\nb",
+          "/a\x7f",
           "/\x01"};
 }

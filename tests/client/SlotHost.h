@@ -25,7 +25,7 @@ class SlotHost final : public TQXIP {
   std::vector<std::string> messagesAfter;
 
   // What the functions answer. None: the library's own function runs.
-  std::function<QXBool(const std::string& remote, const std::string& local)> download, upload;
+  std::function<QXBool(const std::string&remote, const std::string&local)> download, upload;
   std::function<QXBool()> copy, move, remove, rename, write, read;
   std::function<std::uint32_t()> size;
   std::function<QXBool(QXBool*)> poll;
@@ -44,14 +44,12 @@ class SlotHost final : public TQXIP {
   QXBool FTPCpyFile(const char* source, const char* destination, QXProgress progress, std::uint32_t retries,
                     QXHostValue first, QXHostValue second) override {
     note("FTPCpyFile", source, destination, progress != nullptr, retries, first, second);
-    return ended(copy ? copy()
-                      : TQXIP::FTPCpyFile(source, destination, progress, retries, first, second));
+    return ended(copy ? copy() : TQXIP::FTPCpyFile(source, destination, progress, retries, first, second));
   }
   QXBool FTPMovFile(const char* source, const char* destination, QXProgress progress, std::uint32_t retries,
                     QXHostValue first, QXHostValue second) override {
     note("FTPMovFile", source, destination, progress != nullptr, retries, first, second);
-    return ended(move ? move()
-                      : TQXIP::FTPMovFile(source, destination, progress, retries, first, second));
+    return ended(move ? move() : TQXIP::FTPMovFile(source, destination, progress, retries, first, second));
   }
   QXBool FTPRmvFile(const char* path, std::uint32_t passes, std::uint32_t retries, QXHostValue first,
                     QXHostValue second) override {
@@ -66,16 +64,14 @@ class SlotHost final : public TQXIP {
   QXBool FTPWriteFile(const char* path, const void* data, std::uint32_t bytes, QXBool append,
                       std::uint32_t reserved, std::uint32_t retries, QXHostValue first,
                       QXHostValue second) override {
-    note("FTPWriteFile", path, bytes, int{append},
-         reserved, retries, first, second);
+    note("FTPWriteFile", path, bytes, int{append}, reserved, retries, first, second);
     return ended(write ? write()
                        : TQXIP::FTPWriteFile(path, data, bytes, append, reserved, retries, first, second));
   }
   QXBool FTPReadFile(const char* path, void** data, std::uint32_t* bytes, std::uint32_t reserved,
                      std::uint32_t retries, QXHostValue first, QXHostValue second) override {
     note("FTPReadFile", path, reserved, retries, first, second);
-    return ended(read ? read()
-                      : TQXIP::FTPReadFile(path, data, bytes, reserved, retries, first, second));
+    return ended(read ? read() : TQXIP::FTPReadFile(path, data, bytes, reserved, retries, first, second));
   }
   QXBool FTPRenameFile(const char* from, const char* to, std::uint32_t retries) override {
     note("FTPRenameFile", from, to, retries);

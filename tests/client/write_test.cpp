@@ -20,10 +20,19 @@ Progress lastProgress(std::size_t size) {
   return {1, rest == 0 ? std::min(size, kChunk) : rest, size};
 }
 
-// All that the block may show while `size` bytes are written, after `before`.
+// All that OnPoll may see while `size` bytes are written, after `before`: the block as each chunk leaves it,
+// and, where OnPoll is looking just then, the total or the total and the count of the next chunk already.
 std::set<Progress> progressOf(std::size_t size, const Progress& before = {}) {
-  std::set<Progress> all{before, lastProgress(size)};
-  for (std::size_t done = kChunk; done < size; done += kChunk) all.insert({1, done, size});
+  std::set<Progress> all{before};
+  Progress last = before;
+  for (std::size_t done = 0; done < size;) {
+    done = std::min(done + kChunk, size);
+    const Progress next = done < size ? Progress{1, done, size} : lastProgress(size);
+    all.insert({last.valid, last.transferred, next.total});
+    all.insert({last.valid, next.transferred, next.total});
+    all.insert(next);
+    last = next;
+  }
   return all;
 }
 
@@ -112,7 +121,8 @@ TEST_F(Write, SendsBytesOfEveryValueUnchanged) {
 TEST_F(Write, NormalisesThePathTwice) {
   const fixture::ScriptedFtp server(R"({"tree": {"/pub/": {}}})");
   loginAt(server);
-  for (const char* path : {"\\pub\\a", "///pub/b", "/pub/c/", "pub/d"}) EXPECT_EQ(store("x", path), 1) << path;
+  for (const char* path : {"\\pub\\a", "///pub/b", "/pub/c/", "pub/d"})
+    EXPECT_EQ(store("x", path), 1) << path;
   EXPECT_EQ(server.names("/pub"), (Names{"a", "b", "c", "d"}));
 }
 
