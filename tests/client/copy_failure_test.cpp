@@ -188,10 +188,12 @@ TEST_F(CopyFailure, OddNamesAreNamesLikeOthers) {
   const fixture::ScriptedFtp server(R"({"tree": {"/d/": {}, "/a": "one"}})");
   loginAt(server);
   for (const std::string name : kOddNames) {
+    // The copy on the disk has the target's name, so the disk has to take that.
+    const bool possible = std::ofstream(folder.file(name)).good();
     const std::string path = "/d/" + name;
-    EXPECT_EQ(copy("/a", path.c_str()), 1) << name;
-    ASSERT_TRUE(server.exists(path)) << name;
-    EXPECT_EQ(server.content(path), "one");
+    EXPECT_EQ(copy("/a", path.c_str()), possible ? 1 : 0) << name;
+    EXPECT_EQ(server.exists(path), possible) << name;
+    if (!possible) continue;
     EXPECT_EQ(copy(path.c_str(), target.c_str()), 1) << name;
     EXPECT_EQ(content(), "one");
     std::filesystem::remove(local);
