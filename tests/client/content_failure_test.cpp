@@ -83,6 +83,15 @@ TEST_P(ContentFailure, ARefusedTransferIsTriedAsOftenAsTheRetriesSay) {
   }
 }
 
+TEST_P(ContentFailure, AServerThatHangsUpIsTriedAsOftenAsTheRetriesSay) {
+  const fixture::ScriptedFtp server(script(rule("", "\"close\"")));
+  loginAt(server);
+  EXPECT_EQ(run(2), 0);
+  EXPECT_EQ(transfers(server), 3);
+  EXPECT_EQ(client.count("OnIPError 12030"), 3u);
+  EXPECT_EQ(record.nError, 12030u);
+}
+
 TEST_P(ContentFailure, OnIPErrorOfATransferGetsTheCounter) {
   const fixture::ScriptedFtp server(script(rule("", kRefuses)));
   loginAt(server);
@@ -141,76 +150,5 @@ TEST_P(ContentFailure, AStallInOneAttemptIsMadeUpForByTheNext) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Operations, ContentFailure, testing::ValuesIn(kContentOperations), nameOfOperation);
-
-// Transfers that break off, or that the server takes back at their end.
-constexpr BadEnd kBadEnds[] = {
-    {"ResetInTheMiddle", R"({"reset_after": 20000})", 12030, 12030},
-    {"ClosedInTheMiddle", R"({"close_after": 20000})", 12030, 12031},
-    {"ClosedInTheMiddleAndRefused", R"({"close_after": 20000, "final": "451 Local error"})", 12003, 12003},
-    {"RefusedAtTheEnd", R"({"final": "552 Disk full"})", 12003, 12003},
-    {"AbortedAtTheEnd", R"({"final": "426 Aborted"})", 12030, 12030},
-    {"SilentAtTheEnd", R"({"final": null})", 12002, 12002},
-};
-
-class ContentBadEnd : public ContentTest,
-                      public testing::WithParamInterface<std::tuple<ContentOperation, BadEnd>> {
- protected:
-  const std::string target = localName(local);
-  const ContentOperation operation = std::get<0>(GetParam());
-  const BadEnd end = std::get<1>(GetParam());
-  const std::string failedLine = operation.failedLine(target);
-
-  [[nodiscard]] std::string script(const char* which) const {
-    return std::string("{") + kContentTree + ", \"rules\": [{\"on\": \"" + operation.verb + "\", " + which +
-           "\"do\": [{\"normal\": " + end.options + "}]}]}";
-  }
-};
-
-TEST_P(ContentBadEnd, IsNoSuccess) {
-  const fixture::ScriptedFtp server(script(""));
-  loginAt(server);
-  if (end.error == 12002) shortenTimeouts();
-  const bool writes = operation.verb == std::string("STOR");
-  if (writes && end.name == std::string("ResetInTheMiddle")) {
-    // An aborted connection of a connected client arms the retry counter each time: the host has the say.
-    client.poll = [&](QXHostValue, QXHostValue, QXHostValue, QXBool*) -> QXBool {
-      return server.ruleFired(0) > 4 ? 1 : 0;
-    };
-  }
-  EXPECT_EQ(operation.run(client, {target, 1}), 0);
-  EXPECT_EQ(server.ruleFired(0), client.poll ? 5 : 2);
-  EXPECT_THAT(record, ShowsError(writes ? end.errorOfUpload : end.error));
-  EXPECT_EQ(client.m_szMessage, failedLine);
-  EXPECT_FALSE(server.exists("/b"));
-  EXPECT_EQ(leftInTemporary(), Names{});
-}
-
-TEST_P(ContentBadEnd, IsMadeUpForByTheNextAttempt) {
-  const fixture::ScriptedFtp server(script("\"nth\": 1, "));
-  loginAt(server);
-  if (end.error == 12002) shortenTimeouts();
-  EXPECT_EQ(operation.run(client, {target, 1}), 1);
-  EXPECT_TRUE(operation.arrived(server, target));
-  EXPECT_EQ(server.commandCount(operation.verb), 2);
-  EXPECT_EQ(record.bSet, 1u) << "the failed attempt is reported";
-}
-
-INSTANTIATE_TEST_SUITE_P(Operations, ContentBadEnd,
-                         testing::Combine(testing::ValuesIn(kContentOperations), testing::ValuesIn(kBadEnds)),
-                         [](const auto& instance) {
-                           return std::string(std::get<0>(instance.param).name) +
-                                  std::get<1>(instance.param).name;
-                         });
-
-// The worker's own connection counts as the client's: its abortion arms even a retry count of 0.
-TEST_F(ContentTest, AnAbortedWriteIsTriedAgainUntilItSucceeds) {
-  const fixture::ScriptedFtp server(
-      R"({"rules": [{"on": "STOR", "nth": [1, 2, 3], "do": [{"normal": {"reset_after": 20000}}]}]})");
-  loginAt(server);
-  EXPECT_EQ(content_operations::write(client, {}), 1);
-  EXPECT_TRUE(server.matches("/a", kContentSeed, kContentSize));
-  EXPECT_EQ(server.commandCount("STOR"), 4);
-  EXPECT_EQ(client.count("FTPReConnect 1 0"), 3u);
-}
 
 }  // namespace

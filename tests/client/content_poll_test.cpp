@@ -38,6 +38,30 @@ TEST_P(ContentPoll, CancellingAStalledTransferEndsTheOperationAndItsConnections)
   EXPECT_EQ(leftInTemporary(), Names{});
 }
 
+TEST_P(ContentPoll, CancellingWhileTheServerHasNotGreetedEndsTheOperation) {
+  const fixture::Blackhole server;
+  loginAt(server);
+  client.poll = [&](QXHostValue, QXHostValue, QXHostValue, QXBool*) -> QXBool {
+    server.waitFor(R"({"connections": 1})");
+    return 1;
+  };
+  EXPECT_EQ(run(3), 0);
+  server.waitFor(R"({"closed": 1})");
+  EXPECT_EQ(client.count("OnIPError"), 0u);
+  EXPECT_THAT(record, ReportsFrom(failedLine, operation.line));
+}
+
+TEST_P(ContentPoll, CancellingEndsTheRetries) {
+  const fixture::ScriptedFtp server(script(rule("", R"({"reply": "550 No"})")));
+  loginAt(server);
+  client.poll = [&](QXHostValue, QXHostValue, QXHostValue, QXBool*) -> QXBool {
+    return server.ruleFired(0) > 3 ? 1 : 0;
+  };
+  EXPECT_EQ(run(4'000'000'000), 0);
+  server.waitUntilAllClosed();
+  EXPECT_EQ(client.m_szMessage, failedLine);
+}
+
 TEST_P(ContentPoll, CancellingWinsOverReconnecting) {
   const fixture::ScriptedFtp server(script(rule("", kStalls)));
   loginAt(server);

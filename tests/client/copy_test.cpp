@@ -98,6 +98,13 @@ TEST_F(Copy, TheServersFileIsReplaced) {
   EXPECT_EQ(server.content("/b"), "new");
 }
 
+TEST_F(Copy, AFileIsCopiedOntoItself) {
+  const fixture::ScriptedFtp server(serving(10'000));
+  loginAt(server);
+  EXPECT_EQ(copy("/a", "/a"), 1);
+  EXPECT_TRUE(server.matches("/a", 7, 10'000));
+}
+
 TEST_F(Copy, TheLocalFileIsReplaced) {
   const fixture::ScriptedFtp server(R"({"tree": {"/a": "new"}})");
   loginAt(server);

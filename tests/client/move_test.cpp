@@ -170,6 +170,13 @@ TEST_F(Move, ACancelledCopyLeavesTheSource) {
   EXPECT_EQ(content(), "mine");
 }
 
+TEST_F(Move, ACancelledCopyIsTriedAgainWhileRetriesAreLeft) {
+  host.poll = [](QXBool*) { return QXBool{1}; };
+  EXPECT_EQ(move("/a", "/b", 2), 0);
+  EXPECT_EQ(host.calls().size(), 6u) << "three moves, three copies";
+  EXPECT_TRUE(server.exists("/a"));
+}
+
 struct BadMove {
   const char* name;
   const char* from;

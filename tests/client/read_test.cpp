@@ -180,6 +180,15 @@ TEST_F(Read, AFileThatIsShorterThanItsSizeIsAFailure) {
   EXPECT_THAT(record, ShowsError(12030));
 }
 
+TEST_F(Read, AFileThatHasGrownSinceItWasMeasuredGivesItsFirstBytes) {
+  const fixture::ScriptedFtp server(
+      R"({"tree": {"/a": {"size": 5000, "seed": 7}},
+          "rules": [{"on": "RETR", "do": [{"normal": {"extra_bytes": 3000000, "opening": "150 Opening"}}]}]})");
+  loginAt(server);
+  EXPECT_EQ(fetch(), 1);
+  EXPECT_EQ(taken(), patternText(5000));
+}
+
 TEST_F(Read, NormalisesThePathTwice) {
   const fixture::ScriptedFtp server(R"({"tree": {"/pub/a": "one"}})");
   loginAt(server);

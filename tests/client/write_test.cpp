@@ -101,6 +101,14 @@ TEST_F(Write, TheBlockOfOneWriteIsNeverMixedWithThatOfTheNext) {
   expectOnly(progressOf(20'000, before));
 }
 
+TEST_F(Write, TheBlockKeepsTheLastValues) {
+  const fixture::ScriptedFtp server(R"({"rules": [{"on": "STOR", "nth": 2, "do": [{"reply": "553 No"}]}]})");
+  loginAt(server);
+  EXPECT_EQ(store("four"), 1);
+  EXPECT_EQ(store("three"), 0);
+  EXPECT_EQ(progressIn(client.m_Transfer), (Progress{1, 4, 4}));
+}
+
 TEST_F(Write, ReplacesALongerFile) {
   const fixture::ScriptedFtp server(R"({"tree": {"/a": "a longer old content"}})");
   loginAt(server);
