@@ -217,6 +217,16 @@ TEST_F(AppendSlots, AFailedUploadIsRetriedFromTheOpeningOnWithTheCountThatIsLeft
   EXPECT_EQ(leftInTemporary(), Names{});
 }
 
+// A retry ends, lines and reports included, inside the attempt that it repeats.
+TEST_F(AppendSlots, TheInnermostAttemptReportsFirst) {
+  host.download = [error = 11u](const std::string&, const std::string&) mutable -> QXBool {
+    platform::setLastError(error++);
+    return 0;
+  };
+  EXPECT_EQ(append("/a.txt", 2), 0);
+  EXPECT_THAT(record, ReportsLastError("TQXIP::FTPWriteFileThr '/a.txt' failed!", 13u, 8489));
+}
+
 TEST_F(AppendSlots, ADownloadThatLeavesNoFileIsAFailure) {
   host.download = [](const std::string&, const std::string&) { return QXBool{1}; };
   EXPECT_EQ(append("/a.txt", 0), 0);

@@ -55,7 +55,9 @@ TEST_P(ContentBadEnd, IsMadeUpForByTheNextAttempt) {
   EXPECT_EQ(operation.run(client, {target, 1}), 1);
   EXPECT_TRUE(operation.arrived(server, target));
   EXPECT_EQ(server.commandCount(operation.verb), 2);
-  EXPECT_EQ(record.bSet, 1u) << "the failed attempt is reported";
+  EXPECT_THAT(record, ShowsError(operation.verb == std::string("STOR") ? end.errorOfUpload : end.error))
+      << "the failed attempt is reported";
+  EXPECT_EQ(client.m_szMessage, failedLine);
 }
 
 INSTANTIATE_TEST_SUITE_P(Operations, ContentBadEnd,
@@ -64,35 +66,6 @@ INSTANTIATE_TEST_SUITE_P(Operations, ContentBadEnd,
                            return std::string(std::get<0>(instance.param).name) +
                                   std::get<1>(instance.param).name;
                          });
-
-// A retry ends, lines and reports included, inside the attempt that it repeats: the first report is the last
-// attempt's.
-class ContentReports : public ContentOperationTest {};
-
-TEST_P(ContentReports, TheInnermostAttemptReportsFirst) {
-  const fixture::ScriptedFtp server(script(rule(R"("nth": 1)", R"({"normal": {"final": "552 Full"}})") +
-                                           ", " + rule("", R"({"normal": {"final": "426 Aborted"}})")));
-  loginAt(server);
-  EXPECT_EQ(run(1), 0);
-  EXPECT_EQ(transfers(server), 2);
-  EXPECT_EQ(client.count("OnIPError"), 0u);
-  EXPECT_THAT(record, ReportsFrom(workerFailedLine, operation.workerLine));
-  EXPECT_THAT(record, ShowsError(12030));
-  EXPECT_EQ(record.nError, 0u);
-  EXPECT_EQ(client.m_szMessage, failedLine);
-}
-
-TEST_P(ContentReports, AFailedAttemptIsReportedThoughItsRetrySucceeds) {
-  const fixture::ScriptedFtp server(script(rule(R"("nth": 1)", R"({"normal": {"final": "552 Full"}})")));
-  loginAt(server);
-  EXPECT_EQ(run(1), 1);
-  EXPECT_TRUE(arrived(server));
-  EXPECT_THAT(record, ReportsFrom(workerFailedLine, operation.workerLine));
-  EXPECT_THAT(record, ShowsError(12003));
-  EXPECT_EQ(client.m_szMessage, failedLine);
-}
-
-INSTANTIATE_TEST_SUITE_P(Operations, ContentReports, testing::ValuesIn(kContentOperations), nameOfOperation);
 
 // The worker's own connection counts as the client's: its abortion arms even a retry count of 0.
 TEST_F(ContentTest, AnAbortedWriteIsTriedAgainUntilItSucceeds) {

@@ -138,6 +138,21 @@ TEST_F(CopyFailure, IntoAFolderThatIsNotThereFailsAfterTheTransferWasOpened) {
   server.waitUntilAllClosed();
 }
 
+// A retry ends, lines and reports included, inside the attempt that it repeats.
+TEST_F(CopyFailure, TheInnermostAttemptReportsFirst) {
+  const fixture::ScriptedFtp server(R"({"tree": {"/a": "one"}})");
+  SlotHost host(&record);
+  host.FTPSetLogin("127.0.0.1", "user", "secret", server.port(), 1);
+  const std::string native = folder.file("none") + "/x";
+  host.size = [attempts = 0, native]() mutable {
+    if (++attempts == 2) std::filesystem::create_directories(native);
+    return 3u;
+  };
+  EXPECT_EQ(host.FTPCpyFile("/a", localName(native).c_str(), nullptr, 1, 0, 0), 0);
+  EXPECT_THAT(record, ReportsLastError(lineOf("FTPCpyFileThr", "/a", localName(native)), 5u, 6082))
+      << "first the folder was missing (3), then it was one itself (5)";
+}
+
 TEST_F(CopyFailure, OntoAFolderFails) {
   const fixture::ScriptedFtp server(R"({"tree": {"/a": "one"}})");
   loginAt(server);

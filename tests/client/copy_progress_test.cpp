@@ -162,8 +162,14 @@ TEST_F(CopyProgress, StoppingAnUploadSendsNothing) {
 TEST_F(CopyProgress, EveryAttemptCallsAnew) {
   const fixture::ScriptedFtp server(
       R"({"tree": {"/a": {"size": 10000}},
-          "rules": [{"on": "RETR", "nth": 1, "do": [{"normal": {"close_after": 5000, "final": "451 No"}}]}]})");
+          "rules": [{"on": "RETR", "nth": 1,
+                     "do": [{"normal": {"stall_after": 5000, "gate": "called", "close_after": 5000,
+                                        "final": "451 No"}}]}]})");
   loginAt(server);
+  ProgressLog::stop() = [&] {
+    server.release("called");
+    return QXBool{0};
+  };
   EXPECT_EQ(copy("/a", target, 1), 1);
   EXPECT_EQ(progress.percentages(), (Percentages{40, 40, 81, 100}));
 }
