@@ -174,6 +174,23 @@ std::string RealServer::folder() const { return started().at("folder"); }
 
 int RealServer::connectionCount() const { return log().at("connections"); }
 
+ScriptedHttp::ScriptedHttp(std::string_view script) : ScriptedHttp(parsed(script)) {}
+
+ScriptedHttp::ScriptedHttp(const json& script) : Server("http-script", script) {}
+
+std::vector<std::string> ScriptedHttp::requests() const {
+  std::vector<std::string> all;
+  const json recorded = log();
+  for (const json& request : recorded.at("requests")) all.push_back(request.at("raw"));
+  return all;
+}
+
+int ScriptedHttp::connectionCount() const { return log().at("connections"); }
+
+void ScriptedHttp::waitAtGate(const std::string& gate) const { waitFor(json{{"waiting", gate}}.dump()); }
+
+void ScriptedHttp::release(const std::string& gate) const { ask("release", {{"gate", gate}}); }
+
 Blackhole::Blackhole(bool accepts, const std::string& host)
     : Server("tcp-blackhole", {{"accept", accepts}, {"host", host}}) {}
 

@@ -135,6 +135,20 @@ class RealServer : public FileServer {
   [[nodiscard]] int connectionCount() const;
 };
 
+// The scripted web server.
+class ScriptedHttp : public Server {
+ public:
+  // `script` is JSON; {} answers every request with an empty 200.
+  explicit ScriptedHttp(std::string_view script = "{}");
+  explicit ScriptedHttp(const nlohmann::json& script);
+
+  // Every byte of the request heads, in the order of their coming.
+  [[nodiscard]] std::vector<std::string> requests() const;
+  [[nodiscard]] int connectionCount() const;
+  void waitAtGate(const std::string& gate) const;
+  void release(const std::string& gate) const;
+};
+
 // Accepts and says nothing; or, with `accepts` false, lets even the connecting hang.
 class Blackhole : public Server {
  public:
