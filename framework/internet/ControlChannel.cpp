@@ -6,7 +6,6 @@
 
 #include "framework/internet/Failure.h"
 #include "framework/internet/InternetErrors.h"
-#include "framework/internet/NameLookup.h"
 #include "framework/platform/stop_token.h"
 
 namespace internet {
@@ -18,27 +17,13 @@ namespace {
 
 constexpr milliseconds kAtOnce{0};
 
-std::uint32_t errorOf(IoStatus status) noexcept {
-  return status == IoStatus::reset ? kConnectionReset : kConnectionAborted;
-}
-
 }  // namespace
 
 ControlChannel::ControlChannel(std::shared_ptr<SessionLink> session) noexcept
-    : session_(std::move(session)), closeError_(kConnectionAborted) {}
+    : dialer_(std::move(session)), closeError_(kConnectionAborted) {}
 
 void ControlChannel::open(const std::string& server, std::uint16_t port) {
-  const Deadline deadline(session_->timeouts().connect);
-  notify(kStatusResolvingName, server);
-  const auto addresses = resolve(server, port, deadline);
-  notify(kStatusNameResolved, platform::addressText(addresses.front()));
-  announced_ = true;
-  notify(kStatusConnecting);
-  auto sock = connectToAny(addresses, deadline);
-  if (!sock) fail(deadline.passed() ? kTimeout : kCannotConnect);
-  sock->socket().keepAlive();
-  sock->socket().noDelay();
-  sock_ = std::move(sock);
+  sock_ = dialer_.connect(server, port);
   awaiting_ = true;  // the greeting
   notify(kStatusConnected);
 }
@@ -85,7 +70,7 @@ void ControlChannel::sendAhead(std::string_view line, ReplyHandler handler) noex
 // nobody has asked for, which would otherwise be taken for the command's own.
 void ControlChannel::settle() {
   requireOpen();
-  const Deadline deadline(session_->timeouts().reply);
+  const Deadline deadline(dialer_.timeouts().reply);
   for (;;) {
     if (settleFirst_) deliverAhead();
     if (!settleFirst_) break;
@@ -100,22 +85,9 @@ void ControlChannel::settle() {
 }
 
 void ControlChannel::transmit(std::string_view bytes) {
-  const Deadline deadline(session_->timeouts().reply);
-  while (!bytes.empty()) {
-    const auto sent = sock_->send(bytes.data(), bytes.size());
-    if (sent.status == IoStatus::done) {
-      bytes.remove_prefix(sent.bytes);
-      continue;
-    }
-    if (sent.status == IoStatus::wouldBlock) {
-      std::array<platform::SocketInterest, 1> interest{{{&sock_->socket(), false, true}}};
-      if (wait(interest, deadline)) continue;
-      closeWith(kTimeout);
-    } else {
-      closeWith(errorOf(sent.status));
-    }
-    requireOpen();
-  }
+  const IoStatus status = sendAll(*sock_, bytes, Deadline(dialer_.timeouts().reply));
+  if (status != IoStatus::done) closeWith(errorOf(status));
+  requireOpen();
 }
 
 FtpReply ControlChannel::reply(milliseconds limit) {
@@ -178,20 +150,16 @@ void ControlChannel::deliverAhead() {
 
 // Takes what has come, else waits for it. False when the deadline has passed or the connection is closed.
 bool ControlChannel::receiveMore(const Deadline& deadline) {
-  while (isOpen()) {
-    std::array<char, 16 * 1024> buffer;
-    const auto received = sock_->receive(buffer.data(), buffer.size());
-    if (received.status == IoStatus::done) {
-      if (reader_.feed({buffer.data(), received.bytes})) return true;
-      closeWith(kInvalidServerResponse);
-    } else if (received.status != IoStatus::wouldBlock) {
-      closeWith(errorOf(received.status));
-    } else {
-      std::array interest{readInterest()};
-      if (!wait(interest, deadline)) return false;
-    }
+  if (!isOpen()) return false;
+  std::array<char, 16 * 1024> buffer;
+  const auto received = receiveSome(*sock_, buffer, deadline);
+  if (received.status == IoStatus::wouldBlock) return false;
+  if (received.status != IoStatus::done) {
+    closeWith(errorOf(received.status));
+  } else if (!reader_.feed({buffer.data(), received.bytes})) {
+    closeWith(kInvalidServerResponse);
   }
-  return false;
+  return isOpen();
 }
 
 platform::SocketInterest ControlChannel::readInterest() noexcept {
@@ -247,18 +215,7 @@ void ControlChannel::quit() noexcept {
 }
 
 void ControlChannel::reportClosed() {
-  if (isOpen() || !std::exchange(announced_, false)) return;
-  notify(kStatusClosing);
-  notify(kStatusClosed);
-}
-
-void ControlChannel::notify(std::uint32_t status, std::string text) {
-  if (platform::stopRequested()) return;
-  if (text.empty()) {
-    session_->notify(status, nullptr, 0);
-  } else {
-    session_->notify(status, text.data(), static_cast<std::uint32_t>(text.size() + 1));
-  }
+  if (!isOpen()) dialer_.reportClosed();
 }
 
 bool ControlChannel::takeAnswered() noexcept { return std::exchange(answered_, false); }

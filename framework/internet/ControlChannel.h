@@ -14,9 +14,8 @@
 #include <string>
 #include <string_view>
 
+#include "framework/internet/Dialer.h"
 #include "framework/internet/FtpReply.h"
-#include "framework/internet/SessionLink.h"
-#include "framework/internet/Sock.h"
 
 namespace internet {
 
@@ -69,7 +68,7 @@ class ControlChannel {
   // Reports 50 and 51 once for a connection that was announced by 20 and is closed now.
   void reportClosed();
   // Silent on a thread that was asked to stop.
-  void notify(std::uint32_t status, std::string text = {});
+  void notify(std::uint32_t status) { dialer_.notify(status); }
   // True when a final reply was reported since the last call (for notification 100).
   [[nodiscard]] bool takeAnswered() noexcept;
 
@@ -85,7 +84,7 @@ class ControlChannel {
   void accept(const FtpReply& reply);
   void closeWith(std::uint32_t error, std::string serverText = {}) noexcept;
 
-  std::shared_ptr<SessionLink> session_;
+  Dialer dialer_;
   std::unique_ptr<Sock> sock_;
   FtpReplyReader reader_;
   std::string queued_;                    // whole lines, not sent yet
@@ -94,7 +93,6 @@ class ControlChannel {
   bool settleFirst_ = false;              // what was sent ahead must be answered before the next command
   std::string aheadRefusal_;
   bool awaiting_ = false;
-  bool announced_ = false;  // 20 was reported, 50 and 51 not yet
   bool answered_ = false;
   std::uint32_t closeError_;  // why the connection is closed, and the server's last words
   std::string closeText_;

@@ -34,11 +34,11 @@ struct FtpListingText {
   std::string text;  // all that came
 };
 
-class FtpControl : public std::enable_shared_from_this<FtpControl> {
+class FtpControl : public SessionMember, public std::enable_shared_from_this<FtpControl> {
  public:
   // Connects and logs in, with notifications 10 to 41. Also fails with 12007, 12029, 12014, 12015.
   static std::shared_ptr<FtpControl> open(std::shared_ptr<SessionLink> session, FtpLogin login);
-  ~FtpControl();  // closes the socket silently
+  ~FtpControl() override;  // closes the socket silently
 
   // --- Frame of a public operation ---
 
@@ -113,7 +113,7 @@ class FtpControl : public std::enable_shared_from_this<FtpControl> {
   // True when the connection was closed by the server, now or before; reports 50 and 51 once.
   bool waitIdle(std::chrono::milliseconds duration);
   // QUIT without waiting, then 50, 51 (unless sent already) and 70. May be called again.
-  void close() noexcept;
+  void close() noexcept override;
 
   // --- For transfers ---
 

@@ -283,7 +283,7 @@ void FtpTransfer::dataFailed(IoStatus status) {
   } else {
     control_->channel().drop();
   }
-  fail(status == IoStatus::reset ? kConnectionReset : kConnectionAborted);
+  fail(errorOf(status));
 }
 
 }  // namespace internet

@@ -18,6 +18,7 @@ inline constexpr std::uint32_t kConnectionAborted = 12030;
 inline constexpr std::uint32_t kConnectionReset = 12031;
 inline constexpr std::uint32_t kTransferInProgress = 12110;
 inline constexpr std::uint32_t kInvalidServerResponse = 12152;
+inline constexpr std::uint32_t kHeaderAlreadyExists = 12155;
 
 // Status notifications.
 inline constexpr std::uint32_t kStatusResolvingName = 10;
@@ -40,6 +41,14 @@ inline constexpr std::uint32_t kGenericRead = 0x80000000u;
 inline constexpr std::uint32_t kGenericWrite = 0x40000000u;
 inline constexpr std::uint32_t kTransferTypeBinary = 2;
 inline constexpr std::uint32_t kFlagReload = 0x80000000u;
+inline constexpr std::uint32_t kFlagExistingConnect = 0x20000000u;
+inline constexpr std::uint32_t kFlagNoCacheWrite = 0x04000000u;
+inline constexpr std::uint32_t kAddIfNew = 0x10000000u;  // request headers
+
+// Session options; times in milliseconds.
+inline constexpr std::uint32_t kOptionConnectTimeout = 2;
+inline constexpr std::uint32_t kOptionConnectRetries = 3;  // attempts, the first one included
+inline constexpr std::uint32_t kOptionConnectBackoff = 4;
 
 inline constexpr std::uint16_t kDefaultFtpPort = 21;
 

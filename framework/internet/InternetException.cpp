@@ -32,6 +32,8 @@ std::string_view ownText(std::uint32_t error) noexcept {
       return "The connection with the server was reset";
     case internet::kTransferInProgress:
       return "There is already a transfer in progress on this connection";
+    case internet::kHeaderAlreadyExists:
+      return "The HTTP header could not be added because it already exists";
     case internet::kInvalidServerResponse:
       return "The server returned an invalid or unrecognized response";
     default:

@@ -9,14 +9,16 @@ namespace internet {
 
 // Per session; a host of the classes may shorten them before it connects.
 struct Timeouts {
-  std::chrono::milliseconds connect{30'000};     // one control or data connection, all addresses together
-  std::chrono::milliseconds reply{30'000};       // one reply of the server
-  std::chrono::milliseconds data{30'000};        // no byte moved on a data connection
-  std::chrono::milliseconds finalReply{30'000};  // the reply that ends a transfer
-  std::chrono::milliseconds earlyClose{5'000};   // the reply after a transfer was given up half-way
-  std::chrono::milliseconds dataError{3'000};    // the reply that explains a broken data connection
-  std::chrono::milliseconds epsvProbe{5'000};    // a host's first EPSV port, before PASV is tried
-  std::chrono::milliseconds endOfData{1'000};    // a refusal behind the end of data whose size is not known
+  std::chrono::milliseconds connect{30'000};  // one control or data connection, all addresses together
+  unsigned connectAttempts = 1;
+  std::chrono::milliseconds connectBackoff{1'000};  // between two attempts
+  std::chrono::milliseconds reply{30'000};          // one reply of the server
+  std::chrono::milliseconds data{30'000};           // no byte moved on a data connection
+  std::chrono::milliseconds finalReply{30'000};     // the reply that ends a transfer
+  std::chrono::milliseconds earlyClose{5'000};      // the reply after a transfer was given up half-way
+  std::chrono::milliseconds dataError{3'000};       // the reply that explains a broken data connection
+  std::chrono::milliseconds epsvProbe{5'000};       // a host's first EPSV port, before PASV is tried
+  std::chrono::milliseconds endOfData{1'000};  // a refusal behind the end of data whose size is not known
 };
 
 inline constexpr std::size_t kMaxReplyLine = 64 * 1024;     // bytes of one reply line

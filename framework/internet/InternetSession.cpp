@@ -11,6 +11,8 @@
 #include "framework/internet/Failure.h"
 #include "framework/internet/FtpConnection.h"
 #include "framework/internet/FtpControl.h"
+#include "framework/internet/HttpConnection.h"
+#include "framework/internet/HttpSite.h"
 #include "framework/internet/InternetErrors.h"
 #include "framework/internet/SessionLink.h"
 #include "framework/platform/last_error.h"
@@ -54,7 +56,12 @@ struct CInternetSession::Impl final : internet::SessionLink {
   std::uintptr_t context = 1;
   bool callbackEnabled = false;
   internet::Timeouts currentTimeouts = timeoutsToStartWith();
-  std::vector<std::weak_ptr<FtpControl>> connections;
+  std::vector<std::weak_ptr<internet::SessionMember>> members;  // that may still be open
+
+  void adopt(const std::shared_ptr<internet::SessionMember>& member) {
+    std::erase_if(members, [](const auto& known) { return known.expired(); });
+    members.push_back(member);
+  }
 };
 
 namespace {
@@ -99,19 +106,50 @@ CFtpConnection* CInternetSession::GetFtpConnection(const char* server, const cha
     auto login = checkedLogin(server, user, password, port, passive);
     if (!platform::startSockets()) internet::fail(platform::lastError());
     const auto control = FtpControl::open(impl, std::move(login));
-    std::erase_if(impl->connections, [](const auto& known) { return known.expired(); });
-    impl->connections.push_back(control);
+    impl->adopt(control);
     connection.reset(new CFtpConnection(control));
     control->channel().notify(internet::kStatusHandleCreated);
   });
   return connection.release();
 }
 
+CHttpConnection* CInternetSession::GetHttpConnection(const char* server, std::uint16_t port, const char*,
+                                                     const char*) {
+  std::unique_ptr<CHttpConnection> connection;
+  internet::raising([&, impl = m_impl] {
+    if (!server || !*server) internet::fail(platform::kErrorInvalidParameter);
+    const auto site = std::make_shared<internet::HttpSite>(
+        impl, internet::HttpServer{server, port ? port : internet::kDefaultHttpPort});
+    impl->adopt(site);
+    connection.reset(new CHttpConnection(site));
+    site->notify(internet::kStatusHandleCreated);
+  });
+  return connection.release();
+}
+
+bool CInternetSession::SetOption(std::uint32_t option, std::uint32_t value) noexcept {
+  internet::Timeouts& timeouts = m_impl->currentTimeouts;
+  switch (option) {
+    case internet::kOptionConnectTimeout:
+      timeouts.connect = std::chrono::milliseconds(value);
+      return true;
+    case internet::kOptionConnectRetries:
+      timeouts.connectAttempts = value;
+      return true;
+    case internet::kOptionConnectBackoff:
+      timeouts.connectBackoff = std::chrono::milliseconds(value);
+      return true;
+    default:
+      platform::setLastError(platform::kErrorInvalidParameter);
+      return false;
+  }
+}
+
 void CInternetSession::Close() noexcept {
   // Taken out first: a notification may close or delete the session again.
-  const auto connections = std::exchange(m_impl->connections, {});
-  for (const auto& known : connections) {
-    if (const auto control = known.lock()) control->close();
+  const auto members = std::exchange(m_impl->members, {});
+  for (const auto& known : members) {
+    if (const auto member = known.lock()) member->close();
   }
 }
 

@@ -7,9 +7,11 @@
 #include <cstdint>
 #include <memory>
 
+#include "framework/internet/HttpUrl.h"
 #include "framework/internet/InternetLimits.h"
 
 class CFtpConnection;
+class CHttpConnection;
 
 class CInternetSession {
  public:
@@ -34,7 +36,18 @@ class CInternetSession {
                                    const char* password = nullptr, std::uint16_t port = 21,
                                    bool passive = false);
 
-  // Closes every connection made on this session that is still open (50, 51, 70 for each). Never throws.
+  // A web server to make requests to; port 0 is the default port. No I/O: what is wrong with the server shows
+  // in the requests. User and password are not used. The caller deletes the result (before or after this
+  // session). Throws CInternetException*: 87 for a null or empty name.
+  CHttpConnection* GetHttpConnection(const char* server, std::uint16_t port = internet::kDefaultHttpPort,
+                                     const char* user = nullptr, const char* password = nullptr);
+
+  // Sets one of the kOption... numbers, for connections made from now on. False with the last error 87 for
+  // any other.
+  bool SetOption(std::uint32_t option, std::uint32_t value) noexcept;
+
+  // Closes every connection and request made on this session that is still open (50, 51, 70 for each). Never
+  // throws.
   void Close() noexcept;
 
   void SetTimeouts(const internet::Timeouts& timeouts) noexcept;

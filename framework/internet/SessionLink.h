@@ -17,4 +17,12 @@ class SessionLink {
   [[nodiscard]] virtual Timeouts timeouts() const noexcept = 0;
 };
 
+// What was made on a session and ends with it at the latest.
+class SessionMember {
+ public:
+  virtual ~SessionMember() = default;
+  // May be called twice.
+  virtual void close() noexcept = 0;
+};
+
 }  // namespace internet

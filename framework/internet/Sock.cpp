@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "framework/internet/InternetErrors.h"
 #include "framework/internet/InternetLimits.h"
 #include "framework/platform/stop_token.h"
 
@@ -43,6 +44,32 @@ bool wait(std::span<platform::SocketInterest> interests, const Deadline& deadlin
       break;
   }
   return true;
+}
+
+IoStatus sendAll(Sock& sock, std::string_view bytes, const Deadline& deadline) {
+  while (!bytes.empty()) {
+    const auto sent = sock.send(bytes.data(), bytes.size());
+    if (sent.status == IoStatus::done) {
+      bytes.remove_prefix(sent.bytes);
+      continue;
+    }
+    std::array<platform::SocketInterest, 1> interest{{{&sock.socket(), false, true}}};
+    if (sent.status != IoStatus::wouldBlock || !wait(interest, deadline)) return sent.status;
+  }
+  return IoStatus::done;
+}
+
+platform::IoResult receiveSome(Sock& sock, std::span<char> buffer, const Deadline& deadline) {
+  for (;;) {
+    const auto received = sock.receive(buffer.data(), buffer.size());
+    std::array<platform::SocketInterest, 1> interest{{{&sock.socket(), true, false}}};
+    if (received.status != IoStatus::wouldBlock || !wait(interest, deadline)) return received;
+  }
+}
+
+std::uint32_t errorOf(IoStatus status) noexcept {
+  if (status == IoStatus::wouldBlock) return kTimeout;
+  return status == IoStatus::reset ? kConnectionReset : kConnectionAborted;
 }
 
 namespace {

@@ -6,8 +6,10 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -51,6 +53,13 @@ class Sock {
 // platform::OperationStopped.
 bool wait(std::span<platform::SocketInterest> interests, const Deadline& deadline,
           std::intptr_t signal = platform::kNoSignal);
+
+// Sends all. wouldBlock: not done before the deadline. Throws platform::OperationStopped, as the next one.
+platform::IoStatus sendAll(Sock& sock, std::string_view bytes, const Deadline& deadline);
+// What has come, at least one byte; wouldBlock: nothing before the deadline.
+platform::IoResult receiveSome(Sock& sock, std::span<char> buffer, const Deadline& deadline);
+// The internet error number of a stream that is not what it should be: timed out, reset, or aborted.
+std::uint32_t errorOf(platform::IoStatus status) noexcept;
 
 // Connects to the first address that answers; the next one is tried after a refusal or after
 // kNextAddressAfter without an answer, while the earlier attempts go on. Null when none answers before the

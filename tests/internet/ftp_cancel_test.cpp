@@ -1,20 +1,14 @@
 // SPDX-License-Identifier: MIT
 // A worker that is asked to stop leaves at once, wherever it waits, and leaves nothing behind. Measured from
 // the raising of the token until the worker has unwound everything: finder, file, connection and session.
-#include <condition_variable>
 #include <filesystem>
-#include <future>
-#include <iostream>
-#include <mutex>
 #include <nlohmann/json.hpp>
 #include <thread>
 
 #include "framework/internet/Failure.h"
 #include "framework/internet/FtpControl.h"
-#include "framework/internet/NameLookup.h"
-#include "framework/platform/stop_token.h"
+#include "tests/internet/CancelTest.h"
 #include "tests/internet/FtpTest.h"
-#include "tests/support/Median.h"
 #include "tests/support/ProcessCounters.h"
 
 namespace internet_tests {
@@ -23,59 +17,9 @@ namespace {
 using fixture::ScriptedFtp;
 using nlohmann::json;
 using namespace nlohmann::literals;
-using Milliseconds = std::chrono::duration<double, std::milli>;
-
-// Wine passes every wait through its server.
-constexpr bool kWindows = std::filesystem::path::preferred_separator == '\\';
-constexpr double kMostMs = kWindows ? 50 : 10;
-constexpr int kRuns = 7;
-
-// Something that one thread tells another.
-class Signal {
- public:
-  void give() { promise_.set_value(); }
-  void await() { promise_.get_future().wait(); }
-
- private:
-  std::promise<void> promise_;
-};
 
 class FtpCancel : public FtpTest {
  protected:
-  // Runs `work` on a thread with a stop token that is raised once `blocked` has returned.
-  template <class Work, class Blocked>
-  static double latencyMs(Work work, Blocked blocked) {
-    using Clock = std::chrono::steady_clock;
-    platform::StopToken token;
-    Clock::time_point ended;
-    bool stopped = false;
-    std::thread worker([&] {
-      const platform::StopToken::Scope scope(&token);
-      try {
-        work();
-      } catch (const platform::OperationStopped&) {
-        stopped = true;
-      }
-      ended = Clock::now();
-    });
-    blocked();
-    const auto raised = Clock::now();
-    token.raise();
-    worker.join();
-    EXPECT_TRUE(stopped) << "the call came back by itself";
-    return Milliseconds(ended - raised).count();
-  }
-
-  // The median over some runs of `once`, which returns the latency of one.
-  template <class Once>
-  void expectPrompt(const char* place, Once once) {
-    std::vector<double> latencies;
-    for (int i = 0; i < kRuns; ++i) latencies.push_back(once());
-    const double middle = testing_support::median(latencies);
-    std::cout << "[ latency  ] " << place << ": " << middle << " ms\n";
-    EXPECT_LE(middle, kMostMs) << place;
-  }
-
   // A login that runs on the calling thread and unwinds with it.
   struct Worker {
     explicit Worker(const fixture::Server& server, bool passive = true)
@@ -109,36 +53,6 @@ class FtpCancel : public FtpTest {
     const std::vector<char> buffer(1'000'000);
     for (int i = 0; i < 50; ++i) file->Write(buffer.data(), 1'000'000);
   }
-};
-
-// A lookup that takes as long as the test wants.
-struct SlowLookup {
-  SlowLookup() { internet::setResolverForTesting(&resolve); }
-  ~SlowLookup() {
-    internet::setResolverForTesting(nullptr);
-    std::unique_lock lock(mutex);
-    finished = true;
-    changed.notify_all();
-    changed.wait(lock, [] { return running == 0; });
-  }
-  static std::vector<platform::SocketAddress> resolve(const std::string&, std::uint16_t) {
-    std::unique_lock lock(mutex);
-    ++running;
-    changed.notify_all();
-    changed.wait(lock, [] { return finished; });
-    --running;
-    changed.notify_all();
-    return {};
-  }
-  static void awaitRunning(int count) {
-    std::unique_lock lock(mutex);
-    changed.wait(lock, [count] { return running == count; });
-  }
-
-  static inline std::mutex mutex;
-  static inline std::condition_variable changed;
-  static inline int running = 0;
-  static inline bool finished = false;
 };
 
 TEST_F(FtpCancel, InTheLookup) {

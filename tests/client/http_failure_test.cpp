@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+// HTTPDownloadFile: what fails on the network is shown, what fails in the local file is the caller's.
+#include <thread>
+
+#include "framework/File.h"
+#include "framework/platform/stop_token.h"
+#include "tests/client/HttpDownloadTest.h"
+
+namespace {
+
+using nlohmann::json;
+
+class HttpFailure : public HttpDownloadTest {
+ protected:
+  HttpFailure() {
+    internet::Timeouts timeouts;
+    timeouts.reply = timeouts.data = std::chrono::milliseconds(300);
+    internet::setTimeoutsForTesting(timeouts);
+  }
+
+  // Exactly one box, titled ERROR; returns its text.
+  template <class Work>
+  std::string shownBy(Work work) {
+    const auto boxes = boxesOf([&] { EXPECT_EQ(work(), 0u); });
+    EXPECT_EQ(boxes.size(), 1u);
+    if (boxes.empty()) return {};
+    EXPECT_EQ(boxes[0].caption, "ERROR");
+    EXPECT_FALSE(boxes[0].owned);
+    EXPECT_TRUE(boxes[0].topmost);
+    return boxes[0].text;
+  }
+  std::string shownFor(const json& answer) {
+    const auto server = answering(answer);
+    return shownBy([&] { return download(server); });
+  }
+};
+
+constexpr const char* kTimedOut = "The operation timed out";
+constexpr const char* kAborted = "The connection with the server was terminated abnormally";
+constexpr const char* kReset = "The connection with the server was reset";
+constexpr const char* kInvalid = "The server returned an invalid or unrecognized response";
+
+TEST_F(HttpFailure, ARefusedConnectionShowsOneBox) {
+  const fixture::RefusedPort refused;
+  EXPECT_EQ(shownBy([&] { return download(refused); }),
+            "A connection with the server could not be established");
+  EXPECT_FALSE(exists());
+  EXPECT_STREQ(client.m_szMessage, "");
+  EXPECT_TRUE(IsBlank(record));
+  EXPECT_TRUE(client.calls().empty()) << "no OnIPError";
+}
+
+TEST_F(HttpFailure, AnUnknownServerShowsOneBox) {
+  internet::setResolverForTesting(
+      [](const std::string&, std::uint16_t) { return std::vector<platform::SocketAddress>(); });
+  EXPECT_EQ(shownBy([&] { return client.HTTPDownloadFile("no.test", "/", 0, local.c_str(), nullptr, 0, 0); }),
+            "The server name or address could not be resolved");
+  internet::setResolverForTesting(nullptr);
+}
+
+TEST_F(HttpFailure, ANullOrEmptyServerShowsOneBox) {
+  for (const char* server : {static_cast<const char*>(nullptr), ""}) {
+    EXPECT_EQ(shownBy([&] { return client.HTTPDownloadFile(server, "/", 80, local.c_str(), nullptr, 0, 0); }),
+              SystemText(platform::kErrorInvalidParameter));
+  }
+  EXPECT_FALSE(exists());
+}
+
+TEST_F(HttpFailure, ANameThatCannotBeSentFailsInSilence) {
+  const fixture::ScriptedHttp server;
+  EXPECT_TRUE(boxesOf([&] {
+                EXPECT_EQ(download(server, "/a\r\nX: y"), 0u);
+                EXPECT_EQ(client.HTTPDownloadFile("127.0.0.1\r\nX: y", "/", server.port(), local.c_str(),
+                                                  nullptr, 0, 0),
+                          0u);
+              }).empty());
+  EXPECT_EQ(server.connectionCount(), 0);
+  EXPECT_FALSE(exists());
+}
+
+TEST_F(HttpFailure, BeforeTheBodyLeavesNoFile) {
+  EXPECT_EQ(shownFor({{"raw", ""}, {"end", "close"}}), kAborted);
+  EXPECT_EQ(shownFor({{"raw", ""}, {"end", "reset"}}), kReset);
+  EXPECT_EQ(shownFor({{"raw", "garbage\n"}}), kInvalid);
+  EXPECT_EQ(shownFor({{"raw", "HTTP/1.1 200 OK\r\nContent-Length: -1\r\n\r\n"}}), kInvalid);
+  EXPECT_EQ(shownFor({{"head_gate", "never"}}), kTimedOut);
+  EXPECT_FALSE(exists());
+}
+
+TEST_F(HttpFailure, InTheBodyLeavesThePartThatCame) {
+  const json body = {{"size", 10000}, {"seed", 4}};
+  const struct {
+    json answer;
+    const char* text;
+  } cases[] = {
+      {{{"body", body}, {"cut_after", 9000}}, kAborted},
+      {{{"body", body}, {"framing", "chunked"}, {"cut_after", 9000}}, kAborted},
+      {{{"body", body}, {"cut_after", 9000}, {"stall_after", 8500}, {"gate", "never"}}, kTimedOut},
+  };
+  for (const auto& [answer, text] : cases) {
+    EXPECT_EQ(shownFor(answer), text) << answer;
+    EXPECT_TRUE(testing_support::Pattern(4).matchesFile(local, 8192)) << "whole chunks of 4096";
+  }
+}
+
+TEST_F(HttpFailure, OfTheLengthIsShownAndStoresNothing) {
+  const auto server = answering({{"announce", "5"}, {"end", "close"}});
+  std::uint64_t length = 77;
+  EXPECT_EQ(shownBy([&] {
+              return client.HTTPDownloadFile("127.0.0.1", "/", server.port(), local.c_str(), &length, 0, 0);
+            }),
+            kAborted);
+  EXPECT_EQ(length, 77u);
+}
+
+TEST_F(HttpFailure, OfTheLocalFileIsTheCallersAndEndsTheRequest) {
+  const auto server = answering({{"body", {{"text", "abc"}}}});
+  const std::string missing = folder.file("no") + "/such/folder";
+  for (const char* file : {missing.c_str(), static_cast<const char*>(nullptr)}) {
+    std::uint32_t error = 0;
+    EXPECT_TRUE(boxesOf([&] {
+                  try {
+                    client.HTTPDownloadFile("127.0.0.1", "/", server.port(), file, nullptr, 0, 0);
+                  } catch (CFileException* exception) {
+                    error = exception->m_lOsError;
+                    exception->Delete();
+                  }
+                }).empty());
+    EXPECT_EQ(error, platform::kErrorPathNotFound);
+  }
+  server.waitFor(R"({"closed": 2})");
+  EXPECT_EQ(download(server), 1u) << "the client is as good as before";
+}
+
+TEST_F(HttpFailure, AStoppedCallerLeavesWithZero) {
+  const auto server = answering({{"head_gate", "gate"}});
+  platform::StopToken token;
+  std::thread stopper([&] {
+    server.waitAtGate("gate");
+    token.raise();
+  });
+  {
+    const platform::StopToken::Scope scope(&token);
+    EXPECT_EQ(download(server), 0u);
+  }
+  stopper.join();
+  server.waitFor(R"({"closed": 1})");
+}
+
+}  // namespace

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+// What the tests of stopped workers share: how long a blocked worker takes to come back, and a lookup to
+// block in.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <filesystem>
+#include <future>
+#include <iostream>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "framework/internet/NameLookup.h"
+#include "framework/platform/stop_token.h"
+#include "tests/support/Median.h"
+
+namespace internet_tests {
+
+// Wine passes every wait through its server.
+inline constexpr bool kWindows = std::filesystem::path::preferred_separator == '\\';
+inline constexpr double kMostMs = kWindows ? 50 : 10;
+inline constexpr int kRuns = 7;
+
+// Something that one thread tells another.
+class Signal {
+ public:
+  void give() { promise_.set_value(); }
+  void await() { promise_.get_future().wait(); }
+
+ private:
+  std::promise<void> promise_;
+};
+
+// Runs `work` on a thread with a stop token that is raised once `blocked` has returned.
+template <class Work, class Blocked>
+double latencyMs(Work work, Blocked blocked) {
+  using Clock = std::chrono::steady_clock;
+  using Milliseconds = std::chrono::duration<double, std::milli>;
+  platform::StopToken token;
+  Clock::time_point ended;
+  bool stopped = false;
+  std::thread worker([&] {
+    const platform::StopToken::Scope scope(&token);
+    try {
+      work();
+    } catch (const platform::OperationStopped&) {
+      stopped = true;
+    }
+    ended = Clock::now();
+  });
+  blocked();
+  const auto raised = Clock::now();
+  token.raise();
+  worker.join();
+  EXPECT_TRUE(stopped) << "the call came back by itself";
+  return Milliseconds(ended - raised).count();
+}
+
+// The median over some runs of `once`, which returns the latency of one.
+template <class Once>
+void expectPrompt(const char* place, Once once) {
+  std::vector<double> latencies;
+  for (int i = 0; i < kRuns; ++i) latencies.push_back(once());
+  const double middle = testing_support::median(latencies);
+  std::cout << "[ latency  ] " << place << ": " << middle << " ms\n";
+  EXPECT_LE(middle, kMostMs) << place;
+}
+
+// A lookup that takes as long as the test wants.
+struct SlowLookup {
+  SlowLookup() {
+    finished = false;
+    internet::setResolverForTesting(&resolve);
+  }
+  ~SlowLookup() {
+    internet::setResolverForTesting(nullptr);
+    std::unique_lock lock(mutex);
+    finished = true;
+    changed.notify_all();
+    changed.wait(lock, [] { return running == 0; });
+  }
+  static std::vector<platform::SocketAddress> resolve(const std::string&, std::uint16_t) {
+    std::unique_lock lock(mutex);
+    ++running;
+    changed.notify_all();
+    changed.wait(lock, [] { return finished; });
+    --running;
+    changed.notify_all();
+    return {};
+  }
+  static void awaitRunning(int count) {
+    std::unique_lock lock(mutex);
+    changed.wait(lock, [count] { return running == count; });
+  }
+
+  static inline std::mutex mutex;
+  static inline std::condition_variable changed;
+  static inline int running = 0;
+  static inline bool finished = false;
+};
+
+}  // namespace internet_tests
