@@ -67,6 +67,8 @@ class ControlChannel {
 
   // Reports 50 and 51 once for a connection that was announced by 20 and is closed now.
   void reportClosed();
+  // REQUIRES: !isOpen(). The same, then 70.
+  void reportEnd() noexcept { dialer_.reportEnd(); }
   // Silent on a thread that was asked to stop.
   void notify(std::uint32_t status) { dialer_.notify(status); }
   // True when a final reply was reported since the last call (for notification 100).

@@ -6,6 +6,7 @@
 #include "framework/internet/Failure.h"
 #include "framework/internet/InternetErrors.h"
 #include "framework/internet/NameLookup.h"
+#include "framework/platform/last_error.h"
 #include "framework/platform/stop_token.h"
 
 namespace internet {
@@ -43,6 +44,17 @@ void Dialer::reportClosed() {
   if (!std::exchange(announced_, false)) return;
   notify(kStatusClosing);
   notify(kStatusClosed);
+}
+
+void Dialer::reportEnd() noexcept {
+  const platform::LastErrorKeeper keeper;
+  try {
+    reportClosed();
+    notify(kStatusHandleClosing);
+  } catch (...) {
+    // A callback's exception (a stop among them) must not leave a destructor. A stop is noticed at the next
+    // wait.
+  }
 }
 
 void Dialer::notify(std::uint32_t status, std::string text) {

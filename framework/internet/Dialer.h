@@ -22,6 +22,8 @@ class Dialer {
 
   // Reports 50 and 51, once, for a connection that was announced by 20. Call it when that is closed.
   void reportClosed();
+  // The last words of what was made on the session: 50 and 51 as above, then 70. Keeps the last error.
+  void reportEnd() noexcept;
   // Silent on a thread that was asked to stop.
   void notify(std::uint32_t status, std::string text = {});
 

@@ -258,13 +258,7 @@ void FtpControl::close() noexcept {
   const platform::LastErrorKeeper keeper;
   const auto self = shared_from_this();
   channel_.quit();
-  try {
-    channel_.reportClosed();
-    channel_.notify(kStatusHandleClosing);
-  } catch (...) {
-    // A callback's exception (a stop among them) must not leave a destructor. A stop is noticed at the next
-    // wait.
-  }
+  channel_.reportEnd();
 }
 
 }  // namespace internet

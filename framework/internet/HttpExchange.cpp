@@ -147,13 +147,7 @@ void HttpExchange::close() noexcept {
   if (std::exchange(state_, State::closed) == State::closed) return;
   const platform::LastErrorKeeper keeper;
   sock_.reset();
-  try {
-    dialer_.reportClosed();
-    dialer_.notify(kStatusHandleClosing);
-  } catch (...) {
-    // A callback's exception (a stop among them) must not leave a destructor. A stop is noticed at the next
-    // wait.
-  }
+  dialer_.reportEnd();
 }
 
 }  // namespace internet

@@ -5,7 +5,6 @@
 
 #include "framework/internet/Failure.h"
 #include "framework/internet/InternetErrors.h"
-#include "framework/platform/last_error.h"
 
 namespace internet {
 
@@ -22,17 +21,12 @@ std::shared_ptr<HttpExchange> HttpSite::open(std::string target) {
 
 void HttpSite::close() noexcept {
   if (std::exchange(closed_, true)) return;
-  const platform::LastErrorKeeper keeper;
   // Taken out first: a notification may delete this site.
   const auto exchanges = std::exchange(exchanges_, {});
   for (const auto& known : exchanges) {
     if (const auto exchange = known.lock()) exchange->close();
   }
-  try {
-    dialer_.notify(kStatusHandleClosing);
-  } catch (...) {
-    // A callback's exception must not leave a destructor.
-  }
+  dialer_.reportEnd();
 }
 
 }  // namespace internet

@@ -21,15 +21,15 @@ struct Timeouts {
   std::chrono::milliseconds endOfData{1'000};  // a refusal behind the end of data whose size is not known
 };
 
-inline constexpr std::size_t kMaxReplyLine = 64 * 1024;     // bytes of one reply line
-inline constexpr std::size_t kMaxReply = 1024 * 1024;       // bytes of one reply, all its lines
-inline constexpr std::size_t kMaxArgument = 4096;           // bytes of one command argument
-inline constexpr std::size_t kMaxHttpHeadLine = 64 * 1024;  // bytes of one line of a response's head
-inline constexpr std::size_t kMaxHttpHead = 256 * 1024;     // bytes of all heads of one response; of trailers
-inline constexpr std::size_t kMaxHttpChunkLine = 4 * 1024;  // bytes of one line of a chunked body's framing
-inline constexpr std::size_t kHttpBlock = 64 * 1024;
-inline constexpr std::size_t kTransferBuffer = 512 * 1024;
-inline constexpr std::size_t kListingBlock = 64 * 1024;
+inline constexpr std::size_t kMaxReplyLine = std::size_t{64} * 1024;  // bytes of one reply line
+inline constexpr std::size_t kMaxReply = std::size_t{1024} * 1024;    // bytes of one reply, all its lines
+inline constexpr std::size_t kMaxArgument = 4096;                     // bytes of one command argument
+inline constexpr std::size_t kMaxHttpHeadLine = std::size_t{64} * 1024;
+inline constexpr std::size_t kMaxHttpHead = std::size_t{256} * 1024;  // all heads of a response; its trailers
+inline constexpr std::size_t kMaxHttpChunkLine = std::size_t{4} * 1024;  // between the chunks
+inline constexpr std::size_t kHttpBlock = std::size_t{64} * 1024;
+inline constexpr std::size_t kTransferBuffer = std::size_t{512} * 1024;
+inline constexpr std::size_t kListingBlock = std::size_t{64} * 1024;
 inline constexpr std::size_t kMaxListingBytes = std::size_t{256} * 1024 * 1024;
 inline constexpr std::size_t kMaxListingEntries = 4'000'000;
 inline constexpr std::chrono::milliseconds kNextAddressAfter{250};

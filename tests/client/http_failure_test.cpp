@@ -26,7 +26,6 @@ class HttpFailure : public HttpDownloadTest {
     if (boxes.empty()) return {};
     EXPECT_EQ(boxes[0].caption, "ERROR");
     EXPECT_FALSE(boxes[0].owned);
-    EXPECT_TRUE(boxes[0].topmost);
     return boxes[0].text;
   }
   std::string shownFor(const json& answer) {

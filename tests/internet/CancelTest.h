@@ -16,6 +16,7 @@
 
 #include "framework/internet/NameLookup.h"
 #include "framework/platform/stop_token.h"
+#include "tests/internet/FtpTest.h"
 #include "tests/support/Median.h"
 
 namespace internet_tests {
@@ -68,6 +69,23 @@ void expectPrompt(const char* place, Once once) {
   const double middle = testing_support::median(latencies);
   std::cout << "[ latency  ] " << place << ": " << middle << " ms\n";
   EXPECT_LE(middle, kMostMs) << place;
+}
+
+// Stops `connect(session)` once it waits for its connection.
+template <class Connect>
+void expectPromptInConnecting(Connect connect) {
+  expectPrompt("connect", [&] {
+    Signal connecting;
+    return latencyMs(
+        [&] {
+          RecordingSession own;
+          own.onStatus = [&](std::uint32_t status) {
+            if (status == internet::kStatusConnecting) connecting.give();
+          };
+          connect(own);
+        },
+        [&] { connecting.await(); });
+  });
 }
 
 // A lookup that takes as long as the test wants.

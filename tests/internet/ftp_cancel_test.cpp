@@ -65,19 +65,9 @@ TEST_F(FtpCancel, InTheLookup) {
 }
 
 TEST_F(FtpCancel, InConnecting) {
-  fixture::Blackhole hanging(false);
-  expectPrompt("connect", [&] {
-    Signal connecting;
-    return latencyMs(
-        [&] {
-          RecordingSession own;
-          own.onStatus = [&](std::uint32_t status) {
-            if (status == 20) connecting.give();
-          };
-          own.GetFtpConnection(hanging.host().c_str(), "u", "p", hanging.port());
-        },
-        [&] { connecting.await(); });
-  });
+  const fixture::Blackhole hanging(false);
+  expectPromptInConnecting(
+      [&](CInternetSession& own) { own.GetFtpConnection(hanging.host().c_str(), "u", "p", hanging.port()); });
 }
 
 TEST_F(FtpCancel, InTheGreeting) {

@@ -40,18 +40,7 @@ TEST_F(HttpCancel, InTheLookup) {
 
 TEST_F(HttpCancel, InConnecting) {
   const fixture::Blackhole hanging(false);
-  expectPrompt("connect", [&] {
-    Signal connecting;
-    return latencyMs(
-        [&] {
-          RecordingSession own;
-          own.onStatus = [&](std::uint32_t status) {
-            if (status == internet::kStatusConnecting) connecting.give();
-          };
-          HttpFetch(own, hanging).request->SendRequest();
-        },
-        [&] { connecting.await(); });
-  });
+  expectPromptInConnecting([&](CInternetSession& own) { HttpFetch(own, hanging).request->SendRequest(); });
 }
 
 TEST_F(HttpCancel, BetweenTwoAttempts) {

@@ -12,7 +12,6 @@ struct ModalBox {
   std::string caption;
   std::string text;
   bool owned = false;
-  bool topmost = true;
 };
 
 // Runs `work` on the calling thread and returns the boxes that it showed. On POSIX these are the lines of

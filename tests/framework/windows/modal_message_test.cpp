@@ -15,12 +15,11 @@ ModalBox shownBox(const char* text, const char* caption) {
   return boxes.at(0);
 }
 
-TEST(ModalMessage, IsATopmostBoxWithoutAnOwner) {
+TEST(ModalMessage, IsABoxWithoutAnOwner) {
   const ModalBox box = shownBox("100 %s done", "Copy");
   EXPECT_EQ(box.text, "100 %s done");
   EXPECT_EQ(box.caption, "Copy");
   EXPECT_FALSE(box.owned);
-  EXPECT_TRUE(box.topmost);
 }
 
 TEST(ModalMessage, IsEmptyForNullTexts) {

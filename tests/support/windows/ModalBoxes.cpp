@@ -27,8 +27,7 @@ std::string textOf(HWND window) {
 ModalBox boxOf(HWND dialog) {
   constexpr int kTextControl = 0xFFFF;
   return {textOf(dialog), textOf(::GetDlgItem(dialog, kTextControl)),
-          ::GetWindow(dialog, GW_OWNER) != nullptr,
-          (::GetWindowLongPtrA(dialog, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0};
+          ::GetWindow(dialog, GW_OWNER) != nullptr};
 }
 
 }  // namespace
