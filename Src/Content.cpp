@@ -3,6 +3,8 @@
 // chunks.
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
+#include <utility>
 
 #include "Src/LocalFile.h"
 #include "Src/OperationRunner.h"
@@ -19,19 +21,20 @@ namespace {
 constexpr std::uint32_t kChunk = 4096;
 constexpr std::chrono::milliseconds kPace{20};  // before every chunk
 
+struct Free {
+  void operator()(void* block) const noexcept { std::free(block); }
+};
+using Block = std::unique_ptr<std::uint8_t, Free>;
+
 struct ContentThread : QXFtpThread {
   const void* pData = nullptr;
   std::uint64_t nSize = 0;
   std::uint64_t bAppend = 0;
   std::uint32_t nReserved = 0;
-  void** ppData = nullptr;
-  std::uint32_t* pnSize = nullptr;
+  Block
+      block;  // what a read has got; the host's only when the operation succeeds, else a cancel would lose it
+  std::uint32_t nBlockSize = 0;
 };
-
-struct Free {
-  void operator()(void* block) const noexcept { std::free(block); }
-};
-using Block = std::unique_ptr<std::uint8_t, Free>;
 
 void keepPace() {
   platform::stoppableSleep(kPace);
@@ -119,8 +122,6 @@ bool readInto(ContentThread& record, CFtpConnection& connection, const char* tar
 }
 
 bool readContent(ContentThread& record, CFtpConnection& connection) {
-  *record.ppData = nullptr;
-  *record.pnSize = 0;
   PathText target;
   if (!MakeFtpPath(record.pszName, target)) return false;
   ToFtpPath(target.data());
@@ -129,8 +130,8 @@ bool readContent(ContentThread& record, CFtpConnection& connection) {
   Block block = newBlock(size);
   if (block == nullptr) return false;
   if (size > 0 && !readInto(record, connection, target.c_str(), block.get(), size)) return false;
-  *record.ppData = block.release();
-  *record.pnSize = size;
+  record.block = std::move(block);
+  record.nBlockSize = size;
   return true;
 }
 
@@ -177,8 +178,6 @@ QXBool TQXIP::FTPReadFile(const char* pszPath, void** ppData, std::uint32_t* pnS
     ContentThread record;
     FillRecord(record, *this, nRetries, pszPath);
     record.bAppend = nReserved;
-    record.ppData = ppData;
-    record.pnSize = pnSize;
     const bool checked = IsSet(m_bInitialized) && pszPath != nullptr && *pszPath != '\0' &&
                          ppData != nullptr && pnSize != nullptr;
     if (checked) {
@@ -186,11 +185,24 @@ QXBool TQXIP::FTPReadFile(const char* pszPath, void** ppData, std::uint32_t* pnS
       *pnSize = 0;
     }
     const auto rerun = [&] {
-      return FTPReadFile(pszPath, ppData, pnSize, nReserved, 1, nPollArg1, nPollArg2) != 0;
+      void* block = nullptr;
+      std::uint32_t size = 0;
+      const bool ok = FTPReadFile(pszPath, &block, &size, nReserved, 1, nPollArg1, nPollArg2) != 0;
+      if (ok) {
+        record.block.reset(static_cast<std::uint8_t*>(block));
+        record.nBlockSize = size;
+      }
+      return ok;
     };
     WriteEntryLine(*this, sites::kReadFile, {.first = pszPath});
-    return RunReportedOperation(TransferCall(*this, record, &FTPReadFileThr, nPollArg1, nPollArg2),
-                                {.site = sites::kReadFile, .paths = {.first = pszPath}}, checked, rerun);
+    const QXBool ok =
+        RunReportedOperation(TransferCall(*this, record, &FTPReadFileThr, nPollArg1, nPollArg2),
+                             {.site = sites::kReadFile, .paths = {.first = pszPath}}, checked, rerun);
+    if (ok != 0) {
+      *ppData = record.block.release();
+      *pnSize = record.nBlockSize;
+    }
+    return ok;
   });
 }
 
