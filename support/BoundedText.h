@@ -37,7 +37,7 @@ class BoundedText {
   [[nodiscard]] char* data() noexcept { return m_text; }
 
  private:
-  char m_text[Capacity] = "";
+  char m_text[Capacity] = {};
 };
 
 // Every path of the client is held in such a text.
