@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "Src/CollectedFile.h"
 #include "Src/OperationGuard.h"
 #include "Src/QXIP.h"
 #include "framework/File.h"
@@ -171,12 +172,14 @@ void HttpDownload::Transfer() {
 
 void HttpDownload::SaveBody() {
   CFile file(m_target.localFile, CFile::modeCreate | CFile::modeWrite | CFile::typeBinary);
+  CollectedFile collected(file);
   std::array<char, kChunk> chunk;
   do {
     const std::uint32_t count = m_request->Read(chunk.data(), kChunk);
     if (count == 0) break;
-    file.Write(chunk.data(), count);
+    collected.Write(chunk.data(), count);
   } while (WantsMore());
+  collected.Flush();
   file.Close();
 }
 

@@ -5,7 +5,6 @@
 
 namespace {
 
-constexpr std::size_t kCollected = 256 * 1024;
 constexpr std::uint32_t kTextSize = 1024;
 
 }  // namespace
@@ -25,11 +24,6 @@ bool LocalFile::Guard(Work&& work) {
   }
 }
 
-void LocalFile::Flush() {
-  m_file.Write(m_collected.data(), static_cast<std::uint32_t>(m_collected.size()));
-  m_collected.clear();
-}
-
 bool LocalFile::SeekBehindContent() {
   return Guard([&] {
     if (m_file.SeekToEnd() != 0) return true;
@@ -40,20 +34,14 @@ bool LocalFile::SeekBehindContent() {
 
 bool LocalFile::Write(const void* data, std::uint32_t size) {
   return Guard([&] {
-    if (m_collected.size() + size > kCollected) Flush();
-    if (size > kCollected) {
-      m_file.Write(data, size);
-    } else {
-      const char* bytes = static_cast<const char*>(data);
-      m_collected.insert(m_collected.end(), bytes, bytes + size);
-    }
+    m_collected.Write(data, size);
     return true;
   });
 }
 
 bool LocalFile::Close() {
   return Guard([&] {
-    Flush();
+    m_collected.Flush();
     m_file.Close();
     return true;
   });

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 // A local file that an attempt writes, and whose failures go to OnIPError with the operating system's error
-// number. Small pieces are collected: each write to the system has its price, under Wine a high one.
+// number.
 #pragma once
 
-#include <vector>
-
+#include "Src/CollectedFile.h"
 #include "Src/QXIP.h"
-#include "framework/File.h"
 
 class LocalFile {
  public:
@@ -15,18 +13,16 @@ class LocalFile {
   [[nodiscard]] bool Open(const char* path, std::uint32_t flags) noexcept { return m_file.Open(path, flags); }
   // Moves to the end; false for an empty file.
   [[nodiscard]] bool SeekBehindContent();
-  // May find out only later, or in Close, that the system does not take the data.
+  // That the system does not take the data may show only later, or in Close.
   [[nodiscard]] bool Write(const void* data, std::uint32_t size);
-  // Without it what was collected is lost.
   [[nodiscard]] bool Close();
 
  private:
   template <typename Work>
   bool Guard(Work&& work);
-  void Flush();
 
   TQXIP& m_client;
   std::uint32_t* m_pRetries;
   CFile m_file;
-  std::vector<char> m_collected;
+  CollectedFile m_collected{m_file};
 };

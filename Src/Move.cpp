@@ -3,6 +3,7 @@
 #include "Src/OperationGuard.h"
 #include "Src/PrivateConnection.h"
 #include "Src/RemotePath.h"
+#include "Src/RunningOperations.h"
 #include "Src/SharedFlag.h"
 #include "Src/SlotRetry.h"
 #include "framework/platform/file.h"
@@ -30,10 +31,15 @@ bool renameOnce(TQXIP& client, const char* from, const char* to) {
 QXBool TQXIP::FTPMovFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
                          std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) {
   return GuardOperation([&] {
+    const RunningOperation running(*this);
+    const auto copied = [&] {
+      const bool ok = FTPCpyFile(pszSource, pszDestination, pfnProgress, nRetries, nPollArg1, nPollArg2) != 0;
+      running.LeaveIfOrphaned();
+      return ok;
+    };
     const auto run = [&] {
       if (!IsSet(m_bInitialized) || !BothGiven(pszSource, pszDestination)) return false;
-      if (FTPCpyFile(pszSource, pszDestination, pfnProgress, nRetries, nPollArg1, nPollArg2) == 0)
-        return false;
+      if (!copied()) return false;
       return IsRemotePath(pszSource) ? FTPRmvFile(pszSource, 0, nRetries, nPollArg1, nPollArg2) != 0
                                      : removeLocal(pszSource);
     };

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
 """Measures the library against curl and others on the same servers in one run: whole files down and up, a copy in
-small pieces, a long listing, and single queries. Whole processes are timed, interleaved; the table has medians and
-ratios to curl's. The exit code is 1 when a target is missed."""
+small pieces, a download from a web server, a long listing, and single queries. Whole processes are timed, interleaved;
+the table has medians and ratios to curl's. The exit code is 1 when a target is missed."""
 
 import argparse
 import os
@@ -18,16 +18,17 @@ sys.path.insert(0, str(ROOT / "examples"))
 
 from measure import HEAD, Contender, interleave, rows  # noqa: E402  (beside this file)
 from peers import Curl, others  # noqa: E402
-from servers import Build, Server, file_matches, run_under_fixture, write_pattern  # noqa: E402
+from servers import Build, Server, WebServer, file_matches, run_under_fixture, write_pattern  # noqa: E402
 
 DOWN_SEED, UP_SEED = 3, 4
 TARGETS = {
     "download": {"linux": 0.9, "windows": 1.5},
     "upload": {"linux": 0.9, "windows": 1.5},
     "copy": {"linux": 1.2},
+    "http": {"linux": 1.0},
     "listing": {"linux": 1.5},
 }
-WORK = ["download", "upload", "copy", "listing", "queries"]
+WORK = ["download", "upload", "copy", "http", "listing", "queries"]
 SMALL = "/pub/small.txt"
 # In one process, one after the other: what an operation costs a host that is running already.
 IN_A_ROW = 100
@@ -55,9 +56,8 @@ class Bench:
         interleave(contenders, self._arguments.runs)
         return list(rows(f"{work}, {self._server.kind}", contenders, curl))
 
-    def _fetching(self, name, command):
-        """A contender whose command brings the large file to one place; its first result is compared in full."""
-        target = self._folder / "large"
+    def _fetching(self, name, command, target):
+        """A contender whose command brings the large file to `target`; its first result is compared in full."""
         first = [True]
 
         def check():
@@ -73,10 +73,11 @@ class Bench:
         target = self._folder / "large"
 
         def ours(build):
-            return self._fetching(build.name, self._ours(build, operation, 1, "/pub/large", local(build, target)))
+            command = self._ours(build, operation, 1, "/pub/large", local(build, target))
+            return self._fetching(build.name, command, target)
 
-        by_others = [self._fetching(peer.name, peer.download("/pub/large", target)) for peer in others]
-        by_curl = self._fetching("curl", self._curl.download("/pub/large", target))
+        by_others = [self._fetching(peer.name, peer.download("/pub/large", target), target) for peer in others]
+        by_curl = self._fetching("curl", self._curl.download("/pub/large", target), target)
         result = self._measure(work, by_curl, ours, by_others)
         target.unlink()
         return result
@@ -87,6 +88,23 @@ class Bench:
     def copy(self):
         # Between a remote and a local path the drive letter makes the difference, on Linux, too.
         return self._fetch("copy", "copy", lambda build, path: f"Z:{path}")
+
+    def http(self):
+        name = "large"
+        write_pattern(self._folder / name, DOWN_SEED, self._arguments.size)
+        target = self._folder / "fetched"
+        with WebServer(self._folder) as web:
+
+            def ours(build):
+                login = [build.local(build.library), web.host, str(web.port), "-", "-"]
+                command = [*build.command("qxbench"), *login, "http", "1", "/large", build.local(target)]
+                return self._fetching(build.name, command, target)
+
+            by_curl = ["curl", "-s", "-S", "-o", str(target), f"http://{web.host}:{web.port}/{name}"]
+            result = self._measure("http", self._fetching("curl", by_curl, target), ours)
+        target.unlink()
+        (self._folder / name).unlink()
+        return result
 
     def upload(self):
         size = self._arguments.size

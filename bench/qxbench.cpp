@@ -29,6 +29,12 @@ bool upload(TQXIPIFInt& client, const Arguments& arguments) {
   return client.FTPUploadFile(arguments.at(1).c_str(), arguments.at(0).c_str(), 0) != 0;
 }
 
+// From the web server that stands at the login's host and port.
+bool http(TQXIPIFInt& client, const Arguments& arguments) {
+  return client.HTTPDownloadFile(client.m_RemoteSystem, arguments.at(0).c_str(), client.m_nPort,
+                                 arguments.at(1).c_str(), nullptr, 0, 0) != 0;
+}
+
 // The whole listing as a host takes it: into an array of its own. The second argument is the number of
 // entries.
 bool list(TQXIPIFInt& client, const Arguments& arguments) {
@@ -47,9 +53,9 @@ bool size(TQXIPIFInt& client, const Arguments& arguments) {
   return std::to_string(client.FTPFileSize(arguments.at(0).c_str(), 0, 0, 0)) == arguments.at(1);
 }
 
-const std::map<std::string, Operation> kOperations = {{"download", download}, {"copy", copy},
-                                                      {"upload", upload},     {"list", list},
-                                                      {"exists", exists},     {"size", size}};
+const std::map<std::string, Operation> kOperations = {
+    {"download", download}, {"copy", copy},     {"http", http}, {"upload", upload},
+    {"list", list},         {"exists", exists}, {"size", size}};
 
 void runOnce(TQXIPIFInt& client, const QXErrorInfo& error, const Operation& operation,
              const Arguments& arguments) {

@@ -11,7 +11,7 @@ import subprocess
 import sys
 import tempfile
 
-from servers import Build, Server, file_matches, run_under_fixture, write_pattern
+from servers import Build, Server, WebServer, file_matches, run_under_fixture, write_pattern
 
 LARGE = 64 << 20
 NOTE = 10_000
@@ -43,8 +43,9 @@ class Client:
         self.build = build
         self._server = server
 
-    def run(self, *command, user=None):
-        login = ["--host", self._server.host, "--port", str(self._server.port), "--user", user or self._server.user]
+    def run(self, *command, user=None, at=None):
+        server = at or self._server
+        login = ["--host", server.host, "--port", str(server.port), "--user", user or self._server.user]
         arguments = [*login, "--password", self._server.password, *command]
         print("  $ qxftp " + shlex.join(arguments), flush=True)
         done = subprocess.run(self.build.command("qxftp") + arguments, capture_output=True, text=True, timeout=300)
@@ -122,6 +123,16 @@ def change_tree(client, server, folder, note):
     judge(done.returncode == 0 and not server.exists("/pub/docs/a/b/c"), "removed the inner one")
 
 
+def download_from_the_web(client, folder):
+    write_pattern(folder / "web.bin", UP_SEED, LARGE)
+    local = folder / "from-web.bin"
+    with WebServer(folder) as web:
+        done = client.run("http", "/web.bin", client.build.local(local), at=web)
+        judge(done.returncode == 0 and file_matches(local, UP_SEED, LARGE), "downloaded it from a web server")
+        done = client.run("http", "/none.bin", client.build.local(folder / "none"), at=web)
+        judge(done.returncode == 1 and not (folder / "none").exists(), "what is not there makes no file")
+
+
 def be_refused(client):
     done = client.run("connect", user="stranger")
     # 12014: the server refused user or password.
@@ -138,6 +149,7 @@ def demonstrate(build, kind):
         move_files(client, server, pathlib.Path(folder))
         note = change_content(client, server, pathlib.Path(folder))
         change_tree(client, server, pathlib.Path(folder), note)
+        download_from_the_web(client, pathlib.Path(folder))
         be_refused(client)
 
 

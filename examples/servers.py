@@ -5,6 +5,7 @@ import json
 import os
 import pathlib
 import socket
+import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -65,6 +66,25 @@ class Server:
     def matches(self, path, seed, size):
         """Whether the server's file is exactly the pattern of this seed and size."""
         return self.ask("matches", path=path, seed=seed, size=size)["matches"]
+
+
+class WebServer:
+    """Python's own web server for the files of a folder. It ends with `with`."""
+
+    host = "127.0.0.1"
+
+    def __init__(self, folder):
+        command = [sys.executable, "-u", "-m", "http.server", "0", "--bind", self.host, "--directory", str(folder)]
+        self._process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        # "Serving HTTP on 127.0.0.1 port 12345 (http://127.0.0.1:12345/) ..."
+        self.port = int(self._process.stdout.readline().split(" port ")[1].split()[0])
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self._process.kill()
+        self._process.communicate()
 
 
 def pattern():

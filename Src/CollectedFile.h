@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// A local file that is written in small pieces: they are collected, since each write to the system has its
+// price, under Wine a high one.
+#pragma once
+
+#include <vector>
+
+#include "framework/File.h"
+
+class CollectedFile {
+ public:
+  explicit CollectedFile(CFile& file) : m_file(file) { m_pieces.reserve(kCapacity); }
+  // What an attempt that was broken off had got still goes into the file, as far as the system takes it.
+  ~CollectedFile();
+  CollectedFile(const CollectedFile&) = delete;
+  CollectedFile& operator=(const CollectedFile&) = delete;
+
+  // Throws CFileException*; that the system does not take the data may show only in a later call.
+  void Write(const void* data, std::uint32_t size);
+  void Flush();
+
+ private:
+  static constexpr std::size_t kCapacity = 256 * 1024;
+
+  CFile& m_file;
+  std::vector<char> m_pieces;
+};
