@@ -4,6 +4,7 @@
 #include "Src/RunningOperations.h"
 #include "Src/SharedFlag.h"
 #include "framework/platform/message_queue.h"
+#include "framework/platform/turns.h"
 
 namespace {
 
@@ -40,11 +41,7 @@ class Wait {
   }
 
   static void DispatchOne() {
-    if (platform::messageWaiting()) {
-      platform::takeAndDispatchMessage();
-    } else {
-      platform::yieldProcessor();
-    }
+    if (platform::messageAfterTurn()) platform::takeAndDispatchMessage();
   }
 
   // The destructor of m_running ends the worker.

@@ -12,6 +12,9 @@ class NativeThread {
  public:
   using Entry = void (*)(void* argument);
 
+  // How long a wait that has to look at messages lasts at most; where they end the wait it may be longer.
+  static const std::chrono::milliseconds kSlice;
+
   NativeThread() noexcept;
   ~NativeThread();  // REQUIRES: never started, or ended
   NativeThread(const NativeThread&) = delete;
@@ -23,8 +26,8 @@ class NativeThread {
   [[nodiscard]] bool start(Entry entry, void* argument) noexcept;
 
   // True once nothing of the thread runs any more, its thread-local destructors included. Waits at most
-  // `limit`; with `wakeForMessages` a message for the calling thread ends the wait early. Any number of
-  // threads may wait. REQUIRES: started.
+  // `limit`; with `wakeForMessages` a message that waits for the calling thread ends the wait, on Windows.
+  // Any number of threads may wait. REQUIRES: started.
   [[nodiscard]] bool wait(std::chrono::milliseconds limit, bool wakeForMessages = false) noexcept;
 
   void setNormalPriority() noexcept;
@@ -37,5 +40,14 @@ class NativeThread {
   struct State;
   std::unique_ptr<State> state_;
 };
+
+// Lets the next runnable thread have the processor; returns at once when there is none.
+void yieldOnce() noexcept;
+
+// A sleep of a millisecond at most.
+void nap() noexcept;
+
+// The same. False when no message waits for the calling thread, true when one may.
+[[nodiscard]] bool napUntilMessage() noexcept;
 
 }  // namespace platform

@@ -14,9 +14,6 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-// The longest time a killing caller's messages wait. The end of the thread itself ends a wait at once.
-constexpr milliseconds kSlice(2);
-
 // The kill must be finished whatever the caller's message handlers do.
 void callQuietly(void (*function)(void*), void* context) noexcept {
   if (function == nullptr) return;
@@ -91,7 +88,7 @@ bool WorkerThread::kill(milliseconds bound, void (*whileWaiting)(void*), void* c
   impl->token.raise();
   const auto start = steady_clock::now();
   bool forced = false;
-  while (!impl->thread.wait(kSlice, whileWaiting != nullptr)) {
+  while (!impl->thread.wait(NativeThread::kSlice, whileWaiting != nullptr)) {
     callQuietly(whileWaiting, context);
     if (!forced && std::chrono::floor<milliseconds>(steady_clock::now() - start) >= bound) {
       forced = impl->thread.endByForce();

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "framework/platform/stop_token.h"
+#include "framework/platform/turns.h"
 
 namespace platform {
 
@@ -55,8 +56,5 @@ class WorkerThread {
   struct Impl;
   std::shared_ptr<Impl> impl_;
 };
-
-// Gives the processor to another runnable thread, if there is one; returns at once otherwise.
-void yieldProcessor() noexcept;
 
 }  // namespace platform

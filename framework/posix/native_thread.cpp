@@ -91,15 +91,16 @@ bool NativeThread::State::join(std::unique_lock<std::mutex>& lock,
     if (steady_clock::now() >= deadline) return false;
     lock.unlock();
     if (tries < 20) {
-      sched_yield();
+      yieldProcessor();
     } else {
-      // allowed: sleep_for: the thread is past its last instruction of ours, the system tells no event
-      std::this_thread::sleep_for(std::chrono::microseconds(50));
+      nap();  // the thread is past its last instruction of ours, the system tells no event
     }
     lock.lock();
   }
   return true;
 }
+
+const std::chrono::milliseconds NativeThread::kSlice{2};
 
 NativeThread::NativeThread() noexcept = default;
 NativeThread::~NativeThread() = default;
@@ -136,6 +137,14 @@ void NativeThread::setNormalPriority() noexcept {
 
 bool NativeThread::endByForce() noexcept { return false; }
 
-void yieldProcessor() noexcept { sched_yield(); }
+void yieldOnce() noexcept { sched_yield(); }
+
+// allowed: sleep_for: it is the nap itself
+void nap() noexcept { std::this_thread::sleep_for(std::chrono::microseconds(50)); }
+
+bool napUntilMessage() noexcept {
+  nap();
+  return true;
+}
 
 }  // namespace platform

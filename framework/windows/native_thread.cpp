@@ -25,6 +25,9 @@ struct NativeThread::State {
   }
 };
 
+// Messages end the wait by themselves, and in Wine each wait whose time runs out gives the processor up.
+const std::chrono::milliseconds NativeThread::kSlice{20};
+
 NativeThread::NativeThread() noexcept = default;
 
 NativeThread::~NativeThread() {
@@ -47,7 +50,8 @@ bool NativeThread::wait(std::chrono::milliseconds limit, bool wakeForMessages) n
   constexpr std::chrono::milliseconds kLongest = std::chrono::hours(24);  // what fits the system's type
   const auto time = static_cast<DWORD>(std::clamp(limit, std::chrono::milliseconds(0), kLongest).count());
   if (!wakeForMessages) return ::WaitForSingleObject(state_->handle, time) == WAIT_OBJECT_0;
-  return ::MsgWaitForMultipleObjects(1, &state_->handle, FALSE, time, QS_ALLINPUT) == WAIT_OBJECT_0;
+  return ::MsgWaitForMultipleObjectsEx(1, &state_->handle, time, QS_ALLINPUT, MWMO_INPUTAVAILABLE) ==
+         WAIT_OBJECT_0;
 }
 
 void NativeThread::setNormalPriority() noexcept {
@@ -57,6 +61,21 @@ void NativeThread::setNormalPriority() noexcept {
 // allowed: TerminateThread: the last resort for a worker that does not react
 bool NativeThread::endByForce() noexcept { return ::TerminateThread(state_->handle, 0) != FALSE; }
 
-void yieldProcessor() noexcept { ::SwitchToThread(); }
+void yieldOnce() noexcept { ::SwitchToThread(); }
+
+// In Wine Sleep() begins with a yield, and every wait for a handle or a message whose time runs out ends with
+// one; the wait for a condition has none.
+void nap() noexcept {
+  SRWLOCK lock = SRWLOCK_INIT;
+  CONDITION_VARIABLE never = CONDITION_VARIABLE_INIT;
+  ::AcquireSRWLockExclusive(&lock);
+  ::SleepConditionVariableSRW(&never, &lock, 1, 0);
+  ::ReleaseSRWLockExclusive(&lock);
+}
+
+bool napUntilMessage() noexcept {
+  nap();
+  return HIWORD(::GetQueueStatus(QS_ALLINPUT)) != 0;
+}
 
 }  // namespace platform

@@ -11,7 +11,10 @@ inline constexpr int kRounds = QX_STORM_ROUNDS;
 // anything.
 inline constexpr bool kSanitized = QX_STORM_SANITIZED != 0;
 
+// Not a Windows program.
+inline constexpr bool kNative = QX_STORM_NATIVE != 0;
+
 // Under Wine times are printed, not judged.
-inline constexpr bool kJudgesTimes = QX_STORM_NATIVE != 0 && !kSanitized;
+inline constexpr bool kJudgesTimes = kNative && !kSanitized;
 
 }  // namespace storm
