@@ -10,6 +10,7 @@
 #include "Src/CollectedFile.h"
 #include "Src/OperationGuard.h"
 #include "Src/QXIP.h"
+#include "Src/RunningOperations.h"
 #include "framework/File.h"
 #include "framework/internet/HttpConnection.h"
 #include "framework/internet/HttpFile.h"
@@ -95,6 +96,7 @@ class HttpDownload {
   void Close() noexcept;
 
   TQXIP& m_client;
+  const RunningOperation m_running{m_client};  // a message may free the client
   const Target m_target;
   CInternetSession m_session{nullptr, kContext};
   std::unique_ptr<CHttpConnection> m_connection;
@@ -185,8 +187,10 @@ void HttpDownload::SaveBody() {
 
 bool HttpDownload::WantsMore() {
   m_cancelled = m_client.OnPoll(m_target.pollArg1, m_target.pollArg2, 0, nullptr) != 0;
-  if (!m_cancelled) PumpMessages(nullptr, 0, 0);
-  return !m_cancelled;
+  if (m_cancelled) return false;
+  PumpMessages(nullptr, 0, 0);
+  m_running.LeaveIfOrphaned();
+  return true;
 }
 
 void HttpDownload::Close() noexcept {

@@ -175,6 +175,29 @@ TEST_F(HttpDownload, AMessageMayUseTheClientAgain) {
   EXPECT_TRUE(testing_support::Pattern(3).matchesFile(other, 5000));
 }
 
+TEST_F(HttpDownload, AMessageMayFreeTheClient) {
+  const auto server = answering(R"({"body": {"size": 9000}})"_json);
+  auto own = std::make_unique<RecordingClient>();
+  TestQueue queue([&](unsigned) { own.reset(); });
+  queue.post(1);
+  EXPECT_EQ(own->HTTPDownloadFile("127.0.0.1", "/a", server.port(), local.c_str(), nullptr, 0, 0), 0u);
+  EXPECT_EQ(own, nullptr);
+  EXPECT_EQ(content().size(), 4096u);
+  server.waitFor(R"({"closed": 1})");
+}
+
+TEST_F(HttpDownload, APollThatCancelsMayFreeTheClient) {
+  const auto server = answering(R"({"body": {"size": 9000}})"_json);
+  auto own = std::make_unique<RecordingClient>();
+  const auto poll = [&](auto...) -> QXBool {
+    own.reset();
+    return 1;
+  };
+  own->poll = poll;
+  EXPECT_EQ(own->HTTPDownloadFile("127.0.0.1", "/a", server.port(), local.c_str(), nullptr, 0, 0), 0u);
+  EXPECT_FALSE(exists());
+}
+
 TEST_F(HttpDownload, NamesAreCutAt255Characters) {
   const fixture::ScriptedHttp server;
   for (const std::size_t length : {255u, 256u, 600u}) {
