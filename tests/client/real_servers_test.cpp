@@ -1,41 +1,20 @@
 // SPDX-License-Identifier: MIT
 // The whole of the client at real servers, in passive and in active mode.
 #include <algorithm>
-#include <map>
-#include <memory>
-#include <tuple>
 
-#include "tests/client/TransferTest.h"
+#include "tests/client/RealServersTest.h"
 
 namespace {
 
-class RealServers : public TransferTest, public testing::WithParamInterface<std::tuple<const char*, bool>> {
+class RealServers : public RealServersTest {
  protected:
-  // One of each kind for all tests: starting one costs more than a test.
-  static inline std::map<std::string, std::unique_ptr<fixture::RealServer>> servers;
-  static void TearDownTestSuite() { servers.clear(); }
-  static const fixture::RealServer& running(const char* kind) {
-    auto& known = servers[kind];
-    if (!known) known = std::make_unique<fixture::RealServer>(kind);
-    return *known;
-  }
-
-  const fixture::RealServer& server = running(std::get<0>(GetParam()));
-  const bool passive = std::get<1>(GetParam());
-
   void SetUp() override {
+    RealServersTest::SetUp();
     put("/x/a.txt", R"("four")");
     put("/x/.hidden", R"("dot")");
     put("/x/empty", R"("")");
     put("/x/sub/b", R"("inside")");
     put("/x/With Blank", R"({"size": 100000, "seed": 3})");
-    client.FTPSetLogin(server.host().c_str(), server.user().c_str(), server.password().c_str(), server.port(),
-                       passive ? 1 : 0);
-  }
-  // A path below the folder that may be changed.
-  [[nodiscard]] std::string at(const std::string& path) const { return server.folder() + path; }
-  void put(const std::string& path, const std::string& file) const {
-    server.put("{\"" + at(path) + "\": " + file + "}");
   }
   QXBool connect() {
     return client.FTPConnect(server.host().c_str(), server.user().c_str(), server.password().c_str(),
@@ -131,33 +110,6 @@ TEST_P(RealServers, RefuseAnUploadIntoAMissingFolder) {
   EXPECT_FALSE(server.exists(at("/none")));
 }
 
-TEST_P(RealServers, MakeAndRemoveDirectoriesAndFiles) {
-  EXPECT_EQ(client.FTPCreateDir(at("/made/With Blank/c").c_str(), 0, 0, 0), 1);
-  EXPECT_TRUE(server.exists(at("/made/With Blank/c")));
-  for (const char* path : {"/made/New", "/made/New (1)"}) {
-    char created[256] = "";
-    EXPECT_EQ(client.FTPCreateNewDir(at("/made").c_str(), created, "New", 0), 1);
-    EXPECT_EQ(created, at(path));
-    EXPECT_TRUE(server.exists(at(path)));
-  }
-  put("/made/With Blank/c/file", R"("x")");
-  EXPECT_EQ(client.FTPRmvDir(at("/made/With Blank/c").c_str(), 0, 0, 0), 0);
-  EXPECT_TRUE(server.exists(at("/made/With Blank/c/file")));
-  EXPECT_EQ(client.FTPRmvFile(at("/made/With Blank/c/file").c_str(), 0, 0, 0, 0), 1);
-  for (const char* path : {"/made/With Blank/c", "/made/With Blank", "/made/New", "/made/New (1)", "/made"}) {
-    EXPECT_EQ(client.FTPRmvDir(at(path).c_str(), 0, 0, 0), 1) << path;
-    EXPECT_FALSE(server.exists(at(path))) << path;
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(Kinds, RealServers,
-                         testing::Combine(testing::Values("vsftpd", "pyftpdlib", "proftpd", "pure-ftpd",
-                                                          "inetutils-ftpd"),
-                                          testing::Bool()),
-                         [](const auto& instance) {
-                           std::string name = std::get<0>(instance.param);
-                           std::erase(name, '-');
-                           return name + (std::get<1>(instance.param) ? "Passive" : "Active");
-                         });
+INSTANTIATE_TEST_SUITE_P(Kinds, RealServers, inBothModes(), serverAndModeName);
 
 }  // namespace
