@@ -1,22 +1,14 @@
 // SPDX-License-Identifier: MIT
 // A thousand cancels in a row: the caller is free at once each time, and nothing of the workers is left.
-#include <iostream>
 #include <string>
 #include <vector>
 
 #include "Src/PrivateConnection.h"
 #include "framework/internet/InternetFile.h"
-#include "tests/storm/Build.h"
-#include "tests/storm/Health.h"
-#include "tests/storm/RunnerTest.h"
-#include "tests/support/Fixture.h"
-#include "tests/support/Median.h"
+#include "tests/storm/CancelStormTest.h"
 
 namespace storm {
 namespace {
-
-using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 
 constexpr const char* kServer = R"({
   "tree": {"/normal.txt": "still there", "/stalled.bin": {"size": 65536, "seed": 1}, "/silent.bin": "never sent"},
@@ -26,30 +18,17 @@ constexpr const char* kServer = R"({
     {"on": "MLST", "argument": "/stuck", "do": ["silent"]}
   ]})";
 
-constexpr int kWarmUp = 20;
-constexpr std::uint64_t kMemorySlack = 1U << 20;
-constexpr auto kJudgedMedian = 100ms;
-
-class CancelStorm : public RunnerTest {
+class CancelStorm : public CancelStormTest {
  protected:
   void SetUp() override {
+    CancelStormTest::SetUp();
     LogInTo(server);
-    script.onPoll = [this](QXBool&) { return PollToCancel(); };
   }
 
-  void LogInTo(const fixture::Server& target) {
-    client->FTPSetLogin(target.host().c_str(), "u", "p", target.port(), 1);
-  }
-
-  // Cancels up to two milliseconds after the worker has gone into its stuck place.
-  bool PollToCancel() {
-    if (!entered) return false;
-    if (enteredAt == Clock::time_point{}) {
-      if (untilStuck) untilStuck();
-      enteredAt = Clock::now();
-    }
-    cancelledAt = Clock::now();
-    return cancelledAt - enteredAt >= (started % 16) * 125us;
+  bool Operate() override { return client->Run(3); }
+  void AfterRound() override {
+    ASSERT_EQ(running, 0);
+    ASSERT_EQ(script.done.back(), 0);
   }
 
   // For a worker that is stuck where only the server knows: waits until that has seen this command in the
@@ -58,42 +37,10 @@ class CancelStorm : public RunnerTest {
     untilStuck = [this, verb] { server.waitForCommand(verb, started); };
   }
 
-  void Cancel(int rounds) {
-    for (int round = 0; round < rounds; ++round) {
-      ++started;
-      entered = false;
-      enteredAt = {};
-      ASSERT_FALSE(client->Run(3)) << "round " << round;
-      latencies.push_back(Clock::now() - cancelledAt);
-      ASSERT_EQ(running, 0) << "round " << round;
-      ASSERT_EQ(script.done.back(), 0) << "round " << round;
-    }
-  }
+  void Storm() { CancelStormTest::Storm(kRounds, 100ms); }
 
-  void Storm() {
-    ASSERT_NO_FATAL_FAILURE(Cancel(kWarmUp));
-    latencies.clear();
-    const Health health;
-    ASSERT_NO_FATAL_FAILURE(Cancel(kRounds));
-    health.expectBack(kMemorySlack);
-    JudgeLatencies();
-    useHeap();
-    ExpectNormalWork();
-  }
-
-  void JudgeLatencies() {
-    const auto milliseconds = [](Clock::duration time) {
-      return std::chrono::duration<double, std::milli>(time).count();
-    };
-    const auto median = testing_support::median(latencies);
-    std::cout << latencies.size() << " cancels, ms until the return: median " << milliseconds(median)
-              << ", longest " << milliseconds(*std::max_element(latencies.begin(), latencies.end())) << '\n';
-    EXPECT_LE(median, kJudgedMedian);
-  }
-
-  void ExpectNormalWork() {
+  void ExpectNormalWork() override {
     LogInTo(server);
-    script.onPoll = nullptr;
     script.attempt = [](QXFtpThread& record) {
       return AttemptOutcome{.ok = record.pQXIP->FTPFileSize("/normal.txt", 0, 0, 0) == 11};
     };
@@ -111,11 +58,6 @@ class CancelStorm : public RunnerTest {
   }
 
   fixture::ScriptedFtp server{std::string_view(kServer)};
-  int started = 0;  // rounds, counted from 1
-  std::function<void()> untilStuck;
-  Clock::time_point enteredAt;
-  Clock::time_point cancelledAt;
-  std::vector<Clock::duration> latencies;
 };
 
 TEST_F(CancelStorm, AsTheWorkerStarts) {
