@@ -15,11 +15,6 @@ class TransferTest : public ServerTest {
   const testing_support::ScratchFolder folder;
   const std::string local = folder.file("local");
 
-  // A local file's name as the rule for local paths wants it on both builds.
-  static std::string localName(const std::string& native) {
-    return native.starts_with('/') ? "Z:" + native : native;
-  }
-
   [[nodiscard]] bool exists() const { return std::filesystem::exists(local); }
   [[nodiscard]] std::string content() const {
     std::ifstream file(local, std::ios::binary);

@@ -8,6 +8,8 @@ namespace {
 
 class RealChanges : public RealChangesTest {
  protected:
+  const std::string localPath = testing_support::localName(local);
+
   // Of the created directory, below the own folder.
   std::string createNew(const std::string& baseName) {
     char created[256] = "";
@@ -55,8 +57,6 @@ TEST_P(RealChanges, CreateADirectoryWithThoseAbove) {
   EXPECT_EQ(createDirectory("/a/b/c"), 1);
   EXPECT_EQ(server.names(own + "/a/b"), Names{"c"});
   EXPECT_EQ(createDirectory("/a/b/c"), 1) << "it is there";
-  EXPECT_EQ(createDirectory("/a/b/d"), 1);
-  EXPECT_EQ(server.names(own + "/a/b"), (Names{"c", "d"}));
   EXPECT_EQ(client.count("OnIPError"), 0u);
 }
 
@@ -73,9 +73,9 @@ TEST_P(RealChanges, RefuseWhatIsMissing) {
   expectReport("removing");
   EXPECT_EQ(copyFile(own + "/none", own + "/b"), 0);
   expectReport("copying within the server");
-  EXPECT_EQ(copyFile(own + "/none", localName(local)), 0);
+  EXPECT_EQ(copyFile(own + "/none", localPath), 0);
   expectReport("copying from the server");
-  EXPECT_EQ(copyFile(localName(local), own + "/b"), 0);
+  EXPECT_EQ(copyFile(localPath, own + "/b"), 0);
   expectReport("copying to the server");
   EXPECT_EQ(moveFile(own + "/none", own + "/b"), 0);
   expectReport("moving");
@@ -94,9 +94,7 @@ TEST_P(RealChanges, RefuseToPutThingsIntoAMissingFolder) {
 
 INSTANTIATE_TEST_SUITE_P(Kinds, RealChanges, inBothModes(), serverAndModeName);
 
-constexpr const char* kNames[] = {
-    "with two  blanks",        " blank first", "100%25", "#hash", "what?", "a;type=i", "-rf",
-    "d\xc3\xbcnn \xe6\xbc\xa2"};
+constexpr const char* kNames[] = {" with  blanks", "100%25 #1", "what?", "a;type=i", "-rf", "d\xc3\xbcnn"};
 
 // What a name does to an operation has nothing to do with the mode.
 class RealNames : public RealChangesTest {};
@@ -144,7 +142,7 @@ TEST_P(RealRights, AReadOnlyFolderStaysAsItIs) {
   expectReport("removing a directory");
   EXPECT_EQ(createDirectory("/locked/new"), 0);
   expectReport("creating a directory");
-  EXPECT_EQ(moveFile(own + "/locked/a", localName(local)), 0);
+  EXPECT_EQ(moveFile(own + "/locked/a", testing_support::localName(local)), 0);
   expectReport("moving away");
   EXPECT_EQ(server.names(own + "/locked"), (Names{"a", "sub"}));
 }

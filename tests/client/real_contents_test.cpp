@@ -22,7 +22,7 @@ class RealContents : public RealChangesTest {
  protected:
   using Sizes = std::vector<std::size_t>;
 
-  const std::string localPath = localName(local);
+  const std::string localPath = testing_support::localName(local);
   // The operations work in blocks of 4096 bytes, in both modes alike.
   const Sizes written = passive ? Sizes{1, 4095, 4096, 4097, 20'000} : Sizes{1, 20'000};
   const Sizes read = passive ? Sizes{0, 1, 4095, 4096, 4097, 20'000} : Sizes{0, 20'000};
@@ -99,7 +99,7 @@ TEST_P(RealContents, CopyToTheServer) {
 TEST_P(RealContents, CopyNothingBetweenTwoLocalPaths) {
   write("content");
   const std::string other = folder.file("other");
-  EXPECT_EQ(copyFile(localPath, localName(other)), 1);
+  EXPECT_EQ(copyFile(localPath, testing_support::localName(other)), 1);
   EXPECT_FALSE(std::filesystem::exists(other));
   EXPECT_EQ(content(), "content");
 }

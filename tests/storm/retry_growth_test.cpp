@@ -110,6 +110,66 @@ TEST_F(RetryGrowth, ADownloadUntilTheServerIsThere) {
   EXPECT_EQ(std::filesystem::file_size(folder.path() / "file.txt"), 7u);
 }
 
+// An operation with a worker, called for "/file.txt" and a local file.
+struct Operation {
+  const char* name;
+  QXBool (*run)(TQXIP& client, const char* local);
+};
+
+QXBool removeFile(TQXIP& client, const char* /*local*/) {
+  return client.TQXIP::FTPRmvFile("/file.txt", 0, kForever, 0, 0);  // the test client has its own
+}
+
+QXBool readFile(TQXIP& client, const char* /*local*/) {
+  void* block = nullptr;
+  std::uint32_t size = 0;
+  return client.FTPReadFile("/file.txt", &block, &size, 0, kForever, 0, 0);
+}
+
+QXBool writeFile(TQXIP& client, const char* /*local*/) {
+  return client.FTPWriteFile("/file.txt", "content", 7, 0, 0, kForever, 0, 0);
+}
+
+QXBool copyToServer(TQXIP& client, const char* local) {
+  return client.FTPCpyFile(local, "/file.txt", nullptr, kForever, 0, 0);
+}
+
+QXBool copyFromServer(TQXIP& client, const char* local) {
+  return client.FTPCpyFile("/file.txt", local, nullptr, kForever, 0, 0);
+}
+
+QXBool copyOnServer(TQXIP& client, const char* /*local*/) {
+  return client.FTPCpyFile("/file.txt", "/copy.txt", nullptr, kForever, 0, 0);
+}
+
+class RetryGrowthOf : public RetryGrowth, public testing::WithParamInterface<Operation> {};
+
+TEST_P(RetryGrowthOf, AnOperationThatIsCancelledAfterTwoSecondsOfRetries) {
+  constexpr int kAttempts = 200;  // each with a pause of 10 ms
+  LogInTo(refused);
+  script.onIPError = [this](std::uint32_t, std::uint32_t*) { depths.note(__builtin_frame_address(0)); };
+  int attemptsWhenCancelled = 0;
+  script.onPoll = [&](QXBool&) {
+    attemptsWhenCancelled = depths.count();
+    return attemptsWhenCancelled >= kAttempts;
+  };
+  const std::string local = testing_support::localName(folder.file("file.txt"));
+  const Health health;
+  EXPECT_EQ(GetParam().run(*client, local.c_str()), 0);
+  health.expectBack(kMemorySlack);
+  EXPECT_GE(attemptsWhenCancelled, kAttempts);
+  EXPECT_LE(depths.count(), attemptsWhenCancelled + kAttempts / 2) << "it went on after the cancel";
+  EXPECT_EQ(depths.spread(), 0u) << "the stack grew";
+}
+
+INSTANTIATE_TEST_SUITE_P(Refused, RetryGrowthOf,
+                         testing::Values(Operation{"Remove", &removeFile}, Operation{"Read", &readFile},
+                                         Operation{"Write", &writeFile},
+                                         Operation{"CopyToServer", &copyToServer},
+                                         Operation{"CopyFromServer", &copyFromServer},
+                                         Operation{"CopyOnServer", &copyOnServer}),
+                         [](const auto& instance) { return instance.param.name; });
+
 TEST_F(RetryGrowth, ACountOfFolderItemsWhoseListingFails) {
   script.onGetDirectory = [this](std::uint32_t* pnCount) {
     depths.note(__builtin_frame_address(0));

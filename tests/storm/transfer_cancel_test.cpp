@@ -78,7 +78,7 @@ TEST_F(TransferCancel, OfAStalledWrite) {
 
 TEST_F(TransferCancel, OfACopyWithAStalledDownload) {
   const std::string target = folder.file("copy");
-  operation = [&] { return Copy(target.starts_with('/') ? "Z:" + target : target); };
+  operation = [&] { return Copy(testing_support::localName(target)); };
   StormInTheMiddleOf("RETR");
   EXPECT_EQ(std::filesystem::file_size(target), 65536u);
 }

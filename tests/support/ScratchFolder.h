@@ -23,4 +23,9 @@ class ScratchFolder {
   std::filesystem::path path_;
 };
 
+// A native name as the client's rule for local paths wants it: "Z:/tmp/x/name" on Linux.
+inline std::string localName(const std::string& native) {
+  return native.starts_with('/') ? "Z:" + native : native;
+}
+
 }  // namespace testing_support
