@@ -17,6 +17,8 @@
 #include "tests/client/TransferTest.h"
 #include "tests/support/TemporaryFolder.h"
 
+using testing_support::localName;
+
 // The transfer block at one moment.
 struct Progress {
   int valid = 0;
@@ -65,11 +67,6 @@ class ContentTest : public TransferTest {
       if (!entry.is_directory()) names.push_back(entry.path().filename().string());
     }
     return names;
-  }
-
-  // A local file's name as the rule for local paths wants it on both builds.
-  static std::string localName(const std::string& native) {
-    return native.starts_with('/') ? "Z:" + native : native;
   }
 
   // From now on every look of OnPoll at the transfer block is kept.

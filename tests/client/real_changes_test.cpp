@@ -54,9 +54,9 @@ TEST_P(RealChanges, KeepADirectoryThatIsNotEmpty) {
 }
 
 TEST_P(RealChanges, CreateADirectoryWithThoseAbove) {
-  EXPECT_EQ(createDirectory("/a/b/c"), 1);
-  EXPECT_EQ(server.names(own + "/a/b"), Names{"c"});
-  EXPECT_EQ(createDirectory("/a/b/c"), 1) << "it is there";
+  EXPECT_EQ(createDirectory("/a/b c/d"), 1);
+  EXPECT_EQ(server.names(own + "/a/b c"), Names{"d"});
+  EXPECT_EQ(createDirectory("/a/b c/d"), 1) << "it is there";
   EXPECT_EQ(client.count("OnIPError"), 0u);
 }
 

@@ -2,17 +2,13 @@
 // Contents to, from and between files of real servers, compared byte by byte.
 #include <fstream>
 
+#include "tests/client/ContentTest.h"
 #include "tests/client/RealChangesTest.h"
 
 namespace {
 
-constexpr std::uint32_t kSeed = 11;
-
-std::string patternText(std::size_t size) {
-  std::string text(size, '\0');
-  testing_support::Pattern(kSeed).fill(0, text.data(), size);
-  return text;
-}
+// Of the seed that patternText takes.
+constexpr std::uint32_t kSeed = 7;
 
 std::string patternFile(std::size_t size) {
   return R"({"size": )" + std::to_string(size) + R"(, "seed": )" + std::to_string(kSeed) + "}";
@@ -22,7 +18,7 @@ class RealContents : public RealChangesTest {
  protected:
   using Sizes = std::vector<std::size_t>;
 
-  const std::string localPath = testing_support::localName(local);
+  const std::string localPath = localName(local);
   // The operations work in blocks of 4096 bytes, in both modes alike.
   const Sizes written = passive ? Sizes{1, 4095, 4096, 4097, 20'000} : Sizes{1, 20'000};
   const Sizes read = passive ? Sizes{0, 1, 4095, 4096, 4097, 20'000} : Sizes{0, 20'000};
@@ -99,7 +95,7 @@ TEST_P(RealContents, CopyToTheServer) {
 TEST_P(RealContents, CopyNothingBetweenTwoLocalPaths) {
   write("content");
   const std::string other = folder.file("other");
-  EXPECT_EQ(copyFile(localPath, testing_support::localName(other)), 1);
+  EXPECT_EQ(copyFile(localPath, localName(other)), 1);
   EXPECT_FALSE(std::filesystem::exists(other));
   EXPECT_EQ(content(), "content");
 }
