@@ -46,9 +46,13 @@ void fillEntry(QXDirEntry& entry, const PathText& directory, const std::string& 
   for (const std::uint32_t attribute : kEntryAttributes) {
     if (finder.MatchesMask(attribute)) entry.dwAttributes |= attribute;
   }
-  entry.ftCreationTime = localFileTime(finder.GetCreationTime());
-  entry.ftLastAccessTime = localFileTime(finder.GetLastAccessTime());
-  entry.ftLastWriteTime = localFileTime(finder.GetLastWriteTime());
+  // Servers tell one time, the finder gives it as all three, and to convert it is dear.
+  const std::int64_t written = finder.GetLastWriteTime();
+  const std::int64_t created = finder.GetCreationTime();
+  const std::int64_t accessed = finder.GetLastAccessTime();
+  entry.ftLastWriteTime = localFileTime(written);
+  entry.ftCreationTime = created == written ? entry.ftLastWriteTime : localFileTime(created);
+  entry.ftLastAccessTime = accessed == written ? entry.ftLastWriteTime : localFileTime(accessed);
 }
 
 // A name that begins with a dot is left out, and so is one that the entry cannot hold whole: half a name is

@@ -105,21 +105,18 @@ bool queryFileSize(QXFtpThread& record, CFtpFileFind& finder) {
   return true;
 }
 
+// "Not there" is stored by the query itself, and a retry uses up the whole count.
+WorkerShape existenceShape(const FailureSite& site) {
+  return {.failedLine = &site, .storesOutcome = false, .spendsRetries = true, .reportsAttemptError = true};
+}
+
 void FTPDirExistThr(void* argument) {
-  RunWorker(argument,
-            {.failedLine = &sites::kDirExistThr,
-             .storesOutcome = false,
-             .spendsRetries = true,
-             .reportsAttemptError = true},
+  RunWorker(argument, existenceShape(sites::kDirExistThr),
             [](QXFtpThread& record) { return askServer(record, "m_pFTPDirFind", &queryDirExist); });
 }
 
 void FTPFileExistsThr(void* argument) {
-  RunWorker(argument,
-            {.failedLine = &sites::kFileExistsThr,
-             .storesOutcome = false,
-             .spendsRetries = true,
-             .reportsAttemptError = true},
+  RunWorker(argument, existenceShape(sites::kFileExistsThr),
             [](QXFtpThread& record) { return askServer(record, "m_pFTPFileFind", &queryFileExists); });
 }
 
@@ -128,30 +125,36 @@ void FTPFileSizeThr(void* argument) {
             [](QXFtpThread& record) { return askServer(record, "m_pFTPFileSize", &queryFileSize); });
 }
 
+struct Existence {
+  platform::WorkerThread::Entry worker;
+  const FailureSite& site;
+  QXBool (TQXIP::*operation)(const char*, std::uint32_t, QXHostValue, QXHostValue);
+};
+
+QXBool ask(TQXIP& client, const Existence& question, bool checked, const char* path, std::uint32_t retries,
+           QXHostValue pollArg1, QXHostValue pollArg2) {
+  return GuardOperation([&] {
+    QXFtpThread record;
+    FillRecord(record, client, retries, path);
+    return RunReportedOperation({.client = client, .record = record, .worker = question.worker},
+                                {.site = question.site, .paths = {.first = path}}, checked, [&] {
+                                  return (client.*question.operation)(path, 1, pollArg1, pollArg2) != 0;
+                                });
+  });
+}
+
 }  // namespace
 
 QXBool TQXIP::FTPDirExist(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                           QXHostValue nPollArg2) {
-  return GuardOperation([&] {
-    QXFtpThread record;
-    FillRecord(record, *this, nRetries, pszPath);
-    return RunReportedOperation({.client = *this, .record = record, .worker = &FTPDirExistThr},
-                                {.site = sites::kDirExist, .paths = {.first = pszPath}},
-                                IsSet(m_bInitialized),
-                                [&] { return FTPDirExist(pszPath, 1, nPollArg1, nPollArg2) != 0; });
-  });
+  return ask(*this, {&FTPDirExistThr, sites::kDirExist, &TQXIP::FTPDirExist}, IsSet(m_bInitialized), pszPath,
+             nRetries, nPollArg1, nPollArg2);
 }
 
 QXBool TQXIP::FTPFileExists(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                             QXHostValue nPollArg2) {
-  return GuardOperation([&] {
-    QXFtpThread record;
-    FillRecord(record, *this, nRetries, pszPath);
-    return RunReportedOperation({.client = *this, .record = record, .worker = &FTPFileExistsThr},
-                                {.site = sites::kFileExists, .paths = {.first = pszPath}},
-                                IsSet(m_bInitialized) && pszPath != nullptr,
-                                [&] { return FTPFileExists(pszPath, 1, nPollArg1, nPollArg2) != 0; });
-  });
+  return ask(*this, {&FTPFileExistsThr, sites::kFileExists, &TQXIP::FTPFileExists},
+             IsSet(m_bInitialized) && pszPath != nullptr, pszPath, nRetries, nPollArg1, nPollArg2);
 }
 
 QXBool TQXIP::FTPIsDirectory(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,

@@ -61,29 +61,35 @@ bool transferOnce(TQXIP& client, const char* remote, const char* local, Transfer
   return transfer(client, *connection.Connection(), target.c_str(), local);
 }
 
-template <typename Again>
-QXBool runTransfer(const PairOperation& operation, Transfer transfer, const char* remote, const char* local,
-                   std::uint32_t retries, Again&& again) {
-  const auto run = [&] { return transferOnce(operation.client, remote, local, transfer); };
-  return RunPairOperation(operation, retries, run, again);
+struct TransferKind {
+  const FailureSite& site;
+  Slot slot;
+  Transfer transfer;
+  QXBool (TQXIP::*operation)(const char*, const char*, std::uint32_t);
+};
+
+// The lines name where the file comes from first.
+QXBool runTransfer(TQXIP& client, const TransferKind& kind, bool fromServer, const char* remote,
+                   const char* local, std::uint32_t retries) {
+  return GuardOperation([&] {
+    const LinePaths paths{.first = fromServer ? remote : local,
+                          .second = fromServer ? local : remote,
+                          .isPair = true,
+                          .join = FailedJoin::tight};
+    const auto run = [&] { return transferOnce(client, remote, local, kind.transfer); };
+    const auto again = [&](std::uint32_t left) { return (client.*kind.operation)(remote, local, left) != 0; };
+    return RunPairOperation({client, kind.site, paths, kind.slot}, retries, run, again);
+  });
 }
 
 }  // namespace
 
 QXBool TQXIP::FTPDownloadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) {
-  return GuardOperation([&] {
-    const LinePaths paths{.first = pszRemote, .second = pszLocal, .isPair = true, .join = FailedJoin::tight};
-    return runTransfer(
-        {*this, sites::kDownloadFile, paths, Slot::FTPDownloadFile}, &download, pszRemote, pszLocal, nRetries,
-        [&](std::uint32_t retries) { return FTPDownloadFile(pszRemote, pszLocal, retries) != 0; });
-  });
+  return runTransfer(*this, {sites::kDownloadFile, Slot::FTPDownloadFile, &download, &TQXIP::FTPDownloadFile},
+                     true, pszRemote, pszLocal, nRetries);
 }
 
 QXBool TQXIP::FTPUploadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) {
-  return GuardOperation([&] {
-    const LinePaths paths{.first = pszLocal, .second = pszRemote, .isPair = true, .join = FailedJoin::tight};
-    return runTransfer(
-        {*this, sites::kUploadFile, paths, Slot::FTPUploadFile}, &upload, pszRemote, pszLocal, nRetries,
-        [&](std::uint32_t retries) { return FTPUploadFile(pszRemote, pszLocal, retries) != 0; });
-  });
+  return runTransfer(*this, {sites::kUploadFile, Slot::FTPUploadFile, &upload, &TQXIP::FTPUploadFile}, false,
+                     pszRemote, pszLocal, nRetries);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "framework/internet/FtpListing.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -74,6 +75,8 @@ template <class ReadEntry>
 FtpListing readListing(std::string_view text, const ListingRules& rules, ReadEntry readEntry) {
   constexpr std::size_t kRowsBetween = 4096;
   FtpListing listing;
+  const auto lineEnds = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+  listing.entries.reserve(std::min(lineEnds, rules.maxEntries));
   Lines lines(text);
   for (std::size_t row = 1; lines.more(); ++row) {
     if (rules.betweenRows != nullptr && row % kRowsBetween == 0) rules.betweenRows();
