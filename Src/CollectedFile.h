@@ -20,7 +20,7 @@ class CollectedFile {
   void Flush();
 
  private:
-  static constexpr std::size_t kCapacity = 256 * 1024;
+  static constexpr std::size_t kCapacity = std::size_t{256} * 1024;
 
   CFile& m_file;
   std::vector<char> m_pieces;

@@ -21,8 +21,14 @@ namespace {
 constexpr std::uint32_t kChunk = 4096;
 constexpr std::chrono::milliseconds kPace{20};  // before every chunk
 
+// A block goes to the host as bare memory and comes back as such.
+// NOLINTBEGIN(cppcoreguidelines-no-malloc)
+void* allocateBlock(std::size_t size) noexcept { return std::malloc(size); }
+void freeBlock(void* block) noexcept { std::free(block); }
+// NOLINTEND(cppcoreguidelines-no-malloc)
+
 struct Free {
-  void operator()(void* block) const noexcept { std::free(block); }
+  void operator()(void* block) const noexcept { freeBlock(block); }
 };
 using Block = std::unique_ptr<std::uint8_t, Free>;
 
@@ -89,7 +95,7 @@ bool writeContent(ContentThread& record, CFtpConnection& connection) {
 
 // One byte more than the content has; of an empty one that byte is 0.
 Block newBlock(std::uint32_t size) {
-  Block block(static_cast<std::uint8_t*>(std::malloc(std::size_t{size} + 1)));
+  Block block(static_cast<std::uint8_t*>(allocateBlock(std::size_t{size} + 1)));
   if (block == nullptr) {
     platform::setLastError(platform::kErrorNotEnoughMemory);
   } else if (size == 0) {
@@ -209,7 +215,7 @@ QXBool TQXIP::FTPReadFile(const char* pszPath, void** ppData, std::uint32_t* pnS
 QXBool TQXIP::FTPFreeFileAPI(void* pData) {
   return GuardOperation([&]() -> QXBool {
     OnBeforeDisconnect();  // a pair of events that hosts may use as they like
-    std::free(pData);
+    freeBlock(pData);
     OnAfterDisconnect();
     return 1;
   });

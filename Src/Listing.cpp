@@ -142,7 +142,7 @@ bool fetchEntries(TQXIP& client, const char* path, std::uint32_t retries,
   PathText directory;
   if (!MakeFtpPath(path, directory)) return false;
   if (client.FTPGetDirectory(directory.c_str(), nullptr, &count, kEverything, retries) == 0) return false;
-  entries.reset(new QXDirEntry[std::size_t{count} + 1]);
+  entries = std::make_unique<QXDirEntry[]>(std::size_t{count} + 1);
   return client.FTPGetDirectory(directory.c_str(), entries.get(), &count, kEverything, retries) != 0;
 }
 

@@ -151,7 +151,7 @@ void ControlChannel::deliverAhead() {
 // Takes what has come, else waits for it. False when the deadline has passed or the connection is closed.
 bool ControlChannel::receiveMore(const Deadline& deadline) {
   if (!isOpen()) return false;
-  std::array<char, 16 * 1024> buffer;
+  std::array<char, std::size_t{16} * 1024> buffer;
   const auto received = receiveSome(*sock_, buffer, deadline);
   if (received.status == IoStatus::wouldBlock) return false;
   if (received.status != IoStatus::done) {

@@ -40,7 +40,7 @@ FtpControl::FtpControl(std::shared_ptr<SessionLink> session, FtpLogin login)
 FtpControl::~FtpControl() = default;
 
 std::shared_ptr<FtpControl> FtpControl::open(std::shared_ptr<SessionLink> session, FtpLogin login) {
-  const std::shared_ptr<FtpControl> control(new FtpControl(std::move(session), std::move(login)));
+  std::shared_ptr<FtpControl> control(new FtpControl(std::move(session), std::move(login)));
   try {
     control->channel_.open(control->login_.server, control->login_.port);
     control->logIn();

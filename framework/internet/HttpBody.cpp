@@ -62,7 +62,7 @@ bool HttpBody::takeLine(std::string_view& wire) {
   if (line_.size() + part.size() > kMaxHttpChunkLine) return false;
   line_ += part;
   wire.remove_prefix(part.size());
-  if (end == part.npos) return true;
+  if (end == std::string_view::npos) return true;
   wire.remove_prefix(1);
   if (line_.ends_with('\r')) line_.pop_back();
   const bool accepted = acceptLine(line_);

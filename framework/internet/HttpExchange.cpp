@@ -29,7 +29,7 @@ HttpExchange::HttpExchange(std::shared_ptr<SessionLink> session, HttpServer serv
 
 bool HttpExchange::isHeaderLine(std::string_view line) noexcept {
   const std::string_view name = nameOf(line);
-  return !name.empty() && name.size() < line.size() && name.find(' ') == name.npos &&
+  return !name.empty() && name.size() < line.size() && name.find(' ') == std::string_view::npos &&
          std::none_of(line.begin(), line.end(), isControl);
 }
 

@@ -40,7 +40,7 @@ bool forEachField(std::string_view raw, Use use) {
   std::string field;
   const auto finish = [&] {
     const auto colon = field.find(':');
-    if (colon == field.npos) return true;
+    if (colon == std::string_view::npos) return true;
     return use(std::string_view(field).substr(0, colon), trimmed(std::string_view(field).substr(colon + 1)));
   };
   raw.remove_prefix(raw.find(kLineEnd) + kLineEnd.size());
@@ -93,7 +93,7 @@ std::size_t HttpHeadReader::feed(std::string_view bytes) {
   while (state_ == State::reading && used < bytes.size()) {
     const std::string_view rest = bytes.substr(used);
     const auto end = rest.find('\n');
-    const bool ended = end != rest.npos;
+    const bool ended = end != std::string_view::npos;
     const std::string_view part = rest.substr(0, end);
     const std::size_t count = part.size() + (ended ? 1 : 0);
     used += count;
@@ -111,7 +111,7 @@ std::size_t HttpHeadReader::feed(std::string_view bytes) {
 
 HttpHeadReader::State HttpHeadReader::acceptLine(std::string_view line) {
   if (line.ends_with('\r')) line.remove_suffix(1);
-  if (line.find('\0') != line.npos) return State::invalid;
+  if (line.find('\0') != std::string_view::npos) return State::invalid;
   if (head_.status == 0) {
     if (line.empty()) return State::reading;  // some servers end what came before with one line too many
     head_.status = statusOf(line);

@@ -35,10 +35,10 @@ struct Authority {
 
 // "[user@]server[:port]"; a numeric address of IPv6 stands in brackets.
 std::optional<Authority> splitAuthority(std::string_view text, std::uint16_t defaultPort) noexcept {
-  if (const auto at = text.rfind('@'); at != text.npos) text.remove_prefix(at + 1);
+  if (const auto at = text.rfind('@'); at != std::string_view::npos) text.remove_prefix(at + 1);
   const bool bracketed = text.starts_with('[');
   const auto end = bracketed ? text.find(']') : std::min(text.find(':'), text.size());
-  if (end == text.npos) return std::nullopt;
+  if (end == std::string_view::npos) return std::nullopt;
   Authority result{text.substr(0, end), defaultPort};
   std::string_view rest = text.substr(end);
   if (bracketed) {
@@ -72,12 +72,12 @@ bool isSendable(std::string_view target) noexcept {
 }
 
 bool isHostName(std::string_view server) noexcept {
-  return !server.empty() && isSendable(server) && server.find_first_of(" /\\?#@[]") == server.npos;
+  return !server.empty() && isSendable(server) && server.find_first_of(" /\\?#@[]") == std::string_view::npos;
 }
 
 std::string hostField(std::string_view server, std::uint16_t port) {
   std::string field(server);
-  if (server.find(':') != server.npos) field = '[' + field + ']';
+  if (server.find(':') != std::string_view::npos) field = '[' + field + ']';
   if (port != kDefaultHttpPort) field += ':' + std::to_string(port);
   return field;
 }

@@ -67,7 +67,7 @@ struct CInternetSession::Impl final : internet::SessionLink {
 namespace {
 
 std::string checkedText(const char* text, const char* ifEmpty) {
-  const std::string result = text && *text ? text : ifEmpty;
+  std::string result = text && *text ? text : ifEmpty;
   if (!result.empty()) FtpControl::checkArgument(result);
   return result;
 }

@@ -23,7 +23,7 @@ struct SocketAccess {
   static void set(Socket& socket, int fd) noexcept { socket.socket_ = fd; }
 };
 
-const std::size_t kSendBlock = 64 * 1024;
+const std::size_t kSendBlock = std::size_t{64} * 1024;
 
 namespace {
 
@@ -178,7 +178,7 @@ Wake waitForSockets(std::span<SocketInterest> interests, std::chrono::millisecon
   std::size_t count = 2;
   for (SocketInterest& interest : interests) {
     interest.ready = false;
-    const short events = static_cast<short>((interest.read ? POLLIN : 0) | (interest.write ? POLLOUT : 0));
+    const auto events = static_cast<short>((interest.read ? POLLIN : 0) | (interest.write ? POLLOUT : 0));
     watched[count++] = {interest.socket ? SocketAccess::fd(*interest.socket) : -1, events, 0};
   }
   const int ready = ::poll(watched.data(), count, static_cast<int>(limit.count()));

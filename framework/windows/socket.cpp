@@ -35,7 +35,7 @@ struct SocketAccess {
   }
 };
 
-const std::size_t kSendBlock = 512 * 1024;
+const std::size_t kSendBlock = std::size_t{512} * 1024;
 
 namespace {
 
@@ -217,7 +217,7 @@ Wake waitForSockets(std::span<SocketInterest> interests, std::chrono::millisecon
     owners[count] = &interest;
     watched[count++] = SocketAccess::event(*interest.socket);
   }
-  const DWORD limitMs = static_cast<DWORD>(limit.count());
+  const auto limitMs = static_cast<DWORD>(limit.count());
   DWORD woken = WAIT_TIMEOUT;
   if (count == 0) {
     // allowed: Sleep: there is nothing to wait for but the time
