@@ -23,6 +23,8 @@ constexpr milliseconds kAtOnce{0};
 // A server that says nothing for this long about a transfer that was broken off is asked whether it has
 // ended.
 constexpr milliseconds kQuiet{250};
+// It may have answered before it saw the break: for so long it can still say how the transfer ended.
+constexpr milliseconds kLate{1'000};
 
 }  // namespace
 
@@ -178,22 +180,39 @@ bool FtpTransfer::abandon() {
 }
 
 // The final reply, or what stands for it: pure-ftpd ends a broken transfer with a second 150 or in silence.
-// The answer to NOOP tells that nothing else will come, because no transfer ends with its codes.
 bool FtpTransfer::awaitAnyEnd() {
-  ControlChannel& channel = control_->channel();
-  const Deadline deadline(control_->timeouts().earlyClose);
-  bool asked = false;
-  while (!final_) {
-    auto reply = channel.tryReply(asked ? deadline.left() : std::min(kQuiet, deadline.left()));
-    if (!reply && (asked || !channel.isOpen())) return false;
-    if (!reply || reply->preliminary()) {
-      if (!std::exchange(asked, true)) channel.send("NOOP");
-    } else if (!asked || reply->code == 200 || reply->unsupported()) {
+  if (!final_) {
+    const Deadline deadline(control_->timeouts().earlyClose);
+    auto reply = control_->channel().tryReply(std::min(kQuiet, deadline.left()));
+    if (reply && !reply->preliminary()) {
       final_ = std::move(reply);
+    } else if (!askForEnd(deadline, !reply)) {
+      return false;
     }
   }
   notifyFinal();
   return true;
+}
+
+// The answer to NOOP tells that the transfer is over, because no transfer ends with its codes. But a server
+// that had been silent may have answered before it saw the break.
+bool FtpTransfer::askForEnd(const Deadline& deadline, bool silent) {
+  ControlChannel& channel = control_->channel();
+  if (!channel.isOpen()) return false;
+  channel.send("NOOP");
+  while (!final_) {
+    auto reply = channel.tryReply(deadline.left());
+    if (!reply) return false;
+    if (reply->code == 200 || reply->unsupported()) {
+      final_ = std::move(reply);
+    } else {
+      silent = false;
+    }
+  }
+  if (!silent) return true;
+  auto late = channel.tryReply(std::min(kLate, deadline.left()));
+  if (late && !late->preliminary()) final_ = std::move(late);
+  return channel.isOpen();
 }
 
 void FtpTransfer::close() {

@@ -60,6 +60,7 @@ class FtpTransfer {
   void watchControl();
   void notifyFinal();
   bool awaitAnyEnd();
+  bool askForEnd(const Deadline& deadline, bool silent);
   bool awaitFinal(std::chrono::milliseconds limit);
   // The server has ended the transfer with a refusal.
   [[nodiscard]] bool refused() const noexcept { return final_ && final_->refused(); }

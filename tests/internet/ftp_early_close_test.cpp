@@ -43,6 +43,19 @@ TEST_F(FtpTransferTest, AnEarlyCloseThatAskedForTheEndWaitsForThatAnswer) {
   EXPECT_TRUE(works(*connection));
 }
 
+// A server that looks at its connections in turn can answer the question before it sees the break.
+TEST_F(FtpTransferTest, AnEarlyCloseTakesAnEndThatComesAfterTheAnswer) {
+  ScriptedFtp server(json{
+      {"tree", {{"/big", {{"size", kBigSize}, {"seed", kSeed}}}}},
+      {"rules",
+       {{{"on", "RETR"}, {"do", {{{"normal", {{"final", nullptr}}}}}}},
+        {{"on", "NOOP"}, {"do", {{{"reply", "200 OK"}}, {{"delay_ms", 30}}, {{"reply", "426 Aborted"}}}}}}}});
+  auto connection = connect(server);
+  auto file = openToRead(*connection, "/big");
+  EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
+  EXPECT_TRUE(works(*connection));
+}
+
 TEST_F(FtpTransferTest, AnEarlyCloseAsksAServerThatStaysSilent) {
   ScriptedFtp server = serving({{"final", nullptr}});
   auto connection = connect(server);
