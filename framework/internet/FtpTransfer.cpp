@@ -173,10 +173,19 @@ FtpReply FtpTransfer::finish() {
 }
 
 bool FtpTransfer::abandon() {
+  awaitFirstData();
   breakData();
   state_ = State::failed;
   if (!awaitAnyEnd()) control_->channel().drop();
   return control_->isOpen();
+}
+
+// A reset that comes before the server has taken the connection can go unseen: pyftpdlib then waits for
+// another connection and sends the file with the next one. That it sends proves that it has taken this one.
+void FtpTransfer::awaitFirstData() {
+  if (kind_ == Kind::upload || !data_ || received_ > 0) return;
+  std::array watched{platform::SocketInterest{&data_->socket(), true, false}};
+  static_cast<void>(wait(watched, Deadline(kQuiet)));
 }
 
 // The final reply, or what stands for it: pure-ftpd ends a broken transfer with a second 150 or in silence.

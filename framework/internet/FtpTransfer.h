@@ -59,6 +59,7 @@ class FtpTransfer {
   void waitForData(bool write, std::optional<Deadline>& deadline);
   void watchControl();
   void notifyFinal();
+  void awaitFirstData();
   bool awaitAnyEnd();
   bool askForEnd(const Deadline& deadline, bool silent);
   bool awaitFinal(std::chrono::milliseconds limit);
