@@ -5,9 +5,19 @@
 #include <algorithm>
 #include <chrono>
 #include <string>
+#include <utility>
 
 #include "tests/client/HostClient.h"
 #include "tests/client/ServerTest.h"
+
+// Paths that no operation takes.
+inline const std::string kBadPaths[] = {"/" + std::string(255, 'a'),
+                                        std::string(300, 'a'),
+                                        std::string(100000, 'a'),
+                                        "/a\r\nDELE /b",
+                                        "/a\nb",
+                                        "/a\x7f",
+                                        "/\x01"};
 
 class ChangeTest : public ServerTest {
  protected:
@@ -39,17 +49,40 @@ class ChangeTest : public ServerTest {
     host.FTPSetLogin(server.host().c_str(), "user", "secret", server.port(), 1);
   }
 
+  // What comes before any connection, for the operation that goes by `name` in its failed line.
+  template <typename Operation>
+  void ExpectChecksItsArguments(const std::string& name, int line, Operation&& operation) {
+    const fixture::ScriptedFtp server;
+    loginAt(server);
+    const std::pair<const char*, const char*> missing[] = {{nullptr, "(null)"}, {"", ""}};
+    for (const auto& [path, shown] : missing) {
+      record = {};
+      EXPECT_EQ(operation(path), 0);
+      EXPECT_THAT(record, ReportsLastError("TQXIP::" + name + " '" + shown + "' failed!", 87u, line));
+    }
+    record = {};
+    client.m_bInitialized = 0;
+    EXPECT_EQ(operation("/a"), 0);
+    client.m_bInitialized = 1;
+    EXPECT_THAT(record, ReportsFrom("TQXIP::" + name + " '/a' failed!", line));
+    EXPECT_TRUE(server.connections().empty());
+  }
+  // An over-long path and one with a control character are failures, whatever is there.
+  template <typename Operation>
+  void ExpectRefusesBadPaths(Operation&& operation) {
+    const fixture::ScriptedFtp server(R"({"tree": {"/b": "x"}})");
+    loginAt(server);
+    for (const std::string& path : kBadPaths) {
+      record = {};
+      EXPECT_EQ(operation(path.c_str()), 0);
+      EXPECT_EQ(record.bSet, 1u);
+    }
+    EXPECT_TRUE(server.connections().empty());
+    EXPECT_TRUE(server.exists("/b"));
+  }
+
   HostClient host{&record};
 };
-
-// Paths that no operation takes.
-inline const std::string kBadPaths[] = {"/" + std::string(255, 'a'),
-                                        std::string(300, 'a'),
-                                        std::string(100000, 'a'),
-                                        "/a\r\nDELE /b",
-                                        "/a\nb",
-                                        "/a\x7f",
-                                        "/\x01"};
 
 // Last components with which something could go wrong.
 inline const std::string kOddNames[] = {"with blank", " blank first", "blank last ", "100%25",

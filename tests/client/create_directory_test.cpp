@@ -235,30 +235,11 @@ TEST_F(CreateDirectory, WhereNobodyListensOnIPErrorHearsOfTheLookAndOfEachAttemp
 }
 
 TEST_F(CreateDirectory, WithoutAPathOrAClientThatIsUpNothingIsAsked) {
-  const fixture::ScriptedFtp server;
-  loginAt(server);
-  EXPECT_EQ(create(nullptr, 3), 0);
-  EXPECT_THAT(record, ReportsLastError("TQXIP::FTPCreateDir '(null)' failed!", 87u, kLine));
-  record = {};
-  EXPECT_EQ(create("", 3), 0);
-  EXPECT_THAT(record, ReportsLastError("TQXIP::FTPCreateDir '' failed!", 87u, kLine));
-  record = {};
-  client.m_bInitialized = 0;
-  EXPECT_EQ(create("/a", 3), 0);
-  client.m_bInitialized = 1;
-  EXPECT_THAT(record, ReportsFrom(kFailed, kLine));
-  EXPECT_TRUE(server.connections().empty());
+  ExpectChecksItsArguments("FTPCreateDir", kLine, [&](const char* path) { return create(path, 3); });
 }
 
 TEST_F(CreateDirectory, PathsThatMayNotGoToAServerDoNot) {
-  const fixture::ScriptedFtp server;
-  loginAt(server);
-  for (const std::string& path : kBadPaths) {
-    record = {};
-    EXPECT_EQ(create(path.c_str()), 0);
-    EXPECT_EQ(record.bSet, 1u);
-  }
-  EXPECT_TRUE(server.connections().empty());
+  ExpectRefusesBadPaths([&](const char* path) { return create(path, 3); });
 }
 
 TEST_F(CreateDirectory, AClientThatGoesDuringTheFirstLookIsNotTouchedAgain) {

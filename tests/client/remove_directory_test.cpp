@@ -197,30 +197,11 @@ TEST_F(RemoveDirectory, AWorkerThatIsNotLetInIsHeardOfByOnIPErrorWithoutACounter
 }
 
 TEST_F(RemoveDirectory, WithoutAPathOrAClientThatIsUpNothingIsAsked) {
-  const fixture::ScriptedFtp server(withRule(""));
-  loginAt(server);
-  EXPECT_EQ(remove(nullptr, 3), 0);
-  EXPECT_THAT(record, ReportsLastError("TQXIP::FTPRemoveDir '(null)' failed!", 87u, kLine));
-  record = {};
-  EXPECT_EQ(remove("", 3), 0);
-  EXPECT_THAT(record, ReportsLastError("TQXIP::FTPRemoveDir '' failed!", 87u, kLine));
-  record = {};
-  client.m_bInitialized = 0;
-  EXPECT_EQ(remove("/e", 3), 0);
-  client.m_bInitialized = 1;
-  EXPECT_THAT(record, ReportsFrom(kFailed, kLine));
-  EXPECT_TRUE(server.connections().empty());
+  ExpectChecksItsArguments("FTPRemoveDir", kLine, [&](const char* path) { return remove(path, 3); });
 }
 
 TEST_F(RemoveDirectory, PathsThatMayNotGoToAServerAreAFailureNotAMissingDirectory) {
-  const fixture::ScriptedFtp server;
-  loginAt(server);
-  for (const std::string& path : kBadPaths) {
-    record = {};
-    EXPECT_EQ(remove(path.c_str()), 0);
-    EXPECT_EQ(record.bSet, 1u);
-  }
-  EXPECT_TRUE(server.connections().empty());
+  ExpectRefusesBadPaths([&](const char* path) { return remove(path, 3); });
 }
 
 TEST_F(RemoveDirectory, AClientThatGoesDuringTheFirstLookIsNotTouchedAgain) {

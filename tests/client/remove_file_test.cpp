@@ -141,30 +141,11 @@ TEST_F(RemoveFile, WhereNobodyListensOnIPErrorHearsOfEachAttemptWithoutACounter)
 }
 
 TEST_F(RemoveFile, WithoutAPathOrAClientThatIsUpNoWorkerStarts) {
-  const fixture::ScriptedFtp server(kOneFile);
-  loginAt(server);
-  EXPECT_EQ(remove(nullptr, 3), 0);
-  EXPECT_THAT(record, ReportsLastError("TQXIP::FTPRmvFile '(null)' failed!", 87u, kLine));
-  record = {};
-  EXPECT_EQ(remove("", 3), 0);
-  EXPECT_THAT(record, ReportsLastError("TQXIP::FTPRmvFile '' failed!", 87u, kLine));
-  record = {};
-  client.m_bInitialized = 0;
-  EXPECT_EQ(remove("/a", 3), 0);
-  client.m_bInitialized = 1;
-  EXPECT_THAT(record, ReportsFrom(kFailed, kLine));
-  EXPECT_TRUE(server.connections().empty());
+  ExpectChecksItsArguments("FTPRmvFile", kLine, [&](const char* path) { return remove(path, 3); });
 }
 
 TEST_F(RemoveFile, PathsThatMayNotGoToAServerDoNot) {
-  const fixture::ScriptedFtp server(R"({"tree": {"/b": "x"}})");
-  loginAt(server);
-  for (const std::string& path : kBadPaths) {
-    record = {};
-    EXPECT_EQ(remove(path.c_str()), 0);
-    EXPECT_EQ(record.bSet, 1u);
-  }
-  EXPECT_TRUE(server.connections().empty());
+  ExpectRefusesBadPaths([&](const char* path) { return remove(path, 3); });
 }
 
 TEST_F(RemoveFile, WithoutAnErrorRecordTheMessageSaysIt) {
