@@ -16,9 +16,9 @@ namespace {
 // A remote file whose size query answers 0 cannot be told from a missing one: an existing local file then
 // counts as the download, its content stays as it was. Why the transfer itself failed is not forgotten
 // meanwhile.
-bool acceptEmptyRemote(TQXIP& client, const char* target, const char* local) {
+bool acceptEmptyRemote(TQXIP& client, PrivateConnection& connection, const char* target, const char* local) {
   const platform::LastErrorKeeper reason;
-  if (client.FTPFileSize(target, 1, 0, 0) != 0) return false;
+  if (connection.Meanwhile([&] { return client.FTPFileSize(target, 1, 0, 0); }) != 0) return false;
   CFile file;
   const bool opened = file.Open(local, CFile::modeWrite);
   ClearErrorInfo(client.m_pErrorInfo);
@@ -27,7 +27,8 @@ bool acceptEmptyRemote(TQXIP& client, const char* target, const char* local) {
 
 // A refused upload of a local file that exists and has content counts as done; hosts rely on it. An empty
 // file is tried once more as a write of no bytes.
-bool acceptRefusedUpload(TQXIP& client, const char* target, const char* local) {
+bool acceptRefusedUpload(TQXIP& client, PrivateConnection& connection, const char* target,
+                         const char* local) {
   const platform::LastErrorKeeper reason;
   CFile file;
   if (!file.Open(local, CFile::modeRead)) return false;
@@ -37,19 +38,23 @@ bool acceptRefusedUpload(TQXIP& client, const char* target, const char* local) {
     exception->Delete();
     return false;
   }
-  const bool written = client.FTPWriteFile(target, "", 0, 0, 1, 3, 0, 0) != 0;
+  const bool written =
+      connection.Meanwhile([&] { return client.FTPWriteFile(target, "", 0, 0, 1, 3, 0, 0); }) != 0;
   ClearErrorInfo(client.m_pErrorInfo);
   return written;
 }
 
-using Transfer = bool (*)(TQXIP& client, CFtpConnection& connection, const char* target, const char* local);
+using Transfer = bool (*)(TQXIP& client, PrivateConnection& connection, const char* target,
+                          const char* local);
 
-bool download(TQXIP& client, CFtpConnection& connection, const char* target, const char* local) {
-  return connection.GetFile(target, local) || acceptEmptyRemote(client, target, local);
+bool download(TQXIP& client, PrivateConnection& connection, const char* target, const char* local) {
+  return connection.Connection()->GetFile(target, local) ||
+         acceptEmptyRemote(client, connection, target, local);
 }
 
-bool upload(TQXIP& client, CFtpConnection& connection, const char* target, const char* local) {
-  return connection.PutFile(local, target) || acceptRefusedUpload(client, target, local);
+bool upload(TQXIP& client, PrivateConnection& connection, const char* target, const char* local) {
+  return connection.Connection()->PutFile(local, target) ||
+         acceptRefusedUpload(client, connection, target, local);
 }
 
 bool transferOnce(TQXIP& client, const char* remote, const char* local, Transfer transfer) {
@@ -58,7 +63,7 @@ bool transferOnce(TQXIP& client, const char* remote, const char* local, Transfer
   PathText target;
   if (!connection.Open() || !BothGiven(remote, local) || !MakeFtpPath(remote, target)) return false;
   ToFtpPath(target.data());  // twice: of three leading slashes one remains
-  return transfer(client, *connection.Connection(), target.c_str(), local);
+  return transfer(client, connection, target.c_str(), local);
 }
 
 struct TransferKind {

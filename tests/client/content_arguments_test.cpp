@@ -2,6 +2,7 @@
 // What FTPWriteFile and FTPReadFile refuse before they ask a server, and the write of no bytes.
 #include <chrono>
 
+#include "Src/RunningOperations.h"
 #include "tests/client/ContentTest.h"
 #include "tests/client/SlotHost.h"
 
@@ -151,6 +152,35 @@ TEST_F(Arguments, AWriteThatTheHostLetsSucceedMakesTheRefusedEmptyUploadASuccess
   write("");
   EXPECT_EQ(host.FTPUploadFile("/a", local.c_str(), 0), 1);
   EXPECT_TRUE(IsBlank(record));
+}
+
+// A transfer holds its own connection while it asks the client; the ends of both must leave a dead one alone.
+TEST_F(Arguments, AClientThatGoesDuringTheQuestionOfATransferIsNotTouchedAgain) {
+  const fixture::ScriptedFtp refusing(R"({"rules": [{"on": "STOR", "do": [{"reply": "553 No"}]}]})");
+  const auto transferOf = [&](auto&& arm, auto&& operation) {
+    SlotHost host(&record);
+    host.FTPSetLogin("127.0.0.1", "user", "secret", refusing.port(), 1);
+    arm(host);
+    EXPECT_EQ(operation(host), 0);
+    EXPECT_THAT(host.m_szMessage, testing::StartsWith("left alone"));
+    EXPECT_EQ(host.m_bConnected, 1) << "the close of the transfer's own connection was told";
+    EXPECT_TRUE(IsBlank(record));
+  };
+  const auto leave = [](SlotHost& host) {
+    RunningOperation::Abandon(host);
+    std::snprintf(host.m_szMessage, sizeof(host.m_szMessage), "left alone");
+  };
+  write("");
+  transferOf([&](SlotHost& host) { host.size = [&] { return leave(host), 0u; }; },
+             [&](SlotHost& host) { return host.FTPDownloadFile("/none", local.c_str(), 3); });
+  transferOf(
+      [&](SlotHost& host) {
+        host.write = [&] {
+          leave(host);
+          return QXBool{0};
+        };
+      },
+      [&](SlotHost& host) { return host.FTPUploadFile("/a", local.c_str(), 3); });
 }
 
 TEST_F(Arguments, AReconnectCallsTheSlotsWithOneRetryAndTheSameArguments) {
