@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The only includer of the Windows headers: their order, their version and their macros are settled here.
-// Included by framework/windows/*.cpp alone, always as the last include: the headers define many words.
+// Files that need other headers of the system (commdlg.h, shlobj.h) include them behind this one. It comes last
+// among our own headers wherever it can: the headers define many words.
 #pragma once
 
 #ifndef _WIN32
@@ -30,17 +31,30 @@
 #undef CopyFile
 #undef CreateDirectory
 #undef CreateFile
+#undef CreateWindow
+#undef CreateWindowEx
+#undef DefWindowProc
 #undef DeleteFile
 #undef DispatchMessage
 #undef FindFirstFile
 #undef FindNextFile
+#undef FindWindow
 #undef FormatMessage
+#undef GetClassName
 #undef GetCurrentDirectory
 #undef GetCurrentTime
+#undef GetDlgItemText
 #undef GetMessage
 #undef GetObject
+#undef GetOpenFileName
+#undef GetProfileString
+#undef GetSaveFileName
 #undef GetTempPath
 #undef GetUserName
+#undef GetWindowText
+#undef GetWindowTextLength
+#undef LoadLibrary
+#undef LoadString
 #undef MessageBox
 #undef MoveFile
 #undef PeekMessage
@@ -48,4 +62,7 @@
 #undef RemoveDirectory
 #undef SendMessage
 #undef SetCurrentDirectory
+#undef SetDlgItemText
+#undef SetWindowText
+#undef WriteProfileString
 #undef Yield

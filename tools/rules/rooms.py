@@ -12,15 +12,18 @@ ARROWS = {
     "framework": set(),
     "support": {"framework", "include"},
     "Src": {"support", "framework", "include"},
-    "module": {"Src", "support", "framework", "include"},
+    "dialogs": {"support", "framework", "include"},
+    "module": {"Src", "dialogs", "support", "framework", "include"},
     "examples": {"include"},
-    "bench": {"examples", "module", "Src", "support", "framework", "include", "tests"},
-    "tests": {"examples", "module", "Src", "support", "framework", "include"},
+    "bench": {"examples", "module", "Src", "dialogs", "support", "framework", "include", "tests"},
+    "tests": {"examples", "module", "Src", "dialogs", "support", "framework", "include"},
 }
-PRODUCT = {"framework", "support", "Src", "module", "include"}
+PRODUCT = {"framework", "support", "Src", "dialogs", "module", "include"}
 
-# A platform's folders and what may include their headers: the folder itself, of the same room.
-PLATFORM_FOLDERS = ("windows", "posix")
+# The folders that only one platform builds. Their headers are for folders of the same platform: in the product for
+# those of the same room, and framework/ui/ for dialogs/, which is made of windows throughout.
+PLATFORM_FOLDERS = {"windows": "windows", "ui": "windows", "dialogs": "windows", "posix": "posix"}
+WINDOW_ROOM = "dialogs"
 PLATFORM_TEST_ROOMS = {"framework", "include", "tests", "examples", "bench"}
 
 WINDOWS_WRAPPER = "framework/windows/windows_api.h"
@@ -32,7 +35,14 @@ PLATFORM_IF = re.compile(
 
 
 def platform_of(path):
-    return next((part for part in path.parts[:-1] if part in PLATFORM_FOLDERS), None)
+    return next((PLATFORM_FOLDERS[part] for part in path.parts[:-1] if part in PLATFORM_FOLDERS), None)
+
+
+def may_use(file, target):
+    """Whether the file may include a header of a platform's folder."""
+    if platform_of(file.path) != platform_of(target):
+        return False
+    return file.room == target.parts[0] or file.room not in PRODUCT or file.room == WINDOW_ROOM
 
 
 def resolve(file, name):
@@ -51,8 +61,7 @@ def check_own_header(file, name):
     room = target.parts[0]
     if room != file.room and room not in ARROWS[file.room]:
         return f"{file.room}/ must not know {room}/ (\"{name}\")"
-    platform = platform_of(target)
-    if platform and (platform_of(file.path) != platform or (room != file.room and file.room in PRODUCT)):
+    if platform_of(target) and not may_use(file, target):
         return f'"{name}" belongs to {target.parent}/ alone'
     return None
 
@@ -61,8 +70,8 @@ def check_system_header(file, name):
     """The C++ standard library's headers have no suffix; all others are a platform's."""
     if file.room not in PRODUCT or not name.endswith(".h") or str(file.path) == WINDOWS_WRAPPER:
         return None
-    if file.room != "framework" or not platform_of(file.path):
-        return f"<{name}> belongs into framework/windows/ or framework/posix/"
+    if file.room not in ("framework", WINDOW_ROOM) or not platform_of(file.path):
+        return f"<{name}> belongs into a platform's folder of framework/"
     return f"<{name}> comes through {WINDOWS_WRAPPER}" if WRAPPED.fullmatch(name) else None
 
 
