@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The only includer of the Windows headers: their order, their version and their macros are settled here.
-// Files that need other headers of the system (commdlg.h, shlobj.h) include them behind this one. It comes last
-// among our own headers wherever it can: the headers define many words.
+// Files that need other headers of the system (commdlg.h, shlobj.h) include them behind this one. It comes
+// last among our own headers wherever it can: the headers define many words.
 #pragma once
 
 #ifndef _WIN32
