@@ -7,17 +7,9 @@
 #include <string>
 #include <utility>
 
-#include "tests/client/HostClient.h"
 #include "tests/client/ServerTest.h"
-
-// Paths that no operation takes.
-inline const std::string kBadPaths[] = {"/" + std::string(255, 'a'),
-                                        std::string(300, 'a'),
-                                        std::string(100000, 'a'),
-                                        "/a\r\nDELE /b",
-                                        "/a\nb",
-                                        "/a\x7f",
-                                        "/\x01"};
+#include "tests/client/SlotHost.h"
+#include "tests/client/TestPaths.h"
 
 class ChangeTest : public ServerTest {
  protected:
@@ -81,10 +73,5 @@ class ChangeTest : public ServerTest {
     EXPECT_TRUE(server.exists("/b"));
   }
 
-  HostClient host{&record};
+  SlotHost host{&record};
 };
-
-// Last components with which something could go wrong.
-inline const std::string kOddNames[] = {"with blank", " blank first", "blank last ", "100%25",
-                                        "#hash",      "a?b",          "a;b=c",       "-rf",
-                                        "a*b",        "quote\"d",     "d\xc3\xbcnn", "\xe6\xbc\xa2"};

@@ -118,27 +118,3 @@ MATCHER_P(ShowsError, error, "") {
   return arg.bSet == 1 &&
          std::string(arg.szText).find("[" + std::to_string(error) + " QXIP ") != std::string::npos;
 }
-
-// Names with characters that shells, URLs or servers' option parsers take for something else.
-inline const char* const kOddNames[] = {"with blank",
-                                        "%41",
-                                        "a#b",
-                                        "what?",
-                                        "a;type=i",
-                                        "-l",
-                                        "--help",
-                                        "a'b\"c",
-                                        "100% [x]*",
-                                        "\xc3\xbcml\xc3\xa4ut",
-                                        "\xe6\x96\x87.txt"};
-
-// Paths that may not go to a server.
-inline std::vector<std::string> badPaths() {
-  return {"/" + std::string(255, 'a'),
-          std::string(300, 'a'),
-          std::string(100'000, 'a'),
-          "/a\r\nDELE /b",
-          "/a\nb",
-          "/a\x7f",
-          "/\x01"};
-}

@@ -21,13 +21,23 @@ class SlotHost final : public TQXIP {
     const std::lock_guard lock(m_mutex);
     return m_calls;
   }
-  // The message buffer after each of those calls, in the order of their ends.
+  // The message buffer as each of those calls found it.
+  std::vector<std::string> messagesBefore;
+  // The message buffer after each of them that answers yes or no, in the order of their ends.
   std::vector<std::string> messagesAfter;
+  // Whether a report is taken out of the error record as soon as a call has ended: the record keeps the first
+  // one else. And the texts of those taken.
+  bool takesReports = false;
+  std::vector<std::string> reports;
+  // Whether a call that has no use for the host's values got some.
+  bool hostValuesWereGiven = false;
 
   // What the functions answer. None: the library's own function runs.
   std::function<QXBool(const std::string&remote, const std::string&local)> download, upload;
   std::function<QXBool()> copy, move, remove, rename, write, read;
   std::function<std::uint32_t()> size;
+  std::function<QXBool(const char*path, std::uint32_t retries)> dirExist, createDir;
+  std::function<QXBool(const char*path, std::uint32_t value, std::uint32_t retries)> destroyContent, wipeWith;
   std::function<QXBool(QXBool*)> poll;
 
   QXBool OnPoll(QXHostValue, QXHostValue, QXHostValue, QXBool* reconnect) override {
@@ -73,6 +83,29 @@ class SlotHost final : public TQXIP {
     note("FTPReadFile", path, reserved, retries, first, second);
     return ended(read ? read() : TQXIP::FTPReadFile(path, data, bytes, reserved, retries, first, second));
   }
+  QXBool FTPDirExist(const char* path, std::uint32_t retries, QXHostValue first,
+                     QXHostValue second) override {
+    note("FTPDirExist", path, retries);
+    noteHostValues(first, second);
+    return ended(dirExist ? dirExist(path, retries) : TQXIP::FTPDirExist(path, retries, first, second));
+  }
+  QXBool FTPCreateDir(const char* path, std::uint32_t retries, QXHostValue first,
+                      QXHostValue second) override {
+    note("FTPCreateDir", path, retries);
+    noteHostValues(first, second);
+    return ended(createDir ? createDir(path, retries) : TQXIP::FTPCreateDir(path, retries, first, second));
+  }
+  QXBool FTPDestroyFileContent(const char* path, std::uint32_t method, std::uint32_t retries,
+                               QXHostValue first, QXHostValue second) override {
+    note("FTPDestroyFileContent", path, method, retries);
+    noteHostValues(first, second);
+    return ended(destroyContent ? destroyContent(path, method, retries)
+                                : TQXIP::FTPDestroyFileContent(path, method, retries, first, second));
+  }
+  QXBool WipeWith(const char* path, std::uint32_t pattern, std::uint32_t retries) override {
+    note("WipeWith", path, pattern, retries);
+    return ended(wipeWith ? wipeWith(path, pattern, retries) : TQXIP::WipeWith(path, pattern, retries));
+  }
   QXBool FTPRenameFile(const char* from, const char* to, std::uint32_t retries) override {
     note("FTPRenameFile", from, to, retries);
     return ended(rename ? rename() : TQXIP::FTPRenameFile(from, to, retries));
@@ -91,9 +124,17 @@ class SlotHost final : public TQXIP {
     ((call << ' ' << shown(arguments)), ...);
     const std::lock_guard lock(m_mutex);
     m_calls.push_back(call.str());
+    messagesBefore.emplace_back(m_szMessage);
+  }
+  void noteHostValues(QXHostValue first, QXHostValue second) {
+    if (first != 0 || second != 0) hostValuesWereGiven = true;
   }
   QXBool ended(QXBool result) {
     messagesAfter.emplace_back(m_szMessage);
+    if (takesReports && m_pErrorInfo->bSet != 0) {
+      reports.emplace_back(m_pErrorInfo->szText);
+      *m_pErrorInfo = {};
+    }
     return result;
   }
 

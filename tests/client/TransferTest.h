@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tests/client/ServerTest.h"
+#include "tests/client/TestPaths.h"
 #include "tests/support/Pattern.h"
 #include "tests/support/ScratchFolder.h"
 

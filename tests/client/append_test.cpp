@@ -234,6 +234,17 @@ TEST_F(AppendSlots, ADownloadThatLeavesNoFileIsAFailure) {
   EXPECT_THAT(record, ReportsLastError("TQXIP::FTPWriteFileThr '/a.txt' failed!", 2u, 8489));
 }
 
+TEST_F(AppendSlots, AReadOnlyCopyIsRemovedToo) {
+  host.download = [this](const std::string&, const std::string&) -> QXBool {
+    std::ofstream(temporaryFile("a.txt")) << "old";
+    std::filesystem::permissions(temporaryFile("a.txt"), std::filesystem::perms::owner_read);
+    return 1;
+  };
+  append("/a.txt", 0);  // whether it may be written depends on the user's rights
+  EXPECT_EQ(host.calls().at(1), "FTPDownloadFile /a.txt " + temporaryName("a.txt") + " 0");
+  EXPECT_EQ(leftInTemporary(), Names{});
+}
+
 TEST_F(AppendSlots, ADownloadedCopyThatIsEmptyIsAFailure) {
   host.download = [this](const std::string&, const std::string&) -> QXBool {
     std::ofstream(temporaryFile("a.txt")).close();

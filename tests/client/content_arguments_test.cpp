@@ -82,7 +82,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& instance) { return instance.param.name; });
 
 TEST_F(Arguments, PathsThatMayNotGoToAServerDoNot) {
-  for (const std::string& path : badPaths()) {
+  for (const std::string& path : kBadPaths) {
     record = {};
     EXPECT_EQ(client.FTPWriteFile(path.c_str(), "x", 1, 0, 0, 1, 0, 0), 0);
     EXPECT_THAT(std::string(record.szText), testing::EndsWith("[87 QXIP 8489]"));

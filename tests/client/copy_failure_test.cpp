@@ -53,7 +53,7 @@ TEST_F(CopyFailure, PathsThatMayNotGoToAServerDoNot) {
   const fixture::ScriptedFtp server(R"({"tree": {"/a": "one"}})");
   loginAt(server);
   write("mine");
-  for (const std::string& path : badPaths()) {
+  for (const std::string& path : kBadPaths) {
     record = {};
     EXPECT_EQ(copy(path.c_str(), "/b", 1), 0);
     EXPECT_EQ(copy(path.c_str(), target.c_str(), 1), 0);
@@ -202,7 +202,7 @@ TEST_F(CopyFailure, NormalisesBothPathsOnce) {
 TEST_F(CopyFailure, OddNamesAreNamesLikeOthers) {
   const fixture::ScriptedFtp server(R"({"tree": {"/d/": {}, "/a": "one"}})");
   loginAt(server);
-  for (const std::string name : kOddNames) {
+  for (const std::string& name : kOddNames) {
     // The copy on the disk has the target's name, so the disk has to take that.
     const bool possible = std::ofstream(folder.file(name)).good();
     const std::string path = "/d/" + name;

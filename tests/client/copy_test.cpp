@@ -45,6 +45,7 @@ TEST_P(CopySizes, RemoteToRemote) {
   EXPECT_TRUE(server.matches("/a", 7, size));
   EXPECT_EQ(progressIn(client.m_Transfer), (Progress{1, size, size}));
   EXPECT_EQ(server.dataConnections().at(0).mode, passive ? "passive" : "active");
+  EXPECT_EQ(client.count("OnAfterDisconnect"), 0u);
   expectSilentSuccess("/a", "/b");
   expectAttempts(server, 3);
   for (const int connection : {1, 2, 3}) expectQuit(server, connection);
@@ -56,6 +57,7 @@ TEST_P(CopySizes, RemoteToLocal) {
   EXPECT_EQ(copy("/a", target), 1);
   EXPECT_TRUE(testing_support::Pattern(7).matchesFile(local, size));
   EXPECT_EQ(progressIn(client.m_Transfer), (Progress{1, size, size}));
+  EXPECT_EQ(client.count("OnAfterDisconnect"), 1u) << "the host hears of the end of such a copy";
   expectSilentSuccess("/a", target);
   expectAttempts(server, 2);
 }
@@ -156,6 +158,12 @@ TEST_F(CopySlots, RemoteToRemoteMeasuresWithOneRetryAndUploadsTheCopyToTheNormal
             (Names{"FTPCpyFile \\pub\\a.txt \\pub\\b.txt 0 3 11 22", "FTPFileSize \\pub\\a.txt 1 0 0",
                    "FTPUploadFile /pub/b.txt " + temporaryName("b.txt") + " 3"}));
   EXPECT_EQ(server.content("/pub/b.txt"), "one");
+}
+
+TEST_F(CopySlots, NormaliseBothPathsOnce) {
+  EXPECT_EQ(copy("///pub/a.txt", "///pub/b.txt"), 1);
+  EXPECT_THAT(server.commands(), testing::Contains("RETR //pub/a.txt"));
+  EXPECT_EQ(host.calls().back(), "FTPUploadFile //pub/b.txt " + temporaryName("b.txt") + " 3");
 }
 
 TEST_F(CopySlots, RemoteToLocalMeasuresWithTheRetryCount) {

@@ -111,7 +111,9 @@ INSTANTIATE_TEST_SUITE_P(
                     // Backslashes make nothing above.
                     Walk{"\\new", {"MKD /new"}}, Walk{"new\\", {"MKD new"}},
                     // The dropped first character shifts the letters.
-                    Walk{"//new", {"MKD /", "MKD /", "MKD /new"}}));
+                    Walk{"//new", {"MKD /", "MKD /", "MKD /new"}},
+                    // Of three first characters one is dropped.
+                    Walk{"///new", {"MKD /", "MKD /", "MKD /", "MKD //new"}}));
 
 // As above, where the last command is refused because a directory above is missing.
 class RefusedWalk : public CreateDirectory, public testing::WithParamInterface<Walk> {};
@@ -173,6 +175,16 @@ TEST_F(CreateDirectory, AConnectionThatBreaksInTheCommandIsReportedAs12030) {
   host.dirExist = &notThere;
   EXPECT_EQ(host.FTPCreateDir("/a", 0, 0, 0), 0);
   EXPECT_THAT(record, ReportsLastError(kWorkerFailed, 12030u, kWorkerLine));
+}
+
+TEST_F(CreateDirectory, AServerThatKeepsSilentIsReportedAs12002) {
+  const fixture::ScriptedFtp server(R"({"rules": [{"on": "MKD", "argument": "/a", "do": ["silent"]}]})");
+  loginHostAt(server);
+  shortenTimeouts();
+  host.dirExist = &notThere;
+  EXPECT_EQ(host.FTPCreateDir("/a", 1, 0, 0), 0);
+  EXPECT_EQ(lineCount(server, "MKD /a"), 2);
+  EXPECT_THAT(record, ReportsLastError(kWorkerFailed, 12002u, kWorkerLine));
 }
 
 TEST_F(CreateDirectory, AConnectionThatBreaksForADirectoryAboveFailsTheCreation) {

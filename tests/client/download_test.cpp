@@ -2,6 +2,8 @@
 // FTPDownloadFile.
 #include <chrono>
 
+#include "tests/client/NoTurns.h"
+#include "tests/client/SlotHost.h"
 #include "tests/client/TransferTest.h"
 
 namespace {
@@ -46,6 +48,23 @@ TEST_F(Download, NormalisesTheRemotePathTwice) {
     EXPECT_EQ(download(remote), 1) << remote;
     std::filesystem::remove(local);
   }
+}
+
+TEST_F(Download, OddNamesAreNamesLikeOthers) {
+  const fixture::ScriptedFtp server(R"({"tree": {"/d/": {}}})");
+  loginAt(server);
+  for (const std::string& name : kOddNames) {
+    server.putText("/d/" + name, "of " + name);
+    EXPECT_EQ(download(("/d/" + name).c_str()), 1) << name;
+    EXPECT_EQ(content(), "of " + name);
+    std::filesystem::remove(local);
+  }
+}
+
+TEST_F(Download, AsksNobodyAndDispatchesNothingOnItsWay) {
+  const fixture::ScriptedFtp server(R"({"tree": {"/a": {"size": 1048576}}})");
+  loginAt(server);
+  expectNoTurns(client, [&] { EXPECT_EQ(download(), 1); });
 }
 
 TEST_F(Download, WorksOnAClientThatIsNotInitialised) {
@@ -116,6 +135,7 @@ TEST_F(Download, AnsweringByAnExistingLocalFileForgetsAnEarlierReport) {
 TEST_F(Download, AMissingRemoteFileFailsAndLeavesNoLocalFile) {
   const fixture::ScriptedFtp server;
   loginAt(server);
+  client.OnFailure();  // an earlier report, which is forgotten here too
   EXPECT_EQ(download("/none"), 0);
   EXPECT_FALSE(exists());
   EXPECT_THAT(record, ReportsFrom(failedLine("/none"), kLine));
@@ -130,6 +150,40 @@ TEST_F(Download, AMissingRemoteFileIsAskedForOnceMoreThanTheRetriesSay) {
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(10) * retries);
     EXPECT_EQ(server.commandCount("RETR"), static_cast<int>(retries) + 1);
   }
+}
+
+TEST_F(Download, TheSizeIsAskedForThroughTheSlotWithTheNormalisedPathAndOneRetry) {
+  const fixture::ScriptedFtp server(R"({"tree": {"/pub/a": "one"}})");
+  SlotHost host(&record);
+  host.FTPSetLogin("127.0.0.1", "user", "secret", server.port(), 1);
+  host.size = [] { return 3u; };
+  write("mine");
+  EXPECT_EQ(host.FTPDownloadFile("\\pub\\a", local.c_str(), 0), 0);
+  EXPECT_EQ(host.calls(), (Names{"FTPDownloadFile \\pub\\a " + local + " 0", "FTPFileSize /pub/a 1 0 0"}));
+  EXPECT_EQ(content(), "mine");
+}
+
+TEST_F(Download, EveryAttemptReports) {
+  const fixture::ScriptedFtp server(
+      R"({"tree": {"/a": "one"}, "rules": [{"on": "RETR", "do": [{"reply": "550 No"}]}]})");
+  SlotHost host(&record);
+  host.FTPSetLogin("127.0.0.1", "user", "secret", server.port(), 1);
+  host.takesReports = true;
+  EXPECT_EQ(host.FTPDownloadFile("/a", local.c_str(), 3), 0);
+  EXPECT_EQ(host.reports.size(), 4u);
+  for (const std::string& report : host.reports)
+    EXPECT_THAT(report, testing::StartsWith(failedLine())) << "and [12003 QXIP 3841]";
+}
+
+TEST_F(Download, NobodyListens) {
+  const fixture::RefusedPort nobody;
+  loginAt(nobody);
+  EXPECT_EQ(download("/a", 1), 0);
+  EXPECT_EQ(client.count("OnIPError 12029"), 2u);
+  EXPECT_EQ(client.count("OnIPError"), 2u);
+  EXPECT_EQ(record.nError, 12029u);
+  EXPECT_EQ(client.m_szMessage, failedLine());
+  EXPECT_FALSE(exists());
 }
 
 TEST_F(Download, ARetryThatSucceedsIsASuccess) {

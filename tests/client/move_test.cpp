@@ -102,11 +102,13 @@ TEST_F(Move, OnlyARemoteSourceIsRemovedThroughTheSlot) {
 TEST_F(Move, AFailedRemovalRepeatsTheMoveThroughTheSlot) {
   host.copy = yes;
   host.remove = no;
+  host.takesReports = true;
   const auto start = steady_clock::now();
-  EXPECT_EQ(move("/a", "/b", 2), 0);
-  EXPECT_GE(steady_clock::now() - start, milliseconds(20));
+  EXPECT_EQ(move("/a", "/b", 3), 0);
+  EXPECT_GE(steady_clock::now() - start, milliseconds(30));
+  EXPECT_EQ(host.reports.size(), 4u) << "every run reports";
   Names expected;
-  for (const char* left : {"2", "1", "0"}) {
+  for (const char* left : {"3", "2", "1", "0"}) {
     expected.push_back(std::string("FTPMovFile /a /b 0 ") + left + " 11 22");
     expected.push_back(std::string("FTPCpyFile /a /b 0 ") + left + " 11 22");
     expected.push_back(std::string("FTPRmvFile /a 0 ") + left + " 11 22");
@@ -163,6 +165,84 @@ TEST_F(Move, BetweenTwoLocalPathsTheSourceIsDeletedAndNothingIsCopied) {
   EXPECT_FALSE(std::filesystem::exists(folder.file("other")));
 }
 
+TEST_F(Move, OddNamesAreNamesLikeOthers) {
+  for (const std::string& name : kOddNames) {
+    SCOPED_TRACE(name);
+    const std::string path = "/" + name;
+    server.putText(path, "of " + name);
+    EXPECT_EQ(client.FTPMovFile(path.c_str(), source.c_str(), nullptr, 0, 0, 0), 1);
+    EXPECT_FALSE(server.exists(path));
+    EXPECT_EQ(content(), "of " + name);
+    EXPECT_EQ(client.FTPMovFile(source.c_str(), path.c_str(), nullptr, 0, 0, 0), 1);
+    ASSERT_TRUE(server.exists(path));
+    EXPECT_EQ(server.content(path), "of " + name);
+    EXPECT_FALSE(exists());
+  }
+}
+
+TEST_F(Move, WhereNobodyListensTheSourceStays) {
+  const fixture::RefusedPort nobody;
+  loginAt(nobody);
+  write("mine");
+  EXPECT_EQ(client.FTPMovFile(source.c_str(), "/b", nullptr, 1, 0, 0), 0);
+  EXPECT_EQ(client.count("OnIPError 12029"), 3u) << "two attempts of the first copy, one of the second";
+  EXPECT_EQ(record.nError, 12029u);
+  EXPECT_EQ(client.m_szMessage, failedLine(source, "/b"));
+  EXPECT_EQ(content(), "mine");
+}
+
+TEST_F(Move, ATransferThatBreaksOffLeavesTheSourceAndIsMadeUpForByTheNext) {
+  const fixture::ScriptedFtp breaking(
+      R"({"tree": {"/a": {"size": 100000, "seed": 9}},
+          "rules": [{"on": "RETR", "nth": [1, 2], "do": [{"normal": {"close_after": 50000}}]}]})");
+  loginAt(breaking);
+  EXPECT_EQ(client.FTPMovFile("/a", source.c_str(), nullptr, 0, 0, 0), 0);
+  EXPECT_TRUE(breaking.exists("/a"));
+  EXPECT_EQ(breaking.commandCount("DELE"), 0);
+  EXPECT_EQ(client.FTPMovFile("/a", source.c_str(), nullptr, 1, 0, 0), 1);
+  EXPECT_TRUE(testing_support::Pattern(9).matchesFile(local, 100'000));
+  EXPECT_FALSE(breaking.exists("/a"));
+}
+
+// Where a move waits for a silent server: in its copy or in its removal.
+class MoveStall : public Move, public testing::WithParamInterface<const char*> {
+ protected:
+  const fixture::ScriptedFtp stalling{std::string(R"({"tree": {"/a": "one"}, "rules": [{"on": ")") +
+                                      GetParam() + R"(", "nth": 1, "do": [{"gate": "g"}, "normal"]}]})"};
+  void SetUp() override { loginAt(stalling); }
+  void onceStalled(const Gate& action) {
+    client.poll = [this, action, first = true](QXHostValue, QXHostValue, QXHostValue,
+                                               QXBool* reconnect) mutable -> QXBool {
+      if (!first || stalling.commandCount(GetParam()) == 0) return 0;
+      first = false;
+      stalling.waitAtGate("g");
+      return action(reconnect);
+    };
+  }
+};
+
+TEST_P(MoveStall, IsEndedByACancelAndTheSourceStays) {
+  onceStalled(cancels);
+  EXPECT_EQ(client.FTPMovFile("/a", "/b", nullptr, 0, 0, 0), 0);
+  stalling.waitUntilAllClosed();
+  EXPECT_TRUE(stalling.exists("/a"));
+  EXPECT_EQ(client.m_szMessage, failedLine("/a", "/b"));
+  EXPECT_EQ(leftInTemporary(), Names{});
+}
+
+// The part of the move is run again, but the outcome of its first run stands.
+TEST_P(MoveStall, IsNoSuccessAfterAReconnect) {
+  onceStalled(reconnects);
+  EXPECT_EQ(client.FTPMovFile("/a", "/b", nullptr, 0, 0, 0), 0);
+  stalling.waitUntilAllClosed();
+  EXPECT_EQ(stalling.content("/b"), "one");
+  EXPECT_EQ(stalling.commandCount(GetParam()), 2);
+  EXPECT_EQ(stalling.exists("/a"), GetParam() == std::string("RETR")) << "the second removal has removed it";
+}
+
+INSTANTIATE_TEST_SUITE_P(Verbs, MoveStall, testing::Values("RETR", "DELE"),
+                         [](const auto& instance) { return std::string(instance.param); });
+
 TEST_F(Move, ACancelledCopyLeavesTheSource) {
   host.poll = [](QXBool*) { return QXBool{1}; };
   write("mine");
@@ -193,6 +273,11 @@ TEST_P(BadMoveArguments, CopyAndRemoveNothing) {
   EXPECT_STREQ(host.m_szMessage, line);
   EXPECT_THAT(record, ReportsLastError(line, 87u, 6345));
   EXPECT_EQ(server.connections().size(), 0u);
+  // A repetition finds the entry line of the run before it.
+  const bool isNull = from == nullptr || to == nullptr;
+  EXPECT_EQ(host.messagesBefore.at(1),
+            isNull ? std::string("TQXIP::FTPMovFile - IN: 'NULL'")
+                   : std::string("TQXIP::FTPMovFile - IN: From '") + from + "' to '" + to + "'");
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -214,7 +299,7 @@ TEST_F(Move, AClientThatIsNotInitialisedMovesNothing) {
 
 TEST_F(Move, PathsThatMayNotGoToAServerDoNotAndDeleteNothing) {
   write("mine");
-  for (const std::string& path : badPaths()) {
+  for (const std::string& path : kBadPaths) {
     EXPECT_EQ(move(path, "/b", 1), 0);
     EXPECT_EQ(move(source, path, 1), 0);
     EXPECT_EQ(move("/a", path, 1), 0);

@@ -161,6 +161,20 @@ TEST_F(NewDirectory, ARefusedCreationIsTriedAgainWithTheSameNameUntilItSucceeds)
   EXPECT_EQ(lineCount(server, "MKD /pub/New (2)"), 0);
 }
 
+TEST_F(NewDirectory, ACreationWhoseConnectionIsLostIsTriedAgainWithTheSameName) {
+  shortenTimeouts();
+  for (const char* loss : {"close", "reset", "silent"}) {
+    const fixture::ScriptedFtp server(std::string_view(std::string(R"({"tree": {"/pub/": {}}, "rules": [
+          {"on": "MKD", "argument": "/pub/New", "first": 2, "do": [")") +
+                                                       loss + "\"]}]}"));
+    loginAt(server);
+    EXPECT_EQ(create(), 1) << loss;
+    EXPECT_STREQ(created, "/pub/New");
+    EXPECT_EQ(lineCount(server, "MKD /pub/New"), 3);
+    EXPECT_EQ(server.names("/pub"), Names{"New"});
+  }
+}
+
 TEST_F(NewDirectory, TheCreationHasTheRetriesAndNoHostValues) {
   std::string asked;
   host.dirExist = [&](const char* path, std::uint32_t) -> QXBool { return std::strcmp(path, "/pub") == 0; };

@@ -2,8 +2,6 @@
 // FTPReadFile: a whole remote file in a block of its own; FTPFreeFileAPI takes it back.
 #include <algorithm>
 #include <chrono>
-#include <iomanip>
-#include <sstream>
 
 #include "tests/client/ContentTest.h"
 #include "tests/client/SlotHost.h"
@@ -169,6 +167,16 @@ TEST_F(Read, TheSizeIsAskedForThroughTheSlotWithThePathAsGivenAndTheRetryCount) 
   EXPECT_EQ(host.calls(), (Names{"FTPReadFile \\a 5 3 11 22", "FTPFileSize \\a 3 0 0"}));
 }
 
+TEST_F(Read, EachAttemptAsksForTheSizeWithTheRetriesThatAreLeft) {
+  const fixture::ScriptedFtp server(R"({"rules": [{"on": "RETR", "do": [{"reply": "550 No"}]}]})");
+  SlotHost host(&record);
+  host.FTPSetLogin("127.0.0.1", "user", "secret", server.port(), 1);
+  host.size = [] { return 10u; };
+  EXPECT_EQ(host.FTPReadFile("/a", &data, &size, 0, 2, 0, 0), 0);
+  EXPECT_EQ(host.calls(), (Names{"FTPReadFile /a 0 2 0 0", "FTPFileSize /a 2 0 0", "FTPFileSize /a 1 0 0",
+                                 "FTPFileSize /a 0 0 0"}));
+}
+
 TEST_F(Read, AFileThatIsShorterThanItsSizeIsAFailure) {
   const fixture::ScriptedFtp server(serving(5000));
   SlotHost host(&record);
@@ -201,10 +209,8 @@ TEST_F(Read, NormalisesThePathTwice) {
 TEST_F(Read, OddNamesAreNamesLikeOthers) {
   const fixture::ScriptedFtp server(R"({"tree": {"/d/": {}}})");
   loginAt(server);
-  for (const std::string name : kOddNames) {
-    std::ostringstream files;
-    files << '{' << std::quoted("/d/" + name) << ": " << std::quoted("of " + name) << '}';
-    server.put(files.str());
+  for (const std::string& name : kOddNames) {
+    server.putText("/d/" + name, "of " + name);
     EXPECT_EQ(fetch("/d/" + name), 1) << name;
     EXPECT_EQ(taken(), "of " + name);
   }

@@ -110,6 +110,14 @@ TEST_F(RemoveDirectory, NormalisesThePath) {
   }
 }
 
+TEST_F(RemoveDirectory, NormalisesThePathOnce) {
+  const fixture::ScriptedFtp server(R"({"tree": {"/pub/e/": {}}})");
+  loginHostAt(server);
+  host.dirExist = [looks = 0](const char*, std::uint32_t) mutable -> QXBool { return ++looks == 1 ? 1 : 0; };
+  EXPECT_EQ(host.FTPRmvDir("///pub/e", 0, 0, 0), 1);
+  EXPECT_EQ(changes(server), (Names{"PWD", "RMD //pub/e"}));
+}
+
 TEST_F(RemoveDirectory, LeavesARelativePathToTheServer) {
   const fixture::ScriptedFtp server(R"({"home": "/pub", "tree": {"/pub/sub/e/": {}}})");
   loginAt(server);

@@ -3,6 +3,7 @@
 #include <chrono>
 
 #include "tests/client/ContentTest.h"
+#include "tests/client/NoTurns.h"
 #include "tests/client/SlotHost.h"
 
 namespace {
@@ -25,11 +26,7 @@ class Rename : public ContentTest {
 TEST_F(Rename, GivesTheFileItsNewName) {
   const fixture::ScriptedFtp server(R"({"tree": {"/a": "one"}})");
   loginAt(server);
-  client.poll = [](QXHostValue, QXHostValue, QXHostValue, QXBool*) -> QXBool {
-    ADD_FAILURE() << "there is no worker";
-    return 1;
-  };
-  EXPECT_EQ(rename(), 1);
+  expectNoTurns(client, [&] { EXPECT_EQ(rename(), 1); });
   EXPECT_EQ(server.names("/"), Names{"b"});
   EXPECT_EQ(server.content("/b"), "one");
   EXPECT_EQ(client.m_szMessage, failedLine());
@@ -50,18 +47,20 @@ TEST_F(Rename, NormalisesBothPathsOnce) {
   loginAt(server);
   EXPECT_EQ(rename("\\pub\\a/", "\\pub\\b\\"), 1);
   EXPECT_EQ(rename("//pub/b", "//pub/c"), 1);
+  EXPECT_EQ(rename("///pub/c", "///pub/d"), 1);
   Names sent;
   for (const std::string& line : server.commands()) {
     if (line.starts_with("RN")) sent.push_back(line);
   }
-  EXPECT_EQ(sent, (Names{"RNFR /pub/a", "RNTO /pub/b", "RNFR /pub/b", "RNTO /pub/c"}));
+  EXPECT_EQ(sent, (Names{"RNFR /pub/a", "RNTO /pub/b", "RNFR /pub/b", "RNTO /pub/c", "RNFR //pub/c",
+                         "RNTO //pub/d"}));
 }
 
 TEST_F(Rename, OddNamesAreNamesLikeOthers) {
   const fixture::ScriptedFtp server(R"({"tree": {"/d/start": "one"}})");
   loginAt(server);
   std::string from = "/d/start";
-  for (const std::string name : kOddNames) {
+  for (const std::string& name : kOddNames) {
     const std::string to = "/d/" + name;
     EXPECT_EQ(rename(from, to), 1) << name;
     EXPECT_EQ(server.names("/d"), Names{name});
@@ -182,7 +181,7 @@ TEST_F(Rename, NullOrEmptyPathsFailOnTheOpenedConnection) {
 TEST_F(Rename, PathsThatMayNotGoToAServerDoNot) {
   const fixture::ScriptedFtp server(R"({"tree": {"/a": "one"}})");
   loginAt(server);
-  for (const std::string& path : badPaths()) {
+  for (const std::string& path : kBadPaths) {
     record = {};
     EXPECT_EQ(rename(path, "/b", 1), 0);
     EXPECT_EQ(rename("/a", path, 1), 0);
@@ -195,9 +194,11 @@ TEST_F(Rename, EachRetryGoesThroughTheSlotAndEndsWithItsOwnLine) {
   const fixture::ScriptedFtp server;
   SlotHost host(&record);
   host.FTPSetLogin("127.0.0.1", "user", "secret", server.port(), 1);
+  host.takesReports = true;
   EXPECT_EQ(host.FTPRenameFile("/a", "/b", 2), 0);
   EXPECT_EQ(host.calls(), (Names{"FTPRenameFile /a /b 2", "FTPRenameFile /a /b 1", "FTPRenameFile /a /b 0"}));
   EXPECT_EQ(host.messagesAfter, Names(3, failedLine()));
+  EXPECT_EQ(host.reports.size(), 3u);
 }
 
 TEST_F(Rename, WithoutAnErrorRecordAFailureChangesTheMessageAlone) {

@@ -3,6 +3,8 @@
 // empty one does not.
 #include <chrono>
 
+#include "tests/client/NoTurns.h"
+#include "tests/client/SlotHost.h"
 #include "tests/client/TransferTest.h"
 
 namespace {
@@ -66,6 +68,24 @@ TEST_F(Upload, NormalisesTheRemotePathTwice) {
   EXPECT_EQ(server.names("/pub"), (Names{"b", "c"}));
 }
 
+TEST_F(Upload, OddNamesAreNamesLikeOthers) {
+  const fixture::ScriptedFtp server(R"({"tree": {"/d/": {}}})");
+  loginAt(server);
+  for (const std::string& name : kOddNames) {
+    write("of " + name);
+    EXPECT_EQ(upload(("/d/" + name).c_str()), 1) << name;
+    ASSERT_TRUE(server.exists("/d/" + name)) << name;
+    EXPECT_EQ(server.content("/d/" + name), "of " + name);
+  }
+}
+
+TEST_F(Upload, AsksNobodyAndDispatchesNothingOnItsWay) {
+  const fixture::ScriptedFtp server;
+  loginAt(server);
+  testing_support::Pattern(6).writeFile(local, 1 << 20);
+  expectNoTurns(client, [&] { EXPECT_EQ(upload(), 1); });
+}
+
 TEST_F(Upload, WorksOnAClientThatIsNotInitialised) {
   const fixture::ScriptedFtp server;
   loginAt(server);
@@ -108,10 +128,46 @@ TEST_F(Upload, ARefusedEmptyFileIsTriedOnceMoreThanTheRetriesSay) {
   const fixture::ScriptedFtp server(kRefusesUploads);
   loginAt(server);
   write("");
-  const auto start = std::chrono::steady_clock::now();
-  EXPECT_EQ(upload("/a", 2), 0);
-  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(20));
-  EXPECT_EQ(server.commandCount("STOR"), 3);
+  int attempts = 0;
+  for (const std::uint32_t retries : {0u, 1u, 3u}) {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(upload("/a", retries), 0);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(10) * retries);
+    attempts += static_cast<int>(retries) + 1;
+    EXPECT_EQ(server.commandCount("STOR"), attempts);
+  }
+}
+
+TEST_F(Upload, EveryAttemptReports) {
+  const fixture::ScriptedFtp server;
+  SlotHost host(&record);
+  host.FTPSetLogin("127.0.0.1", "user", "secret", server.port(), 1);
+  host.takesReports = true;
+  EXPECT_EQ(host.FTPUploadFile("/a", local.c_str(), 3), 0) << "the local file is missing";
+  EXPECT_EQ(host.reports.size(), 4u);
+  for (const std::string& report : host.reports) EXPECT_THAT(report, testing::StartsWith(failedLine()));
+}
+
+TEST_F(Upload, NobodyListensAndSoItIsNoSuccess) {
+  const fixture::RefusedPort nobody;
+  loginAt(nobody);
+  write("content");
+  EXPECT_EQ(upload("/a", 1), 0);
+  EXPECT_EQ(client.count("OnIPError 12029"), 2u);
+  EXPECT_EQ(client.count("OnIPError"), 2u);
+  EXPECT_EQ(record.nError, 12029u);
+  EXPECT_EQ(client.m_szMessage, failedLine());
+}
+
+TEST_F(Upload, AStallIsGivenUpAndIsTheRequiredSuccessForAFileWithContent) {
+  const fixture::ScriptedFtp server(
+      R"({"rules": [{"on": "STOR", "do": [{"normal": {"final_gate": "never"}}]}]})");
+  loginAt(server);
+  shortenTimeouts();
+  write("content");
+  EXPECT_EQ(upload("/a", 3), 1);
+  EXPECT_EQ(server.commandCount("STOR"), 1);
+  EXPECT_TRUE(IsBlank(record));
 }
 
 TEST_F(Upload, ATransferThatBreaksOffIsTheRequiredSuccessForAFileWithContent) {

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "tests/client/ErrorRecord.h"
-#include "tests/client/HostClient.h"
 #include "tests/client/RecordingClient.h"
+#include "tests/client/SlotHost.h"
 
 namespace {
 
@@ -20,7 +20,7 @@ class Wipe : public testing::Test {
  protected:
   QXErrorInfo record{};
   RecordingClient client{&record};
-  HostClient host;
+  SlotHost host;
 
   void TearDown() override {
     EXPECT_TRUE(client.calls().empty());

@@ -137,7 +137,7 @@ TEST_F(Write, NormalisesThePathTwice) {
 TEST_F(Write, OddNamesAreNamesLikeOthers) {
   const fixture::ScriptedFtp server(R"({"tree": {"/d/": {}}})");
   loginAt(server);
-  for (const std::string name : kOddNames) {
+  for (const std::string& name : kOddNames) {
     EXPECT_EQ(store("of " + name, "/d/" + name), 1) << name;
     ASSERT_TRUE(server.exists("/d/" + name)) << name;
     EXPECT_EQ(server.content("/d/" + name), "of " + name);

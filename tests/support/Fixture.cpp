@@ -71,6 +71,10 @@ void Server::waitFor(std::string_view condition, int seconds) const {
 
 void FileServer::put(std::string_view files) const { ask("put", {{"files", parsed(files)}}); }
 
+void FileServer::putText(const std::string& path, const std::string& text) const {
+  ask("put", {{"files", {{path, text}}}});
+}
+
 bool FileServer::exists(const std::string& path) const { return ask("stat", {{"path", path}}).at("exists"); }
 
 std::uint64_t FileServer::size(const std::string& path) const {

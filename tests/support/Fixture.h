@@ -54,6 +54,7 @@ class FileServer : public Server {
   // Makes files, folders and links from JSON: {"/a.txt": "text", "/big": {"size": 5000, "seed": 7}, "/dir/":
   // {}}.
   void put(std::string_view files) const;
+  void putText(const std::string& path, const std::string& text) const;
   [[nodiscard]] bool exists(const std::string& path) const;
   // REQUIRES: exists(path).
   [[nodiscard]] std::uint64_t size(const std::string& path) const;
