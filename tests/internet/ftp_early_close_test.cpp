@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Downloads that are given up half-way, and what servers make of it.
+#include <thread>
+
 #include "tests/internet/FtpTransferTest.h"
 
 namespace internet_tests {
@@ -16,6 +18,25 @@ TEST_F(FtpTransferTest, AnEarlyCloseOfAReadKeepsTheConnection) {
     EXPECT_TRUE(works(*connection));
     EXPECT_EQ(server.connections().size(), 1u);
   }
+}
+
+// Some servers do not see a break that comes before they have sent anything.
+TEST_F(FtpTransferTest, AnEarlyCloseBreaksOffOnlyOnceTheServerSends) {
+  ScriptedFtp server = serving({{"stall_after", 0}, {"gate", "data"}});
+  auto connection = connect(server);
+  std::uint64_t sent = 0;
+  // The close waits a moment only; on a busy machine the data may come later than that.
+  for (int attempt = 0; attempt < 20 && sent == 0; ++attempt) {
+    server.hold("data");
+    auto file = openToRead(*connection, "/big");
+    server.waitAtGate("data");
+    std::thread sender([&] { server.release("data"); });
+    EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
+    sender.join();
+    EXPECT_TRUE(works(*connection));
+    sent = server.dataConnections().back().bytes;
+  }
+  EXPECT_GT(sent, 0u);
 }
 
 TEST_F(FtpTransferTest, AnEarlyCloseTakesASecondOpeningForTheEnd) {

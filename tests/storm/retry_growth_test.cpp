@@ -142,33 +142,74 @@ QXBool copyOnServer(TQXIP& client, const char* /*local*/) {
   return client.FTPCpyFile("/file.txt", "/copy.txt", nullptr, kForever, 0, 0);
 }
 
-class RetryGrowthOf : public RetryGrowth, public testing::WithParamInterface<Operation> {};
+// Who refuses, and what: no rules: the port itself.
+struct Refusal {
+  const char* name;
+  const char* rules;
+};
 
-TEST_P(RetryGrowthOf, AnOperationThatIsCancelledAfterTwoSecondsOfRetries) {
-  constexpr int kAttempts = 200;  // each with a pause of 10 ms
-  LogInTo(refused);
+constexpr Refusal kRefusedPort{"Connection", nullptr};
+constexpr Refusal kLogin{"Login", R"({"on": "PASS", "do": [{"reply": "530 No"}]})"};
+constexpr Refusal kWelcome421{"Welcome421",
+                              R"({"on": "CONNECT", "do": [{"reply": "421 Too many"}, "close"]})"};
+constexpr Refusal kWelcome550{"Welcome550", R"({"on": "CONNECT", "do": [{"reply": "550 No"}]})"};
+constexpr Refusal kTransfer{"Transfer", R"({"on": ["RETR", "STOR"], "do": [{"reply": "550 No"}]})"};
+
+class RetryGrowthOf : public RetryGrowth, public testing::WithParamInterface<std::tuple<Operation, Refusal>> {
+ protected:
+  const Operation operation = std::get<0>(GetParam());
+  const Refusal refusal = std::get<1>(GetParam());
+};
+
+TEST_P(RetryGrowthOf, AnOperationThatIsCancelledAfterSecondsOfRetries) {
+  const int attempts = refusal.rules == nullptr ? 200 : 100;  // each with a pause of 10 ms
+  if (refusal.rules == nullptr) {
+    LogInTo(refused);
+  } else {
+    server.reconfigure(std::string("{\"rules\": [") + refusal.rules + "]}");
+    LogInTo(server);
+  }
   script.onIPError = [this](std::uint32_t, std::uint32_t*) { depths.note(__builtin_frame_address(0)); };
   int attemptsWhenCancelled = 0;
   script.onPoll = [&](QXBool&) {
     attemptsWhenCancelled = depths.count();
-    return attemptsWhenCancelled >= kAttempts;
+    return attemptsWhenCancelled >= attempts;
   };
   const std::string local = testing_support::localName(folder.file("file.txt"));
   const Health health;
-  EXPECT_EQ(GetParam().run(*client, local.c_str()), 0);
+  EXPECT_EQ(operation.run(*client, local.c_str()), 0);
   health.expectBack(kMemorySlack);
-  EXPECT_GE(attemptsWhenCancelled, kAttempts);
-  EXPECT_LE(depths.count(), attemptsWhenCancelled + kAttempts / 2) << "it went on after the cancel";
+  EXPECT_GE(attemptsWhenCancelled, attempts);
+  EXPECT_LE(depths.count(), attemptsWhenCancelled + attempts / 2) << "it went on after the cancel";
   EXPECT_EQ(depths.spread(), 0u) << "the stack grew";
 }
 
-INSTANTIATE_TEST_SUITE_P(Refused, RetryGrowthOf,
-                         testing::Values(Operation{"Remove", &removeFile}, Operation{"Read", &readFile},
-                                         Operation{"Write", &writeFile},
-                                         Operation{"CopyToServer", &copyToServer},
-                                         Operation{"CopyFromServer", &copyFromServer},
-                                         Operation{"CopyOnServer", &copyOnServer}),
-                         [](const auto& instance) { return instance.param.name; });
+std::string nameOf(const testing::TestParamInfo<std::tuple<Operation, Refusal>>& instance) {
+  return std::string(std::get<0>(instance.param).name) + std::get<1>(instance.param).name;
+}
+
+constexpr Operation kRemove{"Remove", &removeFile};
+constexpr Operation kRead{"Read", &readFile};
+constexpr Operation kWrite{"Write", &writeFile};
+constexpr Operation kCopyFromServer{"CopyFromServer", &copyFromServer};
+constexpr Operation kCopyOnServer{"CopyOnServer", &copyOnServer};
+
+INSTANTIATE_TEST_SUITE_P(NobodyListens, RetryGrowthOf,
+                         testing::Combine(testing::Values(kRemove, kRead, kWrite,
+                                                          Operation{"CopyToServer", &copyToServer},
+                                                          kCopyFromServer, kCopyOnServer),
+                                          testing::Values(kRefusedPort)),
+                         nameOf);
+
+INSTANTIATE_TEST_SUITE_P(TheServerRefuses, RetryGrowthOf,
+                         testing::Combine(testing::Values(kRead, kWrite, kCopyFromServer),
+                                          testing::Values(kLogin, kTransfer)),
+                         nameOf);
+
+INSTANTIATE_TEST_SUITE_P(TheServerRefusesToBegin, RetryGrowthOf,
+                         testing::Combine(testing::Values(kRemove),
+                                          testing::Values(kLogin, kWelcome421, kWelcome550)),
+                         nameOf);
 
 TEST_F(RetryGrowth, ACountOfFolderItemsWhoseListingFails) {
   script.onGetDirectory = [this](std::uint32_t* pnCount) {
