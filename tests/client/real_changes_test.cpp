@@ -96,7 +96,6 @@ INSTANTIATE_TEST_SUITE_P(Kinds, RealChanges, inBothModes(), serverAndModeName);
 
 constexpr const char* kNames[] = {" with  blanks", "100%25 #1", "what?", "a;type=i", "-rf", "d\xc3\xbcnn"};
 
-// What a name does to an operation has nothing to do with the mode.
 class RealNames : public RealChangesTest {};
 
 TEST_P(RealNames, GoThroughEveryOperation) {
@@ -123,6 +122,30 @@ TEST_P(RealNames, GoThroughEveryOperation) {
 
 INSTANTIATE_TEST_SUITE_P(Kinds, RealNames,
                          testing::Combine(testing::ValuesIn(kServerKinds), testing::Values(true)),
+                         serverAndModeName);
+
+// In active mode only what moves content has to do with the mode.
+class RealNamesInActiveMode : public RealChangesTest {};
+
+TEST_P(RealNamesInActiveMode, GoBothWays) {
+  make("/d/", "{}");
+  for (const std::string name : kNames) {
+    SCOPED_TRACE(name);
+    const std::string path = own + "/d/" + name;
+    write("in " + name);
+    EXPECT_EQ(upload(path.c_str()), 1);
+    EXPECT_EQ(server.names(own + "/d"), Names{name});
+    std::filesystem::remove(local);
+    EXPECT_EQ(download(path.c_str()), 1);
+    EXPECT_EQ(content(), "in " + name);
+    EXPECT_EQ(removeFile("/d/" + name), 1);
+  }
+  EXPECT_EQ(server.names(own + "/d"), Names{});
+  EXPECT_TRUE(IsBlank(record));
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, RealNamesInActiveMode,
+                         testing::Combine(testing::ValuesIn(kServerKinds), testing::Values(false)),
                          serverAndModeName);
 
 // Servers whose processes have no more rights than the folder's owner; pyftpdlib keeps those of the test.
