@@ -61,6 +61,7 @@ void RecordingClient::OnIPError(std::uint32_t nError, const char* pszText, std::
 
 void RecordingClient::OnConnect() {
   note("OnConnect");
+  if (connected) connected();
   TQXIP::OnConnect();
 }
 

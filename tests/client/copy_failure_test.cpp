@@ -138,6 +138,25 @@ TEST_F(CopyFailure, IntoAFolderThatIsNotThereFailsAfterTheTransferWasOpened) {
   server.waitUntilAllClosed();
 }
 
+// Windows programs know the device under Wine.
+TEST_F(CopyFailure, ADiskWithoutRoomFailsWithTheSystemsError) {
+  const fixture::ScriptedFtp server(R"({"tree": {"/a": "one"}})");
+  loginAt(server);
+  EXPECT_EQ(copy("/a", "Z:/dev/full", 1), 0);
+  EXPECT_EQ(client.count("OnIPError 112 "), 2u);
+  EXPECT_EQ(record.nError, 112u);
+  EXPECT_THAT(std::string(record.szText), testing::HasSubstr(SystemText(112)));
+}
+
+TEST_F(CopyFailure, ATargetThatCannotBeWrittenFailsWithTheSystemsError) {
+  const fixture::ScriptedFtp server(R"({"tree": {"/a": "one"}})");
+  loginAt(server);
+  EXPECT_EQ(copy("/a", "Z:/proc/version"), 0);
+  EXPECT_EQ(record.bSet, 1u);
+  EXPECT_NE(record.nError, 0u);
+  EXPECT_THAT(std::string(record.szText), testing::HasSubstr(SystemText(record.nError)));
+}
+
 // A retry ends, lines and reports included, inside the attempt that it repeats.
 TEST_F(CopyFailure, TheInnermostAttemptReportsFirst) {
   const fixture::ScriptedFtp server(R"({"tree": {"/a": "one"}})");

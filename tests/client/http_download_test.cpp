@@ -219,10 +219,32 @@ TEST_F(HttpDownload, NamesAreCutAt255Characters) {
   internet::setResolverForTesting(nullptr);
 }
 
-TEST_F(HttpDownload, ANullObjectIsTheRoot) {
+TEST_F(HttpDownload, ANullOrEmptyObjectIsTheRoot) {
   const fixture::ScriptedHttp server;
-  EXPECT_EQ(client.HTTPDownloadFile("127.0.0.1", nullptr, server.port(), local.c_str(), nullptr, 0, 0), 1u);
-  EXPECT_TRUE(server.requests().at(0).starts_with("GET / HTTP/1.1\r\n"));
+  for (const char* object : {static_cast<const char*>(nullptr), ""}) {
+    EXPECT_EQ(client.HTTPDownloadFile("127.0.0.1", object, server.port(), local.c_str(), nullptr, 0, 0), 1u);
+    EXPECT_TRUE(server.requests().back().starts_with("GET / HTTP/1.1\r\n"));
+  }
+}
+
+TEST_F(HttpDownload, OddNamesAreAskedForAsAddressesHaveThem) {
+  const std::pair<const char*, const char*> names[] = {
+      {"/with blank", "/with%20blank"}, {"/100%25", "/100%25"},     {"/a#b", "/a%23b"},
+      {"/what?x=1", "/what?x=1"},       {"/a;type=i", "/a;type=i"}, {"-rf", "/-rf"},
+      {"/d\xc3\xbcnn", "/d%C3%BCnn"}};
+  const fixture::ScriptedHttp server;
+  for (const auto& [object, sent] : names) {
+    EXPECT_EQ(download(server, object), 1u) << object;
+    const std::string line = server.requests().back();
+    EXPECT_EQ(line.substr(0, line.find('\r')), std::string("GET ") + sent + " HTTP/1.1");
+  }
+}
+
+TEST_F(HttpDownload, AFileOf300MebibytesComesWhole) {
+  constexpr std::uint64_t kSize = 300u << 20;
+  const auto server = answering({{"body", {{"size", kSize}, {"seed", 5}}}});
+  EXPECT_EQ(download(server), 1u);
+  EXPECT_TRUE(testing_support::Pattern(5).matchesFile(local, kSize));
 }
 
 TEST_F(HttpDownload, PortZeroIs80AndOnly16BitsCount) {

@@ -131,6 +131,21 @@ TEST_F(HttpFailure, OfTheLocalFileIsTheCallersAndEndsTheRequest) {
   EXPECT_EQ(download(server), 1u) << "the client is as good as before";
 }
 
+TEST_F(HttpFailure, AFullDiskIsTheCallersToo) {
+  const auto server = answering({{"body", {{"size", 10000}}}});
+  std::uint32_t error = 0;
+  EXPECT_TRUE(boxesOf([&] {
+                try {
+                  client.HTTPDownloadFile("127.0.0.1", "/", server.port(), "Z:/dev/full", nullptr, 0, 0);
+                } catch (CFileException* exception) {
+                  error = exception->m_lOsError;
+                  exception->Delete();
+                }
+              }).empty());
+  EXPECT_EQ(error, 112u);
+  server.waitFor(R"({"closed": 1})");
+}
+
 TEST_F(HttpFailure, AStoppedCallerLeavesWithZero) {
   const auto server = answering({{"head_gate", "gate"}});
   platform::StopToken token;

@@ -2,9 +2,12 @@
 // FTPReadFile: a whole remote file in a block of its own; FTPFreeFileAPI takes it back.
 #include <algorithm>
 #include <chrono>
+#include <memory>
+#include <thread>
 
 #include "tests/client/ContentTest.h"
 #include "tests/client/SlotHost.h"
+#include "tests/unit/TestQueue.h"
 
 namespace {
 
@@ -222,6 +225,26 @@ TEST_F(Read, TheWorkersEntryLineNamesThePath) {
   EXPECT_EQ(fetch(), 1);
   taken();
   EXPECT_EQ(client.messageAt("OnConnect"), "TQXIP::FTPReadFileThr - IN: '/a'");
+}
+
+// As a host's own function in a slot may open windows on the thread that it runs on.
+TEST_F(Read, TheWorkerDispatchesItsOwnMessagesBetweenChunks) {
+  const fixture::ScriptedFtp server(serving(10'000));
+  SlotHost host(&record);
+  host.FTPSetLogin("127.0.0.1", "user", "secret", server.port(), 1);
+  std::thread::id dispatcher;
+  std::thread::id worker;
+  host.size = [&] {
+    worker = std::this_thread::get_id();
+    thread_local std::unique_ptr<TestQueue> queue;  // ends with the worker
+    queue = std::make_unique<TestQueue>([&](unsigned) { dispatcher = std::this_thread::get_id(); });
+    queue->post(1);
+    return 10'000u;
+  };
+  EXPECT_EQ(host.FTPReadFile("/a", &data, &size, 0, 0, 0, 0), 1);
+  EXPECT_EQ(taken(), patternText(10'000));
+  EXPECT_EQ(dispatcher, worker);
+  EXPECT_NE(dispatcher, std::this_thread::get_id());
 }
 
 TEST_F(Read, TheBlockIsTheHostsUntilItGivesItBack) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Messages of a test's own on the calling thread's queue: a window's on Windows, idle callbacks of GLib's
-// default context on POSIX.
+// Messages of a test's own on the calling thread's queue: a window's on Windows, idle callbacks of a GLib
+// context on POSIX. Made and ended by the thread that dispatches them.
 #pragma once
 
 #include <functional>

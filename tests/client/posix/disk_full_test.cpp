@@ -16,7 +16,8 @@ TEST_F(DiskFull, ADownloadThatDoesNotFitFailsAndLeavesNoFile) {
   }
   EXPECT_FALSE(exists());
   EXPECT_EQ(server.commandCount("RETR"), 2);
-  EXPECT_THAT(record, ReportsFrom("TQXIP::FTPDownloadFile from '/a'to '" + local + "' failed!", 3841));
+  EXPECT_THAT(record,
+              ReportsLastError("TQXIP::FTPDownloadFile from '/a'to '" + local + "' failed!", 223u, 3841));
 }
 
 }  // namespace
