@@ -87,11 +87,6 @@ class ContentTest : public TransferTest {
     };
   }
 
-  void expectAttempts(const fixture::ScriptedFtp& server, std::size_t count) {
-    server.waitFor("{\"connections\": " + std::to_string(count) + ", \"open\": 0}");
-    EXPECT_EQ(server.connections().size(), count);
-  }
-
   std::set<Progress> seen;
 };
 

@@ -2,6 +2,7 @@
 // What the tests of whole-file transfers have in common.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -22,6 +23,33 @@ class TransferTest : public ServerTest {
     return {std::istreambuf_iterator<char>(file), {}};
   }
   void write(const std::string& text) const { std::ofstream(local, std::ios::binary) << text; }
+
+  static void expectAttempts(const fixture::ScriptedFtp& server, std::size_t count) {
+    server.waitFor("{\"connections\": " + std::to_string(count) + ", \"open\": 0}");
+    EXPECT_EQ(server.connections().size(), count);
+  }
+
+  // `run(retries)` is refused the login: it connects once more than the retries say, 10 ms apart, and
+  // OnIPError hears of each attempt without a counter.
+  template <typename Run>
+  void expectRefusedLogins(const std::string& failedLine, Run&& run) {
+    for (const std::uint32_t retries : {0u, 1u, 3u}) {
+      const fixture::ScriptedFtp server(R"({"password": "another"})");
+      loginAt(server);
+      client.forget();
+      record = {};
+      const auto start = std::chrono::steady_clock::now();
+      EXPECT_EQ(run(retries), 0);
+      EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(10) * retries);
+      expectAttempts(server, retries + 1);
+      EXPECT_EQ(client.count("OnIPError 12014"), retries + 1);
+      EXPECT_EQ(client.count("OnIPError"), retries + 1);
+      for (const std::string& call : client.calls())
+        EXPECT_EQ(call.find(" retries "), std::string::npos) << call;
+      EXPECT_EQ(client.m_szMessage, failedLine);
+      EXPECT_EQ(record.nError, 12014u);
+    }
+  }
 
   QXBool download(const char* remote = "/a", std::uint32_t retries = 0) {
     return client.FTPDownloadFile(remote, local.c_str(), retries);

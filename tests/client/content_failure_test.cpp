@@ -39,21 +39,7 @@ TEST_P(ContentFailure, AClientThatIsNotInitialisedAsksNobody) {
 }
 
 TEST_P(ContentFailure, ARefusedLoginIsTriedAsOftenAsTheRetriesSay) {
-  for (const std::uint32_t retries : {0u, 1u, 3u}) {
-    const fixture::ScriptedFtp server(R"({"password": "another"})");
-    loginAt(server);
-    client.forget();
-    const auto start = steady_clock::now();
-    EXPECT_EQ(run(retries), 0);
-    EXPECT_GE(steady_clock::now() - start, kPause * retries);
-    expectAttempts(server, retries + 1);
-    EXPECT_EQ(client.count("OnIPError 12014"), retries + 1);
-    EXPECT_EQ(client.count("OnIPError"), retries + 1);
-    for (const std::string& call : client.calls())
-      EXPECT_EQ(call.find(" retries "), std::string::npos) << call;
-    EXPECT_EQ(client.m_szMessage, failedLine);
-    EXPECT_EQ(record.nError, 12014u);
-  }
+  expectRefusedLogins(failedLine, [&](std::uint32_t retries) { return run(retries); });
 }
 
 TEST_P(ContentFailure, NobodyListens) {

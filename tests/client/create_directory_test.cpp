@@ -161,31 +161,32 @@ TEST_F(CreateDirectory, ARefusalIsReportedFirstByTheLookThatDidNotFindTheDirecto
   EXPECT_EQ(client.count("OnIPError"), 0u);
 }
 
-TEST_F(CreateDirectory, TheWorkersReportHasTheNumberOfTheRefusal) {
-  const fixture::ScriptedFtp server(kRefusesA);
-  loginHostAt(server);
-  host.dirExist = &notThere;
-  EXPECT_EQ(host.FTPCreateDir("/a", 0, 0, 0), 0);
-  EXPECT_THAT(record, ReportsLastError(kWorkerFailed, 12003u, kWorkerLine));
-}
+// What the server does instead of making the directory.
+struct Trouble {
+  const char* name;
+  const char* step;
+  std::uint32_t error;
+};
 
-TEST_F(CreateDirectory, AConnectionThatBreaksInTheCommandIsReportedAs12030) {
-  const fixture::ScriptedFtp server(R"({"rules": [{"on": "MKD", "argument": "/a", "do": ["close"]}]})");
-  loginHostAt(server);
-  host.dirExist = &notThere;
-  EXPECT_EQ(host.FTPCreateDir("/a", 0, 0, 0), 0);
-  EXPECT_THAT(record, ReportsLastError(kWorkerFailed, 12030u, kWorkerLine));
-}
+class CreateTrouble : public CreateDirectory, public testing::WithParamInterface<Trouble> {};
 
-TEST_F(CreateDirectory, AServerThatKeepsSilentIsReportedAs12002) {
-  const fixture::ScriptedFtp server(R"({"rules": [{"on": "MKD", "argument": "/a", "do": ["silent"]}]})");
+TEST_P(CreateTrouble, IsReportedByTheWorkerWithItsNumberAndTriedAgain) {
+  const auto& [name, step, error] = GetParam();
+  const fixture::ScriptedFtp server(std::string(R"({"rules": [{"on": "MKD", "argument": "/a", "do": [)") +
+                                    step + "]}]}");
   loginHostAt(server);
   shortenTimeouts();
   host.dirExist = &notThere;
   EXPECT_EQ(host.FTPCreateDir("/a", 1, 0, 0), 0);
   EXPECT_EQ(lineCount(server, "MKD /a"), 2);
-  EXPECT_THAT(record, ReportsLastError(kWorkerFailed, 12002u, kWorkerLine));
+  EXPECT_THAT(record, ReportsLastError(kWorkerFailed, error, kWorkerLine));
 }
+
+INSTANTIATE_TEST_SUITE_P(Steps, CreateTrouble,
+                         testing::Values(Trouble{"Refusal", R"({"reply": "550 No"})", 12003},
+                                         Trouble{"LostConnection", "\"close\"", 12030},
+                                         Trouble{"Silence", "\"silent\"", 12002}),
+                         [](const auto& instance) { return instance.param.name; });
 
 TEST_F(CreateDirectory, AConnectionThatBreaksForADirectoryAboveFailsTheCreation) {
   const fixture::ScriptedFtp server(R"({"rules": [{"on": "MKD", "argument": "/a", "do": ["close"]}]})");

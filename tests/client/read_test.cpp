@@ -2,12 +2,10 @@
 // FTPReadFile: a whole remote file in a block of its own; FTPFreeFileAPI takes it back.
 #include <algorithm>
 #include <chrono>
-#include <memory>
-#include <thread>
 
 #include "tests/client/ContentTest.h"
 #include "tests/client/SlotHost.h"
-#include "tests/unit/TestQueue.h"
+#include "tests/unit/WorkerMessage.h"
 
 namespace {
 
@@ -232,19 +230,14 @@ TEST_F(Read, TheWorkerDispatchesItsOwnMessagesBetweenChunks) {
   const fixture::ScriptedFtp server(serving(10'000));
   SlotHost host(&record);
   host.FTPSetLogin("127.0.0.1", "user", "secret", server.port(), 1);
-  std::thread::id dispatcher;
-  std::thread::id worker;
+  WorkerMessage message;
   host.size = [&] {
-    worker = std::this_thread::get_id();
-    thread_local std::unique_ptr<TestQueue> queue;  // ends with the worker
-    queue = std::make_unique<TestQueue>([&](unsigned) { dispatcher = std::this_thread::get_id(); });
-    queue->post(1);
+    message.post();
     return 10'000u;
   };
   EXPECT_EQ(host.FTPReadFile("/a", &data, &size, 0, 0, 0, 0), 1);
   EXPECT_EQ(taken(), patternText(10'000));
-  EXPECT_EQ(dispatcher, worker);
-  EXPECT_NE(dispatcher, std::this_thread::get_id());
+  message.expectDispatched();
 }
 
 TEST_F(Read, TheBlockIsTheHostsUntilItGivesItBack) {

@@ -147,13 +147,7 @@ INSTANTIATE_TEST_SUITE_P(Ends, RenameLoss,
                          [](const auto& instance) { return instance.param.name; });
 
 TEST_F(Rename, ARefusedLoginIsTriedAsOftenAsTheRetriesSay) {
-  const fixture::ScriptedFtp server(R"({"password": "another"})");
-  loginAt(server);
-  EXPECT_EQ(rename("/a", "/b", 2), 0);
-  expectAttempts(server, 3);
-  EXPECT_EQ(client.count("OnIPError 12014"), 3u);
-  EXPECT_EQ(client.count("OnIPError"), 3u);
-  EXPECT_EQ(record.nError, 12014u);
+  expectRefusedLogins(failedLine(), [&](std::uint32_t retries) { return rename("/a", "/b", retries); });
 }
 
 TEST_F(Rename, NobodyListens) {

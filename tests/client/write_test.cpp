@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 // FTPWriteFile that replaces a remote file: what arrives, how it is paced, and what the transfer block shows.
 #include <chrono>
-#include <memory>
-#include <thread>
 
 #include "tests/client/ContentTest.h"
-#include "tests/unit/TestQueue.h"
+#include "tests/unit/WorkerMessage.h"
 
 namespace {
 
@@ -172,17 +170,10 @@ TEST_F(Write, TheWorkersEntryLineNamesThePath) {
 TEST_F(Write, TheWorkerDispatchesItsOwnMessagesBetweenChunks) {
   const fixture::ScriptedFtp server;
   loginAt(server);
-  std::thread::id dispatcher;
-  std::thread::id worker;
-  client.connected = [&] {
-    worker = std::this_thread::get_id();
-    thread_local std::unique_ptr<TestQueue> queue;  // ends with the worker
-    queue = std::make_unique<TestQueue>([&](unsigned) { dispatcher = std::this_thread::get_id(); });
-    queue->post(1);
-  };
+  WorkerMessage message;
+  client.connected = [&] { message.post(); };
   EXPECT_EQ(store(patternText(10'000)), 1);
-  EXPECT_EQ(dispatcher, worker);
-  EXPECT_NE(dispatcher, std::this_thread::get_id());
+  message.expectDispatched();
 }
 
 TEST_F(Write, NeverUsesTheConnectionOfFTPConnect) {
