@@ -67,6 +67,7 @@ void RecordingClient::OnConnect() {
 
 void RecordingClient::OnDisconnect() {
   note("OnDisconnect");
+  if (disconnected) disconnected();
   TQXIP::OnDisconnect();
 }
 

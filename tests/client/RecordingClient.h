@@ -32,8 +32,8 @@ class RecordingClient final : public TQXIP {
   // What OnPoll answers; the arguments are OnPoll's.
   std::function<QXBool(QXHostValue, QXHostValue, QXHostValue, QXBool*)> poll;
   std::function<void(QXHostValue)> notified;
-  // Called by OnConnect, on the thread that connects.
-  std::function<void()> connected;
+  // Called by OnConnect and OnDisconnect, on the thread whose connection it is.
+  std::function<void()> connected, disconnected;
   std::vector<std::string> statusTexts;
 
   QXBool OnBeforeDisconnect() override;

@@ -39,9 +39,15 @@ class SlotHost final : public TQXIP {
   std::function<QXBool(const char*path, std::uint32_t retries)> dirExist, createDir;
   std::function<QXBool(const char*path, std::uint32_t value, std::uint32_t retries)> destroyContent, wipeWith;
   std::function<QXBool(QXBool*)> poll;
+  // Called by OnDisconnect, on the thread whose connection it is.
+  std::function<void()> disconnected;
 
   QXBool OnPoll(QXHostValue, QXHostValue, QXHostValue, QXBool* reconnect) override {
     return poll ? poll(reconnect) : QXBool{0};
+  }
+  void OnDisconnect() override {
+    if (disconnected) disconnected();
+    TQXIP::OnDisconnect();
   }
   QXBool FTPDownloadFile(const char* remote, const char* local, std::uint32_t retries) override {
     note("FTPDownloadFile", remote, local, retries);

@@ -15,6 +15,8 @@ struct Entry {
   QXBool (*run)(TQXIP& client);
 };
 
+std::ostream& operator<<(std::ostream& out, const Entry& entry) { return out << entry.name; }
+
 void* block = nullptr;
 std::uint32_t size = 0;
 

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // HTTPDownloadFile: what fails on the network is shown, what fails in the local file is the caller's.
+#include <atomic>
 #include <thread>
 
 #include "framework/File.h"
+#include "framework/platform/resolver.h"
 #include "framework/platform/stop_token.h"
 #include "tests/client/HttpDownloadTest.h"
 
@@ -55,6 +57,22 @@ TEST_F(HttpFailure, AnUnknownServerShowsOneBox) {
   EXPECT_EQ(shownBy([&] { return client.HTTPDownloadFile("no.test", "/", 0, local.c_str(), nullptr, 0, 0); }),
             "The server name or address could not be resolved");
   internet::setResolverForTesting(nullptr);
+}
+
+TEST_F(HttpFailure, ARefusedConnectionIsNotTriedAgain) {
+  const fixture::RefusedPort refused;
+  static std::atomic<int> lookUps;
+  lookUps = 0;
+  internet::setResolverForTesting([](const std::string&, std::uint16_t port) {
+    ++lookUps;
+    return platform::numericAddresses("127.0.0.1", port);
+  });
+  EXPECT_EQ(shownBy([&] {
+              return client.HTTPDownloadFile("host.test", "/", refused.port(), local.c_str(), nullptr, 0, 0);
+            }),
+            "A connection with the server could not be established");
+  internet::setResolverForTesting(nullptr);
+  EXPECT_EQ(lookUps, 1);
 }
 
 TEST_F(HttpFailure, ANullOrEmptyServerShowsOneBox) {

@@ -235,6 +235,7 @@ TEST_F(Read, TheWorkerDispatchesItsOwnMessagesBetweenChunks) {
     message.post();
     return 10'000u;
   };
+  host.disconnected = [&] { message.takeBack(); };
   EXPECT_EQ(host.FTPReadFile("/a", &data, &size, 0, 0, 0, 0), 1);
   EXPECT_EQ(taken(), patternText(10'000));
   message.expectDispatched();

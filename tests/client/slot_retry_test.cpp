@@ -26,6 +26,8 @@ class HostSlots final : public TQXIP {
   Counts retries;
   std::size_t succeedsFrom = 1000;
   std::vector<std::string> messagesAfter;  // after each call into the library, innermost first
+  int reports = 0;                         // that those calls have filed, if they are taken out
+  bool takesReports = false;
   bool listsThroughTheLibrary = true;
   bool goesInAListing = false;  // as a client does that its host frees in a message
 
@@ -64,6 +66,10 @@ class HostSlots final : public TQXIP {
     if (retries.size() >= succeedsFrom) return 1;
     const QXBool result = call();
     messagesAfter.emplace_back(m_szMessage);
+    if (takesReports && m_pErrorInfo->bSet != 0) {
+      ++reports;
+      *m_pErrorInfo = {};
+    }
     return result;
   }
 };
@@ -116,6 +122,12 @@ TEST_P(SlotRetry, CallsTheHostsFunctionWithOneRetryLessEachTime) {
 TEST_P(SlotRetry, EveryRunEndsWithItsOwnLine) {
   EXPECT_EQ(GetParam().run(host, 2), 0);
   EXPECT_EQ(host.messagesAfter, std::vector<std::string>(3, GetParam().message));
+}
+
+TEST_P(SlotRetry, EveryFailedRunFilesItsOwnReport) {
+  host.takesReports = true;
+  EXPECT_EQ(GetParam().run(host, 3), 0);
+  EXPECT_EQ(host.reports, 4);
 }
 
 TEST_P(SlotRetry, TheAnswerOfTheHostsFunctionIsTheResult) {

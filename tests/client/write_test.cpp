@@ -172,6 +172,7 @@ TEST_F(Write, TheWorkerDispatchesItsOwnMessagesBetweenChunks) {
   loginAt(server);
   WorkerMessage message;
   client.connected = [&] { message.post(); };
+  client.disconnected = [&] { message.takeBack(); };
   EXPECT_EQ(store(patternText(10'000)), 1);
   message.expectDispatched();
 }

@@ -12,6 +12,7 @@ struct ModalBox {
   std::string caption;
   std::string text;
   bool owned = false;
+  int buttons = 0;  // that can be seen; on Windows alone
 };
 
 // Runs `work` on the calling thread and returns the boxes that it showed. On POSIX these are the lines of

@@ -11,21 +11,23 @@
 
 class WorkerMessage {
  public:
-  // On the worker's thread.
+  // Both on the worker's thread; takeBack() may be called more than once.
   void post() {
-    thread_local std::unique_ptr<TestQueue> queue;  // ends with the worker
     m_worker = std::this_thread::get_id();
-    queue = std::make_unique<TestQueue>([this](unsigned) { m_dispatcher = std::this_thread::get_id(); });
-    queue->post(1);
+    m_queue = std::make_unique<TestQueue>([this](unsigned) { m_dispatcher = std::this_thread::get_id(); });
+    m_queue->post(1);
   }
+  void takeBack() { m_queue.reset(); }
   // When the operation has ended.
   void expectDispatched() const {
-    EXPECT_NE(m_dispatcher, std::thread::id()) << "it still waits";
+    EXPECT_EQ(m_queue, nullptr);
+    EXPECT_NE(m_dispatcher, std::thread::id()) << "nobody took it";
     EXPECT_EQ(m_dispatcher, m_worker);
     EXPECT_NE(m_worker, std::this_thread::get_id()) << "there was no worker";
   }
 
  private:
+  std::unique_ptr<TestQueue> m_queue;
   std::thread::id m_worker;
   std::thread::id m_dispatcher;
 };

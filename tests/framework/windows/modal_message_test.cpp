@@ -15,11 +15,12 @@ ModalBox shownBox(const char* text, const char* caption) {
   return boxes.at(0);
 }
 
-TEST(ModalMessage, IsABoxWithoutAnOwner) {
+TEST(ModalMessage, IsABoxWithOneButtonAndWithoutAnOwner) {
   const ModalBox box = shownBox("100 %s done", "Copy");
   EXPECT_EQ(box.text, "100 %s done");
   EXPECT_EQ(box.caption, "Copy");
   EXPECT_FALSE(box.owned);
+  EXPECT_EQ(box.buttons, 1);
 }
 
 TEST(ModalMessage, IsEmptyForNullTexts) {

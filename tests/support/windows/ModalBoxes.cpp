@@ -10,12 +10,21 @@
 namespace testing_support {
 namespace {
 
-BOOL CALLBACK takeVisibleDialog(HWND window, LPARAM found) {
+std::string classOf(HWND window) {
   char name[16] = "";
   ::GetClassNameA(window, name, sizeof name);
-  if (std::string(name) != "#32770" || !::IsWindowVisible(window)) return TRUE;
+  return name;
+}
+
+BOOL CALLBACK takeVisibleDialog(HWND window, LPARAM found) {
+  if (classOf(window) != "#32770" || !::IsWindowVisible(window)) return TRUE;
   *reinterpret_cast<HWND*>(found) = window;
   return FALSE;
+}
+
+BOOL CALLBACK countVisibleButton(HWND window, LPARAM count) {
+  if (classOf(window) == "Button" && ::IsWindowVisible(window)) ++*reinterpret_cast<int*>(count);
+  return TRUE;
 }
 
 std::string textOf(HWND window) {
@@ -26,8 +35,12 @@ std::string textOf(HWND window) {
 
 ModalBox boxOf(HWND dialog) {
   constexpr int kTextControl = 0xFFFF;
-  return {textOf(dialog), textOf(::GetDlgItem(dialog, kTextControl)),
-          ::GetWindow(dialog, GW_OWNER) != nullptr};
+  int buttons = 0;
+  ::EnumChildWindows(dialog, &countVisibleButton, reinterpret_cast<LPARAM>(&buttons));
+  return {.caption = textOf(dialog),
+          .text = textOf(::GetDlgItem(dialog, kTextControl)),
+          .owned = ::GetWindow(dialog, GW_OWNER) != nullptr,
+          .buttons = buttons};
 }
 
 }  // namespace
