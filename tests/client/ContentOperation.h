@@ -7,6 +7,8 @@
 // Where an operation takes its content from and where it puts it: 40000 bytes, ten chunks.
 inline constexpr std::size_t kContentSize = 40'000;
 inline constexpr std::uint32_t kContentSeed = 7;
+// A write replaces that content by another.
+inline constexpr std::uint32_t kWrittenSeed = 8;
 inline constexpr const char* kContentTree = R"("tree": {"/a": {"size": 40000, "seed": 7}})";
 
 struct OperationCall {
@@ -44,7 +46,7 @@ inline std::string ofOnePath(const std::string& operation, const std::string&) {
 }
 
 inline QXBool write(TQXIP& client, const OperationCall& call) {
-  const std::string data = patternText(kContentSize, kContentSeed);
+  const std::string data = patternText(kContentSize, kWrittenSeed);
   return client.FTPWriteFile("/a", data.data(), kContentSize, 0, 0, call.retries, call.first, call.second);
 }
 
@@ -78,7 +80,7 @@ inline QXBool copyToLocal(TQXIP& client, const OperationCall& call) {
 inline const ContentOperation kContentOperations[] = {
     {"Write", "STOR", 8489, 8669, content_operations::ofOnePath, content_operations::write, "FTPWriteFile",
      [](const fixture::ScriptedFtp& server, const std::string&) {
-       return server.exists("/a") && server.matches("/a", kContentSeed, kContentSize);
+       return server.exists("/a") && server.matches("/a", kWrittenSeed, kContentSize);
      }},
     {"Read", "RETR", 9015, 9201, content_operations::ofOnePath, content_operations::read, "FTPReadFile",
      [](const fixture::ScriptedFtp&, const std::string&) { return true; }},

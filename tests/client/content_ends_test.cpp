@@ -73,7 +73,7 @@ TEST_F(ContentTest, AnAbortedWriteIsTriedAgainUntilItSucceeds) {
       R"({"rules": [{"on": "STOR", "nth": [1, 2, 3], "do": [{"normal": {"reset_after": 20000}}]}]})");
   loginAt(server);
   EXPECT_EQ(content_operations::write(client, {}), 1);
-  EXPECT_TRUE(server.matches("/a", kContentSeed, kContentSize));
+  EXPECT_TRUE(server.matches("/a", kWrittenSeed, kContentSize));
   EXPECT_EQ(server.commandCount("STOR"), 4);
   EXPECT_EQ(client.count("FTPReConnect 1 0"), 3u);
 }
