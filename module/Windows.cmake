@@ -1,12 +1,14 @@
 # SPDX-License-Identifier: MIT
-# The DLL's export list, version, manifest and import libraries.
+# The DLL's dialogs, export list, version, manifest and import libraries.
 enable_language(RC)
 set(module_definition "${CMAKE_CURRENT_SOURCE_DIR}/ZRM_QXKT32x64.def")
 configure_file(ZRM_QXKT32x64.manifest.in ZRM_QXKT32x64.manifest @ONLY)
 configure_file(ZRM_QXKT32x64.rc.in ZRM_QXKT32x64.rc @ONLY)
 set_source_files_properties("${CMAKE_CURRENT_BINARY_DIR}/ZRM_QXKT32x64.rc" PROPERTIES
   OBJECT_DEPENDS "${CMAKE_CURRENT_BINARY_DIR}/ZRM_QXKT32x64.manifest")
-target_sources(ZRM_QXKT32x64 PRIVATE "${module_definition}" "${CMAKE_CURRENT_BINARY_DIR}/ZRM_QXKT32x64.rc")
+target_sources(ZRM_QXKT32x64 PRIVATE
+  windows/DialogExports.cpp "${module_definition}" "${CMAKE_CURRENT_BINARY_DIR}/ZRM_QXKT32x64.rc")
+target_link_libraries(ZRM_QXKT32x64 PRIVATE qx_dialogs)
 # The library is found by its own name, without MinGW's "lib" before it.
 set_target_properties(ZRM_QXKT32x64 PROPERTIES PREFIX "" LINK_DEPENDS "${module_definition}")
 

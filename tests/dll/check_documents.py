@@ -7,7 +7,8 @@ import pathlib
 import re
 import sys
 
-from checks import check, exit_code
+from checks import CLIENT_EXPORTS, DIALOG_EXPORTS, PENDING_EXPORTS, check, exit_code
+
 
 def header_slots(text):
     """The virtual functions in order. The destructor is declared twice there, for two families of compilers."""
@@ -34,15 +35,22 @@ def check_slots(root):
     check(test_slots((root / "tests/dll/slots.inc").read_text()) == slots, "the slots that tests call")
 
 
+def header_exports(path, expected):
+    declared = re.findall(r"^(?:QX_EXPORT )?\w[\w:]*\*? (\w+)\(", path.read_text(), re.M)
+    check(declared == expected, f"{path.name} declares {declared}")
+
+
 def check_exports(root):
-    declared = re.findall(r"^QX_EXPORT .*?(\w+)\(", (root / "include/QXExports.h").read_text(), re.M)
-    check(len(declared) == 5, f"the header declares {declared}")
+    header_exports(root / "include/QXExports.h", CLIENT_EXPORTS)
+    header_exports(root / "include/QXDialogs.h", PENDING_EXPORTS + DIALOG_EXPORTS)
     definition = (root / "module/ZRM_QXKT32x64.def").read_text().partition("EXPORTS")[2]
-    check(re.findall(r"\w+", definition) == declared, "the .def file's exports")
+    check(re.findall(r"\w+", definition) == CLIENT_EXPORTS + DIALOG_EXPORTS, "the .def file's exports")
     script = (root / "module/exports.map").read_text().partition("global:")[2].partition("local:")[0]
-    check(re.findall(r"\w+", script) == declared, "the version script's exports")
-    table = (root / "docs/binary-interface.md").read_text().partition("| export |")[2].partition("\n\n")[0]
-    check(re.findall(r"^\| `(\w+)`", table, re.M) == declared, "the document's exports")
+    check(re.findall(r"\w+", script) == CLIENT_EXPORTS, "the version script's exports")
+    document = (root / "docs/binary-interface.md").read_text()
+    tables = [table.partition("\n\n")[0] for table in document.split("| export |")[1:]]
+    names = [re.findall(r"^\| `(\w+)`", table, re.M) for table in tables]
+    check(names == [CLIENT_EXPORTS, DIALOG_EXPORTS], f"the document's exports: {names}")
 
 
 def main():

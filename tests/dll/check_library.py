@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""The built library from outside: it exports the five functions and nothing else, needs only what every system has,
-and the shipped import libraries offer the same five. With --windres it is a DLL, whose resources are read too.
+"""The built library from outside: it exports its functions and nothing else, needs only what every system has, and the
+shipped import libraries offer the same functions. With --windres it is a DLL, whose resources are read too.
 """
 
 import argparse
@@ -10,11 +10,12 @@ import re
 import subprocess
 import sys
 
-from checks import check, exit_code, same
+from checks import CLIENT_EXPORTS, DIALOG_EXPORTS, check, exit_code, same
 
-EXPORTS = {"CreateQXIPIFInstance", "FreeQXIPIFInstance", "DoFTPConnect", "DllAddRef", "DllRelease"}
+WINDOWS_EXPORTS = CLIENT_EXPORTS + DIALOG_EXPORTS
 WINDOWS_LIBRARIES = {
-    name + ".dll" for name in ("kernel32", "msvcrt", "ws2_32", "user32", "comctl32", "advapi32", "shell32", "ole32")
+    name + ".dll" for name in ("kernel32", "msvcrt", "ws2_32", "user32", "comctl32", "advapi32", "shell32", "ole32",
+                               "comdlg32")
 }
 LINUX_LIBRARIES = {"libc.so.6", "libm.so.6", "libgcc_s.so.1", "ld-linux-x86-64.so.2"}
 
@@ -26,7 +27,7 @@ def run(*command):
 def check_dll(arguments):
     text = run(arguments.objdump, "-p", arguments.library)
     table = text.partition("[Ordinal/Name Pointer] Table")[2].partition("\n\n")[0]
-    same(re.findall(r"^\s*\[\s*\d+\].*?(\S+)$", table, re.M), EXPORTS, "exports")
+    same(re.findall(r"^\s*\[\s*\d+\].*?(\S+)$", table, re.M), WINDOWS_EXPORTS, "exports")
     needed = [name.lower() for name in re.findall(r"DLL Name: (\S+)", text)]
     check(needed and set(needed) <= WINDOWS_LIBRARIES, f"needs Windows' own libraries only: {sorted(needed)}")
     check("DYNAMIC_BASE" in text and "NX_COMPAT" in text, "may be loaded anywhere, its data is not executable")
@@ -45,7 +46,7 @@ def check_shared_object(arguments):
     text = run(arguments.objdump, "-p", arguments.library)
     same(re.findall(r"SONAME\s+(\S+)", text), [pathlib.Path(arguments.library).name], "own name")
     symbols = run(arguments.nm, "-D", "--defined-only", arguments.library).split("\n")
-    same([line.split()[2] for line in symbols if line], EXPORTS, "exports")
+    same([line.split()[2] for line in symbols if line], CLIENT_EXPORTS, "exports")
     needed = re.findall(r"NEEDED\s+(\S+)", text)
     if not arguments.sanitized:
         check(needed and set(needed) <= LINUX_LIBRARIES, f"needs libraries of every system only: {sorted(needed)}")
@@ -55,9 +56,9 @@ def check_shared_object(arguments):
 def check_import_library(arguments, path):
     lines = run(arguments.nm, path).split("\n")
     functions = {line.split()[-1] for line in lines if " T " in line}
-    same(functions - {".text"}, EXPORTS, pathlib.Path(path).name)
+    same(functions - {".text"}, WINDOWS_EXPORTS, pathlib.Path(path).name)
     imports = {line.split()[-1] for line in lines if " __imp_" in line}
-    same({name.removeprefix("__imp_") for name in imports}, EXPORTS, pathlib.Path(path).name + " (imports)")
+    same({name.removeprefix("__imp_") for name in imports}, WINDOWS_EXPORTS, pathlib.Path(path).name + " (imports)")
 
 
 def main():

@@ -2,6 +2,7 @@
 // A host of Microsoft's C++ ABI, without SDK and run-time library: the public header has a real virtual
 // destructor here, and the shipped import library is linked. It prints the checks that fail; their number is
 // the exit code.
+#include "QXDialogs.h"
 #include "QXExports.h"
 #include "tests/dll/slot_probe.h"
 
@@ -151,6 +152,8 @@ extern "C" void hostMain() {
   }
   CHECK(FreeQXIPIFInstance(nullptr) == 0);
   CHECK(DoFTPConnect(nullptr, "example.test", "", "", 21, 0, 0, nullptr) == 0);
+  CHECK(QXSelectFolder(nullptr) == 0);
+  CHECK(DoHtmlHelp(nullptr, nullptr, 0, 0) == 0);
   check(g_nChecks > 300, "every group of checks has run");
   if (g_nFailed == 0) print("foreign host: all checks hold\n");
   ExitProcess(g_nFailed);

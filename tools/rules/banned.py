@@ -58,7 +58,7 @@ BANNED = {
 
 # A test has one thread where it names an error.
 PRODUCT_ALONE = {"strerror"}
-PRODUCT = {"framework", "support", "Src", "module"}
+PRODUCT = {"framework", "support", "Src", "dialogs", "module"}
 
 CALL = re.compile(r"\b(" + "|".join(BANNED) + r")\s*\(")
 ALLOWED = re.compile(r"//\s*allowed:\s*(\w+)\s*:?\s*(.*)")

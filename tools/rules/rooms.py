@@ -21,7 +21,7 @@ ARROWS = {
 PRODUCT = {"framework", "support", "Src", "dialogs", "module", "include"}
 
 # The folders that only one platform builds. Their headers are for folders of the same platform: in the product for
-# those of the same room, and framework/ui/ for dialogs/, which is made of windows throughout.
+# those of the same room, framework/ui/ for dialogs/, which is made of windows throughout, and dialogs/ for the exports.
 PLATFORM_FOLDERS = {"windows": "windows", "ui": "windows", "dialogs": "windows", "posix": "posix"}
 WINDOW_ROOM = "dialogs"
 PLATFORM_TEST_ROOMS = {"framework", "include", "tests", "examples", "bench"}
@@ -42,7 +42,7 @@ def may_use(file, target):
     """Whether the file may include a header of a platform's folder."""
     if platform_of(file.path) != platform_of(target):
         return False
-    return file.room == target.parts[0] or file.room not in PRODUCT or file.room == WINDOW_ROOM
+    return file.room not in PRODUCT or WINDOW_ROOM in (file.room, target.parts[0]) or file.room == target.parts[0]
 
 
 def resolve(file, name):

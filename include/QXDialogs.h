@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+// The dialogs and the help launcher that the Windows library exports, undecorated; the Linux library has none
+// of them. Beside the conventions of QXTypes.h:
+//  1. A dialog is modal: the call returns when the user has closed it, and dispatches the calling thread's
+//     messages until then. Show one dialog at a time: part of their state is module-wide.
+//  2. Texts are in the system's ANSI code page.
+//  3. A path list is one block of `count` + 1 entries of QX_PATH_SIZE bytes; entry i begins at byte
+//     i * QX_PATH_SIZE and holds a zero-terminated path, the last entry is spare.
+//  4. A dialog object is the library's: whoever got one gives it to DoFreeDirFileDialog, also after a cancel.
+#pragma once
+
+#include "QXTypes.h"
+
+// Size of a path buffer and of an entry of a path list, with the terminator.
+#define QX_PATH_SIZE 256
+
+// Size of the buffer of QXSelectFolder, with the terminator.
+#define QX_FOLDER_SIZE 261
+
+extern "C" {
+
+// The system's file-open dialog. 1 when the user confirmed it.
+//   pReserved1..3  not used, but null makes the call fail and write nothing
+//   pszPath        in: the initial file name. Out, when confirmed: the folder without a separator at its end
+//                  ("C:\" becomes "C:"). QX_PATH_SIZE bytes.
+//   pUnused        not read
+//   nFlags         option flags of the system's dialog (OFN_...)
+//   ppPathList     out, when confirmed: the folder and, behind a backslash, what the walk over the selection
+//                  yields for each item; that is the item's full path, so the folder stands twice. The list
+//                  stays valid after DoFreeDirFileDialog; the library never frees it.
+//   pnCount        out: number of entries, 0 unless confirmed. Null: the call fails and writes nothing.
+//   ppDialog       out: the dialog object, whenever one was made
+//   pbCancelled    out: 1 when the user cancelled, else 0. Null: the call fails and writes nothing.
+// Pointers without a word on null may be null as long as nothing is to be written through them; ppPathList,
+// ppDialog and pszPath have to be given when the user may confirm.
+QXBool DoOpenFileDialog(const void* pReserved1, const void* pReserved2, const void* pReserved3, char* pszPath,
+                        void* pUnused, std::uint32_t nFlags, char** ppPathList, std::uint32_t* pnCount,
+                        void** ppDialog, QXBool* pbCancelled);
+
+// List filters of DoOpenDirFileDialog; any other value filters nothing.
+#define QX_LIST_FILES 2    // no folders in the list
+#define QX_LIST_FOLDERS 3  // no files in the list; the result is one folder
+
+// A dialog that picks a folder, or a folder and the items selected in it. 1 when the user confirmed it.
+//   pszTitle       window title. Null: the call fails and writes nothing.
+//   pszOkText      caption of the OK button. Null: the call fails and writes nothing.
+//   pReserved      not used, but null makes the call fail and write nothing
+//   pszPath        in: the initial directory, up to 255 characters. Out, when confirmed: the folder without a
+//                  separator at its end. QX_PATH_SIZE bytes.
+//   bFiles         file mode (1) or folder mode (0)
+//   bOpen          open dialog (1) or save dialog (0)
+//   nMode          list filter
+//   nFlags         option flags of the system's dialog (OFN_...)
+//   ppPathList     out, when confirmed: the selected items with their folder; with QX_LIST_FOLDERS the folder
+//                  alone. Belongs to the dialog object and goes with it.
+//   pnCount        out: number of entries, 0 unless confirmed. Null: the call fails and writes nothing.
+//   ppDialog       out: the dialog object, whenever one was made
+//   pbCancelled    out: 1 when the user cancelled, else 0. Null: the call fails and writes nothing.
+QXBool DoOpenDirFileDialog(const char* pszTitle, const char* pszOkText, const void* pReserved, char* pszPath,
+                           QXBool bFiles, QXBool bOpen, std::uint32_t nMode, std::uint32_t nFlags,
+                           char** ppPathList, std::uint32_t* pnCount, void** ppDialog, QXBool* pbCancelled);
+
+// Frees a dialog object of either function above, with the path list of DoOpenDirFileDialog. 0 for null,
+// else 1.
+QXBool DoFreeDirFileDialog(void* pDialog);
+
+// The shell's folder browser, without a button for new folders. 1 when the user chose a folder.
+//   pszPath  in: the folder to start at; an empty text starts at the process's current directory. Out: the
+//            chosen folder; unchanged without one. QX_FOLDER_SIZE bytes. Null: the call fails.
+// Needs a thread that is, or may become, a single-threaded apartment of COM; fails in any other.
+QXBool QXSelectFolder(char* pszPath);
+
+// Passes a request to the system's HTML help control, which is loaded at the first call and stays loaded.
+//   hWindow   the caller's window, or null
+//   pszFile   help file and topic. Null: no request, result 0.
+//   nCommand  help command (HH_...)
+//   nData     the command's data, widened with zeros; a pointer or a number above 32 bits cannot be passed
+// 1 for every file, whatever the control says and whether there is one: a control that could not be loaded
+// once is not asked for again.
+QXBool DoHtmlHelp(void* hWindow, const char* pszFile, std::uint32_t nCommand, std::uint32_t nData);
+}
+
+// For hosts that load the library at run time.
+typedef QXBool (*PfnDoOpenFileDialog)(const void*, const void*, const void*, char*, void*, std::uint32_t,
+                                      char**, std::uint32_t*, void**, QXBool*);
+typedef QXBool (*PfnDoOpenDirFileDialog)(const char*, const char*, const void*, char*, QXBool, QXBool,
+                                         std::uint32_t, std::uint32_t, char**, std::uint32_t*, void**,
+                                         QXBool*);
+typedef QXBool (*PfnDoFreeDirFileDialog)(void*);
+typedef QXBool (*PfnQXSelectFolder)(char*);
+typedef QXBool (*PfnDoHtmlHelp)(void*, const char*, std::uint32_t, std::uint32_t);
