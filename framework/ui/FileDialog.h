@@ -2,11 +2,10 @@
 // The system's file dialog under the framework's usual name: the shell's newer one (IFileOpenDialog), or the
 // classic one with a hook when the newer style was not asked for, when the record's size was changed after
 // construction, or when the record has a template. With the classic dialog m_hWnd is the inner window, which
-// is a child of the real dialog.
+// is a child of the real dialog; the newer dialog calls none of the handlers.
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,13 +21,13 @@ class CFileDialog : public CWnd {
   // Texts may be null and are copied. `filter`: pairs "text|pattern|...||".
   CFileDialog(bool open, const char* defaultExtension, const char* fileName, DWORD flags, const char* filter,
               HWND parent, DWORD size = 0, bool newerStyle = true);
-  ~CFileDialog() override;
 
   // Runs the dialog: IDOK or IDCANCEL. Rethrows what left a handler; throws std::runtime_error when the
   // newer dialog cannot be made.
   virtual int DoModal();
 
-  // The folder shown: while the dialog is up from the dialog, afterwards the chosen files' one.
+  // The folder shown: while the dialog is up from the dialog, afterwards the chosen files' one. "" for a
+  // place that is no folder of the file system.
   [[nodiscard]] std::string GetFolderPath() const;
   // The full name in the dialog; after it the (first) chosen one.
   [[nodiscard]] std::string GetPathName() const;
@@ -36,13 +35,45 @@ class CFileDialog : public CWnd {
   [[nodiscard]] POSITION GetStartPosition() const noexcept;
   std::string GetNextPathName(POSITION& position) const;
 
-  // The classic dialog's record, valid from construction on.
+  // The classic dialog's record, valid from construction on. Its name buffer is larger when several files may
+  // be chosen; a selection that does not fit ends the dialog as a cancel.
   OPENFILENAMEA m_ofn{};
 
  protected:
-  virtual bool OnInitDialog() { return true; }
+  const bool m_bOpenFileDialog;
+
+  // The owner that the dialog may have: the given parent, or the first window above it that is no child. The
+  // topmost window above that one is disabled until PostModal, which also ends every attachment.
+  HWND PreModal() noexcept;
+  void PostModal() noexcept;
+  // Everything of DoModal for the classic dialog, with `record` in place of m_ofn. Sets its owner.
+  int RunClassic(OPENFILENAMEA& record);
+
+  // The base binds the fields to the controls.
+  virtual bool OnInitDialog();
   virtual void OnInitDone() {}
   virtual void OnFolderChange() {}
   // Nonzero keeps the dialog open.
   virtual int OnFileNameOK() { return 0; }
+
+  LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+  bool OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* result) override;
+
+ private:
+  struct ModalScope;
+  static UINT_PTR CALLBACK hook(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  [[nodiscard]] std::string ask(UINT message) const;
+  [[nodiscard]] bool isNewer() const noexcept;
+  int runNewer();
+  void takeChosenNames(const OPENFILENAMEA& record);
+  void abandon() const noexcept;
+
+  const bool m_newerStyle;
+  const HWND m_parent;
+  HWND m_top = nullptr;  // disabled by PreModal
+  std::string m_defaultExtension;
+  std::string m_filter;
+  std::vector<char> m_nameBuffer;
+  std::string m_folder;              // chosen
+  std::vector<std::string> m_paths;  // chosen
 };

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+// The shell's newer file dialog, told what a classic record says.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "framework/windows/windows_api.h"
+// Only now:
+#include <commdlg.h>
+
+struct ChosenFiles {
+  std::string folder;              // "" when the dialog showed a place outside the file system
+  std::vector<std::string> paths;  // full names, in the dialog's order
+};
+
+// Shows the dialog and waits for the user; false when he cancelled. Takes from the record: the options, the
+// filter, the default extension, the initial folder and name, the title and the owner. Throws
+// std::runtime_error when there is no such dialog.
+bool showShellFileDialog(const OPENFILENAMEA& record, bool open, ChosenFiles& chosen);
