@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 #include "framework/ui/CommonDialogs.h"
@@ -13,7 +14,7 @@
 namespace {
 
 constexpr std::size_t kNameCapacity = MAX_PATH;
-constexpr std::size_t kManyNamesCapacity = 512 * 1024;  // some 2,000 of the longest names
+constexpr std::size_t kManyNamesCapacity = std::size_t{512} * 1024;  // some 2,000 of the longest names
 
 const char* given(const char* text) { return text != nullptr ? text : ""; }
 
@@ -67,7 +68,8 @@ CFileDialog::CFileDialog(bool open, const char* defaultExtension, const char* fi
       m_filter(recordFilter(filter)),
       m_nameBuffer(std::max((flags & OFN_ALLOWMULTISELECT) != 0 ? kManyNamesCapacity : kNameCapacity,
                             std::strlen(given(fileName)) + 1)) {
-  std::strcpy(m_nameBuffer.data(), given(fileName));
+  const std::string_view name = given(fileName);
+  name.copy(m_nameBuffer.data(), name.size());  // the rest of the buffer is zeros
   m_ofn.lStructSize = size != 0 ? size : sizeof m_ofn;
   m_ofn.lpstrFile = m_nameBuffer.data();
   m_ofn.nMaxFile = static_cast<DWORD>(m_nameBuffer.size());
@@ -205,7 +207,7 @@ std::string CFileDialog::ask(UINT message) const {
   for (;;) {
     const LRESULT needed = SendMessageA(dialog, message, text.size(), reinterpret_cast<LPARAM>(text.data()));
     if (needed <= 0) return {};
-    if (static_cast<std::size_t>(needed) <= text.size()) return text.c_str();
+    if (static_cast<std::size_t>(needed) <= text.size()) return text.substr(0, text.find('\0'));
     text.assign(static_cast<std::size_t>(needed), '\0');
   }
 }

@@ -58,7 +58,7 @@ void Driver::waitUntil(const std::string& what, const std::function<bool()>& hol
     if (over) throw TooLate("the dialog ended before " + what);
     if (std::chrono::steady_clock::now() > end)
       throw TooLate("waited in vain for " + what + "\n" + picture());
-    Sleep(kPollMs);
+    Sleep(kPollMs);  // allowed: Sleep: between two looks
   }
 }
 
@@ -146,25 +146,34 @@ LRESULT Driver::send(HWND window, UINT message, WPARAM wParam, LPARAM lParam) co
   return static_cast<LRESULT>(result);
 }
 
-HWND Driver::waitForList(HWND dialog, std::size_t count) const {
+HWND Driver::waitForList(HWND dialog, const std::string& what,
+                         const std::function<bool(HWND)>& wanted) const {
   HWND list = nullptr;
-  waitUntil("a list of " + std::to_string(count) + " items", [&] {
+  waitUntil(what, [&] {
     list = child(dialog, WC_LISTVIEWA);
-    return static_cast<std::size_t>(send(list, LVM_GETITEMCOUNT)) >= count;
+    try {
+      return wanted(list);
+    } catch (const TooLate&) {
+      if (IsWindow(list)) throw;
+      return false;  // another folder came, and it brings a list of its own
+    }
   });
   return list;
 }
 
+HWND Driver::waitForList(HWND dialog, std::size_t count) const {
+  return waitForList(dialog, "a list of " + std::to_string(count) + " items", [&](HWND list) {
+    return static_cast<std::size_t>(send(list, LVM_GETITEMCOUNT)) >= count;
+  });
+}
+
 HWND Driver::waitForList(HWND dialog, std::vector<std::string> names) const {
   std::sort(names.begin(), names.end());
-  HWND list = nullptr;
-  waitUntil("a list of certain items", [&] {
-    list = child(dialog, WC_LISTVIEWA);
+  return waitForList(dialog, "a list of certain items", [&](HWND list) {
     auto shown = items(list);
     std::sort(shown.begin(), shown.end());
     return shown == names;
   });
-  return list;
 }
 
 std::vector<std::string> Driver::items(HWND list) const {
@@ -259,7 +268,7 @@ void Driver::follow(const std::function<void(Driver&)>& user) {
   }
   while (!m_over) {
     closeAll();
-    Sleep(kPollMs);
+    Sleep(kPollMs);  // allowed: Sleep: between two attempts
   }
 }
 

@@ -73,6 +73,8 @@ class Driver {
   friend class Session;
 
   [[nodiscard]] HWND find(const std::function<bool(HWND)>& wanted) const;
+  [[nodiscard]] HWND waitForList(HWND dialog, const std::string& what,
+                                 const std::function<bool(HWND)>& wanted) const;
   [[nodiscard]] int indexOf(HWND list, const std::string& name) const;
   [[nodiscard]] std::string picture() const;
   void closeAll() const;

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#include "dialogs/DirFileOpen.h"
+
+#include <memory>
+
+#include "dialogs/DirFileLayout.h"
+#include "dialogs/DirFileState.h"
+#include "dialogs/ListHook.h"
+#include "dialogs/OkInterceptor.h"
+#include "framework/ModuleState.h"
+
+namespace {
+
+// The record without the additions of Windows 2000: it asks for the classic dialog without the places bar.
+constexpr DWORD kOlderRecordSize = 136;
+
+// In folder mode a pattern that no file matches.
+const char* initialName(bool files, const char* filter) noexcept {
+  if (!files) return "*..*";
+  return filter != nullptr ? nullptr : "*.*";
+}
+
+}  // namespace
+
+CDirFileOpen::CDirFileOpen(const char* title, const char* okText, const void* reserved, bool files, bool open,
+                           std::uint32_t mode, const char* initialDirectory, DWORD flags, const char* filter,
+                           HWND parent)
+    : CFileDialog(open, nullptr, initialName(files, filter), flags, filter, parent),
+      m_bFiles(files),
+      m_strTitle(title != nullptr ? title : ""),
+      m_pszOkText(okText),
+      m_pReserved(reserved),
+      m_initialDirectory(initialDirectory != nullptr ? initialDirectory : "") {
+  m_ofn.lStructSize = kOlderRecordSize;
+  if (initialDirectory != nullptr) m_ofn.lpstrInitialDir = m_initialDirectory.c_str();
+  AddModuleRef();
+  g_dirFileState.filter = mode;
+}
+
+CDirFileOpen::~CDirFileOpen() {
+  delete m_pFolderEdit;
+  delete[] m_pPathList;
+  RemoveListHook();
+  ReleaseModuleRef();
+}
+
+std::vector<std::string>& CDirFileOpen::SelectedNames() noexcept { return g_dirFileState.selectedNames; }
+
+void CDirFileOpen::OnInitDone() {
+  const HWND dialog = GetParent();
+  PlaceButtonsAndList(dialog);
+  SetDlgItemTextA(dialog, IDOK, m_pszOkText);
+  SetWindowTextA(dialog, m_strTitle.c_str());
+  InstallOkInterceptor(*this);
+  PlaceFileNameLabel(dialog);
+
+  auto edit = std::make_unique<CEdit>();
+  MakeFolderEdit(dialog, *edit, m_initialDirectory.c_str());
+  delete m_pFolderEdit;
+  m_pFolderEdit = edit.release();
+
+  if (m_bFiles && m_ofn.lpstrFilter != nullptr) {
+    PlaceFileTypes(dialog, *m_pFolderEdit);
+  } else {
+    HideFileTypes(dialog);
+  }
+  SelectedNames().clear();
+  InstallListHook();
+  CentreOnOwner(dialog);
+}
+
+void CDirFileOpen::OnFolderChange() {
+  if (m_pFolderEdit != nullptr && GetParent() != nullptr)
+    m_pFolderEdit->SetWindowText(GetFolderPath().c_str());
+}

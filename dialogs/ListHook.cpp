@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+#include "dialogs/ListHook.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "dialogs/DirFileState.h"
+#include "dialogs/ListItems.h"
+#include "framework/ui/ThreadState.h"
+#include "framework/windows/windows_api.h"
+// Only now:
+#include <commctrl.h>
+
+namespace {
+
+// The name counts from the current directory, which follows the folder shown. One that is not found reports
+// all attributes and so is a directory.
+bool isUnwanted(const char* name) noexcept {
+  const bool directory = (GetFileAttributesA(name) & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  return directory == (g_dirFileState.filter == kListFiles);
+}
+
+// After a deletion the walk goes back to the second item, and item 0 is not looked at again. All items
+// between that one and the deleted one have been kept by this pass, so it goes on where it is: a folder of
+// thousands would take minutes otherwise.
+void filterItems(HWND list) noexcept {
+  char name[kItemTextSize];
+  for (int index = 0; index < ItemCount(list);) {
+    ReadItemText(list, index, name);
+    if (isUnwanted(name) && DeleteItem(list, index)) {
+      index = std::max(index, 1);
+    } else {
+      ++index;
+    }
+  }
+}
+
+// Deleting a selected item asks for the number of the selected ones before the item has gone. A second pass
+// would delete it, and the first one then the item behind it.
+void filterOnce(HWND list) noexcept {
+  DirFileState& state = g_dirFileState;
+  if (state.filtering || (state.filter != kListFiles && state.filter != kListFolders)) return;
+  state.filtering = true;
+  filterItems(list);
+  state.filtering = false;
+}
+
+void takeSelectedNames(HWND list) {
+  if (SendMessageA(list, LVM_GETSELECTEDCOUNT, 0, 0) == 0) return;
+  g_dirFileState.selectedNames.clear();
+  for (int index = NextSelectedItem(list, -1); index != -1; index = NextSelectedItem(list, index)) {
+    char name[kItemTextSize];
+    ReadItemText(list, index, name);
+    g_dirFileState.selectedNames.emplace_back(name);
+  }
+}
+
+// Lists of the host on this thread, while the dialog is up or after it, are none of this hook's business.
+bool isDialogsList(HWND window) noexcept {
+  if (!IsChild(g_dirFileState.window, window)) return false;
+  char name[32] = "";
+  GetClassNameA(window, name, sizeof name);
+  return lstrcmpiA(name, WC_LISTVIEWA) == 0;
+}
+
+LRESULT CALLBACK onCall(int code, WPARAM wParam, LPARAM lParam) {
+  const auto& call = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+  const bool watched = call.message == WM_DESTROY || call.message == LVM_GETSELECTEDCOUNT;
+  if (code == HC_ACTION && watched && isDialogsList(call.hwnd)) {
+    try {
+      if (call.message == WM_DESTROY) {
+        takeSelectedNames(call.hwnd);
+      } else {
+        filterOnce(call.hwnd);
+      }
+    } catch (...) {
+      AfxKeepException();
+    }
+  }
+  return CallNextHookEx(g_dirFileState.callHook, code, wParam, lParam);
+}
+
+}  // namespace
+
+void InstallListHook() noexcept {
+  RemoveListHook();
+  g_dirFileState.callHook = SetWindowsHookExA(WH_CALLWNDPROC, &onCall, nullptr, GetCurrentThreadId());
+}
+
+void RemoveListHook() noexcept {
+  if (g_dirFileState.callHook != nullptr)
+    UnhookWindowsHookEx(std::exchange(g_dirFileState.callHook, nullptr));
+}

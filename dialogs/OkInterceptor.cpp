@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+#include "dialogs/OkInterceptor.h"
+
+#include <string>
+
+#include "dialogs/DirFileOpen.h"
+#include "dialogs/DirFileState.h"
+#include "framework/ui/ThreadState.h"
+#include "framework/windows/windows_api.h"
+
+namespace {
+
+std::string textOf(HWND window) {
+  CWnd control;
+  control.Attach(window);
+  return control.GetWindowText();
+}
+
+void confirm(HWND window) {
+  CDirFileOpen& dialog = *g_dirFileState.dialog;
+  std::string folder = textOf(GetDlgItem(window, kFolderEdit));
+  if (folder.empty()) folder = dialog.GetFolderPath();
+  if (folder.empty()) return;
+  if (HasDoubledBackslash(folder.c_str())) {
+    MessageBoxA(window, "Invalid Folder", nullptr, MB_ICONERROR);
+    return;
+  }
+  dialog.SetFolder(folder + "\\");
+  EndDialog(window, IDOK);
+}
+
+bool isOk(UINT message, WPARAM wParam) noexcept {
+  return message == WM_COMMAND && wParam == MAKEWPARAM(IDOK, 0);
+}
+
+LRESULT CALLBACK onMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  const WNDPROC previous = g_dirFileState.previousProcedure;
+  if (isOk(message, wParam)) {
+    try {
+      confirm(window);
+    } catch (...) {
+      AfxKeepException();
+      EndDialog(window, IDCANCEL);
+    }
+    return 0;
+  }
+  if (message == WM_NCDESTROY) {
+    SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous));
+    g_dirFileState.window = nullptr;
+    g_dirFileState.dialog = nullptr;
+  }
+  return CallWindowProcA(previous, window, message, wParam, lParam);
+}
+
+}  // namespace
+
+void InstallOkInterceptor(CDirFileOpen& dialog) noexcept {
+  g_dirFileState.window = dialog.GetParent();
+  g_dirFileState.dialog = &dialog;
+  g_dirFileState.previousProcedure = reinterpret_cast<WNDPROC>(
+      SetWindowLongPtrA(g_dirFileState.window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&onMessage)));
+}
+
+bool HasDoubledBackslash(const char* folder) noexcept {
+  if (*folder == '\0') return false;
+  for (const char* at = CharNextA(folder); *at != '\0'; at = CharNextA(at))
+    if (at[0] == '\\' && at[1] == '\\') return true;
+  return false;
+}

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#include "dialogs/PathList.h"
+
+#include <algorithm>
+
+#include "framework/windows/windows_api.h"
+#include "support/Paths.h"
+
+PathList MakePathList(const std::string& folder, const std::vector<std::string>& names) {
+  auto list = std::make_unique<char[]>((names.size() + 1) * kPathCapacity);
+  char* entry = list.get();
+  for (const std::string& name : names) {
+    const std::string path = folder.empty() ? name : folder + "\\" + name;
+    if (path.size() >= kPathCapacity) return nullptr;
+    std::copy(path.begin(), path.end(), entry);  // the rest of the entry is zeros
+    entry += kPathCapacity;
+  }
+  return list;
+}
+
+bool NormaliseFolder(const std::string& folder, PathText& result) {
+  // A backslash byte may be the second half of the last character, which the normaliser would cut: it gets a
+  // real separator to drop.
+  const bool halved =
+      !folder.empty() && *CharPrevA(folder.c_str(), folder.c_str() + folder.size()) != folder.back();
+  std::string text = folder;
+  if (halved) text.push_back('\\');
+  if (text.size() > kPathCapacity) return false;
+  text.push_back('\0');
+  TrimSlashes(text.data());
+  return result.assign(text.c_str());
+}
