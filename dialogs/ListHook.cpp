@@ -2,6 +2,7 @@
 #include "dialogs/ListHook.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -21,18 +22,32 @@ bool isUnwanted(const char* name) noexcept {
   return directory == (g_dirFileState.filter == kListFiles);
 }
 
+// The list measures all of its items after each deletion unless it draws nothing meanwhile.
+class DrawingPause {
+ public:
+  explicit DrawingPause(HWND list) noexcept : m_list(list) { SendMessageA(m_list, WM_SETREDRAW, FALSE, 0); }
+  ~DrawingPause() {
+    SendMessageA(m_list, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(m_list, nullptr, TRUE);
+  }
+  DrawingPause(const DrawingPause&) = delete;
+  DrawingPause& operator=(const DrawingPause&) = delete;
+
+ private:
+  const HWND m_list;
+};
+
 // After a deletion the walk goes back to the second item, and item 0 is not looked at again. All items
 // between that one and the deleted one have been kept by this pass, so it goes on where it is: a folder of
 // thousands would take minutes otherwise.
 void filterItems(HWND list) noexcept {
   char name[kItemTextSize];
+  std::optional<DrawingPause> pause;
   for (int index = 0; index < ItemCount(list);) {
     ReadItemText(list, index, name);
-    if (isUnwanted(name) && DeleteItem(list, index)) {
-      index = std::max(index, 1);
-    } else {
-      ++index;
-    }
+    const bool unwanted = isUnwanted(name);
+    if (unwanted && !pause) pause.emplace(list);
+    index = unwanted && DeleteItem(list, index) ? std::max(index, 1) : index + 1;
   }
 }
 
