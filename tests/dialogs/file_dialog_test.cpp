@@ -1,0 +1,257 @@
+// SPDX-License-Identifier: MIT
+// The framework's file dialog: the handlers of the classic one, and the walk over what was chosen in either.
+#include "framework/ui/FileDialog.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <thread>
+
+#include "framework/ui/CommonDialogs.h"
+#include "framework/ui/ThreadState.h"
+#include "tests/dialogs/Driver.h"
+#include "tests/dialogs/FolderTest.h"
+
+namespace {
+
+using dialog_test::drive;
+using dialog_test::Driver;
+using testing::ElementsAre;
+
+using testing::IsEmpty;
+
+using FileDialogTest = dialog_test::FolderTest;
+
+std::vector<std::string> walk(const CFileDialog& dialog) {
+  std::vector<std::string> paths;
+  for (POSITION position = dialog.GetStartPosition(); position != nullptr;)
+    paths.push_back(dialog.GetNextPathName(position));
+  return paths;
+}
+
+int show(CFileDialog& dialog, const std::function<void(Driver&, HWND window)>& user) {
+  return drive([&] { return dialog.DoModal(); },
+               [&user](Driver& driver) { user(driver, driver.waitForDialog()); });
+}
+
+// A classic dialog that writes down which handlers ran, with what the dialog said then.
+class Classic : public CFileDialog {
+ public:
+  explicit Classic(const std::string& folder, DWORD flags = 0, bool open = true)
+      : CFileDialog(open, "txt", "", flags, "Texts|*.txt|All|*.*||", nullptr, 0, false), m_folder(folder) {
+    m_ofn.lpstrInitialDir = m_folder.c_str();
+  }
+
+  std::vector<std::string> log;
+  int vetoes = 0;
+  std::string throwsIn;
+
+ protected:
+  bool OnInitDialog() override { return note("init"), CFileDialog::OnInitDialog(); }
+  void OnInitDone() override { note("done"); }
+  void OnFolderChange() override { note("folder " + GetFolderPath()); }
+  int OnFileNameOK() override { return note("ok " + GetPathName()), vetoes-- > 0; }
+
+ private:
+  void note(const std::string& what) {
+    log.push_back(what);
+    if (!throwsIn.empty() && what.starts_with(throwsIn)) throw std::runtime_error("thrown in " + throwsIn);
+  }
+
+  const std::string m_folder;
+};
+
+TEST_F(FileDialogTest, RunsItsHandlersInTheOrderOfTheClassicDialog) {
+  addFile("a.txt");
+  Classic dialog(folder());
+  EXPECT_EQ(show(dialog,
+                 [](Driver& user, HWND window) {
+                   user.typeName(window, "a.txt");
+                   user.press(window, IDOK);
+                 }),
+            IDOK);
+  EXPECT_THAT(dialog.log, ElementsAre("init", "done", "folder " + folder(), "ok " + folder() + "\\a.txt"));
+  EXPECT_THAT(walk(dialog), ElementsAre(folder() + "\\a.txt"));
+  EXPECT_EQ(dialog.GetPathName(), folder() + "\\a.txt");
+  EXPECT_EQ(dialog.GetFolderPath(), folder());
+  EXPECT_EQ(dialog.m_hWnd, nullptr);
+}
+
+TEST_F(FileDialogTest, StaysOpenAsLongAsTheNameIsRefused) {
+  addFile("a.txt");
+  Classic dialog(folder());
+  dialog.vetoes = 1;
+  EXPECT_EQ(show(dialog,
+                 [&](Driver& user, HWND window) {
+                   user.typeName(window, "a.txt");
+                   user.send(window, WM_COMMAND, IDOK);
+                   EXPECT_TRUE(IsWindowVisible(window));
+                   user.press(window, IDOK);
+                 }),
+            IDOK);
+  EXPECT_EQ(std::count(dialog.log.begin(), dialog.log.end(), "ok " + folder() + "\\a.txt"), 2);
+}
+
+TEST_F(FileDialogTest, WalksOverSeveralFilesOfTheClassicDialog) {
+  for (const char* name : {"a.txt", "b.txt", "c.txt"}) addFile(name);
+  Classic dialog(folder(), OFN_ALLOWMULTISELECT);
+  show(dialog, [](Driver& user, HWND window) {
+    const HWND list = user.waitForList(window, 3);
+    for (const char* name : {"a.txt", "c.txt"}) user.select(list, name);
+    user.press(window, IDOK);
+  });
+  EXPECT_THAT(walk(dialog), testing::UnorderedElementsAre(folder() + "\\a.txt", folder() + "\\c.txt"));
+  EXPECT_EQ(dialog.GetFolderPath(), folder());
+}
+
+TEST_F(FileDialogTest, AppliesTheFilterAndTheDefaultExtension) {
+  for (const char* name : {"a.txt", "b.doc"}) addFile(name);
+  Classic dialog(folder());
+  show(dialog, [](Driver& user, HWND window) {
+    (void)user.waitForList(window, {"a.txt"});
+    user.typeName(window, "a");
+    user.press(window, IDOK);
+  });
+  EXPECT_THAT(walk(dialog), ElementsAre(folder() + "\\a.txt"));
+}
+
+TEST_F(FileDialogTest, HasNothingChosenAfterACancel) {
+  addFile("a.txt");
+  Classic dialog(folder());
+  EXPECT_EQ(show(dialog,
+                 [](Driver& user, HWND window) {
+                   user.typeName(window, "a.txt");
+                   user.press(window, IDCANCEL);
+                 }),
+            IDCANCEL);
+  EXPECT_THAT(walk(dialog), IsEmpty());
+}
+
+class FileDialogHandler : public dialog_test::FolderTest, public testing::WithParamInterface<const char*> {};
+
+// The system's frames lie between the handler and DoModal.
+TEST_P(FileDialogHandler, ThatThrowsEndsTheDialogAndReachesTheCaller) {
+  addFile("a.txt");
+  Classic dialog(folder());
+  dialog.throwsIn = GetParam();
+  std::string caught;
+  drive(
+      [&] {
+        try {
+          dialog.DoModal();
+        } catch (const std::runtime_error& error) {
+          caught = error.what();
+        }
+      },
+      [&dialog](Driver& user) {
+        if (dialog.throwsIn != "ok") return;
+        const HWND window = user.waitForDialog();
+        user.typeName(window, "a.txt");
+        user.press(window, IDOK);
+      });
+  EXPECT_EQ(caught, "thrown in " + dialog.throwsIn);
+  EXPECT_FALSE(AfxGetThreadState()->m_pending);
+  EXPECT_EQ(AfxGetThreadState()->m_pAlternateWndInit, nullptr);
+}
+
+INSTANTIATE_TEST_SUITE_P(Handlers, FileDialogHandler, testing::Values("init", "done", "folder", "ok"));
+
+TEST_F(FileDialogTest, DisablesItsOwnerWhileItIsShown) {
+  const HWND owner = CreateWindowExA(0, "STATIC", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200,
+                                     nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
+  const HWND child = CreateWindowExA(0, "STATIC", "", WS_CHILD, 0, 0, 10, 10, owner, nullptr,
+                                     GetModuleHandleA(nullptr), nullptr);
+  for (const bool newer : {false, true}) {
+    CFileDialog dialog(true, nullptr, "", 0, "", child, 0, newer);
+    bool enabled = true;
+    HWND dialogsOwner = nullptr;
+    show(dialog, [&](Driver& user, HWND window) {
+      enabled = IsWindowEnabled(owner);
+      dialogsOwner = GetWindow(window, GW_OWNER);
+      user.press(window, IDCANCEL);
+    });
+    EXPECT_FALSE(enabled) << newer;
+    EXPECT_EQ(dialogsOwner, owner) << newer;
+    EXPECT_TRUE(IsWindowEnabled(owner)) << newer;
+  }
+  DestroyWindow(owner);
+}
+
+struct Choice {
+  const char* name;
+  bool newerStyle;
+  DWORD size;
+  DWORD sizeAfterwards;
+  DWORD flags;
+  bool newer;
+};
+
+class FileDialogKind : public testing::TestWithParam<Choice> {};
+
+BOOL WINAPI refuse(OPENFILENAMEA*) { return FALSE; }
+HRESULT WINAPI makeNothing(REFCLSID, IUnknown*, DWORD, REFIID, void**) { return REGDB_E_CLASSNOTREG; }
+
+TEST_P(FileDialogKind, FollowsFromTheStyleTheRecordsSizeAndItsTemplate) {
+  g_commonDialogs = {&refuse, &refuse, &makeNothing};
+  const Choice& choice = GetParam();
+  CFileDialog dialog(true, nullptr, nullptr, choice.flags, nullptr, nullptr, choice.size, choice.newerStyle);
+  if (choice.sizeAfterwards != 0) dialog.m_ofn.lStructSize = choice.sizeAfterwards;
+  if (choice.newer) {
+    EXPECT_THROW(dialog.DoModal(), std::runtime_error);
+  } else {
+    EXPECT_EQ(dialog.DoModal(), IDCANCEL);
+  }
+  g_commonDialogs = {};
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, FileDialogKind,
+                         testing::Values(Choice{"Newer", true, 0, 0, 0, true},
+                                         Choice{"OldStyle", false, 0, 0, 0, false},
+                                         Choice{"OlderRecord", true, 136, 0, 0, false},
+                                         Choice{"SizeChanged", true, 0, 136, 0, false},
+                                         Choice{"Template", true, 0, 0, OFN_ENABLETEMPLATE, false}),
+                         [](const auto& each) { return std::string(each.param.name); });
+
+TEST_F(FileDialogTest, SavesUnderANameInTheFolderOfTheNewerDialog) {
+  CFileDialog dialog(false, "txt", (folder() + "\\new").c_str(), 0, "Texts|*.txt||", nullptr);
+  EXPECT_EQ(show(dialog, [](Driver& user, HWND window) { user.press(window, IDOK); }), IDOK);
+  EXPECT_THAT(walk(dialog), ElementsAre(folder() + "\\new.txt"));
+  EXPECT_EQ(dialog.GetFolderPath(), folder());
+}
+
+TEST_F(FileDialogTest, ListsWhatTheFilterOfTheNewerDialogLetsThrough) {
+  for (const char* name : {"a.txt", "b.doc"}) addFile(name);
+  CFileDialog dialog(true, nullptr, "", 0, "Texts|*.txt|All|*.*||", nullptr);
+  const std::string start = folder();
+  dialog.m_ofn.lpstrInitialDir = start.c_str();
+  show(dialog, [](Driver& user, HWND window) {
+    (void)user.waitForList(window, {"a.txt"});
+    user.press(window, IDCANCEL);
+  });
+}
+
+HRESULT g_apartment = E_FAIL;
+
+HRESULT WINAPI askForTheApartment(REFCLSID, IUnknown*, DWORD, REFIID, void**) {
+  g_apartment = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  CoUninitialize();
+  return REGDB_E_CLASSNOTREG;
+}
+
+// The system's own dialog leaves the thread's apartment behind, so that a stand-in has to show ours.
+TEST_F(FileDialogTest, EntersAnApartmentForTheTimeOfTheNewerDialog) {
+  g_commonDialogs.createInstance = &askForTheApartment;
+  HRESULT afterwards = E_FAIL;
+  std::thread([&afterwards] {
+    CFileDialog dialog(true, nullptr, "", 0, "", nullptr);
+    EXPECT_THROW(dialog.DoModal(), std::runtime_error);
+    afterwards = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    CoUninitialize();
+  }).join();
+  g_commonDialogs = {};
+  EXPECT_EQ(g_apartment, S_FALSE) << "the second one of its thread";
+  EXPECT_EQ(afterwards, S_OK) << "the first one of its thread";
+}
+
+}  // namespace
