@@ -8,11 +8,11 @@
 #include "dialogs/DirFileOpen.h"
 #include "dialogs/DirFileState.h"
 #include "dialogs/PathList.h"
-#include "framework/ModuleState.h"
 
-namespace {
-
-bool runAndDeliver(const DirFileRequest& request, const HostOutput& output) {
+bool OpenDirFileDialog(const DirFileRequest& request, const HostOutput& output) {
+  if (request.title == nullptr || request.okText == nullptr || request.reserved == nullptr || !output.given())
+    return false;
+  output.clear();
   std::string directory;
   if (output.pszPath != nullptr) directory.assign(output.pszPath, strnlen(output.pszPath, kPathCapacity - 1));
   auto made = std::make_unique<CDirFileOpen>(request.title, request.okText, request.reserved, request.files,
@@ -30,22 +30,7 @@ bool runAndDeliver(const DirFileRequest& request, const HostOutput& output) {
   return output.deliver(folder, names.size(), dialog.m_pPathList);
 }
 
-}  // namespace
-
-bool OpenDirFileDialog(const DirFileRequest& request, const HostOutput& output) noexcept {
-  const AFX_MAINTAIN_STATE2 state(AfxGetAppModuleState());
-  if (request.title == nullptr || request.okText == nullptr || request.reserved == nullptr || !output.given())
-    return false;
-  output.clear();
-  try {
-    return runAndDeliver(request, output);
-  } catch (...) {
-    return false;
-  }
-}
-
 bool FreeFileDialog(void* dialog) noexcept {
-  const AFX_MAINTAIN_STATE2 state(AfxGetAppModuleState());
   if (dialog == nullptr) return false;
   delete static_cast<CFileDialog*>(dialog);
   return true;

@@ -17,7 +17,7 @@ struct DirFileRequest {
 };
 
 // Starts at the folder in output.pszPath. True when the user confirmed.
-bool OpenDirFileDialog(const DirFileRequest& request, const HostOutput& output) noexcept;
+bool OpenDirFileDialog(const DirFileRequest& request, const HostOutput& output);
 
 // Destroys a dialog that HostOutput gave to the host; false for null.
 bool FreeFileDialog(void* dialog) noexcept;

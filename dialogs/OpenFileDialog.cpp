@@ -6,11 +6,12 @@
 #include <vector>
 
 #include "dialogs/PathList.h"
-#include "framework/ModuleState.h"
 
-namespace {
-
-bool runAndDeliver(std::uint32_t flags, const HostOutput& output) {
+bool OpenFileDialog(const void* const (&reserved)[3], std::uint32_t flags, const HostOutput& output) {
+  for (const void* const each : reserved)
+    if (each == nullptr) return false;
+  if (!output.given()) return false;
+  output.clear();
   auto made = std::make_unique<CFileDialog>(true, "", output.pszPath, flags, "", nullptr);
   const CFileDialog& dialog = *made;
   if (!output.run(std::move(made))) return false;
@@ -24,20 +25,4 @@ bool runAndDeliver(std::uint32_t flags, const HostOutput& output) {
   if (!output.deliver(folder, names.size(), list.get())) return false;
   list.release();
   return true;
-}
-
-}  // namespace
-
-bool OpenFileDialog(const void* const (&reserved)[3], std::uint32_t flags,
-                    const HostOutput& output) noexcept {
-  const AFX_MAINTAIN_STATE2 state(AfxGetAppModuleState());
-  for (const void* const each : reserved)
-    if (each == nullptr) return false;
-  if (!output.given()) return false;
-  output.clear();
-  try {
-    return runAndDeliver(flags, output);
-  } catch (...) {
-    return false;
-  }
 }

@@ -29,10 +29,10 @@ extern "C" {
 //                  yields for each item; that is the item's full path, so the folder stands twice. The list
 //                  stays valid after DoFreeDirFileDialog; the library never frees it.
 //   pnCount        out: number of entries, 0 unless confirmed. Null: the call fails and writes nothing.
-//   ppDialog       out: the dialog object, whenever one was made
+//   ppDialog       out: the dialog object, whenever one was made. Null: the call fails and writes nothing.
 //   pbCancelled    out: 1 when the user cancelled, else 0. Null: the call fails and writes nothing.
-// Pointers without a word on null may be null as long as nothing is to be written through them; ppPathList,
-// ppDialog and pszPath have to be given when the user may confirm.
+// A result that does not fit its buffers (a folder or an entry of QX_PATH_SIZE characters or more) makes the call
+// fail as if nothing had been chosen, with *pbCancelled 0; so does a null pszPath or ppPathList.
 QXBool DoOpenFileDialog(const void* pReserved1, const void* pReserved2, const void* pReserved3, char* pszPath,
                         void* pUnused, std::uint32_t nFlags, char** ppPathList, std::uint32_t* pnCount,
                         void** ppDialog, QXBool* pbCancelled);
@@ -41,7 +41,8 @@ QXBool DoOpenFileDialog(const void* pReserved1, const void* pReserved2, const vo
 #define QX_LIST_FILES 2    // no folders in the list
 #define QX_LIST_FOLDERS 3  // no files in the list; the result is one folder
 
-// A dialog that picks a folder, or a folder and the items selected in it. 1 when the user confirmed it.
+// A dialog that picks a folder, or a folder and the items selected in it. 1 when the user confirmed it. What does
+// not fit fails as above.
 //   pszTitle       window title. Null: the call fails and writes nothing.
 //   pszOkText      caption of the OK button. Null: the call fails and writes nothing.
 //   pReserved      not used, but null makes the call fail and write nothing
@@ -54,7 +55,7 @@ QXBool DoOpenFileDialog(const void* pReserved1, const void* pReserved2, const vo
 //   ppPathList     out, when confirmed: the selected items with their folder; with QX_LIST_FOLDERS the folder
 //                  alone. Belongs to the dialog object and goes with it.
 //   pnCount        out: number of entries, 0 unless confirmed. Null: the call fails and writes nothing.
-//   ppDialog       out: the dialog object, whenever one was made
+//   ppDialog       out: the dialog object, whenever one was made. Null: the call fails and writes nothing.
 //   pbCancelled    out: 1 when the user cancelled, else 0. Null: the call fails and writes nothing.
 QXBool DoOpenDirFileDialog(const char* pszTitle, const char* pszOkText, const void* pReserved, char* pszPath,
                            QXBool bFiles, QXBool bOpen, std::uint32_t nMode, std::uint32_t nFlags,

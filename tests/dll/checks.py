@@ -3,9 +3,7 @@
 
 CLIENT_EXPORTS = ["CreateQXIPIFInstance", "FreeQXIPIFInstance", "DoFTPConnect", "DllAddRef", "DllRelease"]
 # On Windows alone; in the order of the header.
-DIALOG_EXPORTS = ["QXSelectFolder", "DoHtmlHelp"]
-# Declared already, exported when they work.
-PENDING_EXPORTS = ["DoOpenFileDialog", "DoOpenDirFileDialog", "DoFreeDirFileDialog"]
+DIALOG_EXPORTS = ["DoOpenFileDialog", "DoOpenDirFileDialog", "DoFreeDirFileDialog", "QXSelectFolder", "DoHtmlHelp"]
 
 _failed = 0
 _made = 0
