@@ -2,6 +2,8 @@
 // The application object that every module of the framework has, and the framework's start-up calls.
 #pragma once
 
+#include <string>
+
 class CWinApp {
  public:
   // Registers itself as the current application of this module's state. `appName` may be null.
@@ -10,7 +12,18 @@ class CWinApp {
   CWinApp(const CWinApp&) = delete;
   CWinApp& operator=(const CWinApp&) = delete;
 
+  // The profile: texts that the application keeps by section and entry, case of both ignored, in the file
+  // m_pszProfileName. Windows only (framework/ui/Profile.cpp); safe on any thread.
+  // `defaultText` (not null) when there is no such entry or a name is null.
+  [[nodiscard]] std::string GetProfileString(const char* section, const char* entry,
+                                             const char* defaultText = "") const;
+  // Null for `value` deletes the entry, whether there is one or not. False when the file cannot be written or
+  // a text has a line end, which no line of the file can hold; what the entry had stays then.
+  bool WriteProfileString(const char* section, const char* entry, const char* value) const;
+
   const char* m_pszAppName;
+  // A bare name stands for a file in the Windows folder. Null: the module's own name with ".INI", there.
+  const char* m_pszProfileName = nullptr;
 };
 
 CWinApp* AfxGetApp() noexcept;
