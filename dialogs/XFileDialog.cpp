@@ -156,11 +156,11 @@ int CXFileDialog::nameBoxId() const noexcept {
 // A control of the template, or else one of the system's.
 HWND CXFileDialog::control(int id) const noexcept {
   const HWND own = GetDlgItem(id);
-  return own != nullptr ? own : ::GetDlgItem(GetParent(), id);
+  return own != nullptr ? own : ::GetDlgItem(GetParent(), id == kNameBox ? nameBoxId() : id);
 }
 
 LONG CXFileDialog::findColumn() const noexcept {
-  const HWND box = ::GetDlgItem(GetParent(), nameBoxId());
+  const HWND box = control(kNameBox);
   if (box == nullptr) return kColumnWithoutNameBox;
   return rectIn(GetParent(), box).left + (hasNewLayout() ? 0 : kOldLayoutIndent);
 }
@@ -182,7 +182,7 @@ void CXFileDialog::moveFocus() const noexcept {
     SetFocus(m_wndHistory.m_hWnd);
   } else {
     m_wndHistory.ClearEditSel();
-    SetFocus(::GetDlgItem(GetParent(), nameBoxId()));
+    SetFocus(control(kNameBox));
   }
 }
 
@@ -196,7 +196,7 @@ void CXFileDialog::goToPickedFolder() const {
 
   const HWND dialog = GetParent();
   char typed[kNameTextCapacity] = "";
-  GetDlgItemTextA(dialog, nameBoxId(), typed, static_cast<int>(std::size(typed)));
+  GetWindowTextA(control(kNameBox), typed, static_cast<int>(std::size(typed)));
   setNameText(entry.c_str());
   SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED),
                reinterpret_cast<LPARAM>(::GetDlgItem(dialog, IDOK)));
