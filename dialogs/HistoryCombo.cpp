@@ -31,9 +31,9 @@ std::string CHistoryCombo::LoadHistoryList(const char* section, const char* pref
   m_strCurrentEntry = orEmpty(currentEntry);
   m_bKeepCurrent = keepCurrent;
 
-  const std::string last = loadNumberedEntries();
+  std::string last = loadNumberedEntries();
   if (!m_bKeepCurrent) return last;
-  const std::string current = readEntry(currentEntryName());
+  std::string current = readEntry(currentEntryName());
   if (!current.empty()) showCurrentText(current);
   return current;
 }
