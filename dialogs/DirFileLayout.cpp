@@ -6,24 +6,14 @@
 #include <stdexcept>
 
 #include "dialogs/DirFileState.h"
+#include "dialogs/Rectangles.h"
 #include "framework/windows/windows_api.h"
 
 namespace {
 
 constexpr int kButtonGap = 4;
 
-int width(const RECT& rect) noexcept { return rect.right - rect.left; }
-int height(const RECT& rect) noexcept { return rect.bottom - rect.top; }
-
-// In the co-ordinates of the dialog's client area.
-RECT rectOf(HWND dialog, HWND control) noexcept {
-  RECT rect{};
-  GetWindowRect(control, &rect);
-  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&rect), 2);
-  return rect;
-}
-
-RECT rectOf(HWND dialog, int id) noexcept { return rectOf(dialog, GetDlgItem(dialog, id)); }
+RECT rectOf(HWND dialog, int id) noexcept { return ::rectOf(dialog, GetDlgItem(dialog, id)); }
 
 void place(HWND control, const RECT& rect) noexcept {
   MoveWindow(control, rect.left, rect.top, width(rect), height(rect), TRUE);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "dialogs/SystemControls.h"
 #include "framework/windows/windows_api.h"
 
 class CDirFileOpen;
@@ -14,13 +15,7 @@ class CDirFileOpen;
 inline constexpr std::uint32_t kListFiles = 2;    // the filter removes folders
 inline constexpr std::uint32_t kListFolders = 3;  // the filter removes files
 
-// Controls of the system's dialog.
-inline constexpr int kFileNameEdit = 1152;
-inline constexpr int kFileNameLabel = 1090;
-inline constexpr int kFileTypeLabel = 1089;
-inline constexpr int kFileTypeBox = 1136;
-inline constexpr int kListArea = 1120;
-// Ours: follows the current folder, hidden.
+// Beside the system's controls: follows the current folder, hidden.
 inline constexpr int kFolderEdit = 102;
 
 struct DirFileState {

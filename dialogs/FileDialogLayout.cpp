@@ -1,24 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/FileDialogLayout.h"
 
+#include "dialogs/Rectangles.h"
+
 namespace {
 
 constexpr LONG kLabelGap = 2;
 
-LONG heightOf(const RECT& rect) { return rect.bottom - rect.top; }
-LONG widthOf(const RECT& rect) { return rect.right - rect.left; }
-
-void moveTo(RECT& rect, LONG left, LONG top) {
-  rect = {left, top, left + widthOf(rect), top + heightOf(rect)};
-}
+void moveTo(RECT& rect, LONG left, LONG top) { rect = {left, top, left + width(rect), top + height(rect)}; }
 
 }  // namespace
 
 void FileDialogLayout::arrange(LONG column) noexcept {
   moveTo(nameBox, column, nameBox.top);
   moveTo(typeBox, column, typeBox.top);
-  moveTo(nameLabel, column - kLabelGap - widthOf(nameLabel), nameLabel.top);
-  moveTo(typeLabel, column - kLabelGap - widthOf(typeLabel), typeLabel.top);
+  moveTo(nameLabel, column - kLabelGap - width(nameLabel), nameLabel.top);
+  moveTo(typeLabel, column - kLabelGap - width(typeLabel), typeLabel.top);
 
   const LONG boxGap = typeBox.top - nameBox.bottom;
   const LONG labelGap = typeLabel.top - nameLabel.bottom;

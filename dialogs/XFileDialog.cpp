@@ -7,6 +7,8 @@
 
 #include "dialogs/ExistingPath.h"
 #include "dialogs/FileDialogLayout.h"
+#include "dialogs/Rectangles.h"
+#include "dialogs/SystemControls.h"
 #include "dialogs/SystemGeneration.h"
 #include "framework/ui/DataExchange.h"
 
@@ -14,14 +16,6 @@ namespace {
 
 constexpr int kHistoryLabel = 1001;
 constexpr int kHistoryBox = 1002;
-
-// The system's controls.
-constexpr int kNameLabel = 1090;
-constexpr int kNameBox = 1148;
-constexpr int kNameEdit = 1152;  // instead of the box where there is none
-constexpr int kTypeLabel = 1089;
-constexpr int kTypeBox = 1136;
-constexpr int kReadOnlyBox = 1040;
 
 constexpr LONG kColumnWithoutNameBox = 90;
 constexpr LONG kOldLayoutIndent = 8;
@@ -33,25 +27,18 @@ struct Place {
   RECT FileDialogLayout::*rect;
 };
 constexpr Place kPlaces[] = {
-    {kNameLabel, &FileDialogLayout::nameLabel},     {kNameBox, &FileDialogLayout::nameBox},
-    {kTypeLabel, &FileDialogLayout::typeLabel},     {kTypeBox, &FileDialogLayout::typeBox},
+    {kFileNameLabel, &FileDialogLayout::nameLabel}, {kFileNameBox, &FileDialogLayout::nameBox},
+    {kFileTypeLabel, &FileDialogLayout::typeLabel}, {kFileTypeBox, &FileDialogLayout::typeBox},
     {kReadOnlyBox, &FileDialogLayout::readOnlyBox}, {kHistoryLabel, &FileDialogLayout::historyLabel},
     {kHistoryBox, &FileDialogLayout::historyBox}};
 
 // Of all dialogs since the module was loaded.
 std::atomic<bool> g_resized{false};
 
-RECT rectIn(HWND parent, HWND window) {
-  RECT rect{};
-  GetWindowRect(window, &rect);
-  MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&rect), 2);
-  return rect;
-}
-
 // `rect` in the co-ordinates of `dialog`, which need not be the window's parent.
 void place(HWND dialog, HWND window, RECT rect) {
   MapWindowPoints(dialog, GetParent(window), reinterpret_cast<POINT*>(&rect), 2);
-  SetWindowPos(window, nullptr, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
+  SetWindowPos(window, nullptr, rect.left, rect.top, width(rect), height(rect),
                SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
@@ -150,25 +137,25 @@ bool CXFileDialog::OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* result) {
 }
 
 int CXFileDialog::nameBoxId() const noexcept {
-  return ::GetDlgItem(GetParent(), kNameBox) != nullptr ? kNameBox : kNameEdit;
+  return ::GetDlgItem(GetParent(), kFileNameBox) != nullptr ? kFileNameBox : kFileNameEdit;
 }
 
 // A control of the template, or else one of the system's.
 HWND CXFileDialog::control(int id) const noexcept {
   const HWND own = GetDlgItem(id);
-  return own != nullptr ? own : ::GetDlgItem(GetParent(), id == kNameBox ? nameBoxId() : id);
+  return own != nullptr ? own : ::GetDlgItem(GetParent(), id == kFileNameBox ? nameBoxId() : id);
 }
 
 LONG CXFileDialog::findColumn() const noexcept {
-  const HWND box = control(kNameBox);
+  const HWND box = control(kFileNameBox);
   if (box == nullptr) return kColumnWithoutNameBox;
-  return rectIn(GetParent(), box).left + (hasNewLayout() ? 0 : kOldLayoutIndent);
+  return rectOf(GetParent(), box).left + (hasNewLayout() ? 0 : kOldLayoutIndent);
 }
 
 void CXFileDialog::arrangeControls() const noexcept {
   const HWND dialog = GetParent();
   FileDialogLayout layout{};
-  for (const Place& each : kPlaces) layout.*each.rect = rectIn(dialog, control(each.id));
+  for (const Place& each : kPlaces) layout.*each.rect = rectOf(dialog, control(each.id));
   layout.arrange(m_nColumn);
   for (const Place& each : kPlaces) {
     const bool shown = each.id != kReadOnlyBox || (m_nFlags & OFN_HIDEREADONLY) == 0;
@@ -182,7 +169,7 @@ void CXFileDialog::moveFocus() const noexcept {
     SetFocus(m_wndHistory.m_hWnd);
   } else {
     m_wndHistory.ClearEditSel();
-    SetFocus(control(kNameBox));
+    SetFocus(control(kFileNameBox));
   }
 }
 
@@ -196,7 +183,7 @@ void CXFileDialog::goToPickedFolder() const {
 
   const HWND dialog = GetParent();
   char typed[kNameTextCapacity] = "";
-  GetWindowTextA(control(kNameBox), typed, static_cast<int>(std::size(typed)));
+  GetWindowTextA(control(kFileNameBox), typed, static_cast<int>(std::size(typed)));
   setNameText(entry.c_str());
   SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED),
                reinterpret_cast<LPARAM>(::GetDlgItem(dialog, IDOK)));

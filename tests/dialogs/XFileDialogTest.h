@@ -6,12 +6,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "dialogs/XFileDialog.h"
 #include "tests/dialogs/Driver.h"
 #include "tests/dialogs/FileDialogStandIn.h"
+#include "tests/dialogs/FolderTest.h"
 #include "tests/dialogs/ProfileStore.h"
 
 // What the driver finds of the dialog that is up.
@@ -42,19 +42,16 @@ struct ShownFileDialog {
   const HWND history;  // its combo box
 };
 
-class XFileDialogTest : public testing::Test {
+class XFileDialogTest : public dialog_test::FolderTest {
  protected:
   using Driver = dialog_test::Driver;
   using User = std::function<void(Driver&, const ShownFileDialog&)>;
 
   XFileDialogTest() {
-    std::filesystem::create_directories(start + "\\below");
-    std::filesystem::create_directory(other);
-    for (const std::string& file : {start + "\\a.txt", start + "\\b.txt", other + "\\c.txt"})
-      std::ofstream(file) << "text";
+    addFolder("start\\below");
+    addFolder("other");
+    for (const char* file : {"start\\a.txt", "start\\b.txt", "other\\c.txt"}) addFile(file);
   }
-  // The dialog has moved it, and the scratch folder cannot go while it is the current one.
-  ~XFileDialogTest() override { std::filesystem::current_path(home); }
 
   // Shows `shown` in the folder `start`; the user cancels what is still up after `user`.
   int run(CXFileDialog& shown, const User& user) {
@@ -68,9 +65,8 @@ class XFileDialogTest : public testing::Test {
                               });
   }
 
-  const std::filesystem::path home = std::filesystem::current_path();
   const ProfileStore profile{"FolderHistory"};
-  const std::string start = profile.path("start");
-  const std::string other = profile.path("other");
-  const std::string gone = profile.path("gone");
+  const std::string start = scratch.file("start");
+  const std::string other = scratch.file("other");
+  const std::string gone = scratch.file("gone");
 };
