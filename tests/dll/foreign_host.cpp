@@ -129,6 +129,20 @@ void checkDeletion(std::uint32_t nModuleCount) {
   }
 }
 
+// Every dialog refuses what it was not given, without a window.
+void checkDialogs() {
+  std::uint32_t count = 7;
+  QXBool cancelled = 7;
+  CHECK(DoOpenFileDialog(nullptr, nullptr, nullptr, nullptr, nullptr, 0, nullptr, &count, nullptr,
+                         &cancelled) == 0);
+  CHECK(DoOpenDirFileDialog(nullptr, nullptr, nullptr, nullptr, 0, 1, 0, 0, nullptr, &count, nullptr,
+                            &cancelled) == 0);
+  CHECK(count == 7 && cancelled == 7);
+  CHECK(DoFreeDirFileDialog(nullptr) == 0);
+  CHECK(QXSelectFolder(nullptr) == 0);
+  CHECK(DoHtmlHelp(nullptr, nullptr, 0, 0) == 0);
+}
+
 }  // namespace
 
 extern "C" void hostMain() {
@@ -152,8 +166,7 @@ extern "C" void hostMain() {
   }
   CHECK(FreeQXIPIFInstance(nullptr) == 0);
   CHECK(DoFTPConnect(nullptr, "example.test", "", "", 21, 0, 0, nullptr) == 0);
-  CHECK(QXSelectFolder(nullptr) == 0);
-  CHECK(DoHtmlHelp(nullptr, nullptr, 0, 0) == 0);
+  checkDialogs();
   check(g_nChecks > 300, "every group of checks has run");
   if (g_nFailed == 0) print("foreign host: all checks hold\n");
   ExitProcess(g_nFailed);
