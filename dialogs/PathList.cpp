@@ -10,7 +10,9 @@ PathList MakePathList(const std::string& folder, const std::vector<std::string>&
   auto list = std::make_unique<char[]>((names.size() + 1) * kPathCapacity);
   char* entry = list.get();
   for (const std::string& name : names) {
-    const std::string path = folder.empty() ? name : folder + "\\" + name;
+    std::string path = folder;
+    if (!folder.empty()) path.push_back('\\');
+    path += name;
     if (path.size() >= kPathCapacity) return nullptr;
     std::copy(path.begin(), path.end(), entry);  // the rest of the entry is zeros
     entry += kPathCapacity;

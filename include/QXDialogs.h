@@ -31,8 +31,8 @@ extern "C" {
 //   pnCount        out: number of entries, 0 unless confirmed. Null: the call fails and writes nothing.
 //   ppDialog       out: the dialog object, whenever one was made. Null: the call fails and writes nothing.
 //   pbCancelled    out: 1 when the user cancelled, else 0. Null: the call fails and writes nothing.
-// A result that does not fit its buffers (a folder or an entry of QX_PATH_SIZE characters or more) makes the call
-// fail as if nothing had been chosen, with *pbCancelled 0; so does a null pszPath or ppPathList.
+// A result that does not fit its buffers (a folder or an entry of QX_PATH_SIZE characters or more) makes the
+// call fail as if nothing had been chosen, with *pbCancelled 0; so does a null pszPath or ppPathList.
 QXBool DoOpenFileDialog(const void* pReserved1, const void* pReserved2, const void* pReserved3, char* pszPath,
                         void* pUnused, std::uint32_t nFlags, char** ppPathList, std::uint32_t* pnCount,
                         void** ppDialog, QXBool* pbCancelled);
@@ -41,8 +41,8 @@ QXBool DoOpenFileDialog(const void* pReserved1, const void* pReserved2, const vo
 #define QX_LIST_FILES 2    // no folders in the list
 #define QX_LIST_FOLDERS 3  // no files in the list; the result is one folder
 
-// A dialog that picks a folder, or a folder and the items selected in it. 1 when the user confirmed it. What does
-// not fit fails as above.
+// A dialog that picks a folder, or a folder and the items selected in it. 1 when the user confirmed it. What
+// does not fit fails as above.
 //   pszTitle       window title. Null: the call fails and writes nothing.
 //   pszOkText      caption of the OK button. Null: the call fails and writes nothing.
 //   pReserved      not used, but null makes the call fail and write nothing
