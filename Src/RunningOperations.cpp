@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Src/RunningOperations.h"
 
-#include <algorithm>
 #include <condition_variable>
 #include <mutex>
-#include <vector>
+#include <utility>
 
 #include "framework/platform/message_queue.h"
 
@@ -14,10 +13,11 @@ namespace {
 // than any of the library's own waits needs; only a host's callback or a dead disk holds a worker that long.
 constexpr std::chrono::milliseconds kUnwindBound{5000};
 
+// The operations are linked by their own members: nothing here can fail for want of memory.
 struct Registry {
   std::mutex mutex;
   std::condition_variable left;
-  std::vector<RunningOperation*> operations;
+  RunningOperation* latest = nullptr;
 };
 
 Registry& registry() {
@@ -31,15 +31,17 @@ void dispatchWaitingMessage(void* /*context*/) {
 
 }  // namespace
 
-RunningOperation::RunningOperation(TQXIP& client) : m_client(&client) {
+RunningOperation::RunningOperation(TQXIP& client) noexcept : m_client(&client) {
   const std::lock_guard lock(registry().mutex);
-  registry().operations.push_back(this);
+  m_earlier = std::exchange(registry().latest, this);
 }
 
 RunningOperation::~RunningOperation() {
   Kill();
   const std::lock_guard lock(registry().mutex);
-  std::erase(registry().operations, this);
+  RunningOperation** link = &registry().latest;
+  while (*link != this) link = &(*link)->m_earlier;
+  *link = m_earlier;
   registry().left.notify_all();
 }
 
@@ -64,25 +66,31 @@ void RunningOperation::Kill() noexcept {
   Close();
 }
 
+// With the registry locked.
+bool RunningOperation::IsUsedByAnotherThread(const TQXIP& client) noexcept {
+  const std::thread::id self = std::this_thread::get_id();
+  for (const RunningOperation* operation = registry().latest; operation != nullptr;
+       operation = operation->m_earlier) {
+    if (operation->m_client == &client && operation->m_owner != self) return true;
+  }
+  return false;
+}
+
 void RunningOperation::Abandon(TQXIP& client) noexcept {
   const std::thread::id self = std::this_thread::get_id();
-  std::vector<RunningOperation*> below;  // on this thread's own stack: they cannot run before we return
+  RunningOperation* below = nullptr;  // on this thread's own stack: they cannot run before we return
   std::unique_lock lock(registry().mutex);
-  for (RunningOperation* operation : registry().operations) {
+  for (RunningOperation* operation = registry().latest; operation != nullptr;
+       operation = operation->m_earlier) {
     if (operation->m_client != &client) continue;
     operation->m_orphaned.store(true, std::memory_order_release);
     operation->m_worker.requestStop();
-    if (operation->m_owner == self) below.push_back(operation);
+    if (operation->m_owner == self) operation->m_later = std::exchange(below, operation);
   }
   lock.unlock();
-  for (RunningOperation* operation : below) operation->Kill();
+  for (; below != nullptr; below = below->m_later) below->Kill();
   // A client freed by one of its own workers cannot wait for the operation that waits for that worker.
   if (platform::StopToken::current() != nullptr) return;
   lock.lock();
-  registry().left.wait(lock, [&] {
-    return std::none_of(registry().operations.begin(), registry().operations.end(),
-                        [&](RunningOperation* operation) {
-                          return operation->m_client == &client && operation->m_owner != self;
-                        });
-  });
+  registry().left.wait(lock, [&] { return !IsUsedByAnotherThread(client); });
 }

@@ -13,7 +13,7 @@ class TQXIP;
 
 class RunningOperation {
  public:
-  explicit RunningOperation(TQXIP& client);
+  explicit RunningOperation(TQXIP& client) noexcept;
   // Whoever leaves without having waited (an exception of the host's message handler) must not leave the
   // worker behind: it uses the record on this stack.
   ~RunningOperation();
@@ -42,8 +42,12 @@ class RunningOperation {
   static void Abandon(TQXIP& client) noexcept;
 
  private:
+  [[nodiscard]] static bool IsUsedByAnotherThread(const TQXIP& client) noexcept;
+
   TQXIP* const m_client;
   const std::thread::id m_owner = std::this_thread::get_id();
   platform::WorkerThread m_worker;
   std::atomic<bool> m_orphaned{false};
+  RunningOperation* m_earlier = nullptr;  // in the registry
+  RunningOperation* m_later = nullptr;    // among those that one call of Abandon ends
 };

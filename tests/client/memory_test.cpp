@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+// What the caller's side of an operation does when memory runs out, a worker that cannot be started above
+// all; and the lines that stand in the message buffer for no hook to see, looked at from within an
+// allocation.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+#include "Src/TInternetSession.h"
+#include "tests/client/ErrorRecord.h"
+#include "tests/client/RecordingClient.h"
+#include "tests/client/ScriptedFinder.h"
+#include "tests/support/AllocationWatch.h"
+
+namespace {
+
+using testing_support::AllocationWatch;
+
+// An operation with a worker, on the path "/x". No line: it has neither message nor report.
+struct Operation {
+  const char* name;
+  const char* entryLine;
+  const char* failedLine;
+  int line;
+  std::uint32_t (*run)(TQXIP& client);
+};
+
+const Operation kOperations[] = {
+    {"DirExist", "", "TQXIP::FTPDirExist '/x' failed!", 4746,
+     [](TQXIP& client) -> std::uint32_t { return client.FTPDirExist("/x", 3, 0, 0); }},
+    {"FileExists", "", "TQXIP::FTPFileExists '/x' failed!", 5232,
+     [](TQXIP& client) -> std::uint32_t { return client.FTPFileExists("/x", 3, 0, 0); }},
+    {"FileSize", "", "", 0, [](TQXIP& client) { return client.FTPFileSize("/x", 3, 0, 0); }},
+    {"RmvFile", "TQXIP::FTPRmvFile - IN: '/x'", "TQXIP::FTPRmvFile '/x' failed!", 6687,
+     [](TQXIP& client) -> std::uint32_t { return client.FTPRmvFile("/x", 0, 3, 0, 0); }},
+};
+
+class Memory : public testing::Test {
+ protected:
+  QXErrorInfo record{};
+  RecordingClient client{&record};
+  ScriptedFinder finder;
+};
+
+class NoWorker : public Memory, public testing::WithParamInterface<Operation> {};
+
+TEST_P(NoWorker, IsAFailureOfTheOperation) {
+  client.finder = &finder;
+  std::uint32_t answer = 77;
+  const int allocations = testing_support::failEachAllocation(
+      [&] {
+        record = {};
+        client.m_szMessage[0] = '\0';
+        answer = GetParam().run(client);
+        client.forget();
+      },
+      [&] {
+        EXPECT_EQ(answer, 0u);
+        EXPECT_STREQ(client.m_szMessage, GetParam().failedLine);
+        if (GetParam().line == 0) {
+          EXPECT_TRUE(IsBlank(record));
+        } else {
+          EXPECT_THAT(record, ReportsLastError(GetParam().failedLine, 8u, GetParam().line));
+        }
+        EXPECT_TRUE(finder.patterns.empty());
+      });
+  EXPECT_GT(allocations, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, NoWorker, testing::ValuesIn(kOperations),
+                         [](const auto& instance) { return instance.param.name; });
+
+class EntryLine : public NoWorker {};
+
+TEST_P(EntryLine, StandsInTheMessageBeforeTheWorkerStarts) {
+  std::string message = "none seen";
+  {
+    const AllocationWatch watch([&](int number) {
+      if (number == 0) message = client.m_szMessage;
+      return false;
+    });
+    GetParam().run(client);
+  }
+  EXPECT_EQ(message, GetParam().entryLine);
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, EntryLine, testing::ValuesIn(kOperations),
+                         [](const auto& instance) { return instance.param.name; });
+
+TEST_F(Memory, TheEntryLineOfConnectSaysNullForANullHost) {
+  delete std::exchange(client.m_pInternetSession, nullptr);
+  std::string message;
+  {
+    const AllocationWatch watch([&](int number) {
+      if (number == 0) message = client.m_szMessage;
+      return true;
+    });
+    EXPECT_EQ(client.FTPConnect(nullptr, "", "", 21, 0, 0, nullptr), 0);
+  }
+  EXPECT_EQ(message, "TQXIP::FTPConnect - IN: 'NULL'");
+}
+
+TEST_F(Memory, KeepAliveReturnsWhereItGetsNoWorker) {
+  client.m_bConnected = 1;
+  {
+    const AllocationWatch nothingLeft([](int) { return false; });
+    client.FTPKeepAlive();
+  }
+  EXPECT_EQ(client.m_bConnected, 1);
+  client.m_bConnected = 0;
+}
+
+}  // namespace

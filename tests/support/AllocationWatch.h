@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// The allocations of one thread, seen by a test as they happen: it can make one fail, or look around at one.
+// A program that has this compiles AllocationWatch.cpp, which replaces its operator new.
+#pragma once
+
+#include <functional>
+
+namespace testing_support {
+
+// Watches the thread that makes it, until it ends. One at a time.
+class AllocationWatch {
+ public:
+  // Asked at each allocation, which are counted from 0. False: that one fails. Its own are not watched.
+  using Look = std::function<bool(int number)>;
+
+  explicit AllocationWatch(Look look);
+  ~AllocationWatch();
+  AllocationWatch(const AllocationWatch&) = delete;
+  AllocationWatch& operator=(const AllocationWatch&) = delete;
+
+  [[nodiscard]] bool allowsNext();
+
+ private:
+  Look m_look;
+  int m_next = 0;
+};
+
+// Runs `work` again and again, the first time with the first of its allocations failing, then with the
+// second, and calls `check` after each of these runs, until a run has no such allocation. How many there
+// were.
+template <typename Work, typename Check>
+int failEachAllocation(Work&& work, Check&& check) {
+  for (int failing = 0;; ++failing) {
+    bool failed = false;
+    {
+      const AllocationWatch watch([&](int number) {
+        if (number == failing) failed = true;
+        return number != failing;
+      });
+      work();
+    }
+    if (!failed) return failing;
+    check();
+  }
+}
+
+}  // namespace testing_support
