@@ -152,6 +152,61 @@ TEST(Destructor, FreesTheMemoryOnlyWhenAsked) {
   EXPECT_EQ(g_nModuleRefs, before);
 }
 
+// What hosts may still look at.
+TEST(Destructor, LeavesTheFlagsOfAClientThatIsNeitherUpNorConnected) {
+  alignas(TQXIP) unsigned char memory[sizeof(TQXIP)];
+  const volatile unsigned char* const bytes = memory;
+  for (const QXBool initialized : {QXBool{1}, QXBool{0}}) {
+    auto* client = new (memory) TQXIP(nullptr);
+    client->m_bInitialized = initialized;
+    client->m_bConnected = 1;
+    client->DeletingDestructor(0);
+    EXPECT_EQ(bytes[4578], 0) << "m_bInitialized";
+    EXPECT_EQ(bytes[4579], 0) << "m_bConnected";
+  }
+  ReleaseModuleRef();  // the second one, which was not up, has kept its own
+}
+
+// A host with functions of its own in the slots that an end goes through.
+class EndingHost final : public TQXIP {
+ public:
+  explicit EndingHost(std::string& calls) : TQXIP(nullptr), m_calls(calls) {}
+  QXBool OnBeforeDisconnect() override { return noted("before"); }
+  QXBool OnAfterDisconnect() override { return noted("after"); }
+  void OnDisconnect() override { noted("disconnect"); }
+
+  // The hooks that the end of a client with these flags calls.
+  static std::string callsAtTheEnd(QXBool initialized, QXBool connected) {
+    std::string calls;
+    alignas(EndingHost) unsigned char memory[sizeof(EndingHost)];
+    auto* host = new (memory) EndingHost(calls);
+    host->m_bInitialized = initialized;
+    host->m_bConnected = connected;
+    host->DeletingDestructor(0);
+    return calls;
+  }
+
+ private:
+  ~EndingHost() = default;
+  QXBool noted(const char* call) {
+    m_calls += m_calls.empty() ? call : std::string(" ") + call;
+    return 1;
+  }
+  std::string& m_calls;
+};
+
+TEST(Destructor, DisconnectsFirst) {
+  EXPECT_EQ(EndingHost::callsAtTheEnd(1, 1), "before disconnect after");
+  EXPECT_EQ(EndingHost::callsAtTheEnd(1, 0), "before after");
+}
+
+TEST(Destructor, OfAClientThatIsNotInitialisedCallsNothingAndLeavesTheCount) {
+  const std::uint32_t before = g_nModuleRefs;
+  EXPECT_EQ(EndingHost::callsAtTheEnd(0, 1), "");
+  EXPECT_EQ(g_nModuleRefs, before + 1);
+  ReleaseModuleRef();
+}
+
 TEST(Destructor, ReleasesAPendingListing) {
   OwnClient own;
   own.client->m_pFileBuffer = new QXDirEntry[256];  // a leak checker says whether it goes

@@ -7,6 +7,7 @@
 
 #include "Src/QXIP.h"
 #include "framework/internet/InternetException.h"
+#include "framework/internet/NameLookup.h"
 #include "tests/client/ErrorRecord.h"
 #include "tests/client/ScriptedFinder.h"
 
@@ -19,8 +20,9 @@ class QuietHost final : public TQXIP {
   ~QuietHost() = default;
 
   ScriptedFinder finder;
+  bool hasFinder = true;
   void OnIPError(std::uint32_t, const char*, std::uint32_t*) override {}
-  CFtpFileFind* GetFinder(QXHostValue, const char*) override { return &finder; }
+  CFtpFileFind* GetFinder(QXHostValue, const char*) override { return hasFinder ? &finder : nullptr; }
 };
 
 class OwnReports : public testing::Test {
@@ -70,6 +72,56 @@ TEST_F(OwnReports, AnInternetErrorIsTheNumberOfTheWorkersReport) {
   failsWith({12031});
   EXPECT_EQ(host.FTPDirExist("/x", 0, 0, 0), 0);
   EXPECT_THAT(record, ReportsAttempt("TQXIP::FTPDirExist '/x' failed!", 12031, 4589));
+}
+
+// Connections that cannot be made: their host has no address.
+class NoConnection : public OwnReports {
+ protected:
+  NoConnection() {
+    host.hasFinder = false;
+    host.FTPSetLogin("nowhere.test", "user", "secret", 21, 1);
+    internet::setResolverForTesting(
+        [](const std::string&, std::uint16_t) { return std::vector<platform::SocketAddress>{}; });
+  }
+  ~NoConnection() override { internet::setResolverForTesting(nullptr); }
+};
+
+TEST_F(NoConnection, IsTheReportOfTheWorkerOfDirExist) {
+  EXPECT_EQ(host.FTPDirExist("/x", 0, 0, 0), 0);
+  EXPECT_THAT(record, ReportsAttempt("TQXIP::FTPDirExist '/x' failed!", 12007, 4589));
+}
+
+TEST_F(NoConnection, IsTheReportOfTheWorkerOfFileExists) {
+  EXPECT_EQ(host.FTPFileExists("/x", 0, 0, 0), 0);
+  EXPECT_THAT(record, ReportsAttempt("TQXIP::FTPFileExistsThr '/x' failed!", 12007, 5063));
+}
+
+TEST_F(NoConnection, IsNotReportedByFileSize) {
+  EXPECT_EQ(host.FTPFileSize("/x", 0, 0, 0), 0u);
+  EXPECT_TRUE(IsBlank(record));
+}
+
+TEST_F(NoConnection, IsTheReportOfAListing) {
+  EXPECT_EQ(host.FTPGetDirectory("/x", nullptr, &count, "*.*", 0), 0);
+  EXPECT_THAT(record, ReportsLastError("TQXIP::FTPGetDirectory '/x' failed!", 12007u, 3669));
+}
+
+TEST_F(NoConnection, IsTheReportOfATransfer) {
+  EXPECT_EQ(host.FTPDownloadFile("/x", "local", 0), 0);
+  EXPECT_THAT(record, ReportsLastError("TQXIP::FTPDownloadFile from '/x'to 'local' failed!", 12007u, 3841));
+  record = {};
+  EXPECT_EQ(host.FTPUploadFile("/x", "local", 0), 0);
+  EXPECT_THAT(record, ReportsLastError("TQXIP::FTPUploadFile from 'local'to '/x' failed!", 12007u, 4004));
+}
+
+TEST_F(NoConnection, IsTheReportOfConnect) {
+  EXPECT_EQ(host.FTPConnect("nowhere.test", "user", "secret", 21, 1, 0, nullptr), 0);
+  EXPECT_THAT(record, ReportsLastError("TQXIP::FTPConnect to 'nowhere.test:21' failed!", 12007u, 2817));
+}
+
+TEST_F(OwnReports, ANullPathIsReportedByTheWorkerOfDirExist) {
+  EXPECT_EQ(host.FTPDirExist(nullptr, 0, 0, 0), 0);
+  EXPECT_THAT(record, ReportsAttempt("TQXIP::FTPDirExist '(null)' failed!", 87, 4589));
 }
 
 TEST_F(OwnReports, OfAWorkersAttemptsTheLastOneReportsFirst) {

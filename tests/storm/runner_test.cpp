@@ -199,6 +199,13 @@ TEST_F(Runner, StartsNoWorkerOnAClientThatIsNotInitialised) {
   SetFlag(client->m_bInitialized, true);
 }
 
+TEST(Worker, WithoutARecordDoesNothing) {
+  RunWorker(nullptr, {.failedLine = &kWorkerSite}, [](QXFtpThread&) -> AttemptOutcome {
+    ADD_FAILURE() << "ran";
+    return {};
+  });
+}
+
 TEST_F(Runner, DoesNotPollWhileTheWorkerUpdatesTheCounters) {
   std::atomic<int> polls{0};
   Count turns;
