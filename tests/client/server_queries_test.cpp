@@ -112,6 +112,20 @@ INSTANTIATE_TEST_SUITE_P(
                     Setting{"ObjectsFindersList", R"("features": ["size", "epsv"])", true}),
     [](const auto& instance) { return instance.param.name; });
 
+class QueryAfterConnect : public ServerTest {};
+
+TEST_F(QueryAfterConnect, OpensAConnectionOfItsOwnWhereTheFindersAreGone) {
+  const fixture::ScriptedFtp server(script(""));
+  const fixture::RefusedPort nobody;
+  ASSERT_EQ(connectTo(server), 1);
+  EXPECT_EQ(connectTo(nobody), 0);
+  loginAt(server);
+  EXPECT_EQ(client.FTPFileExists("/a/x", 0, 0, 0), 1);
+  EXPECT_EQ(client.FTPDirExist("/pub/x", 0, 0, 0), 1);
+  EXPECT_EQ(client.FTPFileSize("/a/x", 0, 0, 0), 4u);
+  server.waitFor(R"({"connections": 4, "open": 0})");
+}
+
 // Failures of the connection that a query makes for itself.
 class QueryFailure : public ServerTest {
  protected:
@@ -175,6 +189,16 @@ TEST_F(QueryFailure, AServerThatHangsUpInAListingIsHeardOfAs12030WithTheCounter)
   EXPECT_EQ(client.count("OnIPError 12030"), 3u);
   EXPECT_EQ(record.nError, 12030u);
   expectAttempts(server, 3);
+}
+
+TEST_F(QueryFailure, AVeryLongTextOfTheServerReachesOnIPErrorCutTo1023Characters) {
+  const std::string text = "226 Output truncated " + std::string(3000, 'x');
+  const fixture::ScriptedFtp server(
+      R"({"tree": {"/pub/": {}}, "rules": [{"on": "MLSD", "do": [{"normal": {"final": ")" + text +
+      R"("}}]}]})");
+  loginAt(server);
+  EXPECT_EQ(client.FTPDirExist("/pub", 0, 0, 0), 0);
+  EXPECT_EQ(client.count("OnIPError 12003 " + text.substr(0, 1023) + " retries 0"), 1u);
 }
 
 TEST_F(QueryFailure, AServerThatStallsInAListingIsHeardOfAs12002) {

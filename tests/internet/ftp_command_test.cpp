@@ -6,6 +6,7 @@
 #include "framework/internet/FtpControl.h"
 #include "framework/internet/InternetLimits.h"
 #include "tests/internet/FtpTest.h"
+#include "tests/support/RepliesWaitedFor.h"
 
 namespace internet_tests {
 namespace {
@@ -13,6 +14,8 @@ namespace {
 using fixture::ScriptedFtp;
 using nlohmann::json;
 using namespace nlohmann::literals;
+using testing_support::repliesWaitedFor;
+using testing_support::roundTrips;
 using Statuses = std::vector<std::uint32_t>;
 
 class FtpCommand : public FtpTest {
@@ -20,22 +23,6 @@ class FtpCommand : public FtpTest {
   // A server that answers DELE by these steps.
   static ScriptedFtp answering(const json& steps) {
     return ScriptedFtp(json{{"rules", {{{"on", "DELE"}, {"do", steps}}}}});
-  }
-
-  // How often the server had to answer before the client went on: commands that came together count once.
-  static int roundTrips(const ScriptedFtp& server) {
-    int trips = 1;  // the greeting
-    bool asked = false;
-    const json log = server.log(true);
-    for (const json& event : log.at("events")) {
-      if (event["event"] == "command" && event["verb"] != "QUIT") {
-        trips += !asked;
-        asked = true;
-      } else if (event["event"] == "reply") {
-        asked = false;
-      }
-    }
-    return trips;
   }
 };
 
@@ -360,7 +347,7 @@ TEST_F(FtpCommand, AListingKeepsToSevenReplies) {
   });
   connection->Close();
   server.waitUntilAllClosed();
-  EXPECT_EQ(roundTrips(server), 6) << "banner, USER, PASS, FEAT, EPSV, MLSD; the seventh is the 226";
+  EXPECT_EQ(repliesWaitedFor(server), 7) << "banner, USER, PASS, FEAT, EPSV, MLSD and its end";
 }
 
 TEST_F(FtpCommand, AListingRefusedAfterItBeganIsTheCallersToJudge) {

@@ -170,6 +170,22 @@ TEST_F(FtpFileCopy, WithoutAFinalReplyAndWithoutSizeItIsAFailure) {
   EXPECT_FALSE(std::filesystem::exists(local));
 }
 
+TEST_F(FtpFileCopy, SizesThatDifferByFourGibibytesAreNotTheSame) {
+  session.SetTimeouts(shortTimeouts());
+  const std::string more = std::to_string((std::uint64_t{1} << 32) + kSize);
+  ScriptedFtp announcing = serving({{"opening", "150 Opening (" + more + " bytes)"}});
+  EXPECT_EQ(get(*connect(announcing)), 12030u);
+  EXPECT_FALSE(std::filesystem::exists(local));
+  ScriptedFtp asked(
+      json{{"tree", {{"/dir/big", {{"size", kSize}, {"seed", kSeed}}}}},
+           {"rules",
+            {{{"on", "RETR"}, {"do", {{{"normal", {{"final", nullptr}, {"opening", "150 Here"}}}}}}},
+             {{"on", "SIZE"}, {"do", {{{"reply", "213 " + more}}}}}}}});
+  EXPECT_EQ(get(*connect(asked)), 12002u);
+  EXPECT_FALSE(std::filesystem::exists(local));
+  EXPECT_EQ(asked.commandCount("SIZE"), 1);
+}
+
 TEST_F(FtpFileCopy, AnUploadNeedsTheServersWord) {
   session.SetTimeouts(shortTimeouts());
   Pattern(kSeed).writeFile(local, kSize);
