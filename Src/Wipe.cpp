@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <ctime>
 
+#include "Src/OperationGuard.h"
 #include "Src/QXIP.h"
 
 namespace {
@@ -31,11 +32,13 @@ QXBool TQXIP::WipeWith(const char* /*pszPath*/, std::uint32_t /*nPattern*/, std:
 }
 
 QXBool TQXIP::Wipe(const char* pszPath) {
-  if (pszPath == nullptr) return 0;
-  for (const std::uint32_t pattern : kOverwrites) {
-    if (WipeWith(pszPath, pattern, kRetries) == 0) return 0;
-  }
-  return WipeWith(pszPath, kRandom, kRetries);
+  return GuardOperation([&]() -> QXBool {
+    if (pszPath == nullptr) return 0;
+    for (const std::uint32_t pattern : kOverwrites) {
+      if (WipeWith(pszPath, pattern, kRetries) == 0) return 0;
+    }
+    return WipeWith(pszPath, kRandom, kRetries);
+  });
 }
 
 QXBool TQXIP::FTPDestroyFileContent(const char* /*pszPath*/, std::uint32_t /*nMethod*/,

@@ -16,6 +16,7 @@ namespace storm {
 namespace {
 
 constexpr std::uint64_t kMemorySlack = 4U << 20;
+constexpr int kCycles = kSanitized ? kRounds : 1000;
 
 bool connect(TQXIP& client, const fixture::Server& server) {
   return client.FTPConnect(server.host().c_str(), "u", "p", server.port(), 1, 0, nullptr) != 0;
@@ -44,7 +45,7 @@ TEST(Cycles, OfConnectListDisconnectAndFreeLeaveNothing) {
   };
   for (int i = 0; i < 20; ++i) ASSERT_NO_FATAL_FAILURE(cycle());
   const Health health;
-  for (int i = 0; i < kRounds; ++i) ASSERT_NO_FATAL_FAILURE(cycle()) << "cycle " << i;
+  for (int i = 0; i < kCycles; ++i) ASSERT_NO_FATAL_FAILURE(cycle()) << "cycle " << i;
   health.expectBack(kMemorySlack);
   server.waitUntilAllClosed();
 }
