@@ -106,6 +106,7 @@ struct ListingCall {
 
 bool listOnce(TQXIP& client, const ListingCall& call, std::uint32_t& retries) {
   WriteEntryLine(client, sites::kGetDirectory, {.first = call.path});
+  if (call.pnCount != nullptr) *call.pnCount = 0;
   renewPending(client, 0);
   std::uint32_t count = 0;
   bool ok = call.path != nullptr && *call.path != '\0' && call.pattern != nullptr && call.pnCount != nullptr;

@@ -6,9 +6,11 @@
 
 #include <chrono>
 #include <cstddef>
+#include <new>
 
 #include "Src/MessageLines.h"
 #include "Src/RunningOperations.h"
+#include "framework/platform/last_error.h"
 
 enum class Slot : std::size_t {
   FTPGetDirectory = 31,
@@ -34,11 +36,19 @@ struct RetryRule {
   bool failedRunStaysFailed = false;  // a run whose retry succeeds still reports its own failure
 };
 
-// `run` makes one run and answers whether it succeeded. `again(retries)` calls the slot. `end(failed)` writes
-// a run's last lines. Returns the outcome that the caller sees.
+// `work` makes one run and answers whether it succeeded; one that gets no memory has failed. `again(retries)`
+// calls the slot. `end(failed)` writes a run's last lines. Returns the outcome that the caller sees.
 template <typename Run, typename Again, typename End>
-bool RetryThroughSlot(TQXIP& client, std::uint32_t& retries, const RetryRule& rule, Run&& run, Again&& again,
+bool RetryThroughSlot(TQXIP& client, std::uint32_t& retries, const RetryRule& rule, Run&& work, Again&& again,
                       End&& end) {
+  const auto run = [&] {
+    try {
+      return work();
+    } catch (const std::bad_alloc&) {
+      platform::setLastError(platform::kErrorNotEnoughMemory);
+      return false;
+    }
+  };
   const RunningOperation running(client);  // a run may call other operations, which dispatch messages
   std::uint64_t failedRuns = 0;
   bool innermostIsOurs = true;

@@ -34,6 +34,24 @@ const Operation kOperations[] = {
     {"FileSize", "", "", 0, [](TQXIP& client) { return client.FTPFileSize("/x", 3, 0, 0); }},
     {"RmvFile", "TQXIP::FTPRmvFile - IN: '/x'", "TQXIP::FTPRmvFile '/x' failed!", 6687,
      [](TQXIP& client) -> std::uint32_t { return client.FTPRmvFile("/x", 0, 3, 0, 0); }},
+    {"CpyFile", "TQXIP::FTPCpyFile - IN: From '/x' to '/y'", "TQXIP::FTPCpyFile from '/x' to '/y' failed!",
+     6259, [](TQXIP& client) -> std::uint32_t { return client.FTPCpyFile("/x", "/y", nullptr, 3, 0, 0); }},
+    {"WriteFile", "TQXIP::FTPWriteFile - IN: '/x'", "TQXIP::FTPWriteFile '/x' failed!", 8669,
+     [](TQXIP& client) -> std::uint32_t { return client.FTPWriteFile("/x", "data", 4, 0, 0, 3, 0, 0); }},
+    {"ReadFile", "TQXIP::FTPReadFile - IN: '/x'", "TQXIP::FTPReadFile '/x' failed!", 9201,
+     [](TQXIP& client) -> std::uint32_t {
+       void* block = nullptr;
+       std::uint32_t size = 0;
+       return client.FTPReadFile("/x", &block, &size, 0, 3, 0, 0);
+     }},
+};
+
+class FinderHost final : public TQXIP {
+ public:
+  explicit FinderHost(QXErrorInfo* pErrorInfo) : TQXIP(pErrorInfo) {}
+  ~FinderHost() = default;
+  ScriptedFinder finder;
+  CFtpFileFind* GetFinder(QXHostValue, const char*) override { return &finder; }
 };
 
 class Memory : public testing::Test {
@@ -100,6 +118,48 @@ TEST_F(Memory, TheEntryLineOfConnectSaysNullForANullHost) {
   }
   EXPECT_EQ(message, "TQXIP::FTPConnect - IN: 'NULL'");
 }
+
+// An operation on the caller's thread. Its report, where it has one, may come from a listing inside it.
+struct CallersOperation {
+  const char* name;
+  bool reports;
+  QXBool (*run)(TQXIP& client);
+};
+
+const CallersOperation kCallersOperations[] = {
+    {"SetLogin", false, [](TQXIP& client) { return client.FTPSetLogin("host", "user", "secret", 21, 1); }},
+    {"Disconnect", false, [](TQXIP& client) { return client.FTPDisconnect(); }},
+    {"GetDirectory", true,
+     [](TQXIP& client) -> QXBool {
+       std::uint32_t count = 77;
+       const QXBool result = client.FTPGetDirectory("/x", nullptr, &count, "*.*", 0);
+       EXPECT_EQ(count, result != 0 ? 2u : 0u);
+       return result;
+     }},
+    {"HasSubDir", true, [](TQXIP& client) { return client.FTPHasSubDir("/x", 0); }},
+    {"CountFolderItems", true,
+     [](TQXIP& client) { return client.FTPCountFolderItems("/x", nullptr, nullptr, 0); }},
+};
+
+class ScarceMemory : public Memory, public testing::WithParamInterface<CallersOperation> {};
+
+TEST_P(ScarceMemory, IsAFailureLikeOthers) {
+  FinderHost host(&record);
+  host.finder.answersWith({{.name = "a"}, {.name = "d", .isDirectory = true}});
+  QXBool answer = 0;
+  const int allocations = testing_support::failEachAllocation([&] { answer = GetParam().run(host); },
+                                                              [&] {
+                                                                EXPECT_EQ(answer, 0);
+                                                                EXPECT_EQ(record.bSet, 1u);
+                                                                record = {};
+                                                              });
+  EXPECT_EQ(allocations > 0, GetParam().reports);
+  EXPECT_EQ(answer, 1) << "with memory";
+  EXPECT_TRUE(IsBlank(record));
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, ScarceMemory, testing::ValuesIn(kCallersOperations),
+                         [](const auto& instance) { return instance.param.name; });
 
 TEST_F(Memory, KeepAliveReturnsWhereItGetsNoWorker) {
   client.m_bConnected = 1;
