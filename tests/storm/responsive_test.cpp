@@ -104,5 +104,28 @@ TEST_F(Responsive, MessagesAreDispatchedWhileAQueryWaitsForASlowServer) {
   }
 }
 
+// These work on the caller's thread in one go.
+TEST_F(Responsive, ListingsNeitherDispatchMessagesNorAskOnPoll) {
+  server.release("messages");
+  bool listing = true;
+  bool dispatched = false;
+  mailbox.post([&] {
+    EXPECT_FALSE(listing);
+    dispatched = true;
+  });
+  script.onPoll = [](QXBool&) {
+    ADD_FAILURE() << "asked";
+    return true;
+  };
+  std::uint32_t count = 0;
+  EXPECT_TRUE(client->FTPGetDirectory("/pub", nullptr, &count, "*.*", 0));
+  EXPECT_EQ(count, 1u);
+  EXPECT_TRUE(client->FTPHasSubDir("/pub", 0));
+  EXPECT_TRUE(client->FTPCountFolderItems("/pub", nullptr, nullptr, 0));
+  listing = false;
+  dispatchAll();
+  EXPECT_TRUE(dispatched) << "the message waited";
+}
+
 }  // namespace
 }  // namespace storm
