@@ -229,11 +229,6 @@ TEST_F(Listing, ASecondListingForgetsTheFirst) {
   EXPECT_EQ(names(), Names{"c"});
 }
 
-TEST_F(Listing, APendingListingThatIsNeverFetchedGoesWithTheObject) {
-  finder.answersWith(manyFiles(300));
-  EXPECT_EQ(list("/pub"), 1);  // a leak checker says whether it goes
-}
-
 TEST_F(Listing, CopyOutWithoutAPendingListingFails) {
   QXDirEntry out[2] = {};
   count = 1;

@@ -106,6 +106,59 @@ TEST_P(EntryLine, StandsInTheMessageBeforeTheWorkerStarts) {
 INSTANTIATE_TEST_SUITE_P(Operations, EntryLine, testing::ValuesIn(kOperations),
                          [](const auto& instance) { return instance.param.name; });
 
+// Blocks that a client keeps from call to call.
+struct Keeping {
+  const char* name;
+  void (*run)(TQXIP& client);
+};
+
+void list(TQXIP& client) {
+  std::uint32_t count = 0;
+  EXPECT_EQ(client.FTPGetDirectory("/x", nullptr, &count, "*.*", 0), 1);
+}
+
+const Keeping kKeepings[] = {
+    {"Nothing", [](TQXIP&) {}},
+    {"APendingListing", &list},
+    {"TheLaterOfTwoListings",
+     [](TQXIP& client) {
+       list(client);
+       list(client);
+     }},
+    {"AListingThatWasFetched",
+     [](TQXIP& client) {
+       list(client);
+       QXDirEntry entry{};
+       std::uint32_t count = 1;
+       EXPECT_EQ(client.FTPGetDirectory("/x", &entry, &count, "*.*", 0), 1);
+     }},
+    {"AListingThatCouldNotBeFetched",
+     [](TQXIP& client) {
+       list(client);
+       QXDirEntry entry{};
+       EXPECT_EQ(client.FTPGetDirectory("/x", &entry, nullptr, "*.*", 0), 0);
+     }},
+    {"CountedItems", [](TQXIP& client) { client.FTPCountFolderItems("/x", nullptr, nullptr, 0); }},
+    {"AQuery", [](TQXIP& client) { client.FTPFileExists("/x", 0, 0, 0); }},
+};
+
+class Kept : public testing::TestWithParam<Keeping> {};
+
+TEST_P(Kept, GoesWithTheClient) {
+  const auto live = [] {
+    FinderHost host(nullptr);
+    host.finder.answersWith({{.name = "a"}});
+    GetParam().run(host);
+  };
+  live();  // what is kept for good, by the run-time library or for each server, is there after the first time
+  const long held = testing_support::blocksHeld();
+  live();
+  EXPECT_EQ(testing_support::blocksHeld(), held);
+}
+
+INSTANTIATE_TEST_SUITE_P(Clients, Kept, testing::ValuesIn(kKeepings),
+                         [](const auto& instance) { return instance.param.name; });
+
 TEST_F(Memory, TheEntryLineOfConnectSaysNullForANullHost) {
   delete std::exchange(client.m_pInternetSession, nullptr);
   std::string message;

@@ -207,11 +207,6 @@ TEST(Destructor, OfAClientThatIsNotInitialisedCallsNothingAndLeavesTheCount) {
   ReleaseModuleRef();
 }
 
-TEST(Destructor, ReleasesAPendingListing) {
-  OwnClient own;
-  own.client->m_pFileBuffer = new QXDirEntry[256];  // a leak checker says whether it goes
-}
-
 class GetFinder : public testing::Test {
  protected:
   RecordingClient client;

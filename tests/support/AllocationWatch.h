@@ -7,6 +7,9 @@
 
 namespace testing_support {
 
+// How many blocks of operator new the program holds.
+[[nodiscard]] long blocksHeld() noexcept;
+
 // Watches the thread that makes it, until it ends. One at a time.
 class AllocationWatch {
  public:
