@@ -139,6 +139,11 @@ const Keeping kKeepings[] = {
        EXPECT_EQ(client.FTPGetDirectory("/x", &entry, nullptr, "*.*", 0), 0);
      }},
     {"CountedItems", [](TQXIP& client) { client.FTPCountFolderItems("/x", nullptr, nullptr, 0); }},
+    {"Finders",
+     [](TQXIP& client) {
+       client.m_pFTPFileFind = new CFtpFileFind(nullptr);
+       client.m_pFTPFileSize = new CFtpFileFind(nullptr);
+     }},
     {"AQuery", [](TQXIP& client) { client.FTPFileExists("/x", 0, 0, 0); }},
 };
 
