@@ -26,6 +26,10 @@ class ScriptedFinder final : public CFtpFileFind {
   // Gives the last entry again and again, as a broken server does.
   bool repeatsTheLastEntry = false;
 
+  // How far the other two times lie from that of an entry, in seconds.
+  std::int64_t createdBefore = 0;
+  std::int64_t accessedAfter = 0;
+
   // What the client asked.
   std::vector<std::string> patterns;
   std::vector<std::uint32_t> flags;
@@ -46,8 +50,8 @@ class ScriptedFinder final : public CFtpFileFind {
   std::uint64_t GetLength() const override { return current().length; }
   bool MatchesMask(std::uint32_t mask) const override { return (current().attributes & mask) != 0; }
   std::int64_t GetLastWriteTime() override { return current().time; }
-  std::int64_t GetCreationTime() override { return current().time; }
-  std::int64_t GetLastAccessTime() override { return current().time; }
+  std::int64_t GetCreationTime() override { return current().time - createdBefore; }
+  std::int64_t GetLastAccessTime() override { return current().time + accessedAfter; }
   void Close() noexcept override { ++closed; }
 
  private:

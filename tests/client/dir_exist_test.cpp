@@ -49,6 +49,12 @@ TEST_F(DirExist, TheParentOfATopLevelDirectoryIsTheRoot) {
   EXPECT_EQ(finder.patterns, Names{"/"});
 }
 
+TEST_F(DirExist, TheParentIsNormalisedToo) {
+  finder.answersWith({directory("data")});
+  EXPECT_EQ(exists("/pub//data"), 1);
+  EXPECT_EQ(finder.patterns, Names{"/pub"});
+}
+
 TEST_F(DirExist, UsesTheDirectoryFinderOfTheObject) {
   finder.answersWith({directory("data")});
   EXPECT_EQ(exists("/data"), 1);

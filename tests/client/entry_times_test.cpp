@@ -43,6 +43,15 @@ TEST_F(EntryTimes, AllThreeTimesAreGiven) {
   EXPECT_EQ(fileTime(entry.ftLastAccessTime), fileTime(entry.ftLastWriteTime));
 }
 
+TEST_F(EntryTimes, EachTimeStandsInItsOwnPlace) {
+  finder.createdBefore = 60;
+  finder.accessedAfter = 7;
+  const QXDirEntry entry = listed(1704164645);
+  const std::uint64_t written = fileTime(entry.ftLastWriteTime);
+  EXPECT_EQ(written - fileTime(entry.ftCreationTime), 60u * 10'000'000);
+  EXPECT_EQ(fileTime(entry.ftLastAccessTime) - written, 7u * 10'000'000);
+}
+
 TEST_F(EntryTimes, AnUnknownTimeIsZero) {
   const QXDirEntry entry = listed(0);
   EXPECT_EQ(fileTime(entry.ftCreationTime), 0u);

@@ -139,6 +139,11 @@ TEST_F(Listing, EveryEntryNamesTheListedDirectory) {
   for (const QXDirEntry& entry : entries("\\pub\\sub\\")) EXPECT_STREQ(entry.szPath, "/pub/sub");
 }
 
+TEST_F(Listing, NothingOfTheLibraryStandsInTheReservedBytes) {
+  finder.answersWith({{.name = "a"}, {.name = "b"}});
+  for (const QXDirEntry& entry : entries()) EXPECT_THAT(entry.aReserved, testing::Each(0));
+}
+
 TEST_F(Listing, NamesThatBeginWithADotAreLeftOut) {
   finder.answersWith({{.name = ".", .isDirectory = true},
                       {.name = "..", .isDirectory = true},
