@@ -276,6 +276,13 @@ TEST_F(Download, IntoAFolderThatIsNotThereFails) {
   EXPECT_THAT(std::string(record.szText), testing::EndsWith("[3 QXIP 3841]"));
 }
 
+TEST_F(Download, TheReportHasTheNumberOfTheTransferNotOfWhatIsAskedAfterwards) {
+  const fixture::ScriptedFtp server(R"({"rules": [{"on": "RETR", "do": [{"reply": "425 No data"}]}]})");
+  loginAt(server);
+  EXPECT_EQ(download("/none"), 0);
+  EXPECT_THAT(record, ReportsLastError(failedLine("/none"), 12029u, kLine));
+}
+
 TEST_F(Download, WithoutAnErrorRecordAFailureChangesTheMessageAlone) {
   const fixture::ScriptedFtp server;
   RecordingClient silent;

@@ -221,6 +221,15 @@ TEST_F(Upload, ARefusedLoginIsTriedAsOftenAsTheRetriesSayAndNoSuccess) {
   expectRefusedLogins(failedLine(), [&](std::uint32_t retries) { return upload("/a", retries); });
 }
 
+TEST_F(Upload, TheReportHasTheNumberOfTheTransferNotOfWhatIsTriedAfterwards) {
+  const fixture::ScriptedFtp server(
+      R"({"rules": [{"on": "STOR", "nth": 1, "do": [{"reply": "425 No data"}]}, {"on": "STOR", "do": ["close"]}]})");
+  loginAt(server);
+  write("");
+  EXPECT_EQ(upload(), 0);
+  EXPECT_THAT(record, ReportsLastError(failedLine(), 12029u, kLine));
+}
+
 TEST_F(Upload, WithoutAnErrorRecordAFailureChangesTheMessageAlone) {
   const fixture::ScriptedFtp server;
   RecordingClient silent;

@@ -2,6 +2,7 @@
 // The runner and the worker's frame by themselves: how an operation with a worker is cancelled, run again and
 // repeated, and what it leaves in the object and in the error record.
 #include <cstdio>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -54,6 +55,7 @@ class StoppedWorker : public RunnerTest, public testing::WithParamInterface<cons
     if (what == "fails") return {.ok = false, .error = 5};
     if (what == "succeeds") return {.ok = true};
     if (what == "reports") record.pQXIP->OnIPError(12002, "late", record.pRetries);
+    if (what == "complains") record.pQXIP->OnFailure();
     if (what == "asks") static_cast<void>(record.pQXIP->FTPFileSize("y", 3, 0, 0));
     platform::throwIfStopped();
     return {};
@@ -74,7 +76,7 @@ TEST_P(StoppedWorker, WritesNoMessageNoReportAndNoResult) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Runner, StoppedWorker,
-                         testing::Values("fails", "succeeds", "reports", "asks", "unwinds"),
+                         testing::Values("fails", "succeeds", "reports", "complains", "asks", "unwinds"),
                          [](const auto& tried) { return std::string(tried.param); });
 
 // The first call is abandoned through *pbReconnect; what the second one does is the test's.
@@ -175,6 +177,17 @@ TEST_F(FailingWorker, LeavesTheReportOfItsLastFailureWhenARetrySucceeds) {
   EXPECT_TRUE(client->Run(5));
   EXPECT_EQ(starts.size(), 3u);
   EXPECT_EQ(error.nError, 102u);
+}
+
+TEST_F(FailingWorker, WithoutMemoryIsOneAndIsRetried) {
+  script.attempt = [this](QXFtpThread&) -> AttemptOutcome {
+    starts.push_back(Clock::now());
+    throw std::bad_alloc();
+  };
+  EXPECT_FALSE(client->Run(2));
+  EXPECT_EQ(starts.size(), 3u);
+  EXPECT_EQ(error.nError, 8u);
+  EXPECT_NE(std::string(error.szText).find("[8 QXIP 22]"), std::string::npos) << error.szText;
 }
 
 TEST_F(FailingWorker, HasOneAttemptWithoutRetries) {
