@@ -4,9 +4,9 @@
 #include <cstring>
 #include <memory>
 
+#include "framework/ui/Com.h"
 #include "framework/ui/ThreadState.h"
 // Only now:
-#include <objbase.h>
 #include <shlobj.h>
 
 namespace {
@@ -33,29 +33,10 @@ int CALLBACK onBrowse(HWND dialog, UINT message, LPARAM item, LPARAM) noexcept {
   return 0;
 }
 
-class Apartment {
- public:
-  Apartment() noexcept : m_result(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
-  ~Apartment() {
-    if (entered()) CoUninitialize();
-  }
-  Apartment(const Apartment&) = delete;
-  Apartment& operator=(const Apartment&) = delete;
-
-  [[nodiscard]] bool entered() const noexcept { return m_result == S_OK || m_result == S_FALSE; }
-
- private:
-  HRESULT m_result;
-};
-
-struct ReleaseAllocator {
-  void operator()(IMalloc* allocator) const noexcept { allocator->Release(); }
-};
-
-std::unique_ptr<IMalloc, ReleaseAllocator> taskAllocator() noexcept {
+ComPtr<IMalloc> taskAllocator() noexcept {
   IMalloc* allocator = nullptr;
   if (CoGetMalloc(1, &allocator) != S_OK) allocator = nullptr;
-  return std::unique_ptr<IMalloc, ReleaseAllocator>(allocator);
+  return ComPtr<IMalloc>(allocator);
 }
 
 }  // namespace
@@ -69,7 +50,7 @@ INT_PTR CFolderDlg::DoModal() {
   m_strPath.clear();
   {
     const Apartment apartment;
-    if (!apartment.entered()) return IDCANCEL;
+    if (!apartment.Entered()) return IDCANCEL;
     browse();
   }
   AfxRethrowKept();

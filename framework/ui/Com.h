@@ -31,6 +31,8 @@ class Apartment {
   Apartment(const Apartment&) = delete;
   Apartment& operator=(const Apartment&) = delete;
 
+  [[nodiscard]] bool Entered() const noexcept { return m_entered; }
+
  private:
   const bool m_entered;
 };
