@@ -2,6 +2,7 @@
 #include "framework/platform/worker_thread.h"
 
 #include <algorithm>
+#include <atomic>
 #include <new>
 #include <utility>
 
@@ -29,6 +30,7 @@ struct WorkerThread::Impl {
   Entry entry;
   void* argument;
   StopToken token;
+  std::atomic<bool> begun{false};
   NativeThread thread;
 
   Impl(Entry entryFunction, void* entryArgument) : entry(entryFunction), argument(entryArgument) {}
@@ -36,6 +38,7 @@ struct WorkerThread::Impl {
   // Runs on the new thread. It needs no share of its own in this object: close() waits for it.
   static void run(void* object) {
     auto* self = static_cast<Impl*>(object);
+    self->begun.store(true, std::memory_order_relaxed);
     const StopToken::Scope scope(&self->token);
     self->entry(self->argument);
   }
@@ -90,9 +93,9 @@ bool WorkerThread::kill(milliseconds bound, void (*whileWaiting)(void*), void* c
   bool forced = false;
   while (!impl->thread.wait(NativeThread::kSlice, whileWaiting != nullptr)) {
     callQuietly(whileWaiting, context);
-    if (!forced && std::chrono::floor<milliseconds>(steady_clock::now() - start) >= bound) {
-      forced = impl->thread.endByForce();
-    }
+    // A thread that the system has not let in yet holds the loader's lock, and hangs nowhere.
+    const bool late = std::chrono::floor<milliseconds>(steady_clock::now() - start) >= bound;
+    if (late && !forced && impl->begun.load(std::memory_order_relaxed)) forced = impl->thread.endByForce();
   }
   return !forced;
 }

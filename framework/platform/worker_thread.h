@@ -43,7 +43,8 @@ class WorkerThread {
 
   // Requests the stop and waits until the thread has ended, calling `whileWaiting(context)` between short
   // waits (the caller's message dispatch), on Windows also whenever a message arrives. On Windows a thread
-  // that has not ended after `bound` is ended by force with exit code 0; on POSIX the wait goes on until it
+  // that has not ended after `bound` is ended by force with exit code 0, unless it has not reached `entry`
+  // yet (it may hold the loader's lock then, and hangs nowhere); on POSIX the wait goes on until it
   // has ended. True when it ended by itself. `whileWaiting` may enter this object again, close and destroy
   // it. What it throws is dropped: the worker must be gone before anything unwinds that it works on.
   bool kill(std::chrono::milliseconds bound, void (*whileWaiting)(void*) = nullptr,
