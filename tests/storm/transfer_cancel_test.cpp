@@ -13,10 +13,12 @@ namespace {
 constexpr auto kMedian = kSanitized ? 100ms : kNative ? 20ms : 50ms;
 
 // All kinds together make a storm; each round takes connections, and time on a busy machine.
-constexpr int kRoundsOfAKind = kRounds / 4;
+constexpr int kRoundsOfAKind = kRounds * 3 / 10;
 
 // Of the operations whose blocks are paced by 20 ms: reaches the pauses as well as the waits for the server.
 constexpr auto kPacedStep = 4ms;
+constexpr int kPacedRounds = kRounds / 10;
+static_assert(3 * kRoundsOfAKind + 2 * kPacedRounds >= kRounds);
 
 class TransferCancel : public CancelStormTest {
  protected:
@@ -40,7 +42,7 @@ class TransferCancel : public CancelStormTest {
 
   void StormAt(const std::string& verb, const std::string& stall) {
     server.reconfigure("{\"rules\": [{\"on\": \"" + verb + "\", \"do\": [" + stall + "]}]}");
-    Storm(kRoundsOfAKind, kMedian);
+    Storm(rounds, kMedian);
   }
   // The first 4096 bytes move.
   void StormInTheMiddleOf(const std::string& verb) {
@@ -54,10 +56,12 @@ class TransferCancel : public CancelStormTest {
   const fixture::ScriptedFtp server{R"({"tree": {"/file": {"size": 65536, "seed": 1}}})"};
   const testing_support::ScratchFolder folder;
   std::function<bool()> operation;
+  int rounds = kRoundsOfAKind;
 };
 
 TEST_F(TransferCancel, OfAStalledRead) {
   step = kPacedStep;
+  rounds = kPacedRounds;
   operation = [this] {
     void* block = nullptr;
     std::uint32_t size = 0;
@@ -71,6 +75,7 @@ TEST_F(TransferCancel, OfAStalledRead) {
 
 TEST_F(TransferCancel, OfAStalledWrite) {
   step = kPacedStep;
+  rounds = kPacedRounds;
   operation = [this] {
     const std::string content(3 * 4096, 'x');
     return client->FTPWriteFile("/new", content.data(), 3 * 4096, 0, 0, 3, 0, 0) != 0;
