@@ -1,0 +1,137 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: MIT
+"""run.py [PRESET...] [-- CTEST ARGUMENT...]: builds the presets (default: all) and runs their tests.
+
+Ends with one line "N passed, N failed" over all of them. A GoogleTest program counts with each of its cases, any other
+test as one. A preset that does not build, a program that dies, and a run of no test at all are failures.
+"""
+
+import fcntl
+import re
+import shlex
+import subprocess
+import sys
+import time
+import xml.etree.ElementTree as ElementTree
+from dataclasses import dataclass
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+PRESETS = ["linux", "windows", "linux-asan", "linux-tsan"]
+
+PASSED = re.compile(r"^\[  PASSED  \] (\d+) tests?\.", re.M)
+FAILED = re.compile(r"^\[  FAILED  \] (\d+) tests?, listed below", re.M)
+SKIPPED = re.compile(r"^\[  SKIPPED \] (\d+) tests?, listed below", re.M)
+
+
+@dataclass
+class Count:
+    passed: int = 0
+    failed: int = 0
+    skipped: int = 0
+
+    def __iadd__(self, other):
+        self.passed += other.passed
+        self.failed += other.failed
+        self.skipped += other.skipped
+        return self
+
+    def __str__(self):
+        skipped = f", {self.skipped} skipped" if self.skipped else ""
+        return f"{self.passed} passed, {self.failed} failed{skipped}"
+
+
+def run(*command, quiet=False):
+    """True if the command succeeds. A quiet one shows its output only if it does not."""
+    print("+", shlex.join(map(str, command)), flush=True)
+    result = subprocess.run(command, cwd=ROOT, stdin=subprocess.DEVNULL, check=False,
+                            stdout=subprocess.PIPE if quiet else None)
+    if quiet and result.returncode:
+        sys.stdout.buffer.write(result.stdout)
+    return result.returncode == 0
+
+
+def build(preset):
+    return (run("cmake", "--preset", preset, "--log-level=WARNING", quiet=True)
+            and run("cmake", "--build", "--preset", preset))
+
+
+def count_entry(entry):
+    """Counts one ctest entry from its element in the JUnit file."""
+    output = entry.findtext("system-out") or ""
+    number = lambda pattern: sum(map(int, pattern.findall(output)))
+    if entry.get("status") in ("disabled", "notrun"):
+        return Count(failed=1)
+    good = entry.get("status") == "run"
+    if not PASSED.search(output):
+        return Count(passed=int(good), failed=int(not good))
+    count = Count(number(PASSED), number(FAILED), number(SKIPPED))
+    ran_none = count.passed + count.failed + count.skipped == 0
+    if ran_none or (not good and count.failed == 0):
+        count.failed += 1
+    return count
+
+
+def test(preset, arguments):
+    """Runs ctest and counts; the whole output of each program goes to the file that is counted from."""
+    report = ROOT / "build" / preset / "ctest.xml"
+    report.unlink(missing_ok=True)
+    good = run("ctest", "--preset", preset, "--output-on-failure", "--output-junit", report,
+               "--test-output-size-passed", "10000000", "--test-output-size-failed", "10000000", *arguments)
+    count = Count()
+    if report.exists():
+        for entry in ElementTree.parse(report).getroot().iter("testcase"):
+            count += count_entry(entry)
+    if count.passed + count.failed == 0:
+        print(f"test: {preset} ran no test", flush=True)
+        count.failed += 1
+    elif not good and count.failed == 0:
+        print(f"test: ctest of {preset} failed as a whole", flush=True)
+        count.failed += 1
+    return count
+
+
+def end_wine_server():
+    """Ends the Wine server that the tests started, unless somebody else's program still uses it."""
+    subprocess.run(["bash", "-c", '. tools/wine-env && flock -n "$WINEPREFIX.lock" "$WINESERVER" -k'],
+                   cwd=ROOT, env={"root": str(ROOT), "PATH": "/usr/bin:/bin"}, check=False)
+
+
+def seconds(since):
+    return f"{time.monotonic() - since:.1f} s"
+
+
+def parse(arguments):
+    split = arguments.index("--") if "--" in arguments else len(arguments)
+    presets = arguments[:split] or PRESETS
+    unknown = [name for name in presets if name not in PRESETS]
+    if unknown:
+        sys.exit(f"{__doc__}\nunknown preset: {' '.join(unknown)} (known: {' '.join(PRESETS)})")
+    return presets, arguments[split + 1:]
+
+
+def main():
+    presets, ctest_arguments = parse(sys.argv[1:])
+    start = time.monotonic()
+    lock = open(ROOT / "build" / "test.lock", "w")
+    fcntl.flock(lock, fcntl.LOCK_EX)
+
+    lines, total = [], Count()
+    for preset in presets:
+        began = time.monotonic()
+        built = build(preset)
+        build_time, began = seconds(began), time.monotonic()
+        count = test(preset, ctest_arguments) if built else Count(failed=1)
+        note = "" if built else "  (does not build)"
+        lines.append(f"{preset:<12} build {build_time:>8}  tests {seconds(began):>8}  {count}{note}")
+        print(lines[-1], flush=True)
+        total += count
+    if "windows" in presets:
+        end_wine_server()
+
+    print("\n" + "\n".join(lines) + f"\ntotal {seconds(start)}\n\n{total}")
+    sys.exit(1 if total.failed else 0)
+
+
+if __name__ == "__main__":
+    main()
