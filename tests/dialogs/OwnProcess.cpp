@@ -4,44 +4,19 @@
 #include <fstream>
 #include <sstream>
 
-#include "framework/windows/windows_api.h"
+#include "tests/dialogs/ChildProgram.h"
 #include "tests/support/ScratchFolder.h"
 
 namespace dialog_test {
 namespace {
 
 constexpr const char* kFolder = "QX_TEST_FOLDER";  // is there in a process that runs one test alone
-constexpr DWORD kLimitMs = 50'000;                 // the test that waits has 60 s
-
-HANDLE inheritableFile(const std::string& path) {
-  SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-  return CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
-                     FILE_ATTRIBUTE_NORMAL, nullptr);
-}
 
 // The exit code of this program run for one test, its output in `file`.
 DWORD runTest(const std::string& test, const std::string& file) {
   char program[MAX_PATH] = "";
   GetModuleFileNameA(nullptr, program, sizeof program);
-  std::string command = "\"" + std::string(program) + "\" --gtest_filter=" + test;
-  const HANDLE output = inheritableFile(file);
-  STARTUPINFOA start{};
-  start.cb = sizeof start;
-  start.dwFlags = STARTF_USESTDHANDLES;
-  start.hStdOutput = start.hStdError = output;
-  PROCESS_INFORMATION process{};
-  DWORD code = ~DWORD{0};
-  if (CreateProcessA(program, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
-                     &process)) {
-    if (WaitForSingleObject(process.hProcess, kLimitMs) != WAIT_OBJECT_0)
-      TerminateProcess(process.hProcess, 42);
-    WaitForSingleObject(process.hProcess, INFINITE);
-    GetExitCodeProcess(process.hProcess, &code);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-  }
-  CloseHandle(output);
-  return code;
+  return ChildProgram(program, "--gtest_filter=" + test, file).wait();
 }
 
 // Indented, so that whoever counts passed and failed cases does not count these.
