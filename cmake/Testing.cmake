@@ -6,13 +6,14 @@ set(QX_SANITIZER_ENVIRONMENT
   UBSAN_OPTIONS=print_stacktrace=1)
 
 # qx_test(NAME name SOURCES files... [LIBS targets...] [LABELS unit|fixture|real|dll|storm...] [TIMEOUT seconds]
-#         [ENVIRONMENT NAME=value...] [FIXTURE] [SERIAL])
+#         [ENVIRONMENT NAME=value...] [FIXTURE] [SERIAL] [SEPARATE])
 #
 # One program and one ctest entry per call: starting Wine once per case would cost more than the cases. With FIXTURE
 # the program runs under the fixture server, whose port it finds in QX_FIXTURE_PORT. The label `dll` makes the shared
 # library a dependency and gives its path in QX_LIBRARY. SERIAL: nothing else runs beside it.
+# SEPARATE: its files have names in common and are never compiled together.
 function(qx_test)
-  cmake_parse_arguments(PARSE_ARGV 0 test "FIXTURE;SERIAL" "NAME;TIMEOUT" "SOURCES;LIBS;LABELS;ENVIRONMENT")
+  cmake_parse_arguments(PARSE_ARGV 0 test "FIXTURE;SERIAL;SEPARATE" "NAME;TIMEOUT" "SOURCES;LIBS;LABELS;ENVIRONMENT")
   if(test_UNPARSED_ARGUMENTS OR NOT test_NAME OR NOT test_SOURCES)
     message(FATAL_ERROR "qx_test(${ARGV}): wrong arguments")
   endif()
@@ -29,6 +30,9 @@ function(qx_test)
   add_executable(${test_NAME} ${test_SOURCES})
   target_link_libraries(${test_NAME} PRIVATE ${test_LIBS} qx_testing qx_warnings)
   target_precompile_headers(${test_NAME} REUSE_FROM qx_testing)
+  if(test_SEPARATE)
+    set_target_properties(${test_NAME} PROPERTIES UNITY_BUILD OFF)
+  endif()
   set_target_properties(${test_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests/bin")
 
   set(command ${CMAKE_CROSSCOMPILING_EMULATOR} "$<TARGET_FILE:${test_NAME}>")
