@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "framework/internet/ControlChannel.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -90,10 +91,10 @@ void ControlChannel::transmit(std::string_view bytes) {
   requireOpen();
 }
 
-FtpReply ControlChannel::reply(milliseconds limit) {
+FtpReply ControlChannel::reply(milliseconds limit, DeliveryWatch* delivery) {
   notify(kStatusReceivingResponse);
   requireOpen();
-  auto reply = nextReply(Deadline(limit));
+  auto reply = delivery ? nextReply(limit, *delivery) : nextReply(Deadline(limit));
   if (!reply) {
     if (isOpen()) closeWith(kTimeout);
     requireOpen();
@@ -127,6 +128,18 @@ std::optional<FtpReply> ControlChannel::nextReply(const Deadline& deadline) {
     if (!ahead_.empty()) continue;
     if (auto reply = takeReply()) return reply;
   } while (receiveMore(deadline));
+  return std::nullopt;
+}
+
+std::optional<FtpReply> ControlChannel::nextReply(milliseconds limit, DeliveryWatch& delivery) {
+  for (Deadline deadline(limit); isOpen();) {
+    if (auto reply = nextReply(Deadline(std::min(deadline.left(), kWaitSlice)))) return reply;
+    if (delivery.moved()) {
+      deadline = Deadline(limit);
+    } else if (deadline.passed()) {
+      break;
+    }
+  }
   return std::nullopt;
 }
 

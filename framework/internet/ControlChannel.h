@@ -40,8 +40,9 @@ class ControlChannel {
   void sendAhead(std::string_view line, ReplyHandler handler) noexcept;
 
   // The next reply (40, 41), after the handlers of what went ahead have had theirs. A reply of 421 closes the
-  // connection and counts as 12030.
-  FtpReply reply(std::chrono::milliseconds limit);
+  // connection and counts as 12030. With `delivery` the limit counts from when the peer last took data: over
+  // a slow line the system still holds megabytes of an upload when its last byte is sent.
+  FtpReply reply(std::chrono::milliseconds limit, DeliveryWatch* delivery = nullptr);
   // The same without failing and without notifications: none when the reply has not come within `limit`, or
   // when the connection is closed.
   std::optional<FtpReply> tryReply(std::chrono::milliseconds limit);
@@ -80,6 +81,7 @@ class ControlChannel {
   std::string takeQueued();
   void transmit(std::string_view bytes);
   std::optional<FtpReply> nextReply(const Deadline& deadline);
+  std::optional<FtpReply> nextReply(std::chrono::milliseconds limit, DeliveryWatch& delivery);
   std::optional<FtpReply> takeReply();
   void deliverAhead();
   bool receiveMore(const Deadline& deadline);

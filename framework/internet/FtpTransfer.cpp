@@ -59,7 +59,7 @@ FtpReply FtpTransfer::begin(std::string_view verb, std::string_view argument) {
 std::size_t FtpTransfer::receive(void* buffer, std::size_t size) {
   if (state_ == State::ended) return 0;
   requireRunning();
-  std::optional<Deadline> deadline;
+  std::optional<DataLimit> limit;
   for (;;) {
     platform::throwIfStopped();
     const platform::IoResult result = data_->receive(buffer, size);
@@ -73,7 +73,7 @@ std::size_t FtpTransfer::receive(void* buffer, std::size_t size) {
           state_ = State::ended;
           return 0;
         }
-        waitForData(false, deadline);
+        waitForData(false, limit);
         break;
       case IoStatus::closed:
         endOfData();
@@ -126,16 +126,16 @@ void FtpTransfer::endOfData() {
 void FtpTransfer::send(const void* data, std::size_t size) {
   requireRunning();
   const char* rest = static_cast<const char*>(data);
-  std::optional<Deadline> deadline;
+  std::optional<DataLimit> limit;
   while (size > 0) {
     platform::throwIfStopped();
     const platform::IoResult result = data_->send(rest, size);
     if (result.status == IoStatus::done) {
       rest += result.bytes;
       size -= result.bytes;
-      deadline.reset();
+      limit.reset();
     } else if (result.status == IoStatus::wouldBlock) {
-      waitForData(true, deadline);
+      waitForData(true, limit);
     } else {
       dataFailed(result.status);
     }
@@ -160,15 +160,23 @@ void FtpTransfer::sendFile(platform::File& file) {
 // --- Ending ---
 
 FtpReply FtpTransfer::finish() {
-  if (data_ && kind_ == Kind::upload) data_->shutdownSend();
-  closeData();
+  // An upload's connection stays until the reply has come: it tells whether the server still takes data.
+  std::optional<DeliveryWatch> delivery;
+  if (data_ && kind_ == Kind::upload) {
+    data_->shutdownSend();
+    delivery.emplace(data_->socket());
+  } else {
+    closeData();
+  }
   state_ = State::ended;
   if (final_) notifyFinal();
   while (!final_) {
-    FtpReply reply = control_->channel().reply(control_->timeouts().finalReply);
+    FtpReply reply =
+        control_->channel().reply(control_->timeouts().finalReply, delivery ? &*delivery : nullptr);
     if (!reply.preliminary()) final_ = std::move(reply);
     finalNotified_ = true;
   }
+  closeData();
   return *final_;
 }
 
@@ -253,19 +261,25 @@ void FtpTransfer::requireRunning() const {
   if (state_ != State::running) fail(kConnectionAborted);
 }
 
-void FtpTransfer::waitForData(bool write, std::optional<Deadline>& deadline) {
+void FtpTransfer::waitForData(bool write, std::optional<DataLimit>& limit) {
   ControlChannel& channel = control_->channel();
   if (channel.replyReady()) watchControl();
   if (refused()) return;
-  if (!deadline) deadline.emplace(control_->timeouts().data);
+  if (!limit) limit = dataLimit();
   std::array watched{platform::SocketInterest{&data_->socket(), !write, write},
                      final_ ? platform::SocketInterest{} : channel.readInterest()};
-  if (!wait(watched, *deadline)) {
+  if (!wait(watched, limit->deadline)) {
+    // A large buffer of the system may have room only after a while, though the peer takes data all the time.
+    if (write && limit->delivery.moved()) return limit.reset();
     breakData();
     channel.drop();
     fail(kTimeout);
   }
   if (watched[1].ready) watchControl();
+}
+
+FtpTransfer::DataLimit FtpTransfer::dataLimit() const {
+  return {Deadline(control_->timeouts().data), DeliveryWatch(data_->socket())};
 }
 
 void FtpTransfer::watchControl() {

@@ -54,9 +54,16 @@ class FtpTransfer {
  private:
   enum class State { idle, running, ended, failed };  // of the data
 
+  // Of a wait for the data connection.
+  struct DataLimit {
+    Deadline deadline;
+    DeliveryWatch delivery;
+  };
+
   void requireRunning() const;
+  [[nodiscard]] DataLimit dataLimit() const;
   void endOfData();
-  void waitForData(bool write, std::optional<Deadline>& deadline);
+  void waitForData(bool write, std::optional<DataLimit>& limit);
   void watchControl();
   void notifyFinal();
   void awaitFirstData();

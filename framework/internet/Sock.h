@@ -29,6 +29,22 @@ class Deadline {
   std::chrono::steady_clock::time_point at_;
 };
 
+// Tells whether the peer takes what was sent; never where the system does not tell.
+class DeliveryWatch {
+ public:
+  explicit DeliveryWatch(const platform::Socket& socket) noexcept
+      : socket_(&socket), mark_(socket.deliveryMark()) {}
+  // True when the peer has taken more since the last call.
+  [[nodiscard]] bool moved() noexcept {
+    const std::uint64_t mark = socket_->deliveryMark();
+    return std::exchange(mark_, mark) != mark;
+  }
+
+ private:
+  const platform::Socket* socket_;
+  std::uint64_t mark_;
+};
+
 class Sock {
  public:
   explicit Sock(platform::Socket socket) noexcept : socket_(std::move(socket)) {}

@@ -68,6 +68,10 @@ class Socket {
   [[nodiscard]] IoResult receive(void* buffer, std::size_t size) noexcept;
   [[nodiscard]] IoResult send(const void* data, std::size_t size) noexcept;
 
+  // Changes whenever the peer's system has taken more of what was sent. Constant where the system does not
+  // tell.
+  [[nodiscard]] std::uint64_t deliveryMark() const noexcept;
+
   // Ends the outgoing stream; what was sent still arrives.
   void shutdownSend() noexcept;
   // Lets the system probe an idle connection.

@@ -3,10 +3,12 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <linux/sockios.h>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -145,6 +147,12 @@ IoResult Socket::receive(void* buffer, std::size_t size) noexcept {
 
 IoResult Socket::send(const void* data, std::size_t size) noexcept {
   return moved([&] { return ::send(SocketAccess::fd(*this), data, size, MSG_NOSIGNAL); });
+}
+
+std::uint64_t Socket::deliveryMark() const noexcept {
+  int unacknowledged = 0;
+  if (::ioctl(SocketAccess::fd(*this), SIOCOUTQ, &unacknowledged) != 0) return 0;
+  return static_cast<std::uint64_t>(unacknowledged);
 }
 
 void Socket::shutdownSend() noexcept { ::shutdown(SocketAccess::fd(*this), SHUT_WR); }

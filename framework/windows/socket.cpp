@@ -170,6 +170,34 @@ IoResult Socket::send(const void* data, std::size_t size) noexcept {
   return moved(::send(SocketAccess::handle(*this), static_cast<const char*>(data), bounded(size), 0));
 }
 
+std::uint64_t Socket::deliveryMark() const noexcept {
+  // TCP_INFO_v0 of Windows 10; the headers hide it from programs that also run on older systems, which
+  // refuse.
+  struct TcpInfo {
+    int state;
+    ULONG mss;
+    ULONG64 connectionTimeMs;
+    BOOLEAN timestampsEnabled;
+    ULONG rttUs, minRttUs;
+    ULONG bytesInFlight;
+    ULONG congestionWindow, sendWindow, receiveWindow, receiveBuffer;
+    ULONG64 bytesOut, bytesIn;
+    ULONG bytesReordered;
+    ULONG bytesRetransmitted;
+    ULONG fastRetransmits, duplicateAcksIn, timeoutEpisodes;
+    UCHAR synRetransmits;
+  } info{};
+  static_assert(sizeof info == 88);
+  constexpr DWORD kTcpInfo = _WSAIORW(IOC_VENDOR, 39);  // SIO_TCP_INFO
+  DWORD version = 0;
+  DWORD returned = 0;
+  if (WSAIoctl(SocketAccess::handle(*this), kTcpInfo, &version, sizeof version, &info, sizeof info, &returned,
+               nullptr, nullptr) != 0) {
+    return 0;
+  }
+  return info.bytesOut - info.bytesRetransmitted - info.bytesInFlight;
+}
+
 void Socket::shutdownSend() noexcept { shutdown(SocketAccess::handle(*this), SD_SEND); }
 
 void Socket::keepAlive() noexcept {
