@@ -83,9 +83,9 @@ class FtpTest : public ::testing::Test {
   static internet::Timeouts shortTimeouts() {
     using std::chrono::milliseconds;
     internet::Timeouts timeouts;
-    timeouts.reply = timeouts.data = timeouts.finalReply = milliseconds(400);
-    timeouts.connect = timeouts.earlyClose = timeouts.dataError = milliseconds(400);
-    timeouts.epsvProbe = timeouts.endOfData = milliseconds(200);
+    timeouts.reply = timeouts.data = timeouts.finalReply = milliseconds(2'000);
+    timeouts.connect = timeouts.earlyClose = timeouts.dataError = milliseconds(2'000);
+    timeouts.epsvProbe = timeouts.endOfData = milliseconds(1'000);
     return timeouts;
   }
 
