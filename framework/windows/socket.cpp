@@ -144,6 +144,8 @@ IoStatus Socket::accept(Socket& accepted, SocketAddress& peer) noexcept {
     // A connection that was broken before it was taken is not this socket's failure.
     return error == WSAEWOULDBLOCK || error == WSAECONNRESET ? IoStatus::wouldBlock : IoStatus::failed;
   }
+  // An accepted socket is inherited by child processes, which would keep the connection open.
+  SetHandleInformation(reinterpret_cast<HANDLE>(handle), HANDLE_FLAG_INHERIT, 0);
   const auto address = fromNative(native.get());
   // It comes with the listener's registration; adopt() gives it its own.
   if (!SocketAccess::adopt(accepted, handle) || !address) return IoStatus::failed;

@@ -10,6 +10,7 @@
 #include "framework/internet/Sock.h"
 #include "framework/platform/process.h"
 #include "framework/platform/stop_token.h"
+#include "tests/support/ProcessCounters.h"
 
 namespace platform {
 namespace {
@@ -68,6 +69,13 @@ struct Pair {
   SocketAddress peer;
   std::array<char, 1000> buffer{};
 };
+
+TEST(Socket, NoneIsInheritedByAProgramThatTheHostStarts) {
+  ASSERT_TRUE(startSockets());
+  const int before = testing_support::inheritableHandles();
+  const Pair pair;
+  EXPECT_EQ(testing_support::inheritableHandles(), before);
+}
 
 TEST(Socket, ConnectsInBothFamilies) {
   for (const bool v6 : {false, true}) {

@@ -15,5 +15,7 @@ struct ProcessCounters {
 
 // Of this process, now.
 ProcessCounters processCounters();
+// Descriptors or handles that a program started by this one would inherit.
+int inheritableHandles();
 
 }  // namespace testing_support

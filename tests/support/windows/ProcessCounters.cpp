@@ -10,15 +10,16 @@
 namespace testing_support {
 namespace {
 
-// Asks for each. Wine has a list of all handles of the system, but its server dies of making it while a
-// process ends: it runs past the end of an empty table.
-int handlesAskedFor() {
+// Those with one of the flags; all with none asked for. Asks for each: Wine has a list of all handles of the
+// system, but its server dies of making it while a process ends: it runs past the end of an empty table.
+int handlesAskedFor(DWORD anyOf) {
   constexpr std::uintptr_t kStep = 4;
   constexpr std::uintptr_t kMost = 4096;  // the lowest free one is given first
   int open = 0;
   for (std::uintptr_t number = 1; number <= kMost; ++number) {
     DWORD flags = 0;
-    open += GetHandleInformation(reinterpret_cast<HANDLE>(number * kStep), &flags) != FALSE ? 1 : 0;
+    if (GetHandleInformation(reinterpret_cast<HANDLE>(number * kStep), &flags) == FALSE) continue;
+    open += anyOf == 0 || (flags & anyOf) != 0 ? 1 : 0;
   }
   return open;
 }
@@ -28,7 +29,7 @@ int handleCount() {
   GetProcessHandleCount(GetCurrentProcess(), &handles);
   // Wine has no answer there, and in its list of processes it tells the room of the table in place of the
   // count.
-  return handles != 0 ? static_cast<int>(handles) : handlesAskedFor();
+  return handles != 0 ? static_cast<int>(handles) : handlesAskedFor(0);
 }
 
 }  // namespace
@@ -38,5 +39,7 @@ ProcessCounters processCounters() {
   GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
   return {static_cast<int>(threadIds().size()), handleCount(), memory.WorkingSetSize};
 }
+
+int inheritableHandles() { return handlesAskedFor(HANDLE_FLAG_INHERIT); }
 
 }  // namespace testing_support
