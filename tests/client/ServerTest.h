@@ -24,7 +24,7 @@ class ServerTest : public testing::Test {
   ~ServerTest() override { internet::setTimeoutsForTesting({}); }
 
   // For tests whose server keeps silent.
-  void shortenTimeouts(std::chrono::milliseconds limit = std::chrono::milliseconds(300)) {
+  void shortenTimeouts(std::chrono::milliseconds limit = std::chrono::milliseconds(2'000)) {
     internet::Timeouts timeouts;
     timeouts.connect = timeouts.reply = timeouts.data = timeouts.finalReply = limit;
     timeouts.earlyClose = timeouts.dataError = timeouts.epsvProbe = timeouts.endOfData = limit;

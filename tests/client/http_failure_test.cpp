@@ -16,7 +16,7 @@ class HttpFailure : public HttpDownloadTest {
  protected:
   HttpFailure() {
     internet::Timeouts timeouts;
-    timeouts.reply = timeouts.data = std::chrono::milliseconds(300);
+    timeouts.reply = timeouts.data = std::chrono::milliseconds(2'000);
     internet::setTimeoutsForTesting(timeouts);
   }
 

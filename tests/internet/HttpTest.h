@@ -53,7 +53,7 @@ class HttpTest : public ::testing::Test {
   // For what never comes.
   void shortenTimeouts() {
     internet::Timeouts timeouts;
-    timeouts.connect = timeouts.reply = timeouts.data = std::chrono::milliseconds(300);
+    timeouts.connect = timeouts.reply = timeouts.data = std::chrono::milliseconds(2'000);
     session.SetTimeouts(timeouts);
   }
 

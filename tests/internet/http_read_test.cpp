@@ -142,7 +142,7 @@ TEST_F(HttpRead, EveryWaitHasItsEnd) {
   shortenTimeouts();
   EXPECT_EQ(errorOfFetch(R"({"head_gate": "g"})"_json), 12002u);
   EXPECT_EQ(errorOfFetch(R"({"raw": "HTTP/1.1 200", "stall_after": 12, "gate": "g"})"_json), 12002u);
-  const std::string drip = "HTTP/1.1 200 OK\r\nA: " + std::string(300, 'x') + "\r\n\r\n";
+  const std::string drip = "HTTP/1.1 200 OK\r\nA: " + std::string(1'500, 'x') + "\r\n\r\n";
   EXPECT_EQ(errorOfFetch({{"raw", drip}, {"pace", {{"bytes", 1}, {"ms", 5}}}}), 12002u) << "all of the head";
   EXPECT_EQ(errorOfFetch(R"({"body": {"text": "abc"}, "stall_after": 2, "gate": "g"})"_json), 12002u);
   EXPECT_EQ(errorOfFetch(R"({"body": {"text": "abc"}, "framing": "close", "end": "keep"})"_json), 12002u);
