@@ -275,4 +275,11 @@ TEST(Median, TakesTheMiddle) {
   EXPECT_EQ(testing_support::median(std::vector{7}), 7);
 }
 
+TEST(Median, OfTheLeastDisturbedRun) {
+  using testing_support::leastDisturbedMedian;
+  EXPECT_EQ(leastDisturbedMedian(std::vector{9, 8, 7, 6, 9}), 6);
+  const std::vector disturbed{50, 50, 50, 3, 90, 4, 50, 50, 3, 50, 50, 50, 50, 50, 50};
+  EXPECT_EQ(leastDisturbedMedian(disturbed), 4) << "of the second three";
+}
+
 }  // namespace
