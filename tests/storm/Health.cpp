@@ -19,7 +19,7 @@ namespace {
 using testing_support::ProcessCounters;
 using testing_support::processCounters;
 
-constexpr std::chrono::seconds kSettleLimit{5};
+constexpr std::chrono::seconds kSettleLimit{30};
 
 // A lock of the MinGW library makes an event when two threads meet at it for the first time, and keeps it.
 // There are a few locks for the whole process; what each round loses is more than that after a storm.

@@ -11,7 +11,8 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto kSoon = 2s;
+// A look every 100 ms sees it at once; the rest is for a crowded machine. Any time-out is longer.
+constexpr auto kSoon = 10s;
 
 class KeepAlive : public RunnerTest {
  protected:
@@ -111,11 +112,12 @@ TEST_F(KeepAlive, GoesOnWithAConnectionThatAMessageHasReplaced) {
 
 TEST_F(KeepAlive, StaysForSeveralTurnsAndDispatchesMessagesMeanwhile) {
   constexpr auto kTurns = 350ms;  // three of 100 ms, and more
+  constexpr int kMessages = 100;
   const auto start = Clock::now();
   int messages = 0;
   Mailbox::Work again = [&] {
     ++messages;
-    if (Clock::now() - start < kTurns) {
+    if (messages < kMessages || Clock::now() - start < kTurns) {
       mailbox.post(again);
     } else {
       server.disconnect();
@@ -124,7 +126,7 @@ TEST_F(KeepAlive, StaysForSeveralTurnsAndDispatchesMessagesMeanwhile) {
   mailbox.post(again);
   client->FTPKeepAlive();
   EXPECT_GE(Clock::now() - start, kTurns);
-  EXPECT_GT(messages, 100);
+  EXPECT_GE(messages, kMessages);
   EXPECT_EQ(server.connections().size(), 1u);
 }
 

@@ -32,7 +32,7 @@ class Server {
 
   // Waits until the condition (JSON, the README's "wait") holds. Throws FixtureError with the log after
   // `seconds`.
-  void waitFor(std::string_view condition, int seconds = 20) const;
+  void waitFor(std::string_view condition, int seconds = 60) const;
 
  protected:
   Server(const char* kind, const nlohmann::json& script);
