@@ -18,7 +18,7 @@ function(qx_test)
     message(FATAL_ERROR "qx_test(${ARGV}): wrong arguments")
   endif()
   if(NOT test_TIMEOUT)
-    set(test_TIMEOUT 300)
+    set(test_TIMEOUT 600)
   endif()
   if(QX_SANITIZE MATCHES "address|thread")
     math(EXPR test_TIMEOUT "${test_TIMEOUT} * 3") # a checked program is slower by about this

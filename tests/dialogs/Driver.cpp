@@ -15,8 +15,8 @@
 namespace dialog_test {
 namespace {
 
-constexpr std::chrono::seconds kLimit{20};
-constexpr DWORD kLimitMs = 20'000;
+constexpr std::chrono::seconds kLimit{120};
+constexpr DWORD kLimitMs = 120'000;
 constexpr DWORD kPollMs = 5;
 constexpr int kBoxText = 0xFFFF;    // the static control of a message box
 constexpr int kNameCombo = 1148;    // the name box of a classic dialog with the places bar

@@ -74,6 +74,18 @@ class Responsive : public RunnerTest {
     return poster.delays();
   }
 
+  // The same on a thread that does nothing but dispatch.
+  std::vector<Clock::duration> DelaysWithoutAQuery() {
+    Poster poster(mailbox);
+    std::thread host([&] { poster.postAll(); });
+    while (poster.seen() < kMessages) {
+      dispatchAll();
+      std::this_thread::yield();
+    }
+    host.join();
+    return poster.delays();
+  }
+
   fixture::ScriptedFtp server{R"({
     "reply_delay_ms": 20, "tree": {"/pub/there/": {}},
     "rules": [{"on": "MLSD", "do": [{"gate": "messages"}, "normal"]}]})"};
@@ -92,16 +104,19 @@ void print(const std::vector<Clock::duration>& sorted) {
 }
 
 // Other programs on the machine delay everybody, so the least disturbed of a few rounds is judged: a delay
-// that the library makes is there in each of them.
+// that the library makes is there in each of them. Where even a thread that does nothing else cannot dispatch
+// in time, that thread is the measure.
 TEST_F(Responsive, MessagesAreDispatchedWhileAQueryWaitsForASlowServer) {
   auto best = Clock::duration::max();
-  for (int round = 0; round < kMostRounds && best >= kJudgedDelay; ++round) {
+  Clock::duration judged = kJudgedDelay;
+  for (int round = 0; round < kMostRounds && best >= judged; ++round) {
+    judged = std::max<Clock::duration>(judged, 3 * percentile(DelaysWithoutAQuery(), 99));
     const auto delays = DelaysDuringQuery();
     print(delays);
     best = std::min(best, percentile(delays, 99));
   }
   if (kJudgesTimes) {
-    EXPECT_LT(best, kJudgedDelay);
+    EXPECT_LT(best, judged);
   }
 }
 

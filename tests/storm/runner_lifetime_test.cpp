@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What must hold when the host does something drastic in the middle of an operation: it frees the client, or
 // one of its handlers throws. Run with the sanitizers these tests also prove that nothing freed is used.
+#include <chrono>
 #include <stdexcept>
 #include <thread>
 
@@ -12,6 +13,7 @@
 namespace storm {
 namespace {
 
+using namespace std::chrono_literals;
 using Lifetime = RunnerTest;
 
 struct HandlerFailed : std::runtime_error {
@@ -152,7 +154,9 @@ TEST_F(KeepAliveLifetime, TheClientMayBeFreedByAnotherThreadAtAnyMoment) {
     mailbox.post([&] { inside.add(); });
     std::thread other([&] {
       inside.waitFor(1);
-      for (int turn = 0; turn < round % 64 * 8; ++turn) platform::yieldProcessor();
+      // By the clock: with other programs beside it a yield can take a hundred times as long.
+      const auto moment = std::chrono::steady_clock::now() + round % 64 * 5us;
+      while (std::chrono::steady_clock::now() < moment) platform::yieldProcessor();
       client.release()->Release();
     });
     TQXIP* const object = client.get();

@@ -18,7 +18,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds kUsualLimit(60);
+constexpr std::chrono::seconds kUsualLimit(240);
 
 class Watchdog {
  public:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Ends a hanging test: prints its name and the stacks of all threads, then exits with code 42.
-// main() arms it for each test with 60 s, or with QX_TEST_LIMIT seconds from the environment.
+// main() arms it for each test with 240 s, or with QX_TEST_LIMIT seconds from the environment.
 #pragma once
 
 #include <chrono>

@@ -12,7 +12,7 @@ def run(command, test, **environment):
         env={**os.environ, **environment},
         stdout=subprocess.PIPE,
         stderr=subprocess.STDOUT,
-        timeout=90,
+        timeout=240,
         check=False,
     )
     return done.returncode, done.stdout.decode(errors="replace")
