@@ -46,7 +46,8 @@ bool CFtpConnection::Rename(const char* from, const char* to) {
     checkPath(from);
     checkPath(to);
     control->request([&] {
-      control->require("RNFR", from);
+      const internet::FtpReply named = control->command("RNFR", from);
+      if (named.refused() && named.code != 350) control->raise(named);
       control->require("RNTO", to);
     });
   });

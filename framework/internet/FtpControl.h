@@ -30,7 +30,7 @@ struct FtpLogin {
 
 // The answer to a command that lists over a data connection.
 struct FtpListingText {
-  FtpReply reply;    // the final one; or the refusal (4xx, 5xx), before or after some text
+  FtpReply reply;    // the final one; or the refusal, before or after some text
   std::string text;  // all that came
 };
 
@@ -53,7 +53,7 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   // Sends "verb argument" and waits for its reply, whatever that is. 87 for an argument that checkArgument
   // refuses. 421 closes the connection and fails with 12030.
   FtpReply command(std::string_view verb, std::string_view argument = {});
-  // The same, but a refusal (4xx, 5xx) is raised.
+  // The same, but a refusal is raised.
   FtpReply require(std::string_view verb, std::string_view argument = {});
   // Runs a command that answers over a data connection (LIST, NLST, MLSD), in binary type, and collects all
   // its text. A refusal is the caller's to judge; a text above kMaxListingBytes fails with 12152.

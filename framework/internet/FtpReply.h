@@ -16,8 +16,8 @@ struct FtpReply {
 
   [[nodiscard]] bool preliminary() const noexcept { return code >= 100 && code < 200; }
   [[nodiscard]] bool completed() const noexcept { return code >= 200 && code < 300; }
-  [[nodiscard]] bool intermediate() const noexcept { return code >= 300 && code < 400; }
-  [[nodiscard]] bool refused() const noexcept { return code >= 400; }
+  // Not done, 3xx included: only USER and RNFR are followed by what such a reply asks for.
+  [[nodiscard]] bool refused() const noexcept { return code >= 300; }
   // The server does not know the command or this form of it (500, 501, 502, 504, 522).
   [[nodiscard]] bool unsupported() const noexcept;
 };
