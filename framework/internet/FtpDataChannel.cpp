@@ -64,12 +64,12 @@ void FtpDataChannel::prepare() {
 bool FtpDataChannel::prepareExtendedPassive() {
   if (control_.knownTraits().noExtendedPassive) return false;
   const FtpReply reply = control_.command("EPSV");
-  const auto port = parseExtendedPassivePort(reply.text);
-  if (reply.unsupported() || (reply.completed() && !port)) {
-    control_.learn([](FtpTraits& traits) { traits.noExtendedPassive = true; });
-    return false;
-  }
-  if (reply.refused()) control_.raise(reply);
+  // Servers and the ways to them forbid it by any code, not only by those of an unknown command.
+  const bool forbidden = reply.code >= 500;
+  if (reply.refused() && !forbidden) control_.raise(reply);
+  const auto port = forbidden ? std::nullopt : parseExtendedPassivePort(reply.text);
+  extendedPassiveRefused_ = !port;
+  if (!port) return false;
   startToConnect(*port);
   if (control_.knownTraits().extendedPassiveWorks) return true;
   // On a host's first transfer the port is tried before the transfer command goes out, because behind that
@@ -87,6 +87,10 @@ void FtpDataChannel::preparePassive() {
   const FtpReply reply = control_.require("PASV");
   const auto port = parsePassivePort(reply.text);
   if (!port) fail(kInvalidServerResponse);
+  // A server that refuses both has another reason, which may pass.
+  if (extendedPassiveRefused_) {
+    control_.learn([](FtpTraits& traits) { traits.noExtendedPassive = true; });
+  }
   startToConnect(*port);
 }
 

@@ -40,6 +40,7 @@ class FtpDataChannel {
   platform::Socket socket_;  // connecting, listening or connected
   bool listening_ = false;
   bool stands_ = false;
+  bool extendedPassiveRefused_ = false;
   bool extendedPassiveUnreachable_ = false;
 };
 

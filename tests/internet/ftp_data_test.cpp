@@ -67,6 +67,30 @@ TEST_F(FtpData, FallsBackOnceWhereTheExtendedCommandIsUnknown) {
   }
 }
 
+// Only the codes of an unknown command led to PASV.
+TEST_F(FtpData, FallsBackOnceWhereExtendedPassiveIsForbidden) {
+  for (const char* refusal : {"503 Bad sequence", "520 Extended passive is off (|||21|)", "530 Not for you",
+                              "550 Permission denied", "553 No"}) {
+    internet::forgetCachedTraits();
+    ScriptedFtp server = serverWith({{{"on", "EPSV"}, {"do", {{{"reply", refusal}}}}}});
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(readFile(*connect(server)), "content") << refusal;
+    EXPECT_EQ(server.commandCount("EPSV"), 1) << "remembered for the next connection";
+    EXPECT_EQ(server.commandCount("PASV"), 2);
+  }
+}
+
+TEST_F(FtpData, ExtendedPassiveIsNotBlamedWhereBothCommandsAreRefused) {
+  ScriptedFtp server =
+      serverWith({{{"on", {"EPSV", "PASV"}}, {"first", 2}, {"do", {{{"reply", "530 Log in again"}}}}}});
+  auto connection = connect(server);
+  const Thrown thrown = thrownBy([&] { openToRead(*connection, "/f"); });
+  EXPECT_EQ(thrown.error, 12003u);
+  EXPECT_EQ(thrown.text, "530 Log in again");
+  EXPECT_EQ(readFile(*connection), "content");
+  EXPECT_EQ(server.commandCount("EPSV"), 2);
+  EXPECT_EQ(server.commandCount("PASV"), 1);
+}
+
 TEST_F(FtpData, ConnectsToTheServerWhateverAddressItTells) {
   ScriptedFtp server(json{{"tree", file()},
                           {"features", json::array()},
