@@ -34,6 +34,8 @@ std::string portArgument(const platform::SocketAddress& address) {
   return text + std::to_string(address.port >> 8) + ',' + std::to_string(address.port & 0xff);
 }
 
+bool replied(const FtpDataChannel::Opening& opening) noexcept { return opening.first.code != 0; }
+
 // The data connection cannot be made: the control connection says why, within Timeouts::dataError. It is
 // closed where it says nothing, for its replies are out of step then.
 [[noreturn]] void failWithReason(FtpControl& control, std::uint32_t error) {
@@ -138,27 +140,47 @@ bool FtpDataChannel::standsWithin(const Deadline& deadline) {
   return true;
 }
 
-FtpReply FtpDataChannel::establish() {
+FtpDataChannel::Opening FtpDataChannel::establish() {
   ControlChannel& channel = control_.channel();
   const Timeouts timeouts = control_.timeouts();
   const Deadline deadline(timeouts.connect);
-  std::optional<FtpReply> reply;
+  Opening opening;
   while (!tryToStand()) {
-    if (!reply) {
-      reply = channel.tryReply(kAtOnce);
-      if (reply) channel.notifyReply(*reply);
-    }
-    if (reply && (reply->refused() || (listening_ && reply->completed()))) return *reply;
-    if (!reply && !channel.isOpen()) return channel.reply(kAtOnce);  // fails with the reason
+    takeReplies(opening);
+    const bool over = opening.final && (listening_ || opening.final->refused());
+    if (over && !standsAfterAll(*opening.final, deadline)) return opening;
+    if (stands_) break;
+    if (!opening.final && !channel.isOpen()) channel.reply(kAtOnce);  // fails with the reason
     if (!socket_.isOpen()) failWithReason(control_, kCannotConnect);
-    std::array watched{interest(), reply ? platform::SocketInterest{} : channel.readInterest()};
+    std::array watched{interest(), opening.final ? platform::SocketInterest{} : channel.readInterest()};
     if (!wait(watched, deadline)) failWithReason(control_, kTimeout);
   }
-  if (!reply) reply = channel.reply(timeouts.reply);
-  if (extendedPassiveUnreachable_ && !reply->refused()) {
+  if (!replied(opening)) opening.first = channel.reply(timeouts.reply);
+  if (!opening.final && !opening.first.preliminary()) opening.final = opening.first;
+  if (extendedPassiveUnreachable_ && !opening.first.refused()) {
     control_.learn([](FtpTraits& traits) { traits.noExtendedPassive = true; });
   }
-  return *reply;
+  return opening;
+}
+
+// Those that have come, up to the final one.
+void FtpDataChannel::takeReplies(Opening& opening) {
+  ControlChannel& channel = control_.channel();
+  while (!opening.final) {
+    auto reply = channel.tryReply(kAtOnce);
+    if (!reply) return;
+    if (!replied(opening)) {
+      channel.notifyReply(*reply);
+      opening.first = *reply;
+    }
+    if (!reply->preliminary()) opening.final = std::move(*reply);
+  }
+}
+
+// The server has ended the transfer. Its data may have come by another way than its reply, and later.
+bool FtpDataChannel::standsAfterAll(const FtpReply& final, const Deadline& deadline) {
+  const milliseconds grace = final.refused() ? kAtOnce : control_.timeouts().endOfData;
+  return standsWithin(Deadline(std::min(grace, deadline.left())));
 }
 
 std::unique_ptr<Sock> FtpDataChannel::take() {

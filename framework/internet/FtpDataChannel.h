@@ -15,14 +15,20 @@ namespace internet {
 
 class FtpDataChannel {
  public:
+  // What the server has said about a transfer.
+  struct Opening {
+    FtpReply first;
+    std::optional<FtpReply> final;  // there already: the first reply, or one behind it
+  };
+
   explicit FtpDataChannel(FtpControl& control) noexcept : control_(control) {}
 
   // Before the transfer command: agrees with the server on a port. Goes on to connect while the command
   // travels.
   void prepare();
-  // After the transfer command: its first reply. The data connection stands then, unless that reply is a
-  // refusal, or says that an active transfer is over without one.
-  FtpReply establish();
+  // After the transfer command: waits until the data connection stands and the server has replied, or until
+  // the server says that the transfer is over. Notifies 40 and 41 for the first reply alone.
+  Opening establish();
   // The connection, null when there is none.
   std::unique_ptr<Sock> take();
 
@@ -33,6 +39,8 @@ class FtpDataChannel {
   void startToConnect(std::uint16_t port);
   bool tryToStand();
   bool standsWithin(const Deadline& deadline);
+  void takeReplies(Opening& opening);
+  bool standsAfterAll(const FtpReply& final, const Deadline& deadline);
   [[nodiscard]] platform::SocketInterest interest() const noexcept;
 
   FtpControl& control_;

@@ -44,14 +44,31 @@ FtpReply FtpTransfer::begin(std::string_view verb, std::string_view argument) {
   FtpDataChannel data(*control_);
   data.prepare();
   control_->sendCommand(verb, argument);
-  FtpReply reply = data.establish();
-  if (reply.refused()) return reply;
+  const FtpDataChannel::Opening opening = data.establish();
+  final_ = opening.final;
+  finalNotified_ = !opening.first.preliminary();
   data_ = data.take();
-  state_ = data_ ? State::running : State::ended;
-  if (!reply.preliminary()) final_ = reply;
-  finalNotified_ = final_.has_value();
-  if (kind_ == Kind::download) announced_ = parseAnnouncedSize(reply.text);
-  return reply;
+  // Behind the beginning of a listing a refusal is judged with the rows that came before it.
+  const bool begun = kind_ == Kind::listing && data_ && opening.first.preliminary();
+  if (refused() && !begun) {
+    breakData();
+    notifyFinal();
+    return *final_;
+  }
+  state_ = State::running;
+  if (kind_ == Kind::download) announced_ = parseAnnouncedSize(opening.first.text);
+  if (!data_) endWithoutData();
+  return opening.first;
+}
+
+// The server calls the transfer complete and has made no data connection for it.
+void FtpTransfer::endWithoutData() {
+  notifyFinal();
+  if (kind_ == Kind::upload) {
+    state_ = State::failed;
+    fail(kConnectionAborted);
+  }
+  endOfData();
 }
 
 // --- Receiving ---

@@ -60,6 +60,7 @@ class FtpTransfer {
     DeliveryWatch delivery;
   };
 
+  void endWithoutData();
   void requireRunning() const;
   [[nodiscard]] DataLimit dataLimit() const;
   void endOfData();

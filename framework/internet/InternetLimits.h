@@ -18,7 +18,9 @@ struct Timeouts {
   std::chrono::milliseconds earlyClose{5'000};      // the reply after a transfer was given up half-way
   std::chrono::milliseconds dataError{3'000};       // the reply that explains a broken data connection
   std::chrono::milliseconds epsvProbe{5'000};       // a host's first EPSV port, before PASV is tried
-  std::chrono::milliseconds endOfData{1'000};  // a refusal behind the end of data whose size is not known
+  // What may come late at the end of a transfer: a refusal behind data whose size is not known, an active
+  // data connection behind the final reply.
+  std::chrono::milliseconds endOfData{1'000};
 };
 
 inline constexpr std::size_t kMaxReplyLine = std::size_t{64} * 1024;  // bytes of one reply line

@@ -2,7 +2,9 @@
 // How data connections are made: passive and active, both families, and what servers and the way between do
 // wrong.
 #include <nlohmann/json.hpp>
+#include <thread>
 
+#include "framework/internet/FtpFileFind.h"
 #include "tests/internet/FtpTest.h"
 
 namespace internet_tests {
@@ -155,6 +157,107 @@ TEST_F(FtpData, ARefusedDataConnectionIs12029) {
     EXPECT_TRUE(connection->LastServerText().starts_with("425 "));
     EXPECT_TRUE(works(*connection));
   }
+}
+
+// Nobody listened to the server any more once it had announced the transfer.
+TEST_F(FtpData, ADataConnectionThatTheServerGivesUpIsNotWaitedFor) {
+  internet::Timeouts patient;
+  patient.connect = std::chrono::hours(1);
+  session.SetTimeouts(patient);
+  struct Case {
+    json ending;
+    std::uint32_t error;
+    const char* text;
+  };
+  const Case cases[] = {{{{"reply", "425 Cannot connect"}}, 12029, "425 Cannot connect"},
+                        {{{"reply", "426 Broken"}}, 12030, "426 Broken"},
+                        {{{"reply", "550 Not any more"}}, 12003, "550 Not any more"},
+                        {{{"reply", "350 And then?"}}, 12003, "350 And then?"},
+                        {{{"reply", "421 Farewell"}}, 12030, "421 Farewell"},
+                        {"close", 12030, ""}};
+  for (const bool passive : {true, false}) {
+    for (const Case& each : cases) {
+      internet::forgetCachedTraits();
+      // In passive mode no connection ever comes to stand.
+      ScriptedFtp server(
+          json{{"features", json::array()},
+               {"rules",
+                {{{"on", "PASV"}, {"do", {{{"passive", {{"listen", "full"}}}}}}},
+                 {{"on", "RETR"}, {"do", {{{"reply", "150 Here"}}, {{"gate", "later"}}, each.ending}}}}}});
+      auto connection = connect(server, passive);
+      std::thread later([&] {
+        server.waitAtGate("later");
+        server.release("later");
+      });
+      EXPECT_EQ(openError(*connection), each.error) << passive << each.ending;
+      EXPECT_EQ(connection->LastServerText(), each.text);
+      later.join();
+    }
+  }
+}
+
+TEST_F(FtpData, ADataConnectionThatIsGivenUpAtOnceIsNotWaitedForEither) {
+  internet::Timeouts patient;
+  patient.connect = std::chrono::hours(1);
+  session.SetTimeouts(patient);
+  ScriptedFtp server =
+      serverWith({{{"on", {"RETR", "STOR"}}, {"do", {{{"reply", {"150 Here", "425 Cannot connect"}}}}}}});
+  auto connection = connect(server, false);
+  session.takeStatuses();
+  EXPECT_EQ(openError(*connection), 12029u);
+  // TYPE with EPRT, RETR and its end.
+  EXPECT_EQ(session.takeStatuses(),
+            (std::vector<std::uint32_t>{30, 31, 40, 41, 30, 31, 40, 41, 40, 41, 100}));
+  EXPECT_EQ(thrownBy([&] { openToWrite(*connection, "/up"); }).error, 12029u);
+  EXPECT_TRUE(works(*connection));
+}
+
+TEST_F(FtpData, AnActiveTransferThatEndsWithoutItsDataIsNoWholeFile) {
+  internet::Timeouts timeouts;
+  timeouts.endOfData = std::chrono::milliseconds(1);
+  session.SetTimeouts(timeouts);
+  const auto ending = [](const char* opening) {
+    return serverWith({{{"on", {"RETR", "STOR"}}, {"do", {{{"reply", {opening, "226 Done"}}}}}}});
+  };
+  for (const char* opening : {"150 Here (7 bytes)", "150 Here (1 byte)"}) {
+    ScriptedFtp server = ending(opening);
+    auto connection = connect(server, false);
+    EXPECT_EQ(openError(*connection), 12030u) << opening;
+    EXPECT_TRUE(works(*connection));
+  }
+  for (const char* opening : {"150 Here (0 bytes)", "150 Here"}) {
+    ScriptedFtp server = ending(opening);
+    auto connection = connect(server, false);
+    EXPECT_EQ(readFile(*connection), "") << opening;
+    EXPECT_EQ(thrownBy([&] { openToWrite(*connection, "/up"); }).error, 12030u) << "an upload needs one";
+    EXPECT_TRUE(works(*connection));
+  }
+}
+
+TEST_F(FtpData, AnActiveListingMayEndWithoutData) {
+  internet::Timeouts timeouts;
+  timeouts.endOfData = std::chrono::milliseconds(1);
+  session.SetTimeouts(timeouts);
+  for (const char* end : {"226 Done", "550 No files found"}) {
+    ScriptedFtp server = serverWith({{{"on", "MLSD"}, {"do", {{{"reply", {"150 Here", end}}}}}}});
+    auto connection = connect(server, false);
+    CFtpFileFind finder(connection.get());
+    EXPECT_EQ(errorOf([&] { return finder.FindFile("/*"); }), platform::kErrorNoMoreFiles) << end;
+    EXPECT_TRUE(works(*connection));
+  }
+}
+
+// What travels by two connections may come in another order than it was sent.
+TEST_F(FtpData, TakesAnActiveDataConnectionThatComesBehindTheEnd) {
+  internet::Timeouts patient;
+  patient.endOfData = std::chrono::minutes(10);
+  session.SetTimeouts(patient);
+  const json late = {{"normal", {{"opening", nullptr}, {"final", nullptr}}}};
+  ScriptedFtp server =
+      serverWith({{{"on", "RETR"}, {"do", {{{"reply", {"150 Here (7 bytes)", "226 Done"}}}, late}}}});
+  auto connection = connect(server, false);
+  EXPECT_EQ(readFile(*connection), "content");
+  EXPECT_TRUE(works(*connection));
 }
 
 TEST_F(FtpData, AServerThatNeverConnectsBackIsGivenUp) {

@@ -91,7 +91,8 @@ TEST_F(FtpIntermediate, IsARefusalAtTheEndOfATransfer) {
 
 TEST_F(FtpIntermediate, IsARefusalOfEverySearch) {
   for (const char* verb : {"MLST", "MLSD"}) {
-    expectRefused(verb, [](CFtpConnection& connection) { return CFtpFileFind(&connection).FindFile("/dir"); });
+    expectRefused(verb,
+                  [](CFtpConnection& connection) { return CFtpFileFind(&connection).FindFile("/dir"); });
   }
   for (const char* verb : {"LIST", "SIZE"}) {
     ScriptedFtp server(json{{"tree", {{"/f", "content"}, {"/dir/", json::object()}}},
