@@ -54,6 +54,8 @@ bool replied(const FtpDataChannel::Opening& opening) noexcept { return opening.f
 
 }  // namespace
 
+FtpDataChannel::~FtpDataChannel() { socket_.abort(); }
+
 void FtpDataChannel::prepare() {
   peer_ = required(control_.channel().peerAddress());
   if (!control_.login().passive) {

@@ -22,6 +22,10 @@ class FtpDataChannel {
   };
 
   explicit FtpDataChannel(FtpControl& control) noexcept : control_(control) {}
+  // Breaks off what was not taken: an upload that was asked for must not end as an empty file.
+  ~FtpDataChannel();
+  FtpDataChannel(const FtpDataChannel&) = delete;
+  FtpDataChannel& operator=(const FtpDataChannel&) = delete;
 
   // Before the transfer command: agrees with the server on a port. Goes on to connect while the command
   // travels.

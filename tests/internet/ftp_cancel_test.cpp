@@ -284,6 +284,21 @@ TEST_F(FtpCancel, AStoppedUploadIsNeverTakenForAWholeFile) {
   }
 }
 
+// Its data connection ended in good order, as that of an empty file does.
+TEST_F(FtpCancel, AnUploadThatIsStoppedBeforeItsReplyIsBrokenOff) {
+  for (int i = 0; i < 20; ++i) {
+    ScriptedFtp server = transferring("STOR", {{"opening", nullptr}});
+    latencyMs(
+        [&] {
+          Worker worker(server);
+          openToWrite(*worker.connection, "/up");
+        },
+        [&] { server.waitFor(R"({"data": 1})"); });
+    server.waitFor(R"({"data_closed": 1})");
+    EXPECT_NE(server.dataConnections().at(0).how, "complete");
+  }
+}
+
 TEST_F(FtpCancel, AHundredCancelsLeaveNothingBehind) {
   ScriptedFtp server = transferring("RETR", {{"stall_after", 1000}, {"gate", "rest"}});
   const auto cancelOnce = [&](int count) {
