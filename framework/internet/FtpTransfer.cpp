@@ -180,7 +180,7 @@ FtpReply FtpTransfer::finish() {
   // An upload's connection stays until the reply has come: it tells whether the server still takes data.
   std::optional<DeliveryWatch> delivery;
   if (data_ && kind_ == Kind::upload) {
-    data_->shutdownSend();
+    endUpload();
     delivery.emplace(data_->socket());
   } else {
     closeData();
@@ -195,6 +195,17 @@ FtpReply FtpTransfer::finish() {
   }
   closeData();
   return *final_;
+}
+
+// A server that has spoken before it saw the end has not taken the whole, whatever it calls that; one that is
+// gone will not say that it has. Neither must take the end of the data for that of the file.
+void FtpTransfer::endUpload() {
+  if (!awaitFinal(kAtOnce) && control_->isOpen()) return data_->shutdownSend();
+  breakData();
+  if (!final_) control_->channel().reply(kAtOnce);  // fails with the reason
+  notifyFinal();
+  if (final_->refused()) control_->raise(*final_);
+  fail(kConnectionAborted);
 }
 
 bool FtpTransfer::abandon() {

@@ -64,6 +64,7 @@ class FtpTransfer {
   void requireRunning() const;
   [[nodiscard]] DataLimit dataLimit() const;
   void endOfData();
+  void endUpload();
   void waitForData(bool write, std::optional<DataLimit>& limit);
   void watchControl();
   void notifyFinal();

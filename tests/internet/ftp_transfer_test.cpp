@@ -284,6 +284,35 @@ TEST_F(FtpTransferTest, AnUploadThatTheServerStopsReadingEndsAsSoonAsItTellsWhy)
   EXPECT_EQ(thrown.text, "552 disk full");
 }
 
+// The end of the data told such a server that it had the whole file.
+TEST_F(FtpTransferTest, AnUploadThatIsAnsweredBeforeItsEndIsBrokenOff) {
+  struct Case {
+    const char* answer;
+    std::uint32_t error;
+    const char* text;
+  };
+  for (const Case& each :
+       {Case{"552 disk full", 12003, "552 disk full"}, Case{"426 Broken", 12030, "426 Broken"},
+        Case{"226 Done", 12030, ""}, Case{"421 Farewell", 12030, "421 Farewell"}}) {
+    internet::forgetCachedTraits();
+    const json rest = {{"normal", {{"opening", nullptr}, {"final", nullptr}}}};
+    ScriptedFtp server(
+        json{{"rules", {{{"on", "STOR"}, {"do", {{{"reply", {"150 Send", each.answer}}}, rest}}}}}});
+    internet::Timeouts patient;
+    patient.epsvProbe = std::chrono::minutes(10);
+    session.SetTimeouts(patient);
+    auto connection = connect(server);
+    auto file = openToWrite(*connection, "/up");
+    file->Write("abc", 3);
+    server.waitFor(R"({"data": 1})");
+    EXPECT_EQ(errorOf([&] { return file->Close(); }), each.error) << each.answer;
+    EXPECT_EQ(connection->LastServerText(), each.text);
+    EXPECT_EQ(works(*connection), !std::string_view(each.answer).starts_with("421"));
+    server.waitFor(R"({"data_closed": 1})");
+    EXPECT_NE(server.dataConnections().at(0).how, "complete") << each.answer;
+  }
+}
+
 TEST_F(FtpTransferTest, AStalledWriteIs12002) {
   session.SetTimeouts(shortTimeouts());
   ScriptedFtp server = serving({{"stall_after", 100'000}, {"gate", "never"}}, "STOR");
