@@ -154,6 +154,7 @@ void ControlChannel::deliverAhead() {
   while (!ahead_.empty()) {
     const auto reply = takeReply();
     if (!reply) return;
+    if (reply->preliminary()) continue;
     const ReplyHandler handler = std::move(ahead_.front());
     ahead_.pop_front();
     if (!handler(*reply) && aheadRefusal_.empty()) aheadRefusal_ = reply->text;

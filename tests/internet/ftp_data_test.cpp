@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "framework/internet/FtpControl.h"
 #include "framework/internet/FtpFileFind.h"
 #include "tests/internet/FtpTest.h"
 
@@ -16,7 +17,7 @@ using namespace nlohmann::literals;
 
 class FtpData : public FtpTest {
  protected:
-  static json file() { return {{"/f", "content"}}; }
+  static json file() { return {{"/f", "content"}, {"/pub/", json::object()}}; }
 
   // A server with one file and these rules.
   static ScriptedFtp serverWith(const json& rules) {
@@ -292,6 +293,23 @@ TEST_F(FtpData, AServerWithoutBinaryTypeIsRefused) {
   EXPECT_EQ(thrown.text, "504 Text only");
   EXPECT_TRUE(works(*connection)) << "the answer to EPSV has been taken, too";
   EXPECT_EQ(server.commandCount("RETR"), 0);
+}
+
+// The preliminary reply was taken for the answer to TYPE, and each later reply for another command's.
+TEST_F(FtpData, APreliminaryReplyToALineSentAheadKeepsTheRepliesInStep) {
+  ScriptedFtp server = serverWith(
+      {{{"on", {"TYPE", "OPTS"}}, {"do", {{{"reply", {"110 Wait", "120 Wait", "200 Done"}}}}}},
+       {{"on", "CWD"}, {"argument", "/"}, {"do", {{{"reply", "110 Wait"}}, "normal"}}}});
+  auto connection = connect(server);
+  const auto& control = connection->Control();
+  control->request([&] {
+    EXPECT_TRUE(control->traits().utf8);
+    internet::FtpControl::DirectoryVisit visit(*control);
+    EXPECT_TRUE(visit.enter("/pub").completed());
+  });
+  EXPECT_EQ(readFile(*connection), "content");
+  EXPECT_TRUE(works(*connection));
+  EXPECT_EQ(server.commandCount("TYPE"), 1);
 }
 
 TEST_F(FtpData, TakesATransferWhoseFirstReplyIsTheFinalOne) {
