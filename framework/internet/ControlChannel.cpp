@@ -80,7 +80,9 @@ void ControlChannel::settle() {
       requireOpen();
     }
   }
-  while (nextReply(Deadline(kAtOnce))) {
+  strayReplies_ = 0;
+  while (const auto reply = nextReply(Deadline(kAtOnce))) {
+    if (!reply->preliminary()) awaiting_ = false;
   }
   requireOpen();
 }
@@ -145,9 +147,22 @@ std::optional<FtpReply> ControlChannel::nextReply(milliseconds limit, DeliveryWa
 
 std::optional<FtpReply> ControlChannel::takeReply() {
   auto reply = reader_.take();
-  if (!reply || reply->code != 421) return reply;
-  closeWith(kConnectionAborted, std::move(reply->text));
+  if (!reply) return std::nullopt;
+  if (reply->code == 421) {
+    closeWith(kConnectionAborted, std::move(reply->text));
+  } else if (tooMany(*reply)) {
+    closeWith(kInvalidServerResponse);
+  } else {
+    return reply;
+  }
   return std::nullopt;
+}
+
+// A server that goes on speaking must not keep us for ever: every reply that ends nothing counts.
+bool ControlChannel::tooMany(const FtpReply& reply) noexcept {
+  if (!awaiting_ && ahead_.empty()) return ++strayReplies_ > kMaxStrayReplies;
+  preliminaryReplies_ = reply.preliminary() ? preliminaryReplies_ + 1 : 0;
+  return preliminaryReplies_ > kMaxPreliminaryReplies;
 }
 
 void ControlChannel::deliverAhead() {
@@ -165,6 +180,8 @@ void ControlChannel::deliverAhead() {
 // Takes what has come, else waits for it. False when the deadline has passed or the connection is closed.
 bool ControlChannel::receiveMore(const Deadline& deadline) {
   if (!isOpen()) return false;
+  // Where there is always more to read nothing comes to wait.
+  platform::throwIfStopped();
   std::array<char, std::size_t{16} * 1024> buffer;
   const auto received = receiveSome(*sock_, buffer, deadline);
   if (received.status == IoStatus::wouldBlock) return false;
@@ -194,6 +211,7 @@ bool ControlChannel::closedWhileIdle(milliseconds duration) {
     platform::stoppableSleep(duration);
     return !isOpen();
   }
+  strayReplies_ = 0;
   const Deadline deadline(duration);
   while (isOpen() && nextReply(deadline)) {
   }

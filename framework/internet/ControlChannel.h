@@ -83,6 +83,7 @@ class ControlChannel {
   std::optional<FtpReply> nextReply(const Deadline& deadline);
   std::optional<FtpReply> nextReply(std::chrono::milliseconds limit, DeliveryWatch& delivery);
   std::optional<FtpReply> takeReply();
+  bool tooMany(const FtpReply& reply) noexcept;
   void deliverAhead();
   bool receiveMore(const Deadline& deadline);
   void accept(const FtpReply& reply);
@@ -98,7 +99,9 @@ class ControlChannel {
   std::string aheadRefusal_;
   bool awaiting_ = false;
   bool answered_ = false;
-  std::uint32_t closeError_;  // why the connection is closed, and the server's last words
+  unsigned preliminaryReplies_ = 0;  // since the last final one
+  unsigned strayReplies_ = 0;        // since the last command, or the last look at an idle connection
+  std::uint32_t closeError_;         // why the connection is closed, and the server's last words
   std::string closeText_;
 };
 

@@ -8,6 +8,7 @@
 
 #include "framework/internet/Failure.h"
 #include "framework/internet/InternetErrors.h"
+#include "framework/platform/stop_token.h"
 
 namespace internet {
 
@@ -129,7 +130,10 @@ bool FtpDataChannel::tryToStand() {
   }
   platform::Socket accepted;
   platform::SocketAddress from;
-  while (!stands_ && socket_.accept(accepted, from) == IoStatus::done) stands_ = from.sameHost(peer_);
+  while (!stands_ && socket_.accept(accepted, from) == IoStatus::done) {
+    platform::throwIfStopped();
+    stands_ = from.sameHost(peer_);
+  }
   if (stands_) socket_ = std::move(accepted);
   return stands_;
 }

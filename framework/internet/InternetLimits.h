@@ -25,6 +25,8 @@ struct Timeouts {
 
 inline constexpr std::size_t kMaxReplyLine = std::size_t{64} * 1024;  // bytes of one reply line
 inline constexpr std::size_t kMaxReply = std::size_t{1024} * 1024;    // bytes of one reply, all its lines
+inline constexpr unsigned kMaxPreliminaryReplies = 1000;              // ahead of one final reply
+inline constexpr unsigned kMaxStrayReplies = 100;                     // that nobody asked for, at a time
 inline constexpr std::size_t kMaxArgument = 4096;                     // bytes of one command argument
 inline constexpr std::size_t kMaxHttpHeadLine = std::size_t{64} * 1024;
 inline constexpr std::size_t kMaxHttpHead = std::size_t{256} * 1024;  // all heads of a response; its trailers

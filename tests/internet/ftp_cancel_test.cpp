@@ -268,6 +268,22 @@ TEST_F(FtpCancel, AWorkerStoppedBeforehandConnectsToNothing) {
   EXPECT_TRUE(server.connections().empty());
 }
 
+// Only what came to wait noticed a stop.
+TEST_F(FtpCancel, WhereAReplyIsThereAlready) {
+  ScriptedFtp server;
+  latencyMs(
+      [&] {
+        Worker worker(server);
+        worker.session.onStatus = [&](std::uint32_t status) {
+          if (status != internet::kStatusRequestSent) return;
+          while (server.repliesSent() < 4) std::this_thread::yield();
+          platform::StopToken::current()->raise();
+        };
+        static_cast<void>(worker.connection->CreateDirectory("/new"));
+      },
+      [&] { server.waitForCommand("MKD"); });
+}
+
 TEST_F(FtpCancel, AStoppedUploadIsNeverTakenForAWholeFile) {
   for (int i = 0; i < 20; ++i) {
     ScriptedFtp server;

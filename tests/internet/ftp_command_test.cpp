@@ -24,6 +24,12 @@ class FtpCommand : public FtpTest {
   static ScriptedFtp answering(const json& steps) {
     return ScriptedFtp(json{{"rules", {{{"on", "DELE"}, {"do", steps}}}}});
   }
+
+  static std::string repeated(std::string_view line, unsigned count) {
+    std::string all;
+    for (unsigned i = 0; i < count; ++i) all += line;
+    return all;
+  }
 };
 
 TEST_F(FtpCommand, DoesWhatItIsToldTo) {
@@ -126,6 +132,34 @@ TEST_F(FtpCommand, GivesUpOnRepliesWithoutEnd) {
     auto connection = connect(server);
     EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12152u) << step;
     EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12030u) << step;
+  }
+}
+
+// Such a server was listened to for ever.
+TEST_F(FtpCommand, GivesUpOnAServerThatNeverComesToAnAnswer) {
+  for (const unsigned more : {0u, 1u}) {
+    const std::string waits = repeated("110 Wait\r\n", internet::kMaxPreliminaryReplies + more);
+    ScriptedFtp server(json{{"rules",
+                             {{{"on", "DELE"}, {"do", {{{"raw", waits + "250 Done\r\n"}}}}},
+                              {{"on", "TYPE"}, {"do", {{{"raw", waits + "200 Binary\r\n"}}}}}}}});
+    const std::uint32_t error = more == 0 ? 0u : 12152u;
+    EXPECT_EQ(errorOf([&, connection = connect(server)] { return connection->Remove("/x"); }), error);
+    const auto connection = connect(server);
+    EXPECT_EQ(thrownBy([&] { openToRead(*connection, "/x"); }).error, more == 0 ? 12003u : 12152u);
+    EXPECT_EQ(works(*connection), more == 0);
+  }
+}
+
+TEST_F(FtpCommand, GivesUpOnAServerThatSpeaksUnaskedWithoutEnd) {
+  for (const unsigned more : {0u, 1u}) {
+    const std::string unasked = repeated("200 Unasked\r\n", internet::kMaxStrayReplies + more);
+    ScriptedFtp server = answering({{{"raw", "250 Done\r\n" + unasked}}});
+    auto connection = connect(server);
+    EXPECT_TRUE(connection->Remove("/x"));
+    EXPECT_EQ(errorOf([&] { return works(*connection); }), more == 0 ? 0u : 12152u);
+    connection = connect(server);
+    EXPECT_TRUE(connection->Remove("/x"));
+    EXPECT_EQ(connection->WaitIdle(std::chrono::milliseconds(1)), more != 0);
   }
 }
 

@@ -297,9 +297,9 @@ TEST_F(FtpData, AServerWithoutBinaryTypeIsRefused) {
 
 // The preliminary reply was taken for the answer to TYPE, and each later reply for another command's.
 TEST_F(FtpData, APreliminaryReplyToALineSentAheadKeepsTheRepliesInStep) {
-  ScriptedFtp server = serverWith(
-      {{{"on", {"TYPE", "OPTS"}}, {"do", {{{"reply", {"110 Wait", "120 Wait", "200 Done"}}}}}},
-       {{"on", "CWD"}, {"argument", "/"}, {"do", {{{"reply", "110 Wait"}}, "normal"}}}});
+  ScriptedFtp server =
+      serverWith({{{"on", {"TYPE", "OPTS"}}, {"do", {{{"reply", {"110 Wait", "120 Wait", "200 Done"}}}}}},
+                  {{"on", "CWD"}, {"argument", "/"}, {"do", {{{"reply", "110 Wait"}}, "normal"}}}});
   auto connection = connect(server);
   const auto& control = connection->Control();
   control->request([&] {
