@@ -122,20 +122,29 @@ void FtpDataChannel::startToConnect(std::uint16_t port) {
 // One try, without waiting. A socket that is closed afterwards will never stand.
 bool FtpDataChannel::tryToStand() {
   if (stands_ || !socket_.isOpen()) return stands_;
-  if (!listening_) {
+  if (listening_) {
+    acceptPeer();
+  } else {
     const IoStatus status = socket_.connectResult();
     stands_ = status == IoStatus::done;
     if (status == IoStatus::failed) socket_.close();
-    return stands_;
   }
+  return stands_;
+}
+
+void FtpDataChannel::acceptPeer() {
   platform::Socket accepted;
   platform::SocketAddress from;
-  while (!stands_ && socket_.accept(accepted, from) == IoStatus::done) {
+  IoStatus status = IoStatus::failed;
+  while ((status = socket_.accept(accepted, from)) == IoStatus::done) {
     platform::throwIfStopped();
-    stands_ = from.sameHost(peer_);
+    if (!from.sameHost(peer_)) continue;
+    socket_ = std::move(accepted);
+    stands_ = true;
+    return;
   }
-  if (stands_) socket_ = std::move(accepted);
-  return stands_;
+  // Such a socket stays ready and fails again, for as long as it is waited for.
+  if (status != IoStatus::wouldBlock) socket_.close();
 }
 
 bool FtpDataChannel::standsWithin(const Deadline& deadline) {

@@ -42,6 +42,7 @@ class FtpDataChannel {
   void prepareActive();
   void startToConnect(std::uint16_t port);
   bool tryToStand();
+  void acceptPeer();
   bool standsWithin(const Deadline& deadline);
   void takeReplies(Opening& opening);
   bool standsAfterAll(const FtpReply& final, const Deadline& deadline);
