@@ -9,6 +9,7 @@
 #include <new>
 
 #include "Src/MessageLines.h"
+#include "Src/RetryLimit.h"
 #include "Src/RunningOperations.h"
 #include "framework/platform/last_error.h"
 
@@ -30,6 +31,25 @@ enum class Slot : std::size_t {
 // moment.
 void NoteOwnTable(const TQXIP& client) noexcept;
 
+// A host's function in a slot, while it runs as a retry. The library's function that it calls goes on with
+// the limit of the call that it retries: each would have granted runs of its own else, one inside the other.
+class SlotCall {
+ public:
+  SlotCall(const TQXIP& client, Slot slot, const RetryLimit& limit) noexcept;
+  ~SlotCall();
+  SlotCall(const SlotCall&) = delete;
+  SlotCall& operator=(const SlotCall&) = delete;
+
+  // The limit of the call of this thread that the slot's function is a retry of; null when it is none.
+  [[nodiscard]] static const RetryLimit* LimitAround(const TQXIP& client, Slot slot) noexcept;
+
+ private:
+  const TQXIP& m_client;
+  const Slot m_slot;
+  const RetryLimit& m_limit;
+  const SlotCall* const m_outer;
+};
+
 struct RetryRule {
   Slot slot;
   std::chrono::milliseconds pause{10};
@@ -50,16 +70,21 @@ bool RetryThroughSlot(TQXIP& client, std::uint32_t& retries, const RetryRule& ru
     }
   };
   const RunningOperation running(client);  // a run may call other operations, which dispatch messages
+  RetryLimit limit(retries, SlotCall::LimitAround(client, rule.slot));
   std::uint64_t failedRuns = 0;
   bool innermostIsOurs = true;
   bool ok = run();
   running.LeaveIfOrphaned();
-  while (!ok && retries > 0) {
+  while (!ok && limit.TakeRun(retries)) {
     platform::stoppableSleep(rule.pause);
-    --retries;
     ++failedRuns;
     innermostIsOurs = HasOwnSlot(client, rule.slot);
-    ok = innermostIsOurs ? run() : again(retries);
+    if (innermostIsOurs) {
+      ok = run();
+    } else {
+      const SlotCall call(client, rule.slot, limit);
+      ok = again(retries);
+    }
     running.LeaveIfOrphaned();
     if (!innermostIsOurs) break;
   }

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "Src/MessageLines.h"
+#include "Src/RetryLimit.h"
 #include "Src/SharedFlag.h"
 #include "framework/ModuleState.h"
 #include "framework/platform/last_error.h"
@@ -51,12 +52,12 @@ void RunWorker(void* argument, const WorkerShape& shape, Attempt attempt) {
   QXFtpThread& record = *static_cast<QXFtpThread*>(argument);
   const AFX_MAINTAIN_STATE2 moduleState(AfxGetAppModuleState());
   const DoneFlag done(record);
+  RetryLimit limit(*record.pRetries);
   AttemptOutcome failed;
   std::uint64_t failedRuns = 0;
   AttemptOutcome outcome = RunOnce(record, shape, attempt);
-  while (!outcome.ok && *record.pRetries > 0) {
+  while (!outcome.ok && limit.TakeRun(*record.pRetries)) {
     platform::stoppableSleep(shape.pause);
-    --*record.pRetries;
     ++failedRuns;
     failed = outcome;
     outcome = RunOnce(record, shape, attempt);

@@ -45,9 +45,9 @@ class DoneFlag {
   QXFtpThread& m_record;
 };
 
-// Runs `attempt` on the QXFtpThread at `argument` until it succeeds or *pRetries is used up. A failed
-// attempt's lines come after those of the attempts that followed it, as if each retry ran inside the attempt
-// before it; the stack does not grow with the retry count.
+// Runs `attempt` on the QXFtpThread at `argument` until it succeeds or may run no more (RetryLimit.h). A
+// failed attempt's lines come after those of the attempts that followed it, as if each retry ran inside the
+// attempt before it; the stack does not grow with the retry count.
 void RunWorker(void* argument, const WorkerShape& shape, Attempt attempt);
 
 // The usual shape: `site` names the worker in its entry and failed lines, and 10 ms pass before a retry.

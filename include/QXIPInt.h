@@ -5,6 +5,7 @@
 // line into m_szMessage and, when the host gave an error record, the failure into that record.
 //
 // Retry counts say how often a failed attempt is repeated (0 = one attempt), mostly after a pause of 10 ms.
+// OnIPError may grant further attempts: ten at most in one call of an operation.
 // The two host values at the end of an operation go to OnPoll unchanged.
 //
 // Remote paths: backslashes count as slashes, one trailing slash is dropped. A path of 256 characters or
