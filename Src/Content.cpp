@@ -37,8 +37,7 @@ struct ContentThread : QXFtpThread {
   std::uint64_t nSize = 0;
   std::uint64_t bAppend = 0;
   std::uint32_t nReserved = 0;
-  Block
-      block;  // what a read has got; the host's only when the operation succeeds, else a cancel would lose it
+  Block block;  // what the worker has read; the host's only when the worker's answer is the operation's
   std::uint32_t nBlockSize = 0;
 };
 
@@ -190,21 +189,17 @@ QXBool TQXIP::FTPReadFile(const char* pszPath, void** ppData, std::uint32_t* pnS
       *ppData = nullptr;
       *pnSize = 0;
     }
+    // It fills the host's variables itself, and what they then hold is the host's whatever the answer.
+    bool reran = false;
     const auto rerun = [&] {
-      void* block = nullptr;
-      std::uint32_t size = 0;
-      const bool ok = FTPReadFile(pszPath, &block, &size, nReserved, 1, nPollArg1, nPollArg2) != 0;
-      if (ok) {
-        record.block.reset(static_cast<std::uint8_t*>(block));
-        record.nBlockSize = size;
-      }
-      return ok;
+      reran = true;
+      return FTPReadFile(pszPath, ppData, pnSize, nReserved, 1, nPollArg1, nPollArg2) != 0;
     };
     WriteEntryLine(*this, sites::kReadFile, {.first = pszPath});
     const QXBool ok =
         RunReportedOperation(TransferCall(*this, record, &FTPReadFileThr, nPollArg1, nPollArg2),
                              {.site = sites::kReadFile, .paths = {.first = pszPath}}, checked, rerun);
-    if (ok != 0) {
+    if (ok != 0 && !reran) {
       *ppData = record.block.release();
       *pnSize = record.nBlockSize;
     }

@@ -159,7 +159,9 @@ class TQXIPIFInt {
   virtual QXBool FTPWriteFile(const char* pszPath, const void* pData, std::uint32_t nSize, QXBool bAppend,
                               std::uint32_t nReserved, std::uint32_t nRetries, QXHostValue nPollArg1,
                               QXHostValue nPollArg2) = 0;
-  // *ppData receives a block of *pnSize + 1 bytes; give it back with FTPFreeFileAPI.
+  // *ppData receives a block of *pnSize + 1 bytes; give it back with FTPFreeFileAPI. Null after a failure,
+  // with one exception: after a reconnect that OnPoll asked for, *ppData is what the second run left there,
+  // and the result can be 0 although that is a block. So give back whatever is not null.
   virtual QXBool FTPReadFile(const char* pszPath, void** ppData, std::uint32_t* pnSize,
                              std::uint32_t nReserved, std::uint32_t nRetries, QXHostValue nPollArg1,
                              QXHostValue nPollArg2) = 0;

@@ -78,7 +78,7 @@ TEST_P(ContentPoll, ReconnectingRunsTheOperationAgainButTheFirstOutcomeStands) {
   const fixture::ScriptedFtp server(script(rule(R"("nth": 1)", kStalls)));
   loginAt(server);
   atGate(server, "never", reconnects);
-  EXPECT_EQ(run(3), 0);
+  EXPECT_EQ(operation.run(client, {.target = target, .retries = 3, .secondRunSucceeds = true}), 0);
   server.waitUntilAllClosed();
   EXPECT_EQ(transfers(server), 2);
   EXPECT_TRUE(arrived(server));
