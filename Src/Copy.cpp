@@ -51,13 +51,16 @@ Step copyChunks(CopyThread& record, RemoteFile& source, LocalFile& target, const
   return Step::failed;
 }
 
-// Remote file to local file.
-Step fetch(CopyThread& record, CFtpConnection& connection, const char* remote, const char* local,
+// Remote file to the local file that `localName` names (null: it cannot). It is asked behind the opening of
+// the source: without one nothing local is claimed.
+template <typename LocalName>
+Step fetch(CopyThread& record, CFtpConnection& connection, const char* remote, LocalName&& localName,
            std::uint32_t size) {
   RemoteFile source(*record.pQXIP, record.pRetries);
   LocalFile target(*record.pQXIP, record.pRetries);
   if (!source.Open(connection, remote, internet::kGenericRead)) return Step::failed;
-  if (!target.Open(local, CFile::modeCreate | CFile::modeWrite)) return Step::failed;
+  const char* const local = localName();
+  if (local == nullptr || !target.Open(local, CFile::modeCreate | CFile::modeWrite)) return Step::failed;
   const Step step = copyChunks(record, source, target, remote, size);
   if (step == Step::failed) return step;
   // The server's last word on a copy that was broken off does not matter.
@@ -81,16 +84,19 @@ bool remoteToRemote(CopyThread& record, CFtpConnection& connection) {
   const std::uint32_t size = sizeOf(record, 1);
   PathText source;
   TemporaryCopy copy;
-  if (!MakeFtpPath(record.pszName, source) || !copy.NameAfter(record.pszNewName)) return false;
-  const Step step = fetch(record, connection, source.c_str(), copy.Name(), size);
+  if (!MakeFtpPath(record.pszName, source)) return false;
+  // The file may be that of another copy until this one has a source and takes it over.
+  const auto temporaryName = [&] { return copy.NameAfter(record.pszNewName) ? copy.Name() : nullptr; };
+  const Step step = fetch(record, connection, source.c_str(), temporaryName, size);
   return step == Step::stopped || (step == Step::done && store(record, copy.Name()));
 }
 
 bool remoteToLocal(CopyThread& record, CFtpConnection& connection) {
   const std::uint32_t size = sizeOf(record, *record.pRetries);
   PathText source;
+  const auto localName = [&] { return record.pszNewName; };
   const bool ok = MakeFtpPath(record.pszName, source) &&
-                  fetch(record, connection, source.c_str(), record.pszNewName, size) != Step::failed;
+                  fetch(record, connection, source.c_str(), localName, size) != Step::failed;
   const platform::LastErrorKeeper reason;
   record.pQXIP->OnAfterDisconnect();
   return ok;

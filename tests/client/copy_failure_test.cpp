@@ -191,6 +191,21 @@ TEST_F(CopyFailure, WithoutATemporaryFolderACopyOnTheServerFails) {
   EXPECT_EQ(copy("/a", target.c_str()), 1) << "needs none";
 }
 
+// A copy whose source could not be opened deleted the temporary file of another that was still using it.
+TEST_F(CopyFailure, WithoutASourceNothingLocalIsTouched) {
+  const fixture::ScriptedFtp server;
+  loginAt(server);
+  EXPECT_EQ(copy("/none", "/b"), 0);
+  EXPECT_FALSE(std::filesystem::exists(temporary.path() / "FTP"));
+  std::filesystem::create_directory(temporary.path() / "FTP");
+  std::ofstream(temporaryFile("b")) << "of another copy";
+  EXPECT_EQ(copy("/none", "/b", 2), 0);
+  EXPECT_EQ(std::filesystem::file_size(temporaryFile("b")), 15u);
+  write("mine");
+  EXPECT_EQ(copy("/none", target.c_str(), 2), 0);
+  EXPECT_EQ(content(), "mine");
+}
+
 TEST_F(CopyFailure, ATargetWithoutANameFailsAndDeletesNothing) {
   const fixture::ScriptedFtp server(R"({"tree": {"/a": "one"}})");
   loginAt(server);
