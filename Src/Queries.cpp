@@ -88,9 +88,9 @@ bool queryFileExists(QXFtpThread& record, CFtpFileFind& finder) {
   if (!MakeFtpPath(record.pszName, path)) return false;
   if (!finder.FindFile(path.c_str(), internet::kFlagReload)) return true;
   finder.FindNextFile();
-  const bool isFile = !finder.IsDirectory();
-  record.bResult =
-      isFile && EqualNames(lastComponent(entryName(finder)).c_str(), lastComponent(path).c_str()) ? 1 : 0;
+  const PathText entry = entryName(finder);
+  const bool isFile = !finder.IsDirectory() && !entry.empty();  // the root's last component is empty, too
+  record.bResult = isFile && EqualNames(lastComponent(entry).c_str(), lastComponent(path).c_str()) ? 1 : 0;
   return true;
 }
 

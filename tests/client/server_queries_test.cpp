@@ -104,6 +104,21 @@ TEST_P(ServerQueries, APathOf255CharactersIsAskedFor) {
   EXPECT_EQ(client.FTPFileSize(("/" + name).c_str(), 0, 0, 0), 5u);
 }
 
+// A name that no path of the client can hold was taken for an empty one, and the root has that, too.
+TEST_P(ServerQueries, TheRootIsNoFileWhateverItsFirstEntryIsCalled) {
+  for (const std::size_t length : {1u, 255u, 256u, 259u, 260u, 261u, 3000u}) {
+    const std::string name(length, 'n');
+    server.reconfigure(
+        R"({"rules": [{"on": "LIST", "do": [{"normal": {"lines": ["-rw-r--r-- 1 r r 7 Jan 12 2024 )" + name +
+        R"("]}}]}, {"on": "MLSD", "do": [{"normal": {"lines": ["type=file;size=7; )" + name + R"("]}}]}]})");
+    for (const char* root : {"/", "\\"}) EXPECT_FALSE(fileExists(root)) << length;
+    EXPECT_FALSE(fileExists("/pub")) << length;
+    EXPECT_FALSE(dirExists("/none")) << length;
+    EXPECT_EQ(client.FTPFileSize("/", 0, 0, 0), 7u) << length;
+  }
+  EXPECT_EQ(client.count("OnIPError"), 0u);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Settings, ServerQueries,
     testing::Values(Setting{"OwnConnectionMlst", "", false},
