@@ -2,13 +2,12 @@
 #include "framework/internet/FindRule.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
-#include "framework/internet/AsciiText.h"
 #include "framework/internet/Failure.h"
 #include "framework/internet/InternetErrors.h"
 #include "framework/internet/ListingRow.h"
+#include "framework/internet/ServerWords.h"
 #include "framework/platform/stop_token.h"
 
 namespace internet {
@@ -20,18 +19,16 @@ bool commandUnknown(const FtpReply& reply) noexcept {
 }
 
 // How servers that refuse to list an empty directory put it; the second group could also speak of the
-// directory itself, where it is not known to exist.
-bool saysNothingThere(std::string_view text, bool directoryExists) noexcept {
-  static constexpr std::array<std::string_view, 3> kEmpty{"no files", "empty", "no match"};
-  static constexpr std::array<std::string_view, 3> kMissing{"no such file", "not found", "cannot find"};
-  const auto isSaid = [text](std::string_view words) { return containsBlindToCase(text, words); };
-  return std::any_of(kEmpty.begin(), kEmpty.end(), isSaid) ||
-         (directoryExists && std::any_of(kMissing.begin(), kMissing.end(), isSaid));
+// directory itself, where it is not known to exist. In doubt the directory is not empty.
+bool saysNothingThere(std::string_view text, const QuotedPaths& paths, bool directoryExists) {
+  return serverSays(text, {"no files", "empty", "no match"}, paths, BareName::anywhere) ||
+         (directoryExists &&
+          serverSays(text, {"no such file", "not found", "cannot find"}, paths, BareName::anywhere));
 }
 
-bool refusedForEmptiness(const FtpListingText& answer, bool directoryExists) noexcept {
+bool refusedForEmptiness(const FtpListingText& answer, const QuotedPaths& paths, bool directoryExists) {
   return answer.text.empty() && (answer.reply.code == 450 || answer.reply.code == 550) &&
-         saysNothingThere(answer.reply.text, directoryExists);
+         saysNothingThere(answer.reply.text, paths, directoryExists);
 }
 
 // The fact line among the lines of a reply to MLST; with or without a blank or the code before it.
@@ -178,8 +175,10 @@ FtpListingText FindRule::fetch(std::string_view verb, std::string_view directory
 
 std::vector<FtpEntry> FindRule::entriesOf(const FtpListingText& answer, Form form, std::string_view directory,
                                           bool exists) {
+  const std::string current = control_.directoryForReturn().value_or("");
+  const QuotedPaths paths{.asked = directory, .current = current};
   if (answer.reply.refused()) {
-    if (refusedForEmptiness(answer, exists)) return {};
+    if (refusedForEmptiness(answer, paths, exists)) return {};
     // Rows have come: this is no answer to the question whether there are any.
     listingUnusable_ = !answer.text.empty();
     control_.raise(answer.reply);
@@ -187,16 +186,19 @@ std::vector<FtpEntry> FindRule::entriesOf(const FtpListingText& answer, Form for
   const ListingRules rules{.directory = directory, .betweenRows = &platform::throwIfStopped};
   FtpListing listing =
       form == Form::facts ? parseMlsd(answer.text, rules) : parseList(answer.text, now_, rules);
-  checkWhole(answer.reply, listing);
-  if (listing.entries.empty() && !listing.errorText.empty() && !saysNothingThere(listing.errorText, exists)) {
+  // "226-Output truncated to 10000 matches". In doubt it is truncated.
+  if (serverSays(answer.reply.text, {"truncated"}, paths, BareName::leading)) {
+    failUnusable(kExtendedError, answer.reply.text);
+  }
+  checkWhole(listing);
+  if (listing.entries.empty() && !listing.errorText.empty() &&
+      !saysNothingThere(listing.errorText, paths, exists)) {
     fail(kExtendedError, listing.errorText);
   }
   return std::move(listing.entries);
 }
 
-void FindRule::checkWhole(const FtpReply& reply, const FtpListing& listing) {
-  // "226-Output truncated to 10000 matches"
-  if (containsBlindToCase(reply.text, "truncated")) failUnusable(kExtendedError, reply.text);
+void FindRule::checkWhole(const FtpListing& listing) {
   if (listing.overLimit) failUnusable(kInvalidServerResponse);
   // A last row without its end is taken when it can be read: the server says that it has sent all.
   if (listing.cutInLine && listing.lastLineUnparsed) failUnusable(kConnectionAborted);

@@ -55,7 +55,7 @@ class FindRule {
   FtpListingText fetch(std::string_view verb, std::string_view directory = {});
   std::vector<FtpEntry> entriesOf(const FtpListingText& answer, Form form, std::string_view directory,
                                   bool exists);
-  void checkWhole(const FtpReply& reply, const FtpListing& listing);
+  void checkWhole(const FtpListing& listing);
   [[noreturn]] void failUnusable(std::uint32_t error, std::string text = {});
   void withdrawFacts();
 
