@@ -5,6 +5,7 @@
 
 #include "dialogs/DirFileOpen.h"
 #include "dialogs/DirFileState.h"
+#include "framework/ui/NarrowText.h"
 #include "framework/ui/ThreadState.h"
 #include "framework/windows/windows_api.h"
 
@@ -21,7 +22,7 @@ void confirm(HWND window) {
   std::string folder = textOf(GetDlgItem(window, kFolderEdit));
   if (folder.empty()) folder = dialog.GetFolderPath();
   if (folder.empty()) return;
-  if (HasDoubledBackslash(folder.c_str())) {
+  if (HasDoubledBackslash(folder)) {
     MessageBoxA(window, "Invalid Folder", nullptr, MB_ICONERROR);
     return;
   }
@@ -61,9 +62,7 @@ void InstallOkInterceptor(CDirFileOpen& dialog) noexcept {
       SetWindowLongPtrA(g_dirFileState.window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&onMessage)));
 }
 
-bool HasDoubledBackslash(const char* folder) noexcept {
-  if (*folder == '\0') return false;
-  for (const char* at = CharNextA(folder); *at != '\0'; at = CharNextA(at))
-    if (at[0] == '\\' && at[1] == '\\') return true;
-  return false;
+bool HasDoubledBackslash(std::string_view folder) noexcept {
+  if (folder.empty()) return false;
+  return findText(folder.substr(characterSize(folder, 0)), "\\\\") != std::string_view::npos;
 }

@@ -3,10 +3,12 @@
 // dialog holds.
 #pragma once
 
+#include <string_view>
+
 class CDirFileOpen;
 
 // From now on `dialog` decides about the OK of its real window.
 void InstallOkInterceptor(CDirFileOpen& dialog) noexcept;
 
 // Two backslashes in a row behind the first character. Second bytes of two-byte characters do not count.
-[[nodiscard]] bool HasDoubledBackslash(const char* folder) noexcept;
+[[nodiscard]] bool HasDoubledBackslash(std::string_view folder) noexcept;

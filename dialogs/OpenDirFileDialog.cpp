@@ -8,13 +8,16 @@
 #include "dialogs/DirFileOpen.h"
 #include "dialogs/DirFileState.h"
 #include "dialogs/PathList.h"
+#include "framework/ui/NarrowText.h"
 
 bool OpenDirFileDialog(const DirFileRequest& request, const HostOutput& output) {
   if (request.title == nullptr || request.okText == nullptr || request.reserved == nullptr || !output.given())
     return false;
   output.clear();
   std::string directory;
-  if (output.pszPath != nullptr) directory.assign(output.pszPath, strnlen(output.pszPath, kPathCapacity - 1));
+  if (output.pszPath != nullptr)
+    directory =
+        leadingCharacters({output.pszPath, strnlen(output.pszPath, kPathCapacity)}, kPathCapacity - 1);
   auto made = std::make_unique<CDirFileOpen>(request.title, request.okText, request.reserved, request.files,
                                              request.open, request.mode, directory.c_str(), request.flags, "",
                                              nullptr);

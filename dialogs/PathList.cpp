@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "framework/windows/windows_api.h"
+#include "framework/ui/NarrowText.h"
 #include "support/Paths.h"
 
 PathList MakePathList(const std::string& folder, const std::vector<std::string>& names) {
@@ -23,8 +23,7 @@ PathList MakePathList(const std::string& folder, const std::vector<std::string>&
 bool NormaliseFolder(const std::string& folder, PathText& result) {
   // A backslash byte may be the second half of the last character, which the normaliser would cut: it gets a
   // real separator to drop.
-  const bool halved =
-      !folder.empty() && *CharPrevA(folder.c_str(), folder.c_str() + folder.size()) != folder.back();
+  const bool halved = folder.ends_with('\\') && !endsWith(folder, '\\');
   std::string text = folder;
   if (halved) text.push_back('\\');
   if (text.size() > kPathCapacity) return false;

@@ -11,6 +11,7 @@
 #include "dialogs/SystemControls.h"
 #include "dialogs/SystemGeneration.h"
 #include "framework/ui/DataExchange.h"
+#include "framework/ui/NarrowText.h"
 
 namespace {
 
@@ -42,15 +43,8 @@ void place(HWND dialog, HWND window, RECT rect) {
                SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-// "C:\data\a.txt" -> "C:\data", "C:\a.txt" -> "C:", "a.txt" -> "a.txt". The second byte of a character may
-// look like a backslash.
-std::string cutBeforeLastBackslash(const std::string& path) {
-  const char* last = nullptr;
-  for (const char* at = path.c_str(); *at != '\0'; at = CharNextA(at)) {
-    if (*at == '\\') last = at;
-  }
-  return last != nullptr ? std::string(path.c_str(), last) : path;
-}
+// "C:\data\a.txt" -> "C:\data", "C:\a.txt" -> "C:", "a.txt" -> "a.txt".
+std::string cutBeforeLastBackslash(const std::string& path) { return path.substr(0, findLastOf(path, "\\")); }
 
 }  // namespace
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "framework/ui/CommonDialogs.h"
+#include "framework/ui/NarrowText.h"
 #include "framework/ui/ShellFileDialog.h"
 #include "framework/ui/ThreadState.h"
 #include "framework/ui/WideText.h"
@@ -22,7 +23,7 @@ const char* given(const char* text) { return text != nullptr ? text : ""; }
 std::string recordFilter(const char* filter) {
   std::string result = given(filter);
   if (!result.empty()) result.push_back('\0');
-  std::replace(result.begin(), result.end(), '|', '\0');
+  replaceEach(result, '|', '\0');
   return result;
 }
 
@@ -226,7 +227,7 @@ void CFileDialog::takeChosenNames(const OPENFILENAMEA& record) {
   }
   m_folder = first;
   for (; *name != '\0'; name += std::strlen(name) + 1)
-    m_paths.push_back(first + (first.ends_with('\\') ? "" : "\\") + name);
+    m_paths.push_back(first + (endsWith(first, '\\') ? "" : "\\") + name);
 }
 
 void CFileDialog::abandon() const noexcept { PostMessageA(GetParent(), WM_COMMAND, IDCANCEL, 0); }

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "framework/WinApp.h"
+#include "framework/ui/NarrowText.h"
 #include "framework/windows/windows_api.h"
 
 namespace {
@@ -23,9 +24,9 @@ std::string modulePath() {
 
 std::string profileFile(const CWinApp& app) {
   if (app.m_pszProfileName != nullptr) return app.m_pszProfileName;
-  std::string name = modulePath();
-  name.erase(0, name.find_last_of("\\/") + 1);
-  return name.substr(0, name.rfind('.')) + ".INI";
+  const std::string path = modulePath();
+  const std::string_view name = lastComponent(path);
+  return std::string(name.substr(0, findLastOf(name, "."))) + ".INI";
 }
 
 bool fitsALine(std::string_view text) { return text.find_first_of("\r\n") == std::string_view::npos; }
