@@ -3,9 +3,9 @@
 
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "framework/ui/Com.h"
-#include "framework/ui/ThreadState.h"
 // Only now:
 #include <shlobj.h>
 
@@ -14,6 +14,8 @@ namespace {
 // Where the next dialog starts; its callback reads it.
 std::string g_strStartFolder;
 
+HWND g_hBrowser = nullptr;  // the dialog of the innermost call, once it is there
+
 std::string currentDirectory() {
   char path[MAX_PATH + 1] = "";
   const DWORD length = GetCurrentDirectoryA(sizeof path, path);
@@ -21,6 +23,7 @@ std::string currentDirectory() {
 }
 
 int CALLBACK onBrowse(HWND dialog, UINT message, LPARAM item, LPARAM) noexcept {
+  if (message == BFFM_INITIALIZED) g_hBrowser = dialog;
   if (message == BFFM_INITIALIZED && !g_strStartFolder.empty()) {
     SendMessageA(dialog, BFFM_SETSELECTIONA, TRUE, reinterpret_cast<LPARAM>(g_strStartFolder.c_str()));
   }
@@ -48,16 +51,17 @@ CFolderDlg::CFolderDlg(BOOL noNewFolder, const std::string& startFolder, CWnd* p
 
 INT_PTR CFolderDlg::DoModal() {
   m_strPath.clear();
+  ModalRun run;
   {
     const Apartment apartment;
     if (!apartment.Entered()) return IDCANCEL;
-    browse();
+    browse(run);
   }
-  AfxRethrowKept();
+  run.Rethrow();
   return m_strPath.empty() ? IDCANCEL : IDOK;
 }
 
-void CFolderDlg::browse() {
+void CFolderDlg::browse(ModalRun& run) {
   const auto allocator = taskAllocator();
   if (allocator == nullptr) return;
   char displayName[MAX_PATH] = "";
@@ -69,7 +73,11 @@ void CFolderDlg::browse() {
   if (m_bNoNewFolder != FALSE) info.ulFlags |= BIF_NONEWFOLDERBUTTON;
   info.lpfn = onBrowse;
   const auto free = [&](ITEMIDLIST* item) noexcept { allocator->Free(item); };
-  const std::unique_ptr<ITEMIDLIST, decltype(free)> item(SHBrowseForFolderA(&info), free);
+  std::unique_ptr<ITEMIDLIST, decltype(free)> item(nullptr, free);
+  const HWND outer = std::exchange(g_hBrowser, nullptr);
+  run.Show([&] { item.reset(SHBrowseForFolderA(&info)); },
+           [] { SendMessageA(g_hBrowser, WM_COMMAND, IDCANCEL, 0); });
+  g_hBrowser = outer;
   char path[MAX_PATH] = "";
   if (item != nullptr && SHGetPathFromIDListA(item.get(), path)) m_strPath = path;
 }

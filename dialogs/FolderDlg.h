@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "framework/ui/ModalRun.h"
 #include "framework/ui/Wnd.h"
 
 class CFolderDlg {
@@ -15,7 +16,7 @@ class CFolderDlg {
   CFolderDlg& operator=(const CFolderDlg&) = delete;
 
   // IDOK when a folder was chosen, else IDCANCEL; also at once where the thread cannot be a single-threaded
-  // apartment. Rethrows what left a handler of the parent.
+  // apartment. What leaves a handler of the parent ends the dialog and is rethrown.
   virtual INT_PTR DoModal();
 
   // The instruction above the tree.
@@ -23,7 +24,7 @@ class CFolderDlg {
   [[nodiscard]] std::string GetPath() const { return m_strPath; }
 
  private:
-  void browse();
+  void browse(ModalRun& run);
 
   BOOL m_bNoNewFolder;
   CWnd* m_pParent;

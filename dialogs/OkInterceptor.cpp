@@ -41,7 +41,6 @@ LRESULT CALLBACK onMessage(HWND window, UINT message, WPARAM wParam, LPARAM lPar
       confirm(window);
     } catch (...) {
       AfxKeepException();
-      EndDialog(window, IDCANCEL);
     }
     return 0;
   }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "framework/ui/CommonDialogs.h"
+#include "framework/ui/ModalRun.h"
 #include "framework/ui/NarrowText.h"
 #include "framework/ui/ShellFileDialog.h"
 #include "framework/ui/ThreadState.h"
@@ -89,9 +90,15 @@ bool CFileDialog::isNewer() const noexcept {
 
 int CFileDialog::runNewer() {
   ChosenFiles chosen;
-  const ModalScope scope(*this);
-  m_ofn.hwndOwner = scope.owner;
-  if (!showShellFileDialog(m_ofn, m_bOpenFileDialog, chosen)) return IDCANCEL;
+  bool confirmed = false;
+  ModalRun run;
+  {
+    const ModalScope scope(*this);
+    m_ofn.hwndOwner = scope.owner;
+    confirmed = showShellFileDialog(m_ofn, m_bOpenFileDialog, run, chosen);
+  }
+  run.Rethrow();
+  if (!confirmed) return IDCANCEL;
   m_folder = std::move(chosen.folder);
   m_paths = std::move(chosen.paths);
   return IDOK;
@@ -99,6 +106,7 @@ int CFileDialog::runNewer() {
 
 int CFileDialog::RunClassic(OPENFILENAMEA& record) {
   BOOL result = FALSE;
+  ModalRun run;
   {
     const ModalScope scope(*this);
     record.hwndOwner = scope.owner;
@@ -108,9 +116,10 @@ int CFileDialog::RunClassic(OPENFILENAMEA& record) {
     } else {
       AfxHookWindowCreate(this);
     }
-    result = (m_bOpenFileDialog ? g_commonDialogs.openFileName : g_commonDialogs.saveFileName)(&record);
+    const auto show = m_bOpenFileDialog ? g_commonDialogs.openFileName : g_commonDialogs.saveFileName;
+    run.Show([&] { result = show(&record); }, [this] { cancel(); });
   }
-  AfxRethrowKept();
+  run.Rethrow();
   if (result == FALSE) return IDCANCEL;
   takeChosenNames(record);
   return result;
@@ -157,16 +166,6 @@ bool CFileDialog::OnInitDialog() {
   return true;
 }
 
-LRESULT CFileDialog::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
-  try {
-    return CWnd::WindowProc(message, wParam, lParam);
-  } catch (...) {
-    AfxKeepException();
-    abandon();
-    return 0;
-  }
-}
-
 bool CFileDialog::OnNotify(WPARAM, LPARAM lParam, LRESULT* result) {
   switch (reinterpret_cast<const NMHDR*>(lParam)->code) {
     case CDN_INITDONE:
@@ -185,19 +184,15 @@ bool CFileDialog::OnNotify(WPARAM, LPARAM lParam, LRESULT* result) {
 }
 
 UINT_PTR CALLBACK CFileDialog::hook(HWND window, UINT message, WPARAM, LPARAM) {
-  AFX_THREAD_STATE* const state = AfxGetThreadState();
-  if (state->m_pAlternateWndInit != nullptr)
-    std::exchange(state->m_pAlternateWndInit, nullptr)->SubclassWindow(window);
-  auto* const dialog = static_cast<CFileDialog*>(FromHandlePermanent(window));
-  if (message != WM_INITDIALOG || dialog == nullptr) return 0;
-  bool focus = true;
   try {
-    focus = dialog->OnInitDialog();
+    CWnd*& waiting = AfxGetThreadState()->m_pAlternateWndInit;
+    if (waiting != nullptr) std::exchange(waiting, nullptr)->SubclassWindow(window);
+    auto* const dialog = static_cast<CFileDialog*>(FromHandlePermanent(window));
+    if (message == WM_INITDIALOG && dialog != nullptr) return dialog->OnInitDialog();
   } catch (...) {
     AfxKeepException();
   }
-  if (state->m_pending) dialog->abandon();
-  return focus;
+  return 0;
 }
 
 // The message's answer tells the size that it needs, with the terminator; negative when there is no such
@@ -230,4 +225,7 @@ void CFileDialog::takeChosenNames(const OPENFILENAMEA& record) {
     m_paths.push_back(first + (endsWith(first, '\\') ? "" : "\\") + name);
 }
 
-void CFileDialog::abandon() const noexcept { PostMessageA(GetParent(), WM_COMMAND, IDCANCEL, 0); }
+void CFileDialog::cancel() const noexcept {
+  const HWND dialog = (m_ofn.Flags & OFN_EXPLORER) != 0 ? GetParent() : m_hWnd;
+  if (m_hWnd != nullptr) SendMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+}

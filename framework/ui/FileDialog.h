@@ -22,8 +22,8 @@ class CFileDialog : public CWnd {
   CFileDialog(bool open, const char* defaultExtension, const char* fileName, DWORD flags, const char* filter,
               HWND parent, DWORD size = 0, bool newerStyle = true);
 
-  // Runs the dialog: IDOK or IDCANCEL. Rethrows what left a handler; throws std::runtime_error when the
-  // newer dialog cannot be made.
+  // Runs the dialog: IDOK or IDCANCEL. What leaves a message handler of this thread meanwhile, be it the
+  // owner's, ends the dialog and is rethrown. Throws std::runtime_error when the newer dialog cannot be made.
   virtual int DoModal();
 
   // The folder shown: while the dialog is up from the dialog, afterwards the chosen files' one. "" for a
@@ -56,7 +56,6 @@ class CFileDialog : public CWnd {
   // Nonzero keeps the dialog open.
   virtual int OnFileNameOK() { return 0; }
 
-  LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
   bool OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* result) override;
 
  private:
@@ -66,7 +65,7 @@ class CFileDialog : public CWnd {
   [[nodiscard]] bool isNewer() const noexcept;
   int runNewer();
   void takeChosenNames(const OPENFILENAMEA& record);
-  void abandon() const noexcept;
+  void cancel() const noexcept;
 
   const bool m_newerStyle;
   const HWND m_parent;

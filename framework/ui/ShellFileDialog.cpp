@@ -116,12 +116,14 @@ std::vector<std::string> chosenPaths(IFileDialog& dialog) {
 
 }  // namespace
 
-bool showShellFileDialog(const OPENFILENAMEA& record, bool open, ChosenFiles& chosen) {
+bool showShellFileDialog(const OPENFILENAMEA& record, bool open, ModalRun& run, ChosenFiles& chosen) {
   const Apartment apartment;
   const auto dialog = makeDialog(open);
   prepare(*dialog, record);
-  const HRESULT shown = dialog->Show(record.hwndOwner);
-  if (shown == HRESULT_FROM_WIN32(ERROR_CANCELLED)) return false;
+  constexpr HRESULT kCancelled = HRESULT_FROM_WIN32(ERROR_CANCELLED);
+  HRESULT shown = kCancelled;
+  run.Show([&] { shown = dialog->Show(record.hwndOwner); }, [&] { dialog->Close(kCancelled); });
+  if (shown == kCancelled) return false;
   require(shown, "the file dialog cannot be shown");
 
   const auto folder = got<IShellItem>([&](IShellItem** out) { return dialog->GetFolder(out); });

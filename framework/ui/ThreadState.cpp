@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "framework/ui/ModalRun.h"
 #include "framework/ui/Wnd.h"
 
 namespace {
@@ -15,7 +16,11 @@ LRESULT CALLBACK onComputerBasedTraining(int code, WPARAM wParam, LPARAM lParam)
   const HHOOK hook = state->m_hHookCbt;
   if (code == HCBT_CREATEWND && state->m_pWndInit != nullptr) {
     CWnd* const window = std::exchange(state->m_pWndInit, nullptr);
-    window->SubclassWindow(reinterpret_cast<HWND>(wParam));
+    try {
+      window->SubclassWindow(reinterpret_cast<HWND>(wParam));
+    } catch (...) {
+      AfxKeepException();
+    }
   }
   return CallNextHookEx(hook, code, wParam, lParam);
 }
@@ -39,8 +44,5 @@ bool AfxUnhookWindowCreate() noexcept {
 
 void AfxKeepException() noexcept {
   if (!t_state.m_pending) t_state.m_pending = std::current_exception();
-}
-
-void AfxRethrowKept() {
-  if (t_state.m_pending) std::rethrow_exception(std::exchange(t_state.m_pending, nullptr));
+  if (t_state.m_pModalRun != nullptr) t_state.m_pModalRun->CancelSoon();
 }

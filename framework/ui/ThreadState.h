@@ -7,11 +7,13 @@
 #include "framework/windows/windows_api.h"
 
 class CWnd;
+class ModalRun;
 
 struct AFX_THREAD_STATE {
   CWnd* m_pWndInit = nullptr;           // gets the next window that the thread creates
   CWnd* m_pAlternateWndInit = nullptr;  // gets the window of the next common-dialog hook procedure
   HHOOK m_hHookCbt = nullptr;           // set while m_pWndInit waits
+  ModalRun* m_pModalRun = nullptr;      // the innermost of the system's dialogs
   std::exception_ptr m_pending;         // left a message handler and waits behind the system's frames
 };
 
@@ -24,7 +26,6 @@ void AfxHookWindowCreate(CWnd* window);
 // False when no window has come.
 bool AfxUnhookWindowCreate() noexcept;
 
-// No exception may pass through the system's frames: message handlers leave theirs here, and whoever called
-// into the system lets it go on from there.
-void AfxKeepException() noexcept;  // REQUIRES: inside a catch block. The first one counts.
-void AfxRethrowKept();
+// No exception may pass through the system's frames: message handlers leave theirs here, and the dialog that
+// is shown ends (ModalRun). REQUIRES: inside a catch block. The first one counts.
+void AfxKeepException() noexcept;

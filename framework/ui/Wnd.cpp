@@ -48,7 +48,13 @@ bool CWnd::SubclassWindow(HWND window) {
   if (window == nullptr || m_hWnd != nullptr || FromHandlePermanent(window) != nullptr) return false;
   if (!SetPropA(window, kObject, this)) return false;
   m_hWnd = window;
-  PreSubclassWindow();
+  try {
+    PreSubclassWindow();
+  } catch (...) {
+    forget();
+    m_hWnd = nullptr;
+    throw;
+  }
   m_pfnSuper = reinterpret_cast<WNDPROC>(
       SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(dispatch)));
   return m_pfnSuper != nullptr;

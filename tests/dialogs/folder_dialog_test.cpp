@@ -10,6 +10,7 @@
 #include "tests/dialogs/BrowseControls.h"
 #include "tests/dialogs/Driver.h"
 #include "tests/dialogs/SettledFolder.h"
+#include "tests/dialogs/ThrowingOwner.h"
 // Only now:
 #include <commctrl.h>
 #include <objbase.h>
@@ -43,20 +44,6 @@ class FolderDialog : public testing::Test {
 
   const SettledFolder scratch;
   const std::string start = scratch.path();
-};
-
-class Owner : public CWnd {
- public:
-  Owner() { CreateEx(0, "STATIC", "owner", WS_OVERLAPPEDWINDOW, RECT{0, 0, 200, 100}, nullptr, 0); }
-  ~Owner() override { DestroyWindow(); }
-
-  std::function<void(UINT)> onMessage = [](UINT) {};
-
- protected:
-  LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
-    onMessage(message);
-    return CWnd::WindowProc(message, wParam, lParam);
-  }
 };
 
 enum class Apartment { kNone, kSingleThreaded, kMultithreaded };
@@ -105,7 +92,7 @@ TEST_F(FolderDialog, TheTitleIsTheInstructionAboveTheTree) {
 }
 
 TEST_F(FolderDialog, TheOwnerIsDisabledMeanwhile) {
-  Owner owner;
+  ThrowingOwner owner;
   CFolderDlg dialog(TRUE, start, &owner);
   HWND seen = nullptr;
   BOOL enabled = TRUE;
@@ -119,13 +106,16 @@ TEST_F(FolderDialog, TheOwnerIsDisabledMeanwhile) {
   EXPECT_TRUE(IsWindowEnabled(owner.m_hWnd));
 }
 
-TEST_F(FolderDialog, WhatTheOwnersHandlerThrowsComesOutOfTheCall) {
-  Owner owner;
-  owner.onMessage = [](UINT message) {
-    if (message == WM_ENABLE) throw std::runtime_error("owner");
-  };
+TEST_F(FolderDialog, WhatTheOwnersHandlerThrowsEndsItAndComesOutOfTheCall) {
+  ThrowingOwner owner;
   CFolderDlg dialog(TRUE, start, &owner);
-  EXPECT_THROW(confirm(dialog, start), std::runtime_error);
+  EXPECT_THROW(
+      run(dialog, [&owner](Driver&, HWND) { PostMessageA(owner.m_hWnd, ThrowingOwner::kThrow, 0, 0); }),
+      std::runtime_error);
+  EXPECT_TRUE(IsWindowEnabled(owner.m_hWnd));
+  owner.throwsWhenDisabled = true;
+  EXPECT_THROW(drive([&] { return dialog.DoModal(); }, [](Driver&) {}), std::runtime_error);
+  EXPECT_TRUE(IsWindowEnabled(owner.m_hWnd));
   owner.DestroyWindow();  // the system's input method keeps an apartment of its own beside a window
   EXPECT_EQ(apartment(), Apartment::kNone);
 }

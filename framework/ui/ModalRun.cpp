@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#include "framework/ui/ModalRun.h"
+
+#include <utility>
+
+#include "framework/ui/ThreadState.h"
+
+ModalRun::ModalRun() noexcept
+    : m_outer(std::exchange(AfxGetThreadState()->m_pModalRun, this)),
+      m_before(std::exchange(AfxGetThreadState()->m_pending, nullptr)) {}
+
+ModalRun::~ModalRun() {
+  if (m_timer != 0) KillTimer(nullptr, m_timer);
+  AfxGetThreadState()->m_pModalRun = m_outer;
+  AfxGetThreadState()->m_pending = m_before;
+}
+
+void ModalRun::Show(const std::function<void()>& show, const std::function<void()>& cancel) {
+  if (AfxGetThreadState()->m_pending) return;
+  struct Shown {
+    ModalRun& run;
+    ~Shown() { run.m_cancel = nullptr; }
+  } const shown{*this};
+  m_cancel = &cancel;
+  show();
+}
+
+void ModalRun::Rethrow() {
+  if (AfxGetThreadState()->m_pending)
+    std::rethrow_exception(std::exchange(AfxGetThreadState()->m_pending, nullptr));
+}
+
+// The exception may come before the dialog has its window, so the dialog's own loop does it, by a timer.
+void ModalRun::CancelSoon() noexcept {
+  if (m_timer == 0) m_timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, &onTimer);
+}
+
+// A dialog below the innermost one waits until that is over.
+void CALLBACK ModalRun::onTimer(HWND, UINT, UINT_PTR timer, DWORD) noexcept {
+  const ModalRun* const run = AfxGetThreadState()->m_pModalRun;
+  if (run != nullptr && run->m_timer == timer && run->m_cancel != nullptr) (*run->m_cancel)();
+}
