@@ -126,7 +126,9 @@ bool showShellFileDialog(const OPENFILENAMEA& record, bool open, ModalRun& run, 
   if (shown == kCancelled) return false;
   require(shown, "the file dialog cannot be shown");
 
+  chosen.paths = chosenPaths(*dialog);
+  if (chosen.paths.empty()) return false;  // a dialog that went with its owner says that all is well
   const auto folder = got<IShellItem>([&](IShellItem** out) { return dialog->GetFolder(out); });
-  chosen = {folder != nullptr ? pathOf(*folder) : "", chosenPaths(*dialog)};
+  chosen.folder = folder != nullptr ? pathOf(*folder) : "";
   return true;
 }

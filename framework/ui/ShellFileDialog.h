@@ -15,7 +15,7 @@ struct ChosenFiles {
   std::vector<std::string> paths;  // full names, in the dialog's order
 };
 
-// Shows the dialog in `run` and waits for the user; false when he cancelled. Takes from the record: the
+// Shows the dialog in `run` and waits for the user; false when nothing was chosen. Takes from the record: the
 // options, the filter, the default extension, the initial folder and name, the title and the owner. Throws
 // std::runtime_error when there is no such dialog.
 bool showShellFileDialog(const OPENFILENAMEA& record, bool open, ModalRun& run, ChosenFiles& chosen);

@@ -178,6 +178,22 @@ TEST_F(FileDialogTest, DisablesItsOwnerWhileItIsShown) {
   DestroyWindow(owner);
 }
 
+// The dialog goes with its owner.
+TEST_F(FileDialogTest, IsACancelWhenItsOwnerIsDestroyed) {
+  for (const bool open : {true, false}) {
+    for (const bool newer : {false, true}) {
+      const HWND owner = CreateWindowExA(0, "STATIC", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200,
+                                         nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
+      CFileDialog dialog(open, nullptr, "given.txt", 0, "", owner, 0, newer);
+      EXPECT_EQ(show(dialog, [owner](Driver&, HWND) { PostMessageA(owner, WM_CLOSE, 0, 0); }), IDCANCEL)
+          << newer;
+      EXPECT_FALSE(IsWindow(owner));
+      EXPECT_THAT(walk(dialog), IsEmpty());
+      EXPECT_EQ(dialog.m_hWnd, nullptr);
+    }
+  }
+}
+
 struct Choice {
   const char* name;
   bool newerStyle;
