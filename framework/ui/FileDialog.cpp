@@ -91,6 +91,7 @@ bool CFileDialog::isNewer() const noexcept {
 int CFileDialog::runNewer() {
   ChosenFiles chosen;
   bool confirmed = false;
+  forgetChosenNames();
   ModalRun run;
   {
     const ModalScope scope(*this);
@@ -106,6 +107,7 @@ int CFileDialog::runNewer() {
 
 int CFileDialog::RunClassic(OPENFILENAMEA& record) {
   BOOL result = FALSE;
+  forgetChosenNames();
   ModalRun run;
   {
     const ModalScope scope(*this);
@@ -208,9 +210,13 @@ std::string CFileDialog::ask(UINT message) const {
   }
 }
 
+void CFileDialog::forgetChosenNames() noexcept {
+  m_folder.clear();
+  m_paths.clear();
+}
+
 // One file is a full path; several are their folder and then each one's name, all with their ends.
 void CFileDialog::takeChosenNames(const OPENFILENAMEA& record) {
-  m_paths.clear();
   const std::string first = record.lpstrFile;
   const char* name = record.lpstrFile + first.size() + 1;
   const bool several = (record.Flags & OFN_ALLOWMULTISELECT) != 0 &&

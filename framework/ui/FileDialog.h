@@ -64,6 +64,7 @@ class CFileDialog : public CWnd {
   [[nodiscard]] std::string ask(UINT message) const;
   [[nodiscard]] bool isNewer() const noexcept;
   int runNewer();
+  void forgetChosenNames() noexcept;
   void takeChosenNames(const OPENFILENAMEA& record);
   void cancel() const noexcept;
 

@@ -194,6 +194,20 @@ TEST_F(FileDialogTest, IsACancelWhenItsOwnerIsDestroyed) {
   }
 }
 
+TEST_F(FileDialogTest, HasNothingChosenAfterACancelThatFollowsAnOk) {
+  addFile("a.txt");
+  Classic dialog(folder());
+  EXPECT_EQ(show(dialog,
+                 [](Driver& user, HWND window) {
+                   user.typeName(window, "a.txt");
+                   user.press(window, IDOK);
+                 }),
+            IDOK);
+  EXPECT_EQ(show(dialog, [](Driver& user, HWND window) { user.press(window, IDCANCEL); }), IDCANCEL);
+  EXPECT_THAT(walk(dialog), IsEmpty());
+  EXPECT_EQ(dialog.GetFolderPath(), "");
+}
+
 struct Choice {
   const char* name;
   bool newerStyle;
