@@ -51,22 +51,20 @@ bool CWnd::SubclassWindow(HWND window) {
   try {
     PreSubclassWindow();
   } catch (...) {
-    forget();
-    m_hWnd = nullptr;
+    letGo();
     throw;
   }
   m_pfnSuper = reinterpret_cast<WNDPROC>(
       SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(dispatch)));
+  if (m_pfnSuper == nullptr) letGo();
   return m_pfnSuper != nullptr;
 }
 
 HWND CWnd::UnsubclassWindow() noexcept {
   const HWND window = m_hWnd;
-  if (m_pfnSuper != nullptr) {
-    SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(m_pfnSuper));
-    forget();
-  }
-  m_hWnd = nullptr;
+  if (m_pfnSuper != nullptr)
+    SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(std::exchange(m_pfnSuper, nullptr)));
+  letGo();
   return window;
 }
 
@@ -131,7 +129,7 @@ LRESULT CALLBACK CWnd::dispatch(HWND window, UINT message, WPARAM wParam, LPARAM
   return result;
 }
 
-void CWnd::forget() noexcept {
-  RemovePropA(m_hWnd, kObject);
-  m_pfnSuper = nullptr;
+void CWnd::letGo() noexcept {
+  if (FromHandlePermanent(m_hWnd) == this) RemovePropA(m_hWnd, kObject);
+  m_hWnd = nullptr;
 }

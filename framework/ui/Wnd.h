@@ -62,7 +62,7 @@ class CWnd {
 
  private:
   static LRESULT CALLBACK dispatch(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  void forget() noexcept;
+  void letGo() noexcept;
 
   WNDPROC m_pfnSuper = nullptr;
 };

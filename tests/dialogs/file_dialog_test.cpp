@@ -208,6 +208,14 @@ TEST_F(FileDialogTest, HasNothingChosenAfterACancelThatFollowsAnOk) {
   EXPECT_EQ(dialog.GetFolderPath(), "");
 }
 
+// Windows of other processes have properties but no procedure of ours.
+TEST(WindowOfAnotherProcess, CannotBeTakenOver) {
+  CWnd window;
+  EXPECT_FALSE(window.SubclassWindow(GetDesktopWindow()));
+  EXPECT_EQ(window.m_hWnd, nullptr);
+  EXPECT_EQ(CWnd::FromHandlePermanent(GetDesktopWindow()), nullptr);
+}
+
 struct Choice {
   const char* name;
   bool newerStyle;
