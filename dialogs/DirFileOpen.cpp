@@ -40,7 +40,8 @@ CDirFileOpen::CDirFileOpen(const char* title, const char* okText, const void* re
 CDirFileOpen::~CDirFileOpen() {
   delete m_pFolderEdit;
   delete[] m_pPathList;
-  RemoveListHook();
+  const bool anotherIsUp = g_dirFileState.dialog != nullptr && g_dirFileState.dialog != this;
+  if (!anotherIsUp) RemoveListHook();
   ReleaseModuleRef();
 }
 

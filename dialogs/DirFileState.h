@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// What the directory-or-file dialog keeps module-wide: its hooks are plain functions. So one such dialog can
-// work at a time, on one thread.
+// What the directory-or-file dialog keeps module-wide: its hooks are plain functions. So such dialogs can
+// work on one thread only.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "dialogs/SystemControls.h"
@@ -26,6 +28,27 @@ struct DirFileState {
   HWND window = nullptr;                // the dialog's, while it is up
   CDirFileOpen* dialog = nullptr;       // its object
   bool filtering = false;
+  DirFileState* below = nullptr;  // of the dialog that was up when this one was opened
 };
 
+// Of the innermost dialog.
 inline DirFileState g_dirFileState;
+
+// The dialog has no owner, so the windows of the host stay enabled: its user may open another one over the
+// one that is up. That has the state for itself, until this scope is left.
+class DirFileScope {
+ public:
+  DirFileScope() noexcept {
+    if (g_dirFileState.window == nullptr) return;
+    m_below = std::exchange(g_dirFileState, {});
+    g_dirFileState.below = &*m_below;
+  }
+  ~DirFileScope() {
+    if (m_below) g_dirFileState = std::move(*m_below);
+  }
+  DirFileScope(const DirFileScope&) = delete;
+  DirFileScope& operator=(const DirFileScope&) = delete;
+
+ private:
+  std::optional<DirFileState> m_below;
+};

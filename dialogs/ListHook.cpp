@@ -2,9 +2,11 @@
 #include "dialogs/ListHook.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "dialogs/DirFileState.h"
 #include "dialogs/ListItems.h"
@@ -17,9 +19,9 @@ namespace {
 
 // The name counts from the current directory, which follows the folder shown. One that is not found reports
 // all attributes and so is a directory.
-bool isUnwanted(const char* name) noexcept {
+bool isUnwanted(const char* name, std::uint32_t filter) noexcept {
   const bool directory = (GetFileAttributesA(name) & FILE_ATTRIBUTE_DIRECTORY) != 0;
-  return directory == (g_dirFileState.filter == kListFiles);
+  return directory == (filter == kListFiles);
 }
 
 // The list measures all of its items after each deletion unless it draws nothing meanwhile.
@@ -40,12 +42,12 @@ class DrawingPause {
 // After a deletion the walk goes back to the second item, and item 0 is not looked at again. All items
 // between that one and the deleted one have been kept by this pass, so it goes on where it is: a folder of
 // thousands would take minutes otherwise.
-void filterItems(HWND list) noexcept {
+void filterItems(HWND list, std::uint32_t filter) noexcept {
   char name[kItemTextSize];
   std::optional<DrawingPause> pause;
   for (int index = 0; index < ItemCount(list);) {
     ReadItemText(list, index, name);
-    const bool unwanted = isUnwanted(name);
+    const bool unwanted = isUnwanted(name, filter);
     if (unwanted && !pause) pause.emplace(list);
     index = unwanted && DeleteItem(list, index) ? std::max(index, 1) : index + 1;
   }
@@ -53,42 +55,42 @@ void filterItems(HWND list) noexcept {
 
 // Deleting a selected item asks for the number of the selected ones before the item has gone. A second pass
 // would delete it, and the first one then the item behind it.
-void filterOnce(HWND list) noexcept {
-  DirFileState& state = g_dirFileState;
+void filterOnce(HWND list, DirFileState& state) noexcept {
   if (state.filtering || (state.filter != kListFiles && state.filter != kListFolders)) return;
   state.filtering = true;
-  filterItems(list);
+  filterItems(list, state.filter);
   state.filtering = false;
 }
 
-void takeSelectedNames(HWND list) {
+void takeSelectedNames(HWND list, std::vector<std::string>& names) {
   if (SendMessageA(list, LVM_GETSELECTEDCOUNT, 0, 0) == 0) return;
-  g_dirFileState.selectedNames.clear();
+  names.clear();
   for (int index = NextSelectedItem(list, -1); index != -1; index = NextSelectedItem(list, index)) {
     char name[kItemTextSize];
     ReadItemText(list, index, name);
-    g_dirFileState.selectedNames.emplace_back(name);
+    names.emplace_back(name);
   }
 }
 
-// Lists of the host on this thread, while the dialog is up or after it, are none of this hook's business.
-bool isDialogsList(HWND window) noexcept {
-  if (!IsChild(g_dirFileState.window, window)) return false;
+// Null for other windows. Lists of the host on this thread, while the dialog is up or after it, are none of
+// this hook's business.
+DirFileState* stateOfList(HWND window) noexcept {
+  DirFileState* state = &g_dirFileState;
+  while (state != nullptr && !IsChild(state->window, window)) state = state->below;
+  if (state == nullptr) return nullptr;
   char name[32] = "";
   GetClassNameA(window, name, sizeof name);
-  return lstrcmpiA(name, WC_LISTVIEWA) == 0;
+  return lstrcmpiA(name, WC_LISTVIEWA) == 0 ? state : nullptr;
 }
 
 LRESULT CALLBACK onCall(int code, WPARAM wParam, LPARAM lParam) {
   const auto& call = *reinterpret_cast<const CWPSTRUCT*>(lParam);
   const bool watched = call.message == WM_DESTROY || call.message == LVM_GETSELECTEDCOUNT;
-  if (code == HC_ACTION && watched && isDialogsList(call.hwnd)) {
+  DirFileState* const state = code == HC_ACTION && watched ? stateOfList(call.hwnd) : nullptr;
+  if (state != nullptr && call.message == LVM_GETSELECTEDCOUNT) filterOnce(call.hwnd, *state);
+  if (state != nullptr && call.message == WM_DESTROY) {
     try {
-      if (call.message == WM_DESTROY) {
-        takeSelectedNames(call.hwnd);
-      } else {
-        filterOnce(call.hwnd);
-      }
+      takeSelectedNames(call.hwnd, state->selectedNames);
     } catch (...) {
       AfxKeepException();
     }
@@ -100,6 +102,7 @@ LRESULT CALLBACK onCall(int code, WPARAM wParam, LPARAM lParam) {
 
 void InstallListHook() noexcept {
   RemoveListHook();
+  if (g_dirFileState.below != nullptr) return;  // that one's hook sees this list as well
   g_dirFileState.callHook = SetWindowsHookExA(WH_CALLWNDPROC, &onCall, nullptr, GetCurrentThreadId());
 }
 

@@ -17,8 +17,13 @@ std::string textOf(HWND window) {
   return control.GetWindowText();
 }
 
-void confirm(HWND window) {
-  CDirFileOpen& dialog = *g_dirFileState.dialog;
+DirFileState& stateOf(HWND window) noexcept {
+  DirFileState* state = &g_dirFileState;
+  while (state->window != window && state->below != nullptr) state = state->below;
+  return *state;
+}
+
+void confirm(HWND window, CDirFileOpen& dialog) {
   std::string folder = textOf(GetDlgItem(window, kFolderEdit));
   if (folder.empty()) folder = dialog.GetFolderPath();
   if (folder.empty()) return;
@@ -35,10 +40,11 @@ bool isOk(UINT message, WPARAM wParam) noexcept {
 }
 
 LRESULT CALLBACK onMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  const WNDPROC previous = g_dirFileState.previousProcedure;
+  DirFileState& state = stateOf(window);
+  const WNDPROC previous = state.previousProcedure;
   if (isOk(message, wParam)) {
     try {
-      confirm(window);
+      confirm(window, *state.dialog);
     } catch (...) {
       AfxKeepException();
     }
@@ -46,8 +52,8 @@ LRESULT CALLBACK onMessage(HWND window, UINT message, WPARAM wParam, LPARAM lPar
   }
   if (message == WM_NCDESTROY) {
     SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous));
-    g_dirFileState.window = nullptr;
-    g_dirFileState.dialog = nullptr;
+    state.window = nullptr;
+    state.dialog = nullptr;
   }
   return CallWindowProcA(previous, window, message, wParam, lParam);
 }

@@ -18,6 +18,7 @@ bool OpenDirFileDialog(const DirFileRequest& request, const HostOutput& output) 
   if (output.pszPath != nullptr)
     directory =
         leadingCharacters({output.pszPath, strnlen(output.pszPath, kPathCapacity)}, kPathCapacity - 1);
+  const DirFileScope scope;
   auto made = std::make_unique<CDirFileOpen>(request.title, request.okText, request.reserved, request.files,
                                              request.open, request.mode, directory.c_str(), request.flags, "",
                                              nullptr);

@@ -81,6 +81,15 @@ HWND Driver::waitForDialog() const {
   return found;
 }
 
+HWND Driver::waitForDialog(const std::string& title) const {
+  HWND found = nullptr;
+  waitUntil("the dialog " + title, [&] {
+    found = find([&](HWND window) { return textOf(window) == title; });
+    return found != nullptr;
+  });
+  return found;
+}
+
 HWND Driver::waitForBox(HWND owner) const {
   HWND found = nullptr;
   waitUntil("a message box", [&] {

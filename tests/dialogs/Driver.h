@@ -41,6 +41,7 @@ class Driver {
 
   // The visible dialog of the driven thread that no other dialog owns.
   [[nodiscard]] HWND waitForDialog() const;
+  [[nodiscard]] HWND waitForDialog(const std::string& title) const;
   // The visible dialog or message box over `owner`; null: over none.
   [[nodiscard]] HWND waitForBox(HWND owner) const;
   void waitUntilGone(HWND window) const;
