@@ -6,8 +6,7 @@
 #include <utility>
 
 #include "framework/ui/Com.h"
-// Only now:
-#include <shlobj.h>
+#include "framework/ui/CommonDialogs.h"
 
 namespace {
 
@@ -75,7 +74,7 @@ void CFolderDlg::browse(ModalRun& run) {
   const auto free = [&](ITEMIDLIST* item) noexcept { allocator->Free(item); };
   std::unique_ptr<ITEMIDLIST, decltype(free)> item(nullptr, free);
   const HWND outer = std::exchange(g_hBrowser, nullptr);
-  run.Show([&] { item.reset(SHBrowseForFolderA(&info)); },
+  run.Show([&] { item.reset(g_commonDialogs.browseForFolder(&info)); },
            [] { SendMessageA(g_hBrowser, WM_COMMAND, IDCANCEL, 0); });
   g_hBrowser = outer;
   char path[MAX_PATH] = "";

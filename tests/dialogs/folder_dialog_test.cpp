@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "dialogs/FolderDlg.h"
-#include "framework/ui/ThreadState.h"
+#include "framework/ui/CommonDialogs.h"
 #include "tests/dialogs/BrowseControls.h"
 #include "tests/dialogs/Driver.h"
 #include "tests/dialogs/SettledFolder.h"
@@ -201,6 +201,28 @@ TEST_F(FolderDialog, ANameOutsideAsciiMakesTheRoundTrip) {
   ASSERT_GT(WideCharToMultiByte(CP_ACP, 0, L"\u00DCbung", -1, name, sizeof name, nullptr, nullptr), 5);
   const std::string folder = scratch.folder(name);
   EXPECT_EQ(roundTrip(folder), folder);
+}
+
+BROWSEINFOA g_asked{};
+
+LPITEMIDLIST WINAPI keepWhatIsAsked(BROWSEINFOA* info) {
+  g_asked = *info;
+  return nullptr;
+}
+
+TEST_F(FolderDialog, AsksForFoldersOfTheFileSystemInTheNewerStyle) {
+  g_commonDialogs.browseForFolder = &keepWhatIsAsked;
+  for (const auto& [noNewFolder, flags] : {std::pair{FALSE, 0x49U}, std::pair{TRUE, 0x249U}}) {
+    CFolderDlg dialog(noNewFolder, start, nullptr);
+    EXPECT_EQ(dialog.DoModal(), IDCANCEL);
+    EXPECT_EQ(g_asked.ulFlags, flags);
+    EXPECT_EQ(g_asked.hwndOwner, nullptr);
+    EXPECT_EQ(g_asked.pidlRoot, nullptr) << "the whole namespace";
+    EXPECT_EQ(g_asked.lParam, 0);
+    EXPECT_NE(g_asked.pszDisplayName, nullptr);
+    EXPECT_NE(g_asked.lpfn, nullptr);
+  }
+  g_commonDialogs = {};
 }
 
 }  // namespace
