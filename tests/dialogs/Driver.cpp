@@ -105,12 +105,18 @@ void Driver::waitUntilGone(HWND window) const {
   waitUntil("a window to go", [window] { return !IsWindow(window); });
 }
 
-BoxTexts Driver::answerBox(HWND owner) const {
-  const HWND box = waitForBox(owner);
-  BoxTexts texts{textOf(box), textOf(control(box, kBoxText))};
-  press(box, IDOK);
-  waitUntilGone(box);
-  return texts;
+Box Driver::answerBox(HWND owner) const {
+  const HWND window = waitForBox(owner);
+  Box box{textOf(window), textOf(control(window, kBoxText))};
+  for (const HWND each : descendants(window)) {
+    const auto type = GetWindowLongPtrA(each, GWL_STYLE) & SS_TYPEMASK;
+    if (classOf(each) == "Static" && type == SS_ICON)
+      box.icon = reinterpret_cast<HICON>(send(each, STM_GETICON));
+    if (classOf(each) == "Button" && IsWindowVisible(each)) ++box.buttons;
+  }
+  press(window, IDOK);
+  waitUntilGone(window);
+  return box;
 }
 
 HWND Driver::child(HWND window, const char* className) const {

@@ -27,9 +27,11 @@ struct TooLate : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-struct BoxTexts {
+struct Box {
   std::string caption;
   std::string text;
+  HICON icon = nullptr;  // IDI_HAND's is LoadIconA(nullptr, IDI_HAND)
+  int buttons = 0;
 };
 
 class Driver {
@@ -46,7 +48,7 @@ class Driver {
   [[nodiscard]] HWND waitForBox(HWND owner) const;
   void waitUntilGone(HWND window) const;
   // Waits for a message box over `owner`, presses its OK and waits until it is gone.
-  BoxTexts answerBox(HWND owner) const;
+  Box answerBox(HWND owner) const;
 
   // The first visible or hidden descendant of this class; waits for it.
   [[nodiscard]] HWND child(HWND window, const char* className) const;

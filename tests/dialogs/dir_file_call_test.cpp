@@ -9,10 +9,11 @@
 #include "dialogs/DirFileOpen.h"
 #include "framework/ui/CommonDialogs.h"
 #include "tests/dialogs/DirFileTest.h"
-#include "tests/support/ModalBoxes.h"
 
 namespace {
 
+using dialog_test::drive;
+using dialog_test::Driver;
 using dialog_test::FolderTest;
 using testing::ElementsAre;
 
@@ -30,6 +31,7 @@ class DirFileCall : public FolderTest {
     OPENFILENAMEA record{};
     std::string calls, name, initialDirectory;
     bool fails = false;
+    BOOL answer = FALSE;
   };
   static Seen seen;
 
@@ -39,7 +41,7 @@ class DirFileCall : public FolderTest {
     seen.name = record.lpstrFile;
     seen.initialDirectory = record.lpstrInitialDir;
     if (seen.fails) throw std::runtime_error("no dialog");
-    return FALSE;
+    return seen.answer;
   }
   static BOOL WINAPI onOpen(OPENFILENAMEA* record) { return take(*record, "open"); }
   static BOOL WINAPI onSave(OPENFILENAMEA* record) { return take(*record, "save"); }
@@ -130,15 +132,47 @@ TEST_F(DirFileCall, TakesTheFirst255CharactersOfTheInitialDirectory) {
 TEST_F(DirFileCall, SaysSoWhenTheDialogCannotRunAndHandsTheDialogOver) {
   seen.fails = true;
   bool result = true;
-  const auto boxes = testing_support::modalBoxesOf([&] { result = call(request()); });
-  ASSERT_EQ(boxes.size(), 1U);
-  EXPECT_EQ(boxes[0].text, "Could not open FileDialog!");
-  EXPECT_EQ(boxes[0].caption, "ERROR");
-  EXPECT_FALSE(boxes[0].owned);
+  dialog_test::Box box;
+  result = drive([this] { return call(request()); }, [&box](Driver& user) { box = user.answerBox(nullptr); });
+  EXPECT_EQ(box.text, "Could not open FileDialog!");
+  EXPECT_EQ(box.caption, "ERROR");
+  EXPECT_EQ(box.icon, LoadIconA(nullptr, IDI_HAND));
+  EXPECT_EQ(box.buttons, 1);
   EXPECT_FALSE(result);
   EXPECT_EQ(cancelled, 0);
   EXPECT_EQ(count, 0U);
   EXPECT_TRUE(FreeFileDialog(dialog));
+}
+
+TEST_F(DirFileCall, IsConfirmedByAnOkAlone) {
+  seen.answer = IDRETRY;
+  EXPECT_FALSE(call(request()));
+  EXPECT_EQ(cancelled, 1);
+  EXPECT_TRUE(FreeFileDialog(dialog));
+  seen.answer = IDOK;
+  EXPECT_TRUE(call(request()));
+  EXPECT_EQ(cancelled, 0);
+  EXPECT_TRUE(FreeFileDialog(dialog));
+}
+
+TEST_F(DirFileCall, FailsCleanlyWithoutAPlaceForItsResult) {
+  seen.answer = IDOK;
+  for (const HostOutput& each : {HostOutput{nullptr, &list, &count, &dialog, &cancelled},
+                                 HostOutput{path, nullptr, &count, &dialog, &cancelled}}) {
+    EXPECT_FALSE(OpenDirFileDialog(request(), each));
+    EXPECT_EQ(cancelled, 0);
+    EXPECT_EQ(count, 0U);
+    EXPECT_EQ(list, nullptr);
+    EXPECT_STREQ(path, "C:\\windows");
+    EXPECT_TRUE(FreeFileDialog(dialog));
+  }
+}
+
+TEST_F(DirFileCall, TakesNullTextsForNone) {
+  CDirFileOpen made(nullptr, nullptr, nullptr, false, true, 1, nullptr, 0, nullptr, nullptr);
+  EXPECT_EQ(made.m_ofn.lpstrInitialDir, nullptr) << "the system chooses";
+  EXPECT_EQ(made.m_ofn.lpstrFilter, nullptr);
+  EXPECT_EQ(made.GetFolder(), "");
 }
 
 }  // namespace

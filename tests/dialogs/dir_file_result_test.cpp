@@ -134,4 +134,18 @@ TEST_F(DirFileResult, CountsTheDialogUntilItIsFreed) {
   EXPECT_FALSE(FreeFileDialog(nullptr));
 }
 
+// They are module-wide, and nothing replaces them where nothing is selected.
+TEST_F(DirFileResult, HasNoNamesOfTheDialogBefore) {
+  addFile("a.txt");
+  run({}, [](Driver& user, HWND dialog) {
+    user.select(user.waitForList(dialog, 1), "a.txt");
+    user.press(dialog, IDOK);
+  });
+  EXPECT_EQ(outcome.count, 1U);
+  EXPECT_TRUE(FreeFileDialog(outcome.dialog));
+  run({}, [](Driver& user, HWND dialog) { user.press(dialog, IDOK); });
+  EXPECT_TRUE(outcome.result);
+  EXPECT_THAT(outcome.entries(), IsEmpty());
+}
+
 }  // namespace

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The directory-or-file dialog as its user sees it: places, sizes and texts of its controls, and the box
-// about a bad folder.
+// The directory-or-file dialog as its user sees it: places, sizes and texts of its controls.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <map>
 
 #include "dialogs/DirFileOpen.h"
-#include "dialogs/OkInterceptor.h"
 #include "framework/ui/CommonDialogs.h"
 #include "tests/dialogs/DirFileTest.h"
 
@@ -234,49 +232,28 @@ TEST_F(DirFileWindow, HasAnEditWithASunkenEdgeAndTheDialogsFontBehindTheListArea
   EXPECT_EQ(before, listArea);
 }
 
-TEST_F(DirFileWindow, SaysThatAFolderIsInvalidAndStaysOpen) {
-  dialog_test::BoxTexts box;
-  bool stillThere = false;
-  run({.mode = kListFolders}, [&](Driver& user, HWND dialog) {
-    user.type(user.control(dialog, kFolderEdit), "C:\\\\Temp");
-    user.press(dialog, IDOK);
-    box = user.answerBox(dialog);
-    stillThere = IsWindowVisible(dialog);
-    user.press(dialog, IDCANCEL);
-  });
-  EXPECT_EQ(box.text, "Invalid Folder");
-  EXPECT_TRUE(stillThere);
-  EXPECT_FALSE(outcome.result);
-  EXPECT_EQ(outcome.cancelled, 1);
-}
-
-WNDPROC g_interceptor = nullptr;
-
-LRESULT CALLBACK withoutFolder(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == CDM_GETFOLDERPATH) return -1;
-  return CallWindowProcA(g_interceptor, window, message, wParam, lParam);
-}
-
-TEST_F(DirFileWindow, TakesNoNoticeOfOkWithoutAnyFolder) {
-  bool stillThere = false;
-  run({}, [&](Driver& user, HWND dialog) {
-    user.type(user.control(dialog, kFolderEdit), "");
-    g_interceptor = reinterpret_cast<WNDPROC>(
-        SetWindowLongPtrA(dialog, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&withoutFolder)));
-    user.send(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED));
-    stillThere = IsWindowVisible(dialog);
-    SetWindowLongPtrA(dialog, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(g_interceptor));
-    user.press(dialog, IDCANCEL);
-  });
-  EXPECT_TRUE(stillThere);
-  EXPECT_EQ(outcome.cancelled, 1);
-}
-
-TEST(DoubledBackslash, CountsFromTheSecondCharacterOn) {
-  for (const char* good : {"", "\\", "\\\\", "\\\\server\\share", "C:\\Temp", "C:\\Temp\\"})
-    EXPECT_FALSE(HasDoubledBackslash(good)) << good;
-  for (const char* bad : {"C:\\\\Temp", "C:\\Temp\\\\", "\\\\\\server", "a\\\\"})
-    EXPECT_TRUE(HasDoubledBackslash(bad)) << bad;
+// Where the whole dialog is to be seen: in the middle of an owner that is seen, otherwise of the work area.
+TEST_F(DirFileWindow, StandsWithinTheWorkArea) {
+  RECT work{};
+  SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+  const auto frameOver = [this](int left, int top, DWORD style) {
+    const HWND owner = CreateWindowExA(0, "STATIC", "", WS_OVERLAPPEDWINDOW | style, left, top, 100, 100,
+                                       nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
+    CDirFileOpen dialog("Title", "Choose", this, false, true, 1, folder().c_str(), 0, "", owner);
+    const RECT frame = shown(dialog).frame;
+    DestroyWindow(owner);
+    return frame;
+  };
+  const RECT upperLeft = frameOver(work.left - 50, work.top - 50, WS_VISIBLE);
+  EXPECT_EQ(upperLeft.left, work.left);
+  EXPECT_EQ(upperLeft.top, work.top);
+  const RECT lowerRight = frameOver(work.right - 50, work.bottom - 50, WS_VISIBLE);
+  EXPECT_EQ(lowerRight.right, work.right);
+  EXPECT_EQ(lowerRight.bottom, work.bottom);
+  for (const RECT& frame : {frameOver(0, 0, 0), frameOver(0, 0, WS_VISIBLE | WS_MINIMIZE)}) {
+    EXPECT_EQ(frame.left, (work.left + work.right - (frame.right - frame.left)) / 2);
+    EXPECT_EQ(frame.top, (work.top + work.bottom - (frame.bottom - frame.top)) / 2);
+  }
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ using dialog_test::Driver;
 int showBox(HWND owner = nullptr) { return MessageBoxA(owner, "Save it?", "Editor", MB_OKCANCEL); }
 
 TEST(DialogDriver, AnswersAMessageBox) {
-  dialog_test::BoxTexts seen;
+  dialog_test::Box seen;
   const int result =
       drive([] { return showBox(); }, [&seen](Driver& user) { seen = user.answerBox(nullptr); });
   EXPECT_EQ(result, IDOK);

@@ -6,34 +6,22 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <thread>
 
-#include "framework/ui/CommonDialogs.h"
 #include "framework/ui/ThreadState.h"
 #include "tests/dialogs/Driver.h"
+#include "tests/dialogs/FileDialogRun.h"
 #include "tests/dialogs/FolderTest.h"
 
 namespace {
 
 using dialog_test::drive;
 using dialog_test::Driver;
+using dialog_test::show;
+using dialog_test::walk;
 using testing::ElementsAre;
-
 using testing::IsEmpty;
 
 using FileDialogTest = dialog_test::FolderTest;
-
-std::vector<std::string> walk(const CFileDialog& dialog) {
-  std::vector<std::string> paths;
-  for (POSITION position = dialog.GetStartPosition(); position != nullptr;)
-    paths.push_back(dialog.GetNextPathName(position));
-  return paths;
-}
-
-int show(CFileDialog& dialog, const std::function<void(Driver&, HWND window)>& user) {
-  return drive([&] { return dialog.DoModal(); },
-               [&user](Driver& driver) { user(driver, driver.waitForDialog()); });
-}
 
 // A classic dialog that writes down which handlers ran, with what the dialog said then.
 class Classic : public CFileDialog {
@@ -87,6 +75,7 @@ TEST_F(FileDialogTest, StaysOpenAsLongAsTheNameIsRefused) {
                    user.typeName(window, "a.txt");
                    user.send(window, WM_COMMAND, IDOK);
                    EXPECT_TRUE(IsWindowVisible(window));
+                   EXPECT_EQ(GetWindowLongPtrA(user.child(window, "#32770"), DWLP_MSGRESULT), 1);
                    user.press(window, IDOK);
                  }),
             IDOK);
@@ -216,80 +205,24 @@ TEST(WindowOfAnotherProcess, CannotBeTakenOver) {
   EXPECT_EQ(CWnd::FromHandlePermanent(GetDesktopWindow()), nullptr);
 }
 
-struct Choice {
-  const char* name;
-  bool newerStyle;
-  DWORD size;
-  DWORD sizeAfterwards;
-  DWORD flags;
-  bool newer;
-};
-
-class FileDialogKind : public testing::TestWithParam<Choice> {};
-
-BOOL WINAPI refuse(OPENFILENAMEA*) { return FALSE; }
-HRESULT WINAPI makeNothing(REFCLSID, IUnknown*, DWORD, REFIID, void**) { return REGDB_E_CLASSNOTREG; }
-
-TEST_P(FileDialogKind, FollowsFromTheStyleTheRecordsSizeAndItsTemplate) {
-  g_commonDialogs = {&refuse, &refuse, &makeNothing};
-  const Choice& choice = GetParam();
-  CFileDialog dialog(true, nullptr, nullptr, choice.flags, nullptr, nullptr, choice.size, choice.newerStyle);
-  if (choice.sizeAfterwards != 0) dialog.m_ofn.lStructSize = choice.sizeAfterwards;
-  if (choice.newer) {
-    EXPECT_THROW(dialog.DoModal(), std::runtime_error);
-  } else {
-    EXPECT_EQ(dialog.DoModal(), IDCANCEL);
+// The owner is disabled for the dialog; what owns the owner would take the user's clicks.
+TEST_F(FileDialogTest, DisablesTheWindowAboveItsOwner) {
+  const HWND top = CreateWindowExA(0, "STATIC", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200, nullptr,
+                                   nullptr, GetModuleHandleA(nullptr), nullptr);
+  const HWND owner = CreateWindowExA(0, "STATIC", "", WS_POPUP | WS_VISIBLE, 0, 0, 100, 100, top, nullptr,
+                                     GetModuleHandleA(nullptr), nullptr);
+  for (const bool newer : {false, true}) {
+    CFileDialog dialog(true, nullptr, "", 0, "", owner, 0, newer);
+    bool topEnabled = true;
+    show(dialog, [&](Driver& user, HWND window) {
+      topEnabled = IsWindowEnabled(top);
+      user.press(window, IDCANCEL);
+    });
+    EXPECT_FALSE(topEnabled) << newer;
+    EXPECT_TRUE(IsWindowEnabled(top)) << newer;
+    EXPECT_TRUE(IsWindowEnabled(owner)) << newer;
   }
-  g_commonDialogs = {};
-}
-
-INSTANTIATE_TEST_SUITE_P(Kinds, FileDialogKind,
-                         testing::Values(Choice{"Newer", true, 0, 0, 0, true},
-                                         Choice{"OldStyle", false, 0, 0, 0, false},
-                                         Choice{"OlderRecord", true, 136, 0, 0, false},
-                                         Choice{"SizeChanged", true, 0, 136, 0, false},
-                                         Choice{"Template", true, 0, 0, OFN_ENABLETEMPLATE, false}),
-                         [](const auto& each) { return std::string(each.param.name); });
-
-TEST_F(FileDialogTest, SavesUnderANameInTheFolderOfTheNewerDialog) {
-  CFileDialog dialog(false, "txt", (folder() + "\\new").c_str(), 0, "Texts|*.txt||", nullptr);
-  EXPECT_EQ(show(dialog, [](Driver& user, HWND window) { user.press(window, IDOK); }), IDOK);
-  EXPECT_THAT(walk(dialog), ElementsAre(folder() + "\\new.txt"));
-  EXPECT_EQ(dialog.GetFolderPath(), folder());
-}
-
-TEST_F(FileDialogTest, ListsWhatTheFilterOfTheNewerDialogLetsThrough) {
-  for (const char* name : {"a.txt", "b.doc"}) addFile(name);
-  CFileDialog dialog(true, nullptr, "", 0, "Texts|*.txt|All|*.*||", nullptr);
-  const std::string start = folder();
-  dialog.m_ofn.lpstrInitialDir = start.c_str();
-  show(dialog, [](Driver& user, HWND window) {
-    (void)user.waitForList(window, {"a.txt"});
-    user.press(window, IDCANCEL);
-  });
-}
-
-HRESULT g_apartment = E_FAIL;
-
-HRESULT WINAPI askForTheApartment(REFCLSID, IUnknown*, DWORD, REFIID, void**) {
-  g_apartment = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-  CoUninitialize();
-  return REGDB_E_CLASSNOTREG;
-}
-
-// The system's own dialog leaves the thread's apartment behind, so that a stand-in has to show ours.
-TEST_F(FileDialogTest, EntersAnApartmentForTheTimeOfTheNewerDialog) {
-  g_commonDialogs.createInstance = &askForTheApartment;
-  HRESULT afterwards = E_FAIL;
-  std::thread([&afterwards] {
-    CFileDialog dialog(true, nullptr, "", 0, "", nullptr);
-    EXPECT_THROW(dialog.DoModal(), std::runtime_error);
-    afterwards = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    CoUninitialize();
-  }).join();
-  g_commonDialogs = {};
-  EXPECT_EQ(g_apartment, S_FALSE) << "the second one of its thread";
-  EXPECT_EQ(afterwards, S_OK) << "the first one of its thread";
+  DestroyWindow(top);
 }
 
 }  // namespace

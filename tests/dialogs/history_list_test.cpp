@@ -74,6 +74,8 @@ TEST_F(HistoryList, ADuplicateInAFullListDropsNothingElse) {
   box.SetMaxItems(3);
   for (const char* text : {"a", "b", "c", "A"}) box.AddHistoryItem(text);
   EXPECT_THAT(items(), ElementsAre("A", "c", "b"));
+  box.AddHistoryItem("C");
+  EXPECT_THAT(items(), ElementsAre("C", "A", "b"));
 }
 
 TEST_F(HistoryList, ASmallerMaximumDropsTheOldestAtOnce) {

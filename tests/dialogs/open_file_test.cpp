@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <utility>
 
 #include "dialogs/OpenDirFileDialog.h"
 #include "dialogs/OpenFileDialog.h"
@@ -178,16 +179,21 @@ TEST_F(OpenFile, FailsCleanlyWithoutAPlaceForItsResult) {
   addFile("a.txt");
   const void* const reserved[] = {this, this, this};
   std::filesystem::current_path(scratch.path());
-  const HostOutput withoutPath{nullptr, &list, &count, &dialog, &cancelled};
-  const bool confirmed = drive([&] { return OpenFileDialog(reserved, 0, withoutPath); },
-                               [](Driver& user) {
-                                 const HWND window = user.waitForDialog();
-                                 user.typeName(window, "a.txt");
-                                 user.press(window, IDOK);
-                               });
-  EXPECT_FALSE(confirmed);
-  EXPECT_EQ(count, 0U);
-  EXPECT_EQ(list, nullptr);
+  for (const HostOutput& each : {HostOutput{nullptr, &list, &count, &dialog, &cancelled},
+                                 HostOutput{path, nullptr, &count, &dialog, &cancelled}}) {
+    const bool confirmed = drive([&] { return OpenFileDialog(reserved, 0, each); },
+                                 [](Driver& user) {
+                                   const HWND window = user.waitForDialog();
+                                   user.typeName(window, "a.txt");
+                                   user.press(window, IDOK);
+                                 });
+    EXPECT_FALSE(confirmed);
+    EXPECT_EQ(cancelled, 0);
+    EXPECT_EQ(count, 0U);
+    EXPECT_EQ(list, nullptr);
+    EXPECT_STREQ(path, "");
+    EXPECT_TRUE(FreeFileDialog(std::exchange(dialog, nullptr)));
+  }
 }
 
 HRESULT WINAPI makeNothing(REFCLSID, IUnknown*, DWORD, REFIID, void**) { return REGDB_E_CLASSNOTREG; }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 
 #include "dialogs/DirFileOpen.h"
 #include "framework/ui/ThreadState.h"
@@ -176,6 +177,43 @@ TEST_F(ThrownInASecondDialog, IsNothingOfWhatTheFirstOneHasKept) {
   });
   EXPECT_EQ(thrownBy(outer, cancel), "owner");
   EXPECT_EQ(innerResult, IDCANCEL);
+}
+
+// The object of a dialog without the explorer's look has the real window, which stands here for the dialog.
+class OldStyle : public CFileDialog {
+ public:
+  OldStyle() : CFileDialog(true, nullptr, "", 0, "", nullptr, 0, false) {
+    m_ofn.Flags &= ~DWORD{OFN_EXPLORER};
+  }
+
+  bool cancelled = false;
+
+ protected:
+  LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+    if (message == ThrowingOwner::kThrow) throw std::runtime_error("old style");
+    if (message == WM_COMMAND && wParam == IDCANCEL) cancelled = true;
+    return CFileDialog::WindowProc(message, wParam, lParam);
+  }
+};
+
+using ThrownInAnOldDialog = FolderTest;
+
+TEST_F(ThrownInAnOldDialog, CancelsItsWindow) {
+  OldStyle dialog;
+  const FileDialogStandIn standIn([&dialog](OPENFILENAMEA&) {
+    const HWND window =
+        CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    SendMessageA(window, ThrowingOwner::kThrow, 0, 0);
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!dialog.cancelled && std::chrono::steady_clock::now() < limit) {
+      MSG message{};
+      if (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
+    }
+    EXPECT_TRUE(dialog.cancelled);
+    DestroyWindow(window);
+    return FALSE;
+  });
+  EXPECT_EQ(thrownBy(dialog, noUser), "old style");
 }
 
 }  // namespace

@@ -40,12 +40,18 @@ class OwnDialog : public CWnd {
   }
 
   std::vector<std::string> log;
+  std::string path;  // the full name of the file in the dialog
 
  protected:
   LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
     if (message == CDM_SETCONTROLTEXT)
       log.push_back("text " + std::to_string(wParam) + " " + reinterpret_cast<const char*>(lParam));
-    if (message == WM_COMMAND && LOWORD(wParam) == IDOK) log.push_back("OK");
+    if (message == WM_COMMAND && wParam == IDOK)
+      log.push_back(reinterpret_cast<HWND>(lParam) == GetDlgItem(IDOK) ? "OK" : "OK of another button");
+    if (message == CDM_GETFILEPATH) {
+      std::snprintf(reinterpret_cast<char*>(lParam), wParam, "%s", path.c_str());
+      return static_cast<LRESULT>(path.size() + 1);
+    }
     return CWnd::WindowProc(message, wParam, lParam);
   }
 };
@@ -90,6 +96,7 @@ class XFileParts : public XFileDialogTest {
   const Control nameBox{1148, "EDIT", {70, 200, 300, 220}};
   const Control nameEdit{1152, "EDIT", {40, 200, 300, 220}};
   const Control typeBox{1136, "EDIT", {20, 230, 300, 250}};
+  const Control okButton{IDOK, "BUTTON", {320, 200, 400, 220}};
   TestedDialog dialog{true, nullptr, nullptr, OFN_HIDEREADONLY, nullptr, nullptr};
 };
 
@@ -112,7 +119,7 @@ TEST_F(XFileParts, TypeThePickedEntryPressOkAndPutTheTextBack) {
   profile.write("Folder0", start);
   profile.write("Folder1", other);
   for (const Control& name : {nameBox, nameEdit}) {
-    runInside({name, typeBox}, [&](OwnDialog& own, HWND inner, OPENFILENAMEA&) {
+    runInside({name, typeBox, okButton}, [&](OwnDialog& own, HWND inner, OPENFILENAMEA&) {
       SetWindowTextA(own.GetDlgItem(name.id), "typed");
       pick(inner, 1);
       const std::string text = "text " + std::to_string(name.id) + " ";
@@ -153,6 +160,25 @@ TEST_F(XFileParts, SeeTheSystemsRecordInEveryNotification) {
     EXPECT_EQ(dialog.m_ofn.lStructSize, 152u);
     EXPECT_EQ(record.lStructSize, 168u);
   });
+}
+
+struct Confirmed {
+  const char* path;
+  const char* folder;
+};
+
+TEST_F(XFileParts, StoreWhatStandsBeforeTheLastBackslash) {
+  for (const Confirmed& each : {Confirmed{"C:\\data\\a.txt", "C:\\data"}, Confirmed{"C:\\a.txt", "C:"},
+                                Confirmed{"C:/x\\y/a.txt", "C:/x"}, Confirmed{"a.txt", "a.txt"}}) {
+    runInside({nameBox, typeBox}, [&](OwnDialog& own, HWND inner, OPENFILENAMEA&) {
+      own.path = each.path;
+      NMHDR header{};
+      header.code = static_cast<UINT>(CDN_FILEOK);
+      EXPECT_EQ(SendMessageA(inner, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header)), 0);
+    });
+    EXPECT_EQ(profile.read("Folder0"), each.folder);
+    EXPECT_EQ(profile.read("Folder"), each.folder);
+  }
 }
 
 }  // namespace
