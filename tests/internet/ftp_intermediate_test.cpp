@@ -76,12 +76,13 @@ TEST_F(FtpIntermediate, IsARefusalOfTheOlderCommandsForAPort) {
 }
 
 TEST_F(FtpIntermediate, IsARefusalAtTheEndOfATransfer) {
+  const json late = {{"normal", {{"final", kAsks}, {"final_gate", "late"}}}};
   ScriptedFtp server(
-      json{{"tree", {{"/f", "content"}}},
-           {"rules", {{{"on", {"RETR", "STOR"}}, {"do", {{{"normal", {{"final", kAsks}}}}}}}}}});
+      json{{"tree", {{"/f", "content"}}}, {"rules", {{{"on", {"RETR", "STOR"}}, {"do", {late}}}}}});
   auto connection = connect(server);
   auto in = openToRead(*connection, "/f");
   EXPECT_EQ(readToEnd(*in), "content");
+  server.release("late");
   EXPECT_EQ(errorOf([&] { return in->Close(); }), 12003u);
   auto out = openToWrite(*connection, "/up");
   out->Write("abc", 3);
