@@ -137,11 +137,12 @@ void FtpDataChannel::acceptPeer() {
   platform::SocketAddress from;
   IoStatus status = IoStatus::failed;
   while ((status = socket_.accept(accepted, from)) == IoStatus::done) {
+    if (from.sameHost(peer_)) {
+      socket_ = std::move(accepted);
+      stands_ = true;
+      return;
+    }
     platform::throwIfStopped();
-    if (!from.sameHost(peer_)) continue;
-    socket_ = std::move(accepted);
-    stands_ = true;
-    return;
   }
   // Such a socket stays ready and fails again, for as long as it is waited for.
   if (status != IoStatus::wouldBlock) socket_.close();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What happens seldom between sockets, and never when a test wants it: over a network in memory.
+#include "framework/platform/stop_token.h"
 #include "tests/internet/FtpTest.h"
 #include "tests/support/MemoryFtp.h"
 
@@ -39,6 +40,42 @@ TEST_F(FtpMemory, AListeningSocketThatFailsIsNotWaitedFor) {
       << "for a reason that the server tells";
   connection.reset();
   EXPECT_EQ(far.network.openSockets(), 0u);
+}
+
+// Uploads in each mode, stopped at the first, the second, ... call that the client makes of the network.
+TEST_F(FtpMemory, AnUploadThatIsStoppedAtAnyMomentNeverEndsInGoodOrder) {
+  for (const bool passive : {true, false}) {
+    bool stopped = true;
+    for (std::uint64_t call = 1; stopped; ++call) {
+      internet::forgetCachedTraits();
+      Far far;
+      std::uint16_t port = 0;
+      far.server.answers["STOR"] = "150 Send\r\n";
+      far.server.onCommand = [&](const std::string& line) {
+        if (line.starts_with("EPRT")) port = MemoryFtp::portOf(line);
+        if (line.starts_with("STOR") && !passive) far.server.data = far.network.connectToClient(port);
+      };
+      far.server.onLeft = [&](const MemoryFtp::Link& link) {
+        if (link != far.server.data || link->clientBroken) return;
+        EXPECT_EQ(link->sent, 6u) << "stopped at call " << call;
+        far.server.control->toClient += "226 Done\r\n";
+      };
+      platform::StopToken token;
+      const platform::StopToken::Scope scope(&token);
+      far.network.stopAt(call);
+      try {
+        auto connection = login(passive);
+        auto file = openToWrite(*connection, "/up");
+        file->Write("abc", 3);
+        file->Write("def", 3);
+        EXPECT_TRUE(file->Close() || token.raised());
+      } catch (const platform::OperationStopped&) {
+        EXPECT_TRUE(token.raised());
+      }
+      stopped = token.raised();
+      EXPECT_EQ(far.network.openSockets(), 0u);
+    }
+  }
 }
 
 }  // namespace
