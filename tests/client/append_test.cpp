@@ -252,6 +252,7 @@ TEST_F(AppendSlots, ADownloadedCopyThatIsEmptyIsAFailure) {
   };
   EXPECT_EQ(append("/a.txt", 0), 0);
   EXPECT_EQ(host.calls().size(), 2u) << "no upload";
+  EXPECT_THAT(std::string(record.szText), testing::EndsWith("[38 QXIP 8489]")) << "end of file";
   EXPECT_EQ(leftInTemporary(), Names{});
 }
 

@@ -138,6 +138,26 @@ TEST_F(CopyFailure, IntoAFolderThatIsNotThereFailsAfterTheTransferWasOpened) {
   server.waitUntilAllClosed();
 }
 
+// A host whose hook uses the system, which leaves a last error of its own.
+class HostWithALastError final : public TQXIP {
+ public:
+  using TQXIP::TQXIP;
+  ~HostWithALastError() = default;
+  QXBool OnAfterDisconnect() override {
+    platform::setLastError(6);
+    return 1;
+  }
+};
+
+TEST_F(CopyFailure, TheReportHasTheNumberOfTheCopyNotOfTheHookBehindIt) {
+  const fixture::ScriptedFtp server(R"({"tree": {"/a": "one"}})");
+  HostWithALastError host(&record);
+  host.FTPSetLogin("127.0.0.1", "user", "secret", server.port(), 1);
+  const std::string nowhere = localName(folder.file("none")) + "/x";
+  EXPECT_EQ(host.FTPCpyFile("/a", nowhere.c_str(), nullptr, 0, 0, 0), 0);
+  EXPECT_THAT(record, ReportsLastError(lineOf("FTPCpyFileThr", "/a", nowhere), 3u, 6082));
+}
+
 // Windows programs know the device under Wine.
 TEST_F(CopyFailure, ADiskWithoutRoomFailsWithTheSystemsError) {
   const fixture::ScriptedFtp server(R"({"tree": {"/a": "one"}})");

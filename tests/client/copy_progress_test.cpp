@@ -130,6 +130,21 @@ TEST_F(CopyProgress, StoppingInTheMiddleKeepsWhatHasCome) {
   EXPECT_EQ(std::filesystem::file_size(local), 5 * kChunk);
 }
 
+// What the server says of a transfer that was broken off, if it says anything, is no part of the copy.
+TEST_F(CopyProgress, StoppingIsASuccessThoughTheServerHangsUp) {
+  const fixture::ScriptedFtp server(
+      R"({"tree": {"/a": {"size": 40000, "seed": 7}},
+          "rules": [{"on": "RETR", "do": [{"normal": {"final": null}}, "close"]}]})");
+  loginAt(server);
+  ProgressLog::stop() = [] { return QXBool{1}; };
+  for (const std::string& to : {target, std::string("/b")}) {
+    EXPECT_EQ(copy("/a", to), 1) << to;
+    EXPECT_TRUE(IsBlank(record)) << record.szText;
+  }
+  EXPECT_EQ(std::filesystem::file_size(local), kChunk);
+  EXPECT_FALSE(server.exists("/b"));
+}
+
 TEST_F(CopyProgress, StoppingACopyOnTheServerUploadsNothingAndLeavesNoTemporaryFile) {
   const fixture::ScriptedFtp server(serving(100'000));
   loginAt(server);

@@ -48,6 +48,7 @@ TEST_F(Download, NormalisesTheRemotePathTwice) {
     EXPECT_EQ(download(remote), 1) << remote;
     std::filesystem::remove(local);
   }
+  EXPECT_THAT(server.commands(), testing::Contains("RETR /pub/a").Times(3)) << "with one slash in front";
 }
 
 TEST_F(Download, OddNamesAreNamesLikeOthers) {

@@ -73,6 +73,11 @@ TEST_F(Events, AVeryLongNameIsCutNotOverrun) {
   EXPECT_TRUE(texts[0].starts_with("Resolving name nnnn"));
 }
 
+TEST_F(Events, ANameAsLongAsNamesCanBeIsShownWhole) {
+  const std::string name(255, 'n');
+  EXPECT_EQ(statusTexts(11, name.c_str()), Calls{"Name resolved " + name});
+}
+
 TEST_F(Events, StatusTextsChangeNothingElse) {
   statusTexts(20, nullptr);
   statusTexts(50, nullptr);

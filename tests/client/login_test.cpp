@@ -147,6 +147,16 @@ TEST_F(Login, APasswordOf257CharactersFitsAndOneOf258LeavesTheFieldEmpty) {
   EXPECT_STREQ(client.m_Password, "");
 }
 
+TEST_F(Login, WhatFitsIsStoredBesideATextThatDoesNot) {
+  const std::string huge(5000, 'x');
+  EXPECT_EQ(client.FTPSetLogin(huge.c_str(), "u", "p", 21, 0), 1);
+  EXPECT_STREQ(client.m_UserName, "u");
+  EXPECT_STREQ(client.m_Password, "p");
+  EXPECT_EQ(client.FTPSetLogin("h", huge.c_str(), "q", 21, 0), 1);
+  EXPECT_STREQ(client.m_RemoteSystem, "h");
+  EXPECT_STREQ(client.m_Password, "q");
+}
+
 TEST_F(Login, TextsThatDoNotFitLeaveTheirNeighboursAlone) {
   const std::string huge(5000, 'x');
   client.m_nPort = 7;

@@ -66,6 +66,7 @@ TEST_F(Upload, NormalisesTheRemotePathTwice) {
   EXPECT_EQ(upload("\\pub\\b"), 1);
   EXPECT_EQ(upload("///pub/c"), 1);
   EXPECT_EQ(server.names("/pub"), (Names{"b", "c"}));
+  EXPECT_THAT(server.commands(), testing::IsSupersetOf({"STOR /pub/b", "STOR /pub/c"}));
 }
 
 TEST_F(Upload, OddNamesAreNamesLikeOthers) {
