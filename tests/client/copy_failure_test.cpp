@@ -158,6 +158,41 @@ TEST_F(CopyFailure, TheReportHasTheNumberOfTheCopyNotOfTheHookBehindIt) {
   EXPECT_THAT(record, ReportsLastError(lineOf("FTPCpyFileThr", "/a", nowhere), 3u, 6082));
 }
 
+// The lines of a failed attempt come behind those of the retries, whatever they have left as last error.
+TEST_F(CopyFailure, AnAttemptWhoseRetrySucceedsReportsItsOwnNumber) {
+  const fixture::ScriptedFtp server(R"({"tree": {"/a": "one"}})");
+  SlotHost host(&record);
+  host.FTPSetLogin("127.0.0.1", "user", "secret", server.port(), 1);
+  const std::string later = folder.file("later");
+  host.size = [&, attempts = 0]() mutable {
+    if (++attempts == 2) std::filesystem::create_directory(later);
+    return 3u;
+  };
+  host.disconnected = [] { platform::setLastError(6); };
+  const std::string inside = localName(later) + "/x";
+  EXPECT_EQ(host.FTPCpyFile("/a", inside.c_str(), nullptr, 1, 0, 0), 1);
+  EXPECT_THAT(record, ReportsLastError(lineOf("FTPCpyFileThr", "/a", inside), 3u, 6082));
+}
+
+// A host that shows each error as it comes, and takes it out of the record.
+class HostThatTakesErrors final : public TQXIP {
+ public:
+  using TQXIP::TQXIP;
+  ~HostThatTakesErrors() = default;
+  void OnIPError(std::uint32_t error, const char* text, std::uint32_t* retries) override {
+    TQXIP::OnIPError(error, text, retries);
+    *m_pErrorInfo = {};
+  }
+};
+
+TEST_F(CopyFailure, TheReportBehindOnIPErrorHasTheSameNumber) {
+  const fixture::ScriptedFtp server;
+  HostThatTakesErrors host(&record);
+  host.FTPSetLogin("127.0.0.1", "user", "secret", server.port(), 1);
+  EXPECT_EQ(host.FTPCpyFile("/none", target.c_str(), nullptr, 0, 0, 0), 0);
+  EXPECT_THAT(std::string(record.szText), testing::EndsWith("[12003 QXIP 6082]"));
+}
+
 // Windows programs know the device under Wine.
 TEST_F(CopyFailure, ADiskWithoutRoomFailsWithTheSystemsError) {
   const fixture::ScriptedFtp server(R"({"tree": {"/a": "one"}})");

@@ -180,6 +180,17 @@ TEST_F(RemoveDirectory, EachLookHasTheRetriesThatAreLeftAndNoHostValues) {
   EXPECT_FALSE(host.hostValuesWereGiven);
 }
 
+TEST_F(RemoveDirectory, TheReportHasTheNumberOfTheRemovalNotOfTheLookBehindIt) {
+  const fixture::ScriptedFtp server(withRule(R"({"on": "RMD", "do": [{"reply": "550 Not empty"}]})"));
+  loginHostAt(server);
+  host.dirExist = [](const char*, std::uint32_t) {
+    platform::setLastError(6);
+    return QXBool{1};
+  };
+  EXPECT_EQ(host.FTPRmvDir("/e", 0, 0, 0), 0);
+  EXPECT_THAT(record, ReportsLastError(kWorkerFailed, 12003u, kWorkerLine));
+}
+
 TEST_F(RemoveDirectory, ARetryThatSucceedsIsASuccess) {
   const fixture::ScriptedFtp server(withRule(R"({"on": "RMD", "nth": 1, "do": [{"reply": "450 Busy"}]})"));
   loginAt(server);
