@@ -35,6 +35,9 @@ std::string portArgument(const platform::SocketAddress& address) {
   return text + std::to_string(address.port >> 8) + ',' + std::to_string(address.port & 0xff);
 }
 
+// Servers and the ways to them forbid EPSV and EPRT by any code, not only by those of an unknown command.
+bool forbidden(const FtpReply& reply) noexcept { return reply.code >= 500; }
+
 bool replied(const FtpDataChannel::Opening& opening) noexcept { return opening.first.code != 0; }
 
 // The data connection cannot be made: the control connection says why, within Timeouts::dataError. It is
@@ -69,10 +72,8 @@ void FtpDataChannel::prepare() {
 bool FtpDataChannel::prepareExtendedPassive() {
   if (control_.knownTraits().noExtendedPassive) return false;
   const FtpReply reply = control_.command("EPSV");
-  // Servers and the ways to them forbid it by any code, not only by those of an unknown command.
-  const bool forbidden = reply.code >= 500;
-  if (reply.refused() && !forbidden) control_.raise(reply);
-  const auto port = forbidden ? std::nullopt : parseExtendedPassivePort(reply.text);
+  if (reply.refused() && !forbidden(reply)) control_.raise(reply);
+  const auto port = reply.refused() ? std::nullopt : parseExtendedPassivePort(reply.text);
   extendedPassiveRefused_ = !port;
   if (!port) return false;
   startToConnect(*port);
@@ -104,13 +105,15 @@ void FtpDataChannel::prepareActive() {
   listening_ = true;
   if (!socket_.listen(local)) fail(kCannotConnect);
   const platform::SocketAddress bound = required(socket_.localAddress());
-  if (!control_.knownTraits().noExtendedActive) {
-    const FtpReply reply = control_.command("EPRT", extendedPortArgument(bound));
-    if (reply.completed()) return;
-    if (!reply.unsupported() || bound.v6) control_.raise(reply);
-    control_.learn([](FtpTraits& traits) { traits.noExtendedActive = true; });
+  if (control_.knownTraits().noExtendedActive) {
+    control_.require("PORT", portArgument(bound));
+    return;
   }
+  const FtpReply reply = control_.command("EPRT", extendedPortArgument(bound));
+  if (reply.completed()) return;
+  if (!forbidden(reply) || bound.v6) control_.raise(reply);
   control_.require("PORT", portArgument(bound));
+  control_.learn([](FtpTraits& traits) { traits.noExtendedActive = true; });
 }
 
 void FtpDataChannel::startToConnect(std::uint16_t port) {

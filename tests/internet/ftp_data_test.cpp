@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // How data connections are made: passive and active, both families, and what servers and the way between do
 // wrong.
+#include <array>
 #include <nlohmann/json.hpp>
 #include <thread>
 
@@ -70,28 +71,35 @@ TEST_F(FtpData, FallsBackOnceWhereTheExtendedCommandIsUnknown) {
   }
 }
 
-// Only the codes of an unknown command led to PASV.
-TEST_F(FtpData, FallsBackOnceWhereExtendedPassiveIsForbidden) {
+// Only the codes of an unknown command led to PASV and PORT.
+TEST_F(FtpData, FallsBackOnceWhereTheExtendedCommandIsForbidden) {
   for (const char* refusal : {"503 Bad sequence", "520 Extended passive is off (|||21|)", "530 Not for you",
                               "550 Permission denied", "553 No"}) {
-    internet::forgetCachedTraits();
-    ScriptedFtp server = serverWith({{{"on", "EPSV"}, {"do", {{{"reply", refusal}}}}}});
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(readFile(*connect(server)), "content") << refusal;
-    EXPECT_EQ(server.commandCount("EPSV"), 1) << "remembered for the next connection";
-    EXPECT_EQ(server.commandCount("PASV"), 2);
+    for (const bool passive : {true, false}) {
+      internet::forgetCachedTraits();
+      const char* const extended = passive ? "EPSV" : "EPRT";
+      ScriptedFtp server = serverWith({{{"on", extended}, {"do", {{{"reply", refusal}}}}}});
+      for (int i = 0; i < 2; ++i) EXPECT_EQ(readFile(*connect(server, passive)), "content") << refusal;
+      EXPECT_EQ(server.commandCount(extended), 1) << "remembered for the next connection";
+      EXPECT_EQ(server.commandCount(passive ? "PASV" : "PORT"), 2);
+    }
   }
 }
 
-TEST_F(FtpData, ExtendedPassiveIsNotBlamedWhereBothCommandsAreRefused) {
-  ScriptedFtp server =
-      serverWith({{{"on", {"EPSV", "PASV"}}, {"first", 2}, {"do", {{{"reply", "530 Log in again"}}}}}});
-  auto connection = connect(server);
-  const Thrown thrown = thrownBy([&] { openToRead(*connection, "/f"); });
-  EXPECT_EQ(thrown.error, 12003u);
-  EXPECT_EQ(thrown.text, "530 Log in again");
-  EXPECT_EQ(readFile(*connection), "content");
-  EXPECT_EQ(server.commandCount("EPSV"), 2);
-  EXPECT_EQ(server.commandCount("PASV"), 1);
+TEST_F(FtpData, TheExtendedCommandIsNotBlamedWhereBothCommandsAreRefused) {
+  for (const bool passive : {true, false}) {
+    internet::forgetCachedTraits();
+    const std::array commands{passive ? "EPSV" : "EPRT", passive ? "PASV" : "PORT"};
+    ScriptedFtp server =
+        serverWith({{{"on", commands}, {"first", 2}, {"do", {{{"reply", "530 Log in again"}}}}}});
+    auto connection = connect(server, passive);
+    const Thrown thrown = thrownBy([&] { openToRead(*connection, "/f"); });
+    EXPECT_EQ(thrown.error, 12003u);
+    EXPECT_EQ(thrown.text, "530 Log in again");
+    EXPECT_EQ(readFile(*connection), "content");
+    EXPECT_EQ(server.commandCount(commands[0]), 2);
+    EXPECT_EQ(server.commandCount(commands[1]), 1);
+  }
 }
 
 TEST_F(FtpData, ConnectsToTheServerWhateverAddressItTells) {
