@@ -1,0 +1,296 @@
+// SPDX-License-Identifier: MIT
+// Whole conversations with a hostile server. Whatever it does, the client comes to an end, takes each reply
+// for that of its own command, calls no file whole that is not, and ends no upload in good order that has
+// failed.
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "framework/internet/FtpConnection.h"
+#include "framework/internet/FtpFileFind.h"
+#include "framework/internet/FtpTraits.h"
+#include "framework/internet/InternetException.h"
+#include "framework/internet/InternetFile.h"
+#include "framework/internet/InternetSession.h"
+#include "framework/platform/last_error.h"
+#include "framework/platform/stop_token.h"
+#include "tests/fuzz/HostileFtp.h"
+#include "tests/fuzz/Invariants.h"
+
+namespace {
+
+using fuzz::Choices;
+using fuzz::HostileFtp;
+using fuzz::require;
+using testing_support::MemoryNetwork;
+
+constexpr bool kWindows = std::filesystem::path::preferred_separator == '\\';
+constexpr const char* kNowhere = kWindows ? "NUL" : "/dev/null";
+constexpr std::array<std::uint32_t, 13> kErrors{8,     18,    87,    12002, 12003, 12014, 12015,
+                                                12019, 12029, 12030, 12031, 12110, 12152};
+
+// Counts the control connections that it is told of.
+class CountingSession : public CInternetSession {
+ public:
+  CountingSession() { EnableStatusCallback(); }
+  ~CountingSession() override { Close(); }
+  void OnStatusCallback(std::uintptr_t, std::uint32_t status, void*, std::uint32_t) override {
+    if (status == internet::kStatusConnecting) ++open;
+    if (status == internet::kStatusClosed) --open;
+  }
+  int open = 0;
+};
+
+class Client {
+ public:
+  Client(Choices& choices, HostileFtp& server, bool passive)
+      : choices_(choices), server_(server), passive_(passive) {}
+
+  void perform(unsigned operation);
+  // How many control connections it was told of that have not been closed, once all are.
+  int openAtEnd() {
+    connection_.reset();
+    session_.Close();
+    return session_.open;
+  }
+
+ private:
+  template <class Work>
+  bool succeeds(const Work& work);
+  void judge(std::uint32_t error, const std::string& text) const;
+  [[nodiscard]] bool done(std::string_view verb) const;
+  const HostileFtp::Transfer* transfer() const;
+
+  template <class Work>
+  void change(std::string_view verb, const Work& work);
+  void askDirectory();
+  void read();
+  void readPart();
+  void get();
+  template <class Work>
+  void upload(const std::string& content, const Work& work);
+  void write();
+  void find(const char* pattern);
+
+  Choices& choices_;
+  HostileFtp& server_;
+  const bool passive_;
+  CountingSession session_;
+  std::unique_ptr<CFtpConnection> connection_;
+  // What the server had seen before the current operation.
+  std::size_t commandsBefore_ = 0;
+  std::size_t transfersBefore_ = 0;
+};
+
+// `work` answers false with the last error set, or throws an exception that tells it.
+template <class Work>
+bool Client::succeeds(const Work& work) {
+  commandsBefore_ = server_.commands().size();
+  transfersBefore_ = server_.transfers().size();
+  try {
+    if (work()) return true;
+    judge(platform::lastError(), connection_->LastServerText());
+  } catch (CInternetException* exception) {
+    char text[2048];
+    static_cast<void>(exception->GetErrorMessage(text, sizeof text));
+    const std::uint32_t error = exception->m_dwError;
+    exception->Delete();
+    judge(error, text);
+  }
+  return false;
+}
+
+// A refusal is one of a command of this operation, and that command's own.
+void Client::judge(std::uint32_t error, const std::string& text) const {
+  require(std::find(kErrors.begin(), kErrors.end(), error) != kErrors.end());
+  if (error != internet::kExtendedError || !server_.orderly() || !server_.plainListings()) return;
+  const std::size_t mark = text.rfind('#');
+  require(mark != std::string::npos);
+  const std::size_t command = std::stoul(text.substr(mark + 1));
+  require(command >= commandsBefore_ && command < server_.commands().size());
+  require(std::to_string(server_.commands()[command].final) == text.substr(0, 3));
+}
+
+// The server has done what this operation has asked by that verb.
+bool Client::done(std::string_view verb) const {
+  const auto& commands = server_.commands();
+  return std::any_of(commands.begin() + static_cast<std::ptrdiff_t>(commandsBefore_), commands.end(),
+                     [&](const auto& each) { return each.verb == verb && each.final / 100 == 2; });
+}
+
+// Of this operation; null where the server has not begun any.
+const HostileFtp::Transfer* Client::transfer() const {
+  const auto& transfers = server_.transfers();
+  return transfers.size() > transfersBefore_ ? transfers.back().get() : nullptr;
+}
+
+// --- Operations ---
+
+template <class Work>
+void Client::change(std::string_view verb, const Work& work) {
+  if (succeeds(work)) require(!server_.orderly() || done(verb));
+}
+
+void Client::askDirectory() {
+  std::string directory;
+  if (!succeeds([&] { return connection_->GetCurrentDirectory(directory); }) || !server_.orderly()) return;
+  const std::size_t command = std::stoul(directory.substr(std::string_view("/at").size()));
+  require(command >= commandsBefore_ && server_.commands()[command].verb == "PWD");
+}
+
+void Client::read() {
+  static constexpr std::size_t kBlocks[] = {4096, 1, 100, 1'000'000};
+  std::vector<char> block(choices_.from(kBlocks));
+  std::string content;
+  const bool good = succeeds([&] {
+    const std::unique_ptr<CInternetFile> file(connection_->OpenFile("/f", internet::kGenericRead));
+    const auto size = static_cast<std::uint32_t>(block.size());
+    while (const std::uint32_t count = file->Read(block.data(), size)) content.append(block.data(), count);
+    return file->Close();
+  });
+  if (!good || !server_.orderly()) return;
+  const HostileFtp::Transfer* const sent = transfer();
+  require(content == (sent ? sent->content : ""));
+  require(!sent || (sent->claimed && content.size() >= sent->announced));
+}
+
+void Client::readPart() {
+  const std::size_t size = choices_.of(4) * 100;
+  std::vector<char> block(size + 1);
+  succeeds([&] {
+    const std::unique_ptr<CInternetFile> file(connection_->OpenFile("/f", internet::kGenericRead));
+    file->Read(block.data(), static_cast<std::uint32_t>(size));
+    return file->Close();
+  });
+}
+
+// The size may stand for the lost word of the server.
+void Client::get() {
+  const bool good = succeeds([&] { return connection_->GetFile("/f", kNowhere, false); });
+  const HostileFtp::Transfer* const sent = transfer();
+  if (!good || !sent || !server_.orderly()) return;
+  require(sent->claimed || sent->content == server_.fileContent());
+  require(sent->content.size() >= sent->announced);
+}
+
+// The end of the data in good order tells the server that it has the whole.
+template <class Work>
+void Client::upload(const std::string& content, const Work& work) {
+  const auto endsWholeAlone = [&] {
+    const HostileFtp::Transfer* const taken = transfer();
+    require(!taken || !taken->ended || taken->data->sent == content.size());
+  };
+  bool good = false;
+  try {
+    good = succeeds(work);
+  } catch (const platform::OperationStopped&) {
+    endsWholeAlone();
+    throw;
+  }
+  endsWholeAlone();
+  const HostileFtp::Transfer* const taken = transfer();
+  if (good && server_.orderly()) require(taken && taken->ended && taken->claimed);
+}
+
+void Client::write() {
+  static constexpr std::size_t kSizes[] = {1000, 0, 1, 100'000};
+  const std::string content(choices_.from(kSizes), 'u');
+  const std::size_t block = content.size() / (choices_.of(3) + 1) + 1;
+  upload(content, [&] {
+    const std::unique_ptr<CInternetFile> file(connection_->OpenFile("/up", internet::kGenericWrite));
+    for (std::size_t at = 0; at < content.size(); at += block) {
+      file->Write(content.data() + at, static_cast<std::uint32_t>(std::min(block, content.size() - at)));
+    }
+    return file->Close();
+  });
+}
+
+void Client::find(const char* pattern) {
+  succeeds([&] {
+    CFtpFileFind finder(connection_.get());
+    if (!finder.FindFile(pattern)) return false;
+    for (bool more = true; more;) {
+      more = finder.FindNextFile();
+      fuzz::requireSoundName(finder.GetFileName());
+      static_cast<void>(finder.GetLastWriteTime());
+    }
+    return true;
+  });
+}
+
+void Client::perform(unsigned operation) {
+  if (!connection_) operation = 0;
+  switch (operation) {
+    case 0: {
+      connection_.reset();
+      const auto connect = [&] { return session_.GetFtpConnection("127.0.0.1", "u", "p", 21, passive_); };
+      succeeds([&] { return (connection_.reset(connect()), true); });
+      return;
+    }
+    case 1:
+      return change("DELE", [&] { return connection_->Remove("/f"); });
+    case 2:
+      return change("MKD", [&] { return connection_->CreateDirectory("/d"); });
+    case 3:
+      return change("RMD", [&] { return connection_->RemoveDirectory("/d"); });
+    case 4:
+      return change("RNTO", [&] { return connection_->Rename("/f", "/g"); });
+    case 5:
+      return change("CWD", [&] { return connection_->SetCurrentDirectory("/d"); });
+    case 6:
+      return askDirectory();
+    case 7:
+      return read();
+    case 8:
+      return readPart();
+    case 9:
+      return get();
+    case 10:
+      return write();
+    case 11:
+      return upload({}, [&] { return connection_->PutFile(kNowhere, "/up"); });
+    case 12:
+      return find("/d/*");
+    case 13:
+      return find("/d");
+    case 14:
+      return find("name");
+    default:
+      static_cast<void>(connection_->WaitIdle(std::chrono::milliseconds(choices_.of(256))));
+  }
+}
+
+}  // namespace
+
+// The first bytes: what the conversation is like, when the client is told to stop (0 = never), its
+// operations. The server does with the rest what it likes.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static constexpr std::size_t kSizes[] = {0, 7, 1'000, 5'000};
+  constexpr std::size_t kHead = 10;
+  std::string_view bytes = fuzz::textOf(data, size);
+  Choices head(bytes.substr(0, kHead));
+  Choices choices(bytes.substr(std::min(kHead, size)));
+  internet::forgetCachedTraits();
+
+  const bool passive = head.of(2) == 0;
+  HostileFtp server(choices, {.features = head.of(2) == 0, .fileSize = head.from(kSizes)});
+  MemoryNetwork network(server, head.of(2) == 1);
+  server.join(network);
+  platform::StopToken token;
+  const platform::StopToken::Scope scope(&token);
+  network.stopAt(head.of(256));
+  Client client(choices, server, passive);
+  try {
+    for (std::size_t at = 5; at < kHead; ++at) client.perform(head.of(16));
+  } catch (const platform::OperationStopped&) {
+    require(token.raised());
+  }
+  // A stopped client says nothing more.
+  require(client.openAtEnd() == 0 || token.raised());
+  require(network.openSockets() == 0);
+  return 0;
+}
