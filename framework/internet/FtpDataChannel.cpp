@@ -167,7 +167,12 @@ FtpDataChannel::Opening FtpDataChannel::establish() {
   while (!tryToStand()) {
     takeReplies(opening);
     const bool over = opening.final && (listening_ || opening.final->refused());
-    if (over && !standsAfterAll(*opening.final, deadline)) return opening;
+    if (over && !standsAfterAll(*opening.final, deadline)) {
+      // A transfer that has begun and lost its connection is broken, which the refusal only explains.
+      const bool broken = opening.first.preliminary() && !socket_.isOpen();
+      if (broken && opening.final->refused()) control_.raise(*opening.final);
+      return opening;
+    }
     if (stands_) break;
     if (!opening.final && !channel.isOpen()) channel.reply(kAtOnce);  // fails with the reason
     if (!socket_.isOpen()) failWithReason(control_, kCannotConnect);

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What happens seldom between sockets, and never when a test wants it: over a network in memory.
+#include "framework/internet/FtpFileFind.h"
+#include "framework/platform/last_error.h"
 #include "framework/platform/stop_token.h"
 #include "tests/internet/FtpTest.h"
 #include "tests/support/MemoryFtp.h"
@@ -40,6 +42,27 @@ TEST_F(FtpMemory, AListeningSocketThatFailsIsNotWaitedFor) {
       << "for a reason that the server tells";
   connection.reset();
   EXPECT_EQ(far.network.openSockets(), 0u);
+}
+
+// A reset can come before the client has seen its connection stand, and the refusal with it. The rows that
+// went with the reset are lost all the same.
+TEST_F(FtpMemory, AListingThatIsResetWhileItBeginsIsBrokenNotRefused) {
+  Far far;
+  auto connection = login(true);
+  CFtpFileFind finder(connection.get());
+  far.server.answers["LIST"] = "150 Here\r\n226 Done\r\n";
+  far.server.onCommand = [&](const std::string& line) {
+    if (line == "LIST") far.server.data->server = testing_support::MemoryLink::End::ended;
+  };
+  EXPECT_EQ(errorOf([&] { return finder.FindFile("/d/*"); }), platform::kErrorNoMoreFiles) << "works";
+  far.server.passiveState = testing_support::MemoryLink::State::connecting;
+  far.server.onCommand = [&](const std::string& line) {
+    if (line == "LIST") far.server.data->state = testing_support::MemoryLink::State::refused;
+  };
+  far.server.answers["LIST"] = "150 Here\r\n451 Local error\r\n";
+  EXPECT_EQ(thrownBy([&] { finder.FindFile("/d/*"); }).error, 12003u);
+  far.server.answers["LIST"] = "451 Local error\r\n";
+  EXPECT_EQ(errorOf([&] { return finder.FindFile("/d/*"); }), 12003u) << "never begun";
 }
 
 // Uploads in each mode, stopped at the first, the second, ... call that the client makes of the network.

@@ -20,6 +20,7 @@ class MemoryFtp : public MemoryPeer {
   // By verb, line ends included; any other command is done.
   std::map<std::string, std::string> answers{
       {"USER", "331 Password?\r\n"}, {"EPSV", "229 Here (|||1000|)\r\n"}, {"PWD", "257 \"/\"\r\n"}};
+  MemoryLink::State passiveState = MemoryLink::State::established;  // of a passive connection at first
   // Called behind the answer.
   std::function<void(const std::string& line)> onCommand;
   // Called when the client has ended or broken a connection.
@@ -30,7 +31,7 @@ class MemoryFtp : public MemoryPeer {
   Link data;                       // the last passive one
 
   void connecting(const Link& link, std::uint16_t port) override {
-    link->state = MemoryLink::State::established;
+    link->state = port == kControlPort ? MemoryLink::State::established : passiveState;
     (port == kControlPort ? control : data) = link;
     if (port == kControlPort) link->toClient = "220 Ready\r\n";
   }
