@@ -190,7 +190,10 @@ TEST_F(Move, ACancelledCopyLeavesTheSource) {
 TEST_F(Move, ACancelledCopyIsTriedAgainWhileRetriesAreLeft) {
   host.poll = [](QXBool*) { return QXBool{1}; };
   EXPECT_EQ(move("/a", "/b", 2), 0);
-  EXPECT_EQ(host.calls().size(), 6u) << "three moves, three copies";
+  // A worker may have asked for the size before it was cancelled.
+  auto calls = host.calls();
+  std::erase_if(calls, [](const std::string& call) { return call.starts_with("FTPFileSize"); });
+  EXPECT_EQ(calls.size(), 6u) << "three moves, three copies";
   EXPECT_TRUE(server.exists("/a"));
 }
 
