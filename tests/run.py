@@ -91,6 +91,11 @@ def test(preset, arguments):
     return count
 
 
+def start_wine_server():
+    """Lets Wine's services come up before the tests ask for them all at once."""
+    run("tools/wine-runner", "cmd", "/c", "exit", quiet=True)
+
+
 def end_wine_server():
     """Ends the Wine server that the tests started, unless somebody else's program still uses it."""
     subprocess.run(["bash", "-c", '. tools/wine-env && flock -n "$WINEPREFIX.lock" "$WINESERVER" -k'],
@@ -121,6 +126,8 @@ def main():
         began = time.monotonic()
         built = build(preset)
         build_time, began = seconds(began), time.monotonic()
+        if preset == "windows":
+            start_wine_server()
         count = test(preset, ctest_arguments) if built else Count(failed=1)
         note = "" if built else "  (does not build)"
         lines.append(f"{preset:<12} build {build_time:>8}  tests {seconds(began):>8}  {count}{note}")
