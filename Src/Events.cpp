@@ -7,7 +7,7 @@
 #include "Src/QXIP.h"
 #include "Src/SharedFlag.h"
 #include "framework/internet/FtpFileFind.h"
-#include "framework/internet/InternetErrors.h"
+#include "framework/internet/net/InternetErrors.h"
 #include "support/Diagnostics.h"
 
 namespace {

@@ -13,7 +13,7 @@
 #include "Src/QXIP.h"
 #include "Src/RemotePath.h"
 #include "Src/SlotRetry.h"
-#include "framework/internet/InternetErrors.h"
+#include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/clock.h"
 #include "framework/platform/last_error.h"
 

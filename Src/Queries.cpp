@@ -9,7 +9,7 @@
 #include "Src/RemotePath.h"
 #include "Src/SharedFlag.h"
 #include "Src/WorkerFrame.h"
-#include "framework/internet/InternetErrors.h"
+#include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/last_error.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include "Src/OperationGuard.h"
 #include "Src/QXIP.h"
-#include "framework/internet/InternetErrors.h"
+#include "framework/internet/net/InternetErrors.h"
 
 TInternetSession::TInternetSession(QXErrorInfo* pErrorInfo, TQXIP* pQXIP, StatusDispatcher dispatcher)
     : CInternetSession(nullptr, 1, 0, nullptr, nullptr, 0),

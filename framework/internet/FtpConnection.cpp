@@ -4,11 +4,12 @@
 #include <string_view>
 #include <utility>
 
-#include "framework/internet/Failure.h"
-#include "framework/internet/FtpControl.h"
-#include "framework/internet/FtpFileCopy.h"
-#include "framework/internet/FtpTransfer.h"
 #include "framework/internet/InternetFile.h"
+#include "framework/internet/Raising.h"
+#include "framework/internet/ftp/FtpControl.h"
+#include "framework/internet/ftp/FtpFileCopy.h"
+#include "framework/internet/ftp/FtpTransfer.h"
+#include "framework/internet/net/Failure.h"
 #include "framework/platform/last_error.h"
 
 using internet::FtpControl;

@@ -11,7 +11,7 @@
 #include <memory>
 #include <string>
 
-#include "framework/internet/InternetErrors.h"
+#include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/file.h"
 
 class CInternetFile;

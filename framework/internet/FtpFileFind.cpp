@@ -6,10 +6,11 @@
 #include <string_view>
 #include <utility>
 
-#include "framework/internet/Failure.h"
-#include "framework/internet/FindRule.h"
 #include "framework/internet/FtpConnection.h"
-#include "framework/internet/InternetErrors.h"
+#include "framework/internet/Raising.h"
+#include "framework/internet/ftp/FindRule.h"
+#include "framework/internet/net/Failure.h"
+#include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/last_error.h"
 
 namespace internet {

@@ -5,12 +5,13 @@
 #include <string_view>
 #include <utility>
 
-#include "framework/internet/AsciiText.h"
-#include "framework/internet/Failure.h"
 #include "framework/internet/HttpFile.h"
-#include "framework/internet/HttpSite.h"
-#include "framework/internet/HttpUrl.h"
+#include "framework/internet/Raising.h"
+#include "framework/internet/http/HttpSite.h"
+#include "framework/internet/http/HttpUrl.h"
+#include "framework/internet/net/Failure.h"
 #include "framework/platform/last_error.h"
+#include "framework/text/AsciiText.h"
 
 using internet::HttpSite;
 

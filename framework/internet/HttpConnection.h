@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "framework/internet/InternetErrors.h"
+#include "framework/internet/net/InternetErrors.h"
 
 class CHttpFile;
 class CInternetSession;

@@ -6,8 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "framework/internet/Failure.h"
-#include "framework/internet/HttpExchange.h"
+#include "framework/internet/Raising.h"
+#include "framework/internet/http/HttpExchange.h"
+#include "framework/internet/net/Failure.h"
 #include "framework/platform/last_error.h"
 #include "framework/platform/process.h"
 

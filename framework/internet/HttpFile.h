@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-#include "framework/internet/InternetErrors.h"
+#include "framework/internet/net/InternetErrors.h"
 
 namespace internet {
 class HttpExchange;

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "framework/internet/InternetErrors.h"
+#include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/last_error.h"
 
 namespace {

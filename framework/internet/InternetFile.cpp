@@ -4,9 +4,10 @@
 #include <optional>
 #include <utility>
 
-#include "framework/internet/Failure.h"
-#include "framework/internet/FtpTransfer.h"
-#include "framework/internet/InternetErrors.h"
+#include "framework/internet/Raising.h"
+#include "framework/internet/ftp/FtpTransfer.h"
+#include "framework/internet/net/Failure.h"
+#include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/last_error.h"
 
 using internet::FtpTransfer;

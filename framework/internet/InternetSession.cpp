@@ -8,13 +8,14 @@
 #include <utility>
 #include <vector>
 
-#include "framework/internet/Failure.h"
 #include "framework/internet/FtpConnection.h"
-#include "framework/internet/FtpControl.h"
 #include "framework/internet/HttpConnection.h"
-#include "framework/internet/HttpSite.h"
-#include "framework/internet/InternetErrors.h"
-#include "framework/internet/SessionLink.h"
+#include "framework/internet/Raising.h"
+#include "framework/internet/ftp/FtpControl.h"
+#include "framework/internet/http/HttpSite.h"
+#include "framework/internet/net/Failure.h"
+#include "framework/internet/net/InternetErrors.h"
+#include "framework/internet/net/SessionLink.h"
 #include "framework/platform/last_error.h"
 #include "framework/platform/process.h"
 

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <memory>
 
-#include "framework/internet/HttpUrl.h"
-#include "framework/internet/InternetLimits.h"
+#include "framework/internet/http/HttpUrl.h"
+#include "framework/internet/net/InternetLimits.h"
 
 class CFtpConnection;
 class CHttpConnection;

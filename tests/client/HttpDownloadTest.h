@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "framework/internet/NameLookup.h"
+#include "framework/internet/net/NameLookup.h"
 #include "tests/client/TransferTest.h"
 #include "tests/support/ModalBoxes.h"
 

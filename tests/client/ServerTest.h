@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "Src/TInternetSession.h"
-#include "framework/internet/FtpTraits.h"
 #include "framework/internet/InternetSession.h"
+#include "framework/internet/ftp/FtpTraits.h"
 #include "tests/client/ErrorRecord.h"
 #include "tests/client/RecordingClient.h"
 #include "tests/support/Fixture.h"

@@ -4,7 +4,7 @@
 
 #include "Src/TInternetSession.h"
 #include "framework/internet/FtpFileFind.h"
-#include "framework/internet/NameLookup.h"
+#include "framework/internet/net/NameLookup.h"
 #include "tests/client/ServerTest.h"
 #include "tests/support/ProcessCounters.h"
 

@@ -9,7 +9,7 @@
 #include "Src/QXIP.h"
 #include "Src/TInternetSession.h"
 #include "framework/ModuleState.h"
-#include "framework/internet/NameLookup.h"
+#include "framework/internet/net/NameLookup.h"
 #include "tests/client/ScriptedFinder.h"
 
 namespace {

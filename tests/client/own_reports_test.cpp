@@ -7,7 +7,7 @@
 
 #include "Src/QXIP.h"
 #include "framework/internet/InternetException.h"
-#include "framework/internet/NameLookup.h"
+#include "framework/internet/net/NameLookup.h"
 #include "tests/client/ErrorRecord.h"
 #include "tests/client/ScriptedFinder.h"
 

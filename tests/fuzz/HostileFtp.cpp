@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "framework/internet/InternetLimits.h"
+#include "framework/internet/net/InternetLimits.h"
 #include "tests/fuzz/Invariants.h"
 
 namespace fuzz {

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "framework/internet/FtpListing.h"
+#include "framework/internet/listing/FtpListing.h"
 
 namespace fuzz {
 
@@ -21,7 +21,7 @@ inline std::string_view textOf(const std::uint8_t* data, std::size_t size) {
 }
 
 inline void requireSoundName(std::string_view name) {
-  require(!name.empty() && name != "." && name != ".." && name.size() < internet::kMaxArgument);
+  require(!name.empty() && name != "." && name != ".." && name.size() < internet::kMaxNameLength);
   for (const char c : name) {
     const auto byte = static_cast<unsigned char>(c);
     require(byte >= 0x20 && byte != 0x7f && c != '/');

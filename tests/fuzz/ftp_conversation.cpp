@@ -12,10 +12,10 @@
 
 #include "framework/internet/FtpConnection.h"
 #include "framework/internet/FtpFileFind.h"
-#include "framework/internet/FtpTraits.h"
 #include "framework/internet/InternetException.h"
 #include "framework/internet/InternetFile.h"
 #include "framework/internet/InternetSession.h"
+#include "framework/internet/ftp/FtpTraits.h"
 #include "framework/platform/last_error.h"
 #include "framework/platform/stop_token.h"
 #include "tests/fuzz/HostileFtp.h"

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // A whole response, and the same one byte by byte: both ways it must come to the same, as far as it is one.
-#include "framework/internet/HttpResponse.h"
+#include "framework/internet/http/HttpResponse.h"
 
 #include <algorithm>
 #include <string>
 
-#include "framework/internet/InternetLimits.h"
+#include "framework/internet/net/InternetLimits.h"
 #include "tests/fuzz/Invariants.h"
 
 namespace {

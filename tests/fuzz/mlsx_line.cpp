@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // One fact line: as a row of a listing, and as the answer about a path.
-#include "framework/internet/ListingRow.h"
+#include "framework/internet/listing/ListingRow.h"
 #include "tests/fuzz/Invariants.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

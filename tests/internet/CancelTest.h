@@ -16,7 +16,7 @@
 #include <thread>
 #include <vector>
 
-#include "framework/internet/NameLookup.h"
+#include "framework/internet/net/NameLookup.h"
 #include "framework/platform/stop_token.h"
 #include "tests/internet/FtpTest.h"
 #include "tests/support/Median.h"

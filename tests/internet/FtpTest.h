@@ -13,11 +13,11 @@
 #include <vector>
 
 #include "framework/internet/FtpConnection.h"
-#include "framework/internet/FtpTraits.h"
-#include "framework/internet/InternetErrors.h"
 #include "framework/internet/InternetException.h"
 #include "framework/internet/InternetFile.h"
 #include "framework/internet/InternetSession.h"
+#include "framework/internet/ftp/FtpTraits.h"
+#include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/last_error.h"
 #include "tests/support/Fixture.h"
 #include "tests/support/ScratchFolder.h"

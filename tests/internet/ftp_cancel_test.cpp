@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
-#include "framework/internet/Failure.h"
-#include "framework/internet/FtpControl.h"
+#include "framework/internet/ftp/FtpControl.h"
+#include "framework/internet/net/Failure.h"
 #include "tests/internet/CancelTest.h"
 #include "tests/internet/FtpTest.h"
 #include "tests/support/ProcessCounters.h"

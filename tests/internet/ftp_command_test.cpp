@@ -3,8 +3,8 @@
 // happens when the connection ends.
 #include <nlohmann/json.hpp>
 
-#include "framework/internet/FtpControl.h"
-#include "framework/internet/InternetLimits.h"
+#include "framework/internet/ftp/FtpControl.h"
+#include "framework/internet/net/InternetLimits.h"
 #include "tests/internet/FtpTest.h"
 #include "tests/support/RepliesWaitedFor.h"
 

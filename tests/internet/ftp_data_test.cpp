@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
-#include "framework/internet/FtpControl.h"
 #include "framework/internet/FtpFileFind.h"
+#include "framework/internet/ftp/FtpControl.h"
 #include "tests/internet/FtpTest.h"
 
 namespace internet_tests {

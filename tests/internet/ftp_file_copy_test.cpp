@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
-#include "framework/internet/FtpTransfer.h"
+#include "framework/internet/ftp/FtpTransfer.h"
 #include "framework/platform/stop_token.h"
 #include "tests/internet/FtpTest.h"
 #include "tests/support/Pattern.h"

@@ -4,7 +4,7 @@
 // "empty" made an empty directory of it.
 #include <nlohmann/json.hpp>
 
-#include "framework/internet/ServerWords.h"
+#include "framework/internet/ftp/ServerWords.h"
 #include "tests/internet/FindTest.h"
 
 namespace internet_tests {

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "framework/internet/FtpListing.h"
+#include "framework/internet/listing/FtpListing.h"
 
 namespace internet {
 namespace {
@@ -382,7 +382,7 @@ TEST(Listing, TakesTheBaseNameOfTheListedDirectoryOnly) {
 }
 
 TEST(Listing, RefusesNamesThatNoCommandCanCarry) {
-  const std::string longest(kMaxArgument - 1, 'n');
+  const std::string longest(kMaxNameLength - 1, 'n');
   EXPECT_EQ(namesOf(parseMlsd("type=file; " + longest + "\n")), (Names{longest}));
   EXPECT_EQ(parseMlsd("type=file; " + longest + "n\n").unparsedLines, 1u);
 }

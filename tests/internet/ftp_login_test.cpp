@@ -2,7 +2,7 @@
 // Connecting and logging in: error numbers, notifications, refused arguments.
 #include <nlohmann/json.hpp>
 
-#include "framework/internet/NameLookup.h"
+#include "framework/internet/net/NameLookup.h"
 #include "tests/internet/FtpTest.h"
 
 namespace internet_tests {

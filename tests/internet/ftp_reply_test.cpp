@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "framework/internet/FtpReply.h"
+#include "framework/internet/ftp/FtpReply.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "framework/internet/FtpTraits.h"
-#include "framework/internet/InternetLimits.h"
+#include "framework/internet/ftp/FtpTraits.h"
+#include "framework/internet/net/InternetLimits.h"
 
 namespace internet {
 namespace {

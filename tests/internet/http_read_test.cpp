@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What comes back: heads, bodies in each framing, and everything that is no whole body.
-#include "framework/internet/NameLookup.h"
+#include "framework/internet/net/NameLookup.h"
 #include "tests/internet/HttpTest.h"
 #include "tests/support/Pattern.h"
 

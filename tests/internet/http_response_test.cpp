@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Responses as servers send them, and as they should not.
-#include "framework/internet/HttpResponse.h"
+#include "framework/internet/http/HttpResponse.h"
 
 #include <gtest/gtest.h>
 
-#include "framework/internet/InternetLimits.h"
+#include "framework/internet/net/InternetLimits.h"
 
 namespace internet {
 namespace {

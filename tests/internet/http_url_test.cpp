@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "framework/internet/HttpUrl.h"
+#include "framework/internet/http/HttpUrl.h"
 
 #include <gtest/gtest.h>
 

@@ -5,8 +5,8 @@
 
 #include <string>
 
-#include "framework/internet/Failure.h"
-#include "framework/internet/InternetErrors.h"
+#include "framework/internet/Raising.h"
+#include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/last_error.h"
 
 namespace {

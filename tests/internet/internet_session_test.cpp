@@ -6,9 +6,9 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
-#include "framework/internet/Failure.h"
-#include "framework/internet/FtpControl.h"
-#include "framework/internet/NameLookup.h"
+#include "framework/internet/ftp/FtpControl.h"
+#include "framework/internet/net/Failure.h"
+#include "framework/internet/net/NameLookup.h"
 #include "tests/internet/FtpTest.h"
 
 namespace internet_tests {

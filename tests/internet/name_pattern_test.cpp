@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "framework/internet/FtpListing.h"
+#include "framework/internet/listing/FtpListing.h"
 
 namespace internet {
 namespace {

@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "framework/internet/Sock.h"
+#include "framework/internet/net/Sock.h"
 #include "framework/platform/process.h"
 #include "framework/platform/stop_token.h"
 #include "tests/support/ProcessCounters.h"

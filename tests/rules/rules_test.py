@@ -42,6 +42,24 @@ class Rooms(unittest.TestCase):
         self.assert_refused("framework/Probe.cpp", '#include "QXIPInt.h"')
         self.assert_refused("examples/Probe.cpp", '# include "Src/QXIP.h"')
 
+    def test_the_rooms_of_the_internet_layer_know_what_is_below_them(self):
+        self.assert_fine("framework/internet/Probe.cpp", '#include "framework/internet/ftp/FtpControl.h"')
+        self.assert_fine("framework/internet/ftp/Probe.cpp", '#include "framework/internet/listing/FtpListing.h"')
+        self.assert_fine("framework/internet/ftp/Probe.cpp", '#include "framework/internet/net/Sock.h"')
+        self.assert_fine("framework/internet/http/Probe.cpp", '#include "framework/internet/net/Sock.h"')
+        self.assert_fine("framework/internet/net/Probe.cpp", '#include "framework/platform/socket.h"')
+        self.assert_fine("framework/internet/listing/Probe.cpp", '#include "framework/text/AsciiText.h"')
+        self.assert_fine("Src/Probe.cpp", '#include "framework/internet/FtpConnection.h"')
+        self.assert_fine("Src/Probe.cpp", '#include "framework/internet/net/InternetErrors.h"')
+        self.assert_fine("tests/probe.cpp", '#include "framework/internet/ftp/FtpControl.h"')
+        self.assert_refused("framework/internet/ftp/Probe.cpp", '#include "framework/internet/FtpConnection.h"')
+        self.assert_refused("framework/internet/http/Probe.cpp", '#include "framework/internet/ftp/FtpControl.h"')
+        self.assert_refused("framework/internet/net/Probe.cpp", '#include "framework/internet/ftp/FtpControl.h"')
+        self.assert_refused("framework/internet/listing/Probe.cpp", '#include "framework/internet/net/Failure.h"')
+        self.assert_refused("framework/internet/listing/Probe.cpp", '#include "framework/platform/file.h"')
+        self.assert_refused("framework/Probe.cpp", '#include "framework/internet/net/Sock.h"')
+        self.assert_refused("Src/Probe.cpp", '#include "framework/internet/net/Sock.h"')
+
     def test_what_is_included_exists(self):
         self.assert_refused("Src/Probe.cpp", '#include "support/Nowhere.h"')
 

@@ -20,6 +20,18 @@ ARROWS = {
 }
 PRODUCT = {"framework", "support", "Src", "dialogs", "module", "include"}
 
+# The rooms of the internet layer, below the classes that the client sees, and the folders of framework/ that each may
+# include besides itself.
+INTERNET = "framework/internet"
+INTERNET_ARROWS = {
+    "net": {"framework/platform", "framework/text"},
+    "listing": {"framework/text"},
+    "ftp": {"framework/platform", "framework/text", f"{INTERNET}/listing", f"{INTERNET}/net"},
+    "http": {"framework/platform", "framework/text", f"{INTERNET}/net"},
+}
+# What the product may include of those rooms: the numbers that hosts know, and AfxParseURL.
+INTERNET_OPEN = {f"{INTERNET}/net/InternetErrors.h", f"{INTERNET}/http/HttpUrl.h"}
+
 # The folders that only one platform builds. Their headers are for folders of the same platform: in the product for
 # those of the same room, framework/ui/ for dialogs/, which is made of windows throughout, and dialogs/ for the exports.
 PLATFORM_FOLDERS = {"windows": "windows", "ui": "windows", "dialogs": "windows", "posix": "posix"}
@@ -45,6 +57,21 @@ def may_use(file, target):
     return file.room not in PRODUCT or WINDOW_ROOM in (file.room, target.parts[0]) or file.room == target.parts[0]
 
 
+def internet_room(path):
+    """The room of the internet layer that the file is in, or None."""
+    folder = path.parent
+    return folder.name if str(folder.parent) == INTERNET and folder.name in INTERNET_ARROWS else None
+
+
+def may_look_into_internet(file, target):
+    """Whether the arrow is one that the internet layer's rooms allow."""
+    own = internet_room(file.path)
+    if own:
+        return target.parent == file.path.parent or str(target.parent) in INTERNET_ARROWS[own]
+    inside = str(file.path.parent) == INTERNET or file.room not in PRODUCT
+    return inside or not internet_room(target) or str(target) in INTERNET_OPEN
+
+
 def resolve(file, name):
     """The included file below the root, or None."""
     for folder in (file.path.parent, ".", "include"):
@@ -61,6 +88,8 @@ def check_own_header(file, name):
     room = target.parts[0]
     if room != file.room and room not in ARROWS[file.room]:
         return f"{file.room}/ must not know {room}/ (\"{name}\")"
+    if not may_look_into_internet(file, target):
+        return f"{file.path.parent}/ must not know {target.parent}/ (\"{name}\")"
     if platform_of(target) and not may_use(file, target):
         return f'"{name}" belongs to {target.parent}/ alone'
     return None

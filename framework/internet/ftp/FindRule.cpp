@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: MIT
+#include "framework/internet/ftp/FindRule.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "framework/internet/ftp/ServerWords.h"
+#include "framework/internet/listing/ListingRow.h"
+#include "framework/internet/net/Failure.h"
+#include "framework/internet/net/InternetErrors.h"
+#include "framework/platform/stop_token.h"
+
+namespace internet {
+namespace {
+
+// The server does not know the command. Some say 501 also of an argument that they do not like.
+bool commandUnknown(const FtpReply& reply) noexcept {
+  return reply.code == 500 || reply.code == 501 || reply.code == 502 || reply.code == 504;
+}
+
+// How servers that refuse to list an empty directory put it; the second group could also speak of the
+// directory itself, where it is not known to exist. In doubt the directory is not empty.
+bool saysNothingThere(std::string_view text, const QuotedPaths& paths, bool directoryExists) {
+  return serverSays(text, {"no files", "empty", "no match"}, paths, BareName::anywhere) ||
+         (directoryExists &&
+          serverSays(text, {"no such file", "not found", "cannot find"}, paths, BareName::anywhere));
+}
+
+bool refusedForEmptiness(const FtpListingText& answer, const QuotedPaths& paths, bool directoryExists) {
+  return answer.text.empty() && (answer.reply.code == 450 || answer.reply.code == 550) &&
+         saysNothingThere(answer.reply.text, paths, directoryExists);
+}
+
+// The fact line among the lines of a reply to MLST; with or without a blank or the code before it.
+MlsxRow factsOfReply(std::string_view text) noexcept {
+  while (!text.empty()) {
+    std::string_view line = text.substr(0, text.find_first_of("\r\n"));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    if (line.starts_with("250-") || line.starts_with("250 ")) line.remove_prefix(4);
+    MlsxRow row;
+    if (readMlsxRow(line, row) && row.type != MlsxType::unknown) return row;
+  }
+  return {};
+}
+
+// The one entry that a path without wildcards names.
+Found onlyEntry(RawRow row, std::string_view name) {
+  Found found;
+  row.name = name;
+  if (FtpEntry entry; makeEntry(row, {}, entry) == RowKind::entry) found.entries.push_back(std::move(entry));
+  return found;
+}
+
+}  // namespace
+
+FindRule::Path FindRule::split(std::string_view asked) noexcept {
+  const auto withoutSlashes = [](std::string_view path) {
+    while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
+    return path;
+  };
+  Path path;
+  path.whole = withoutSlashes(asked);
+  const std::size_t slash = path.whole.rfind('/');
+  path.name = path.whole.substr(slash == std::string_view::npos ? 0 : slash + 1);
+  path.parent = withoutSlashes(path.whole.substr(0, path.whole.size() - path.name.size()));
+  return path;
+}
+
+Found FindRule::find(std::string_view asked) {
+  const Path path = split(asked);
+  if (path.name.find_first_of("*?") != std::string_view::npos) {
+    Found found{list(path.parent, path.parent.empty()), {}};
+    std::erase_if(found.entries, [&path](const FtpEntry& entry) {
+      platform::throwIfStopped();
+      return !matchesPattern(path.name, entry.name);
+    });
+    return found;
+  }
+  if (!control_.traits().mlst) return byVisit(path);
+  if (std::optional<Found> found = byFacts(path)) return std::move(*found);
+  Found found = byVisit(path);
+  if (!found.entries.empty()) withdrawFacts();
+  return found;
+}
+
+// None when the server does not know the command after all.
+std::optional<Found> FindRule::byFacts(const Path& path) {
+  const FtpReply reply = control_.command("MLST", path.whole);
+  if (commandUnknown(reply)) return std::nullopt;
+  if (reply.code >= 500) return Found();
+  if (reply.refused()) control_.raise(reply);
+  const MlsxRow row = factsOfReply(reply.text);
+  if (row.type == MlsxType::file) return byFileFacts(path, row);
+  if (row.raw.isDirectory) return Found{list(path.whole, true), {}};
+  return byKindUnknown(path, row);
+}
+
+// A link, for one: a directory if it can be listed.
+Found FindRule::byKindUnknown(const Path& path, const MlsxRow& row) {
+  const FtpListingText answer = fetch("MLSD", path.whole);
+  if (answer.reply.code != 450 && answer.reply.code < 500) {
+    return Found{entriesOf(answer, Form::facts, path.whole, true), {}};
+  }
+  return byFileFacts(path, row);
+}
+
+Found FindRule::byFileFacts(const Path& path, const MlsxRow& row) {
+  RawRow file = row.raw;
+  // What is no directory is a file, whose size a link's facts do not tell.
+  if (std::exchange(file.isLink, false)) file.size = 0;
+  if (row.mayBeLink) {
+    control_.useBinary();
+    file.size = parseSizeReply(control_.command("SIZE", path.whole)).value_or(file.size);
+  }
+  return onlyEntry(file, path.name);
+}
+
+Found FindRule::byVisit(const Path& path) {
+  FtpControl::DirectoryVisit visit(control_);
+  if (!visit.enter(path.whole).completed()) return bySize(path);
+  return Found{entriesOf(fetch("LIST"), Form::unixOrDos, path.whole, true), {}};
+}
+
+Found FindRule::bySize(const Path& path) {
+  // Text mode has sizes of its own, where it has any.
+  control_.useBinary();
+  const FtpReply reply = control_.command("SIZE", path.whole);
+  const std::optional<std::uint64_t> size = parseSizeReply(reply);
+  if (!size) {
+    if (reply.completed() || commandUnknown(reply)) return byParent(path);
+    if (reply.code < 500) control_.raise(reply);
+    return {};
+  }
+  RawRow row;
+  row.size = *size;
+  Found found = onlyEntry(row, path.name);
+  if (!path.whole.starts_with('/')) found.timePath = control_.currentDirectory() + '/';
+  found.timePath += path.whole;
+  return found;
+}
+
+Found FindRule::byParent(const Path& path) {
+  Found found{listByVisit(path.parent), {}};
+  std::erase_if(found.entries, [&path](const FtpEntry& entry) { return entry.name != path.name; });
+  return found;
+}
+
+// The content of a directory.
+std::vector<FtpEntry> FindRule::list(std::string_view directory, bool exists) {
+  if (!control_.traits().mlst) return listByVisit(directory);
+  const FtpListingText answer = fetch("MLSD", directory);
+  if (!commandUnknown(answer.reply)) return entriesOf(answer, Form::facts, directory, exists);
+  std::vector<FtpEntry> entries = listByVisit(directory);
+  withdrawFacts();
+  return entries;
+}
+
+// Without an argument LIST can take nothing for an option, a mask or two names.
+std::vector<FtpEntry> FindRule::listByVisit(std::string_view directory) {
+  FtpControl::DirectoryVisit visit(control_);
+  if (!directory.empty()) {
+    const FtpReply entered = visit.enter(directory);
+    if (!entered.completed()) control_.raise(entered);
+  }
+  return entriesOf(fetch("LIST"), Form::unixOrDos, directory, true);
+}
+
+FtpListingText FindRule::fetch(std::string_view verb, std::string_view directory) {
+  // A refusal is handed back; what is thrown has broken the listing off.
+  listingUnusable_ = true;
+  FtpListingText answer = control_.listing(verb, directory);
+  listingUnusable_ = false;
+  return answer;
+}
+
+std::vector<FtpEntry> FindRule::entriesOf(const FtpListingText& answer, Form form, std::string_view directory,
+                                          bool exists) {
+  const std::string current = control_.directoryForReturn().value_or("");
+  const QuotedPaths paths{.asked = directory, .current = current};
+  if (answer.reply.refused()) {
+    if (refusedForEmptiness(answer, paths, exists)) return {};
+    // Rows have come: this is no answer to the question whether there are any.
+    listingUnusable_ = !answer.text.empty();
+    control_.raise(answer.reply);
+  }
+  const ListingRules rules{.directory = directory, .betweenRows = &platform::throwIfStopped};
+  FtpListing listing =
+      form == Form::facts ? parseMlsd(answer.text, rules) : parseList(answer.text, now_, rules);
+  // "226-Output truncated to 10000 matches". In doubt it is truncated.
+  if (serverSays(answer.reply.text, {"truncated"}, paths, BareName::leading)) {
+    failUnusable(kExtendedError, answer.reply.text);
+  }
+  checkWhole(listing);
+  if (listing.entries.empty() && !listing.errorText.empty() &&
+      !saysNothingThere(listing.errorText, paths, exists)) {
+    fail(kExtendedError, listing.errorText);
+  }
+  return std::move(listing.entries);
+}
+
+void FindRule::checkWhole(const FtpListing& listing) {
+  if (listing.overLimit) failUnusable(kInvalidServerResponse);
+  // A last row without its end is taken when it can be read: the server says that it has sent all.
+  if (listing.cutInLine && listing.lastLineUnparsed) failUnusable(kConnectionAborted);
+  if (listing.entries.empty() && listing.unparsedLines > 0) failUnusable(kInvalidServerResponse);
+}
+
+void FindRule::failUnusable(std::uint32_t error, std::string text) {
+  listingUnusable_ = true;
+  fail(error, std::move(text));
+}
+
+// Only behind a listing that the other way has given: a 501 may have been meant for the argument alone.
+void FindRule::withdrawFacts() { control_.withdraw(&FtpTraits::mlst); }
+
+}  // namespace internet

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+// What a search on a server is: which commands are sent for which pattern, and what their answers mean.
+//   a wildcard in the last component   the parent is listed and filtered here; the pattern is never sent
+//   else, where the server has MLST    one fact line tells a file from a directory, whose content is listed
+//   else                               CWD and LIST for a directory, SIZE for a file
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "framework/internet/ftp/FtpControl.h"
+#include "framework/internet/listing/FtpListing.h"
+
+namespace internet {
+
+struct MlsxRow;
+
+struct Found {
+  std::vector<FtpEntry> entries;  // in the server's order; empty when nothing is there
+  std::string timePath;           // MDTM of this path tells the only entry's time; "" = the times are known
+};
+
+// One search; only inside FtpControl::request(). Failures are thrown as internet::Failure.
+class FindRule {
+ public:
+  // `now` in seconds UTC.
+  FindRule(FtpControl& control, std::int64_t now) noexcept : control_(control), now_(now) {}
+
+  Found find(std::string_view asked);
+
+  // The failure was that of a listing which is not whole or cannot be read: more than a refusal, because
+  // taking it for an empty or a shorter directory would be wrong.
+  [[nodiscard]] bool listingUnusable() const noexcept { return listingUnusable_; }
+
+ private:
+  struct Path {
+    std::string_view whole;
+    std::string_view parent;  // "" = the current directory
+    std::string_view name;
+  };
+  enum class Form { facts, unixOrDos };
+
+  static Path split(std::string_view asked) noexcept;
+  std::optional<Found> byFacts(const Path& path);
+  Found byKindUnknown(const Path& path, const MlsxRow& row);
+  Found byFileFacts(const Path& path, const MlsxRow& row);
+  Found byVisit(const Path& path);
+  Found bySize(const Path& path);
+  Found byParent(const Path& path);
+  std::vector<FtpEntry> list(std::string_view directory, bool exists);
+  std::vector<FtpEntry> listByVisit(std::string_view directory);
+  FtpListingText fetch(std::string_view verb, std::string_view directory = {});
+  std::vector<FtpEntry> entriesOf(const FtpListingText& answer, Form form, std::string_view directory,
+                                  bool exists);
+  void checkWhole(const FtpListing& listing);
+  [[noreturn]] void failUnusable(std::uint32_t error, std::string text = {});
+  void withdrawFacts();
+
+  FtpControl& control_;
+  std::int64_t now_;
+  bool listingUnusable_ = false;
+};
+
+}  // namespace internet

@@ -1,0 +1,264 @@
+// SPDX-License-Identifier: MIT
+#include "framework/internet/ftp/FtpControl.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "framework/internet/ftp/FtpTransfer.h"
+#include "framework/internet/net/Failure.h"
+#include "framework/internet/net/InternetErrors.h"
+#include "framework/platform/last_error.h"
+
+namespace internet {
+
+namespace {
+
+bool isControlByte(char c) noexcept {
+  const auto byte = static_cast<unsigned char>(c);
+  return byte < 0x20 || byte == 0x7f;
+}
+
+std::string traitsKeyOf(const FtpLogin& login) {
+  return login.server + ':' + std::to_string(login.port) + ':' + login.user;
+}
+
+std::string lineOf(std::string_view verb, std::string_view argument) {
+  std::string line(verb);
+  if (!argument.empty()) line.append(1, ' ').append(argument);
+  return line;
+}
+
+}  // namespace
+
+FtpControl::FtpControl(std::shared_ptr<SessionLink> session, FtpLogin login)
+    : session_(std::move(session)),
+      login_(std::move(login)),
+      traitsKey_(traitsKeyOf(login_)),
+      channel_(session_),
+      traits_(cachedTraits(traitsKey_)) {}
+
+FtpControl::~FtpControl() = default;
+
+std::shared_ptr<FtpControl> FtpControl::open(std::shared_ptr<SessionLink> session, FtpLogin login) {
+  std::shared_ptr<FtpControl> control(new FtpControl(std::move(session), std::move(login)));
+  try {
+    control->channel_.open(control->login_.server, control->login_.port);
+    control->logIn();
+    return control;
+  } catch (const Failure&) {
+    control->channel_.drop();
+    control->channel_.reportClosed();
+    throw;
+  }
+}
+
+void FtpControl::logIn() {
+  const auto refuse = [](const FtpReply& reply) {
+    fail(reply.code == 530 ? kIncorrectPassword : kLoginFailure, reply.text);
+  };
+  const FtpReply greeting = finalReply();
+  if (!greeting.completed()) refuse(greeting);
+  FtpReply reply = exchange("USER " + login_.user);
+  if (reply.code == 331) reply = exchange("PASS " + login_.password);
+  if (!reply.completed()) refuse(reply);
+  enableUtf8();
+}
+
+// --- Frame of a public operation ---
+
+void FtpControl::request(const std::function<void()>& work) {
+  if (closed_) fail(kIncorrectHandleState);
+  if (busy_ || heldByFile_) fail(kTransferInProgress);
+  runFramed([&] {
+    // Dead since an earlier operation, whatever that one was told.
+    if (!isOpen()) fail(kConnectionAborted);
+    work();
+  });
+}
+
+void FtpControl::requestOfFile(const std::function<void()>& work) { runFramed(work); }
+
+void FtpControl::runFramed(const std::function<void()>& work) {
+  const auto self = shared_from_this();
+  static_cast<void>(channel_.takeAnswered());
+  busy_ = true;
+  std::optional<Failure> failure;
+  try {
+    work();
+  } catch (const Failure& thrown) {
+    failure = thrown;
+    if (!thrown.serverText.empty()) lastServerText_ = thrown.serverText;
+  } catch (...) {
+    leaveFrame(false);
+    throw;
+  }
+  leaveFrame(!failure);
+  if (channel_.takeAnswered()) channel_.notify(kStatusRequestComplete);
+  channel_.reportClosed();
+  if (failure) throw Failure(std::move(*failure));
+}
+
+void FtpControl::leaveFrame(bool inStep) noexcept {
+  busy_ = false;
+  if (!inStep && channel_.awaiting()) channel_.drop();
+}
+
+// --- Exchanges ---
+
+FtpReply FtpControl::command(std::string_view verb, std::string_view argument) {
+  sendCommand(verb, argument);
+  return finalReply();
+}
+
+void FtpControl::sendCommand(std::string_view verb, std::string_view argument) {
+  if (!argument.empty()) checkArgument(argument);
+  channel_.send(lineOf(verb, argument));
+}
+
+FtpReply FtpControl::require(std::string_view verb, std::string_view argument) {
+  FtpReply reply = command(verb, argument);
+  if (reply.refused()) raise(reply);
+  return reply;
+}
+
+FtpListingText FtpControl::listing(std::string_view verb, std::string_view argument) {
+  FtpTransfer transfer(shared_from_this(), FtpTransfer::Kind::listing);
+  FtpListingText result{transfer.begin(verb, argument), {}};
+  if (result.reply.refused()) return result;
+  std::string block(kListingBlock, '\0');
+  while (const std::size_t count = transfer.receive(block.data(), block.size())) {
+    if (result.text.size() + count > kMaxListingBytes) {
+      transfer.abandon();
+      fail(kInvalidServerResponse);
+    }
+    result.text.append(block, 0, count);
+  }
+  result.reply = transfer.finish();
+  return result;
+}
+
+void FtpControl::useBinary() {
+  if (std::exchange(binary_, true)) return;
+  channel_.queue("TYPE I", [this](const FtpReply& reply) { return binary_ = reply.completed(); });
+}
+
+void FtpControl::raise(const FtpReply& reply) {
+  switch (reply.code) {
+    case 425:
+      fail(kCannotConnect, reply.text);
+    case 421:
+    case 426:
+      fail(kConnectionAborted, reply.text);
+    default:
+      fail(kExtendedError, reply.text);
+  }
+}
+
+void FtpControl::checkArgument(std::string_view argument) {
+  if (argument.empty() || argument.size() > kMaxArgument ||
+      std::any_of(argument.begin(), argument.end(), isControlByte)) {
+    fail(platform::kErrorInvalidParameter);
+  }
+}
+
+FtpReply FtpControl::exchange(const std::string& line) {
+  channel_.send(line);
+  return finalReply();
+}
+
+FtpReply FtpControl::finalReply() {
+  for (;;) {
+    FtpReply reply = channel_.reply(timeouts().reply);
+    if (!reply.preliminary()) return reply;
+  }
+}
+
+// --- What is known of the server ---
+
+FtpTraits FtpControl::traits() {
+  if (!traits_.featuresKnown) traits_ = cachedTraits(traitsKey_);
+  if (!traits_.featuresKnown) {
+    const FtpReply reply = command("FEAT");
+    learn([&reply](FtpTraits& traits) {
+      traits.featuresKnown = true;
+      readFeatures(reply.completed() ? reply.text : std::string(), traits);
+    });
+  }
+  enableUtf8();
+  return traits_;
+}
+
+void FtpControl::enableUtf8() {
+  if (!traits_.utf8 || std::exchange(utf8Asked_, true)) return;
+  // Whatever the server answers, names go through as bytes.
+  channel_.queue("OPTS UTF8 ON", [](const FtpReply&) { return true; });
+}
+
+void FtpControl::withdraw(bool FtpTraits::*feature) {
+  learn([feature](FtpTraits& traits) { traits.*feature = false; });
+}
+
+void FtpControl::learn(const std::function<void(FtpTraits&)>& change) {
+  changeCachedTraits(traitsKey_, change);
+  change(traits_);
+}
+
+// --- The logical current directory ---
+
+std::string FtpControl::currentDirectory() { return directory_ ? *directory_ : askDirectory(); }
+
+std::string FtpControl::askDirectory() {
+  const FtpReply reply = require("PWD");
+  const auto path = parseQuotedPath(reply.text);
+  if (reply.code != 257 || !path) fail(kExtendedError, reply.text);
+  directory_ = path;
+  return *path;
+}
+
+void FtpControl::changeDirectory(std::string_view path) {
+  require("CWD", path);
+  moved_ = true;
+  directory_.reset();
+  // An absolute name leads there again, whatever the server calls the place.
+  if (path.starts_with('/')) directory_ = path;
+}
+
+std::optional<std::string> FtpControl::directoryForReturn() const {
+  return moved_ ? directory_ : std::optional<std::string>("");
+}
+
+FtpReply FtpControl::DirectoryVisit::enter(std::string_view path) {
+  std::string wayBack = wayBack_.empty() ? "CWD " + control_.currentDirectory() : wayBack_;
+  FtpReply reply = control_.command("CWD", path);
+  if (reply.completed()) wayBack_ = std::move(wayBack);
+  return reply;
+}
+
+FtpControl::DirectoryVisit::~DirectoryVisit() {
+  if (wayBack_.empty()) return;
+  ControlChannel& channel = control_.channel_;
+  channel.sendAhead(wayBack_, [&channel](const FtpReply& reply) {
+    // Relative names would go wrong from now on.
+    if (!reply.completed()) channel.drop();
+    return true;
+  });
+}
+
+// --- State ---
+
+bool FtpControl::waitIdle(std::chrono::milliseconds duration) {
+  const auto self = shared_from_this();
+  const bool ended = channel_.closedWhileIdle(duration);
+  if (ended) channel_.reportClosed();
+  return ended;
+}
+
+void FtpControl::close() noexcept {
+  if (std::exchange(closed_, true)) return;
+  const platform::LastErrorKeeper keeper;
+  const auto self = shared_from_this();
+  channel_.quit();
+  channel_.reportEnd();
+}
+
+}  // namespace internet

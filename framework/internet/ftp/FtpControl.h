@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+// One logged-in FTP control connection, as the public classes and the finder use it. Failures are thrown as
+// internet::Failure: 12002, 12030, 12031 (the connection is dead afterwards), 12003 with the server's text.
+// Every wait leaves by platform::OperationStopped when the calling thread is asked to stop; the connection is
+// dead then, because its replies are no longer in step. Used by one thread at a time.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "framework/internet/ftp/ControlChannel.h"
+#include "framework/internet/ftp/FtpReply.h"
+#include "framework/internet/ftp/FtpTraits.h"
+#include "framework/internet/net/SessionLink.h"
+
+namespace internet {
+
+struct FtpLogin {
+  std::string server;
+  std::uint16_t port = 21;
+  std::string user;
+  std::string password;
+  bool passive = false;
+};
+
+// The answer to a command that lists over a data connection.
+struct FtpListingText {
+  FtpReply reply;    // the final one; or the refusal, before or after some text
+  std::string text;  // all that came
+};
+
+class FtpControl : public SessionMember, public std::enable_shared_from_this<FtpControl> {
+ public:
+  // Connects and logs in, with notifications 10 to 41. Also fails with 12007, 12029, 12014, 12015.
+  static std::shared_ptr<FtpControl> open(std::shared_ptr<SessionLink> session, FtpLogin login);
+  ~FtpControl() override;  // closes the socket silently
+
+  // --- Frame of a public operation ---
+
+  // Runs one public operation: refuses it with 12019 when the connection was closed by us, 12030 when it is
+  // dead, 12110 while a file is open or another operation runs (a callback may re-enter); runs `work`; then
+  // notifies 100 when the server has answered, and 50 and 51 when the connection died in it. A notification
+  // may destroy the caller's object: behind request() touch no member. Failures of `work` come out unchanged.
+  void request(const std::function<void()>& work);
+
+  // --- Exchanges; only inside request() ---
+
+  // Sends "verb argument" and waits for its reply, whatever that is. 87 for an argument that checkArgument
+  // refuses. 421 closes the connection and fails with 12030.
+  FtpReply command(std::string_view verb, std::string_view argument = {});
+  // The same, but a refusal is raised.
+  FtpReply require(std::string_view verb, std::string_view argument = {});
+  // Runs a command that answers over a data connection (LIST, NLST, MLSD), in binary type, and collects all
+  // its text. A refusal is the caller's to judge; a text above kMaxListingBytes fails with 12152.
+  FtpListingText listing(std::string_view verb, std::string_view argument = {});
+  // Switches to binary type unless it is set already. listing() and transfers do it themselves.
+  void useBinary();
+
+  // Raises a refusal: 425 -> 12029; 421, 426 -> 12030; else 12003 with the text, kept as lastServerText().
+  [[noreturn]] void raise(const FtpReply& reply);
+  // 87 for an empty or over-long argument or one with a byte below 0x20 or 0x7f.
+  static void checkArgument(std::string_view argument);
+
+  // --- What is known of the server ---
+
+  // Asks FEAT the first time for this host, port and user. Where UTF8 is offered it is switched on with the
+  // next command that is sent.
+  FtpTraits traits();
+  // The server turned down a command that it had offered: remembered for all connections.
+  void withdraw(bool FtpTraits::*feature);
+
+  // --- The logical current directory ---
+
+  // The directory that relative names refer to. Asked of the server once; 12003 when it does not tell a sane
+  // path.
+  std::string currentDirectory();
+  // The same, asked of the server each time.
+  std::string askDirectory();
+  // Changes it for good (SetCurrentDirectory).
+  void changeDirectory(std::string_view path);
+  // What CWD takes on a fresh connection to come to the same directory; "" when it starts there, none when
+  // unknown.
+  [[nodiscard]] std::optional<std::string> directoryForReturn() const;
+
+  // A visit to another directory that leaves the logical one untouched. enter() asks for the current
+  // directory first (once per connection). The way back is sent by the destructor without waiting; its reply
+  // is taken before the next command goes out, and a refusal there ends the connection.
+  class DirectoryVisit {
+   public:
+    explicit DirectoryVisit(FtpControl& control) noexcept : control_(control) {}
+    ~DirectoryVisit();
+    DirectoryVisit(const DirectoryVisit&) = delete;
+    DirectoryVisit& operator=(const DirectoryVisit&) = delete;
+    // The server's answer to CWD; anything but completed() means that nothing has changed.
+    FtpReply enter(std::string_view path);
+
+   private:
+    FtpControl& control_;
+    std::string wayBack_;  // the command; "" = not away
+  };
+
+  // --- State ---
+
+  [[nodiscard]] bool isOpen() const noexcept { return channel_.isOpen(); }
+  // Code and text of the last refusal, "" if there was none.
+  [[nodiscard]] const std::string& lastServerText() const noexcept { return lastServerText_; }
+
+  // True when the connection was closed by the server, now or before; reports 50 and 51 once.
+  bool waitIdle(std::chrono::milliseconds duration);
+  // QUIT without waiting, then 50, 51 (unless sent already) and 70. May be called again.
+  void close() noexcept override;
+
+  // --- For transfers ---
+
+  [[nodiscard]] ControlChannel& channel() noexcept { return channel_; }
+  [[nodiscard]] const FtpLogin& login() const noexcept { return login_; }
+  [[nodiscard]] Timeouts timeouts() const noexcept { return session_->timeouts(); }
+  // Sends "verb argument" (87 as with command()) and leaves its reply to channel().
+  void sendCommand(std::string_view verb, std::string_view argument);
+  // Changes what is known of the server, here and for later connections.
+  void learn(const std::function<void(FtpTraits&)>& change);
+  [[nodiscard]] const FtpTraits& knownTraits() const noexcept { return traits_; }
+  // While an open file holds the connection, request() refuses.
+  void holdForFile(bool held) noexcept { heldByFile_ = held; }
+  // request() for the end of an open file, which is not refused with 12110.
+  void requestOfFile(const std::function<void()>& work);
+
+ private:
+  FtpControl(std::shared_ptr<SessionLink> session, FtpLogin login);
+  void logIn();
+  void runFramed(const std::function<void()>& work);
+  void leaveFrame(bool inStep) noexcept;
+  FtpReply exchange(const std::string& line);
+  FtpReply finalReply();
+  void enableUtf8();
+
+  std::shared_ptr<SessionLink> session_;
+  FtpLogin login_;
+  std::string traitsKey_;
+  ControlChannel channel_;
+  FtpTraits traits_;
+  std::string lastServerText_;
+  std::optional<std::string> directory_;  // the logical one, where known
+  bool moved_ = false;                    // not in the directory of the login any more
+  bool binary_ = false;
+  bool utf8Asked_ = false;
+  bool closed_ = false;  // by close()
+  bool busy_ = false;
+  bool heldByFile_ = false;
+};
+
+}  // namespace internet

@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: MIT
+#include "framework/internet/ftp/FtpDataChannel.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+
+#include "framework/internet/net/Failure.h"
+#include "framework/internet/net/InternetErrors.h"
+#include "framework/platform/stop_token.h"
+
+namespace internet {
+
+using platform::IoStatus;
+using std::chrono::milliseconds;
+
+namespace {
+
+constexpr milliseconds kAtOnce{0};
+
+platform::SocketAddress required(const std::optional<platform::SocketAddress>& address) {
+  if (!address) fail(kConnectionAborted);
+  return *address;
+}
+
+std::string extendedPortArgument(const platform::SocketAddress& address) {
+  return std::string(address.v6 ? "|2|" : "|1|") + addressText(address) + '|' + std::to_string(address.port) +
+         '|';
+}
+
+std::string portArgument(const platform::SocketAddress& address) {
+  std::string text;
+  for (std::size_t i = 0; i < 4; ++i) text += std::to_string(address.host[i]) + ',';
+  return text + std::to_string(address.port >> 8) + ',' + std::to_string(address.port & 0xff);
+}
+
+// Servers and the ways to them forbid EPSV and EPRT by any code, not only by those of an unknown command.
+bool forbidden(const FtpReply& reply) noexcept { return reply.code >= 500; }
+
+bool replied(const FtpDataChannel::Opening& opening) noexcept { return opening.first.code != 0; }
+
+// The data connection cannot be made: the control connection says why, within Timeouts::dataError. It is
+// closed where it says nothing, for its replies are out of step then.
+[[noreturn]] void failWithReason(FtpControl& control, std::uint32_t error) {
+  ControlChannel& channel = control.channel();
+  const Deadline deadline(control.timeouts().dataError);
+  while (channel.awaiting()) {
+    const auto reply = channel.tryReply(deadline.left());
+    if (!reply) {
+      channel.drop();
+    } else if (reply->refused()) {
+      control.raise(*reply);
+    }
+  }
+  fail(error);
+}
+
+}  // namespace
+
+FtpDataChannel::~FtpDataChannel() { socket_.abort(); }
+
+void FtpDataChannel::prepare() {
+  peer_ = required(control_.channel().peerAddress());
+  if (!control_.login().passive) {
+    prepareActive();
+  } else if (!prepareExtendedPassive()) {
+    preparePassive();
+  }
+}
+
+bool FtpDataChannel::prepareExtendedPassive() {
+  if (control_.knownTraits().noExtendedPassive) return false;
+  const FtpReply reply = control_.command("EPSV");
+  if (reply.refused() && !forbidden(reply)) control_.raise(reply);
+  const auto port = reply.refused() ? std::nullopt : parseExtendedPassivePort(reply.text);
+  extendedPassiveRefused_ = !port;
+  if (!port) return false;
+  startToConnect(*port);
+  if (control_.knownTraits().extendedPassiveWorks) return true;
+  // On a host's first transfer the port is tried before the transfer command goes out, because behind that
+  // command there is no way back to PASV.
+  const Timeouts timeouts = control_.timeouts();
+  if (standsWithin(Deadline(std::min(timeouts.epsvProbe, timeouts.connect)))) {
+    control_.learn([](FtpTraits& traits) { traits.extendedPassiveWorks = true; });
+    return true;
+  }
+  extendedPassiveUnreachable_ = true;
+  return false;
+}
+
+void FtpDataChannel::preparePassive() {
+  const FtpReply reply = control_.require("PASV");
+  const auto port = parsePassivePort(reply.text);
+  if (!port) fail(kInvalidServerResponse);
+  // A server that refuses both has another reason, which may pass.
+  if (extendedPassiveRefused_) {
+    control_.learn([](FtpTraits& traits) { traits.noExtendedPassive = true; });
+  }
+  startToConnect(*port);
+}
+
+void FtpDataChannel::prepareActive() {
+  const platform::SocketAddress local = required(control_.channel().localAddress());
+  listening_ = true;
+  if (!socket_.listen(local)) fail(kCannotConnect);
+  const platform::SocketAddress bound = required(socket_.localAddress());
+  if (control_.knownTraits().noExtendedActive) {
+    control_.require("PORT", portArgument(bound));
+    return;
+  }
+  const FtpReply reply = control_.command("EPRT", extendedPortArgument(bound));
+  if (reply.completed()) return;
+  if (!forbidden(reply) || bound.v6) control_.raise(reply);
+  control_.require("PORT", portArgument(bound));
+  control_.learn([](FtpTraits& traits) { traits.noExtendedActive = true; });
+}
+
+void FtpDataChannel::startToConnect(std::uint16_t port) {
+  platform::SocketAddress address = peer_;
+  address.port = port;
+  stands_ = socket_.connect(address) == IoStatus::done;
+}
+
+// One try, without waiting. A socket that is closed afterwards will never stand.
+bool FtpDataChannel::tryToStand() {
+  if (stands_ || !socket_.isOpen()) return stands_;
+  if (listening_) {
+    acceptPeer();
+  } else {
+    const IoStatus status = socket_.connectResult();
+    stands_ = status == IoStatus::done;
+    if (status == IoStatus::failed) socket_.close();
+  }
+  return stands_;
+}
+
+void FtpDataChannel::acceptPeer() {
+  platform::Socket accepted;
+  platform::SocketAddress from;
+  IoStatus status = IoStatus::failed;
+  while ((status = socket_.accept(accepted, from)) == IoStatus::done) {
+    if (from.sameHost(peer_)) {
+      socket_ = std::move(accepted);
+      stands_ = true;
+      return;
+    }
+    platform::throwIfStopped();
+  }
+  // Such a socket stays ready and fails again, for as long as it is waited for.
+  if (status != IoStatus::wouldBlock) socket_.close();
+}
+
+bool FtpDataChannel::standsWithin(const Deadline& deadline) {
+  while (!tryToStand()) {
+    std::array watched{interest()};
+    if (!socket_.isOpen() || !wait(watched, deadline)) return false;
+  }
+  return true;
+}
+
+FtpDataChannel::Opening FtpDataChannel::establish() {
+  ControlChannel& channel = control_.channel();
+  const Timeouts timeouts = control_.timeouts();
+  const Deadline deadline(timeouts.connect);
+  Opening opening;
+  while (!tryToStand()) {
+    takeReplies(opening);
+    const bool over = opening.final && (listening_ || opening.final->refused());
+    if (over && !standsAfterAll(*opening.final, deadline)) {
+      // A transfer that has begun and lost its connection is broken, which the refusal only explains.
+      const bool broken = opening.first.preliminary() && !socket_.isOpen();
+      if (broken && opening.final->refused()) control_.raise(*opening.final);
+      return opening;
+    }
+    if (stands_) break;
+    if (!opening.final && !channel.isOpen()) channel.reply(kAtOnce);  // fails with the reason
+    if (!socket_.isOpen()) failWithReason(control_, kCannotConnect);
+    std::array watched{interest(), opening.final ? platform::SocketInterest{} : channel.readInterest()};
+    if (!wait(watched, deadline)) failWithReason(control_, kTimeout);
+  }
+  if (!replied(opening)) opening.first = channel.reply(timeouts.reply);
+  if (!opening.final && !opening.first.preliminary()) opening.final = opening.first;
+  if (extendedPassiveUnreachable_ && !opening.first.refused()) {
+    control_.learn([](FtpTraits& traits) { traits.noExtendedPassive = true; });
+  }
+  return opening;
+}
+
+// Those that have come, up to the final one.
+void FtpDataChannel::takeReplies(Opening& opening) {
+  ControlChannel& channel = control_.channel();
+  while (!opening.final) {
+    auto reply = channel.tryReply(kAtOnce);
+    if (!reply) return;
+    if (!replied(opening)) {
+      channel.notifyReply(*reply);
+      opening.first = *reply;
+    }
+    if (!reply->preliminary()) opening.final = std::move(*reply);
+  }
+}
+
+// The server has ended the transfer. Its data may have come by another way than its reply, and later.
+bool FtpDataChannel::standsAfterAll(const FtpReply& final, const Deadline& deadline) {
+  const milliseconds grace = final.refused() ? kAtOnce : control_.timeouts().endOfData;
+  return standsWithin(Deadline(std::min(grace, deadline.left())));
+}
+
+std::unique_ptr<Sock> FtpDataChannel::take() {
+  return stands_ ? std::make_unique<Sock>(std::move(socket_)) : nullptr;
+}
+
+platform::SocketInterest FtpDataChannel::interest() const noexcept {
+  return {&socket_, listening_, !listening_};
+}
+
+}  // namespace internet

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+// The making of one data connection. Passive: EPSV, else PASV; the connection always goes to the control
+// connection's peer, whatever address the server tells. Active: EPRT, else PORT, from the control
+// connection's local address; only the control connection's peer may connect.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "framework/internet/ftp/FtpControl.h"
+#include "framework/internet/net/Sock.h"
+
+namespace internet {
+
+class FtpDataChannel {
+ public:
+  // What the server has said about a transfer.
+  struct Opening {
+    FtpReply first;
+    std::optional<FtpReply> final;  // there already: the first reply, or one behind it
+  };
+
+  explicit FtpDataChannel(FtpControl& control) noexcept : control_(control) {}
+  // Breaks off what was not taken: an upload that was asked for must not end as an empty file.
+  ~FtpDataChannel();
+  FtpDataChannel(const FtpDataChannel&) = delete;
+  FtpDataChannel& operator=(const FtpDataChannel&) = delete;
+
+  // Before the transfer command: agrees with the server on a port. Goes on to connect while the command
+  // travels.
+  void prepare();
+  // After the transfer command: waits until the data connection stands and the server has replied, or until
+  // the server says that the transfer is over. Notifies 40 and 41 for the first reply alone.
+  Opening establish();
+  // The connection, null when there is none.
+  std::unique_ptr<Sock> take();
+
+ private:
+  bool prepareExtendedPassive();
+  void preparePassive();
+  void prepareActive();
+  void startToConnect(std::uint16_t port);
+  bool tryToStand();
+  void acceptPeer();
+  bool standsWithin(const Deadline& deadline);
+  void takeReplies(Opening& opening);
+  bool standsAfterAll(const FtpReply& final, const Deadline& deadline);
+  [[nodiscard]] platform::SocketInterest interest() const noexcept;
+
+  FtpControl& control_;
+  platform::SocketAddress peer_;
+  platform::Socket socket_;  // connecting, listening or connected
+  bool listening_ = false;
+  bool stands_ = false;
+  bool extendedPassiveRefused_ = false;
+  bool extendedPassiveUnreachable_ = false;
+};
+
+}  // namespace internet

@@ -1,0 +1,359 @@
+// SPDX-License-Identifier: MIT
+#include "framework/internet/ftp/FtpTransfer.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <utility>
+
+#include "framework/internet/ftp/FtpDataChannel.h"
+#include "framework/internet/net/Failure.h"
+#include "framework/internet/net/InternetErrors.h"
+#include "framework/platform/last_error.h"
+#include "framework/platform/stop_token.h"
+
+namespace internet {
+
+using platform::IoStatus;
+using std::chrono::milliseconds;
+
+namespace {
+
+constexpr milliseconds kAtOnce{0};
+// A server that says nothing for this long about a transfer that was broken off is asked whether it has
+// ended.
+constexpr milliseconds kQuiet{250};
+// It may have answered before it saw the break: for so long it can still say how the transfer ended.
+constexpr milliseconds kLate{1'000};
+
+}  // namespace
+
+FtpTransfer::FtpTransfer(std::shared_ptr<FtpControl> control, Kind kind) noexcept
+    : control_(std::move(control)), kind_(kind) {}
+
+FtpTransfer::~FtpTransfer() {
+  if (state_ != State::idle) {
+    if (data_) breakData();
+    if (!final_ && control_->channel().awaiting()) control_->channel().drop();
+  }
+  control_->holdForFile(false);
+}
+
+FtpReply FtpTransfer::begin(std::string_view verb, std::string_view argument) {
+  control_->useBinary();
+  FtpDataChannel data(*control_);
+  data.prepare();
+  control_->sendCommand(verb, argument);
+  const FtpDataChannel::Opening opening = data.establish();
+  final_ = opening.final;
+  finalNotified_ = !opening.first.preliminary();
+  data_ = data.take();
+  // Behind the beginning of a listing a refusal is judged with the rows that came before it.
+  const bool begun = kind_ == Kind::listing && data_ && opening.first.preliminary();
+  if (refused() && !begun) {
+    breakData();
+    notifyFinal();
+    return *final_;
+  }
+  state_ = State::running;
+  if (kind_ == Kind::download) announced_ = parseAnnouncedSize(opening.first.text);
+  if (!data_) endWithoutData();
+  return opening.first;
+}
+
+// The server calls the transfer complete and has made no data connection for it.
+void FtpTransfer::endWithoutData() {
+  notifyFinal();
+  if (kind_ == Kind::upload) {
+    state_ = State::failed;
+    fail(kConnectionAborted);
+  }
+  endOfData();
+}
+
+// --- Receiving ---
+
+std::size_t FtpTransfer::receive(void* buffer, std::size_t size) {
+  if (state_ == State::ended) return 0;
+  requireRunning();
+  std::optional<DataLimit> limit;
+  for (;;) {
+    platform::throwIfStopped();
+    const platform::IoResult result = data_->receive(buffer, size);
+    switch (result.status) {
+      case IoStatus::done:
+        received_ += result.bytes;
+        return result.bytes;
+      case IoStatus::wouldBlock:
+        if (refused()) {
+          closeData();
+          state_ = State::ended;
+          return 0;
+        }
+        waitForData(false, limit);
+        break;
+      case IoStatus::closed:
+        endOfData();
+        return 0;
+      default:
+        dataFailed(result.status);
+    }
+  }
+}
+
+std::size_t FtpTransfer::read(void* buffer, std::size_t size) {
+  char* const out = static_cast<char*>(buffer);
+  std::size_t filled = 0;
+  while (filled < size) {
+    if (bufferStart_ < bufferEnd_) {
+      const std::size_t count = std::min(size - filled, bufferEnd_ - bufferStart_);
+      std::memcpy(out + filled, buffer_.get() + bufferStart_, count);
+      bufferStart_ += count;
+      filled += count;
+    } else if (size - filled >= kTransferBuffer) {
+      const std::size_t count = receive(out + filled, size - filled);
+      if (count == 0) break;
+      filled += count;
+    } else {
+      if (!buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(kTransferBuffer);
+      bufferStart_ = bufferEnd_ = 0;
+      bufferEnd_ = receive(buffer_.get(), kTransferBuffer);
+      if (bufferEnd_ == 0) break;
+    }
+  }
+  return filled;
+}
+
+// An orderly end of the stream proves nothing: servers close it for their own failures too.
+void FtpTransfer::endOfData() {
+  closeData();
+  const bool tooShort = announced_ && received_ < *announced_;
+  if (kind_ == Kind::download && (tooShort || !announced_)) {
+    state_ = State::failed;
+    const Timeouts timeouts = control_->timeouts();
+    awaitFinal(tooShort ? timeouts.dataError : timeouts.endOfData);
+    if (final_ && final_->refused()) control_->raise(*final_);
+    if (tooShort) fail(kConnectionAborted);
+  }
+  state_ = State::ended;
+}
+
+// --- Sending ---
+
+void FtpTransfer::send(const void* data, std::size_t size) {
+  requireRunning();
+  const char* rest = static_cast<const char*>(data);
+  std::optional<DataLimit> limit;
+  while (size > 0) {
+    platform::throwIfStopped();
+    const platform::IoResult result = data_->send(rest, size);
+    if (result.status == IoStatus::done) {
+      rest += result.bytes;
+      size -= result.bytes;
+      limit.reset();
+    } else if (result.status == IoStatus::wouldBlock) {
+      waitForData(true, limit);
+    } else {
+      dataFailed(result.status);
+    }
+  }
+}
+
+void FtpTransfer::sendFile(platform::File& file) {
+  requireRunning();
+  const auto block = std::make_unique_for_overwrite<char[]>(platform::kSendBlock);
+  for (;;) {
+    const std::int64_t count = file.read(block.get(), platform::kSendBlock);
+    if (count == 0) return;
+    if (count < 0) {
+      const std::uint32_t error = platform::lastError();
+      abandon();
+      fail(error);
+    }
+    send(block.get(), static_cast<std::size_t>(count));
+  }
+}
+
+// --- Ending ---
+
+FtpReply FtpTransfer::finish() {
+  // An upload's connection stays until the reply has come: it tells whether the server still takes data.
+  std::optional<DeliveryWatch> delivery;
+  if (data_ && kind_ == Kind::upload) {
+    endUpload();
+    delivery.emplace(data_->socket());
+  } else {
+    closeData();
+  }
+  state_ = State::ended;
+  if (final_) notifyFinal();
+  while (!final_) {
+    FtpReply reply =
+        control_->channel().reply(control_->timeouts().finalReply, delivery ? &*delivery : nullptr);
+    if (!reply.preliminary()) final_ = std::move(reply);
+    finalNotified_ = true;
+  }
+  closeData();
+  return *final_;
+}
+
+// A server that has spoken before it saw the end has not taken the whole, whatever it calls that; one that is
+// gone will not say that it has. Neither must take the end of the data for that of the file.
+void FtpTransfer::endUpload() {
+  if (!awaitFinal(kAtOnce) && control_->isOpen()) return data_->shutdownSend();
+  breakData();
+  if (!final_) control_->channel().reply(kAtOnce);  // fails with the reason
+  notifyFinal();
+  if (final_->refused()) control_->raise(*final_);
+  fail(kConnectionAborted);
+}
+
+bool FtpTransfer::abandon() {
+  awaitFirstData();
+  breakData();
+  state_ = State::failed;
+  if (!awaitAnyEnd()) control_->channel().drop();
+  return control_->isOpen();
+}
+
+// A reset that comes before the server has taken the connection can go unseen: pyftpdlib then waits for
+// another connection and sends the file with the next one. That it sends proves that it has taken this one.
+void FtpTransfer::awaitFirstData() {
+  if (kind_ == Kind::upload || !data_ || received_ > 0) return;
+  std::array watched{platform::SocketInterest{&data_->socket(), true, false}};
+  static_cast<void>(wait(watched, Deadline(kQuiet)));
+}
+
+// The final reply, or what stands for it: pure-ftpd ends a broken transfer with a second 150 or in silence.
+bool FtpTransfer::awaitAnyEnd() {
+  if (!final_) {
+    const Deadline deadline(control_->timeouts().earlyClose);
+    auto reply = control_->channel().tryReply(std::min(kQuiet, deadline.left()));
+    if (reply && !reply->preliminary()) {
+      final_ = std::move(reply);
+    } else if (!askForEnd(deadline, !reply)) {
+      return false;
+    }
+  }
+  notifyFinal();
+  return true;
+}
+
+// The answer to NOOP tells that the transfer is over, because no transfer ends with its codes. But a server
+// that had been silent may have answered before it saw the break.
+bool FtpTransfer::askForEnd(const Deadline& deadline, bool silent) {
+  ControlChannel& channel = control_->channel();
+  if (!channel.isOpen()) return false;
+  channel.send("NOOP");
+  while (!final_) {
+    auto reply = channel.tryReply(deadline.left());
+    if (!reply) return false;
+    if (reply->code == 200 || reply->unsupported()) {
+      final_ = std::move(reply);
+    } else {
+      silent = false;
+    }
+  }
+  if (!silent) return true;
+  auto late = channel.tryReply(std::min(kLate, deadline.left()));
+  if (late && !late->preliminary()) final_ = std::move(late);
+  return channel.isOpen();
+}
+
+void FtpTransfer::close() {
+  control_->holdForFile(false);
+  // A stopped worker has not written all that it wanted: what is up there must not pass for the whole file.
+  platform::throwIfStopped();
+  const bool failed = state_ == State::failed;
+  if (failed || !movedInFull()) {
+    const bool inStep = abandon();
+    // The server may call a download that was given up whatever it likes.
+    if (failed && final_ && final_->refused()) control_->raise(*final_);
+    if (failed || !inStep) fail(kConnectionAborted);
+    return;
+  }
+  const FtpReply reply = finish();
+  if (reply.refused()) control_->raise(reply);
+}
+
+bool FtpTransfer::movedInFull() const noexcept {
+  if (kind_ == Kind::upload) return true;
+  // A read of exactly the file's size never comes to see the end of the data.
+  const bool received = state_ == State::ended || (announced_ && received_ >= *announced_);
+  return received && bufferStart_ == bufferEnd_;
+}
+
+// --- Waiting ---
+
+void FtpTransfer::requireRunning() const {
+  if (state_ != State::running) fail(kConnectionAborted);
+}
+
+void FtpTransfer::waitForData(bool write, std::optional<DataLimit>& limit) {
+  ControlChannel& channel = control_->channel();
+  if (channel.replyReady()) watchControl();
+  if (refused()) return;
+  if (!limit) limit = dataLimit();
+  std::array watched{platform::SocketInterest{&data_->socket(), !write, write},
+                     final_ ? platform::SocketInterest{} : channel.readInterest()};
+  if (!wait(watched, limit->deadline)) {
+    // A large buffer of the system may have room only after a while, though the peer takes data all the time.
+    if (write && limit->delivery.moved()) return limit.reset();
+    breakData();
+    channel.drop();
+    fail(kTimeout);
+  }
+  if (watched[1].ready) watchControl();
+}
+
+FtpTransfer::DataLimit FtpTransfer::dataLimit() const {
+  return {Deadline(control_->timeouts().data), DeliveryWatch(data_->socket())};
+}
+
+void FtpTransfer::watchControl() {
+  if (final_ || !awaitFinal(kAtOnce) || !final_->refused()) return;
+  // The caller judges a listing, with the rows that came before the refusal: some servers refuse what they
+  // have nothing to list for only now.
+  if (kind_ == Kind::listing) return;
+  breakData();
+  control_->raise(*final_);
+}
+
+bool FtpTransfer::awaitFinal(milliseconds limit) {
+  const Deadline deadline(limit);
+  while (!final_) {
+    auto reply = control_->channel().tryReply(deadline.left());
+    if (!reply) return false;
+    if (!reply->preliminary()) final_ = std::move(reply);
+  }
+  return true;
+}
+
+// A final reply that came while data moved is reported by the call that ends the transfer, as any other is:
+// from within Read and Write the host hears nothing.
+void FtpTransfer::notifyFinal() {
+  if (!std::exchange(finalNotified_, true)) control_->channel().notifyReply(*final_);
+}
+
+void FtpTransfer::closeData() noexcept { data_.reset(); }
+
+// Breaks the data connection off, never by an orderly end: a half upload must not look like a whole one, and
+// a server that goes on sending into an end (inetutils-ftpd) is ended by the signal of a broken pipe.
+void FtpTransfer::breakData() noexcept {
+  state_ = State::failed;
+  if (data_) data_->socket().abort();
+  closeData();
+}
+
+void FtpTransfer::dataFailed(IoStatus status) {
+  breakData();
+  // The reply is taken here where there is one, so that the control connection stays in step.
+  if (awaitFinal(control_->timeouts().dataError)) {
+    if (final_->refused()) control_->raise(*final_);
+  } else {
+    control_->channel().drop();
+  }
+  fail(errorOf(status));
+}
+
+}  // namespace internet

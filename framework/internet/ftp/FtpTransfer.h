@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+// One transfer over a data connection: a listing, a download or an upload. Failures are thrown as
+// internet::Failure. While it moves data it watches the control connection, where the server tells a failure.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "framework/internet/ftp/FtpControl.h"
+#include "framework/internet/net/Sock.h"
+#include "framework/platform/file.h"
+
+namespace internet {
+
+class FtpTransfer {
+ public:
+  enum class Kind { listing, download, upload };
+
+  FtpTransfer(std::shared_ptr<FtpControl> control, Kind kind) noexcept;
+  // Gives up at once what has not ended: a half upload is broken off, the control connection closed.
+  ~FtpTransfer();
+  FtpTransfer(const FtpTransfer&) = delete;
+  FtpTransfer& operator=(const FtpTransfer&) = delete;
+
+  // Sets binary type, makes the data connection and sends the command. The reply is a refusal, which is the
+  // caller's to judge, or the transfer has begun.
+  FtpReply begin(std::string_view verb, std::string_view argument);
+
+  // What has come, at least one byte; 0 at the end of the data. A download that ends short of the size that
+  // the server announced, or that the server calls failed, ends with a failure instead.
+  std::size_t receive(void* buffer, std::size_t size);
+  // Fills `buffer`; less only at the end of the data.
+  std::size_t read(void* buffer, std::size_t size);
+
+  void send(const void* data, std::size_t size);
+  // Sends the file from its position to its end.
+  void sendFile(platform::File& file);
+
+  // Ends the transfer in good order and waits for the final reply, whatever that is.
+  FtpReply finish();
+  // Breaks the transfer off and brings the control connection back in step: false when that is closed for it.
+  bool abandon();
+  // Ends an open file: finishes, or abandons a download that was not read to its end. Fails for a final
+  // refusal.
+  void close();
+
+  [[nodiscard]] Kind kind() const noexcept { return kind_; }
+  [[nodiscard]] FtpControl& control() const noexcept { return *control_; }
+  [[nodiscard]] std::uint64_t bytesReceived() const noexcept { return received_; }
+
+ private:
+  enum class State { idle, running, ended, failed };  // of the data
+
+  // Of a wait for the data connection.
+  struct DataLimit {
+    Deadline deadline;
+    DeliveryWatch delivery;
+  };
+
+  void endWithoutData();
+  void requireRunning() const;
+  [[nodiscard]] DataLimit dataLimit() const;
+  void endOfData();
+  void endUpload();
+  void waitForData(bool write, std::optional<DataLimit>& limit);
+  void watchControl();
+  void notifyFinal();
+  void awaitFirstData();
+  bool awaitAnyEnd();
+  bool askForEnd(const Deadline& deadline, bool silent);
+  bool awaitFinal(std::chrono::milliseconds limit);
+  // The server has ended the transfer with a refusal.
+  [[nodiscard]] bool refused() const noexcept { return final_ && final_->refused(); }
+  [[nodiscard]] bool movedInFull() const noexcept;
+  void closeData() noexcept;
+  void breakData() noexcept;
+  [[noreturn]] void dataFailed(platform::IoStatus status);
+
+  const std::shared_ptr<FtpControl> control_;
+  const Kind kind_;
+  State state_ = State::idle;
+  std::unique_ptr<Sock> data_;
+  std::optional<FtpReply> final_;
+  bool finalNotified_ = false;
+  std::optional<std::uint64_t> announced_;
+  std::uint64_t received_ = 0;
+  // read()'s: received, not handed out yet.
+  std::unique_ptr<char[]> buffer_;
+  std::size_t bufferStart_ = 0;
+  std::size_t bufferEnd_ = 0;
+};
+
+}  // namespace internet

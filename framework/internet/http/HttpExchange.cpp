@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+#include "framework/internet/http/HttpExchange.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <utility>
+
+#include "framework/internet/http/HttpUrl.h"
+#include "framework/internet/net/Failure.h"
+#include "framework/internet/net/InternetErrors.h"
+#include "framework/platform/last_error.h"
+#include "framework/text/AsciiText.h"
+
+namespace internet {
+
+using platform::IoStatus;
+
+namespace {
+
+std::string_view nameOf(std::string_view line) noexcept { return line.substr(0, line.find(':')); }
+
+}  // namespace
+
+HttpExchange::HttpExchange(std::shared_ptr<SessionLink> session, HttpServer server, std::string target)
+    : dialer_(std::move(session)), server_(std::move(server)), target_(std::move(target)) {}
+
+// --- The request ---
+
+bool HttpExchange::isHeaderLine(std::string_view line) noexcept {
+  const std::string_view name = nameOf(line);
+  return !name.empty() && name.size() < line.size() && name.find(' ') == std::string_view::npos &&
+         std::none_of(line.begin(), line.end(), isControl);
+}
+
+bool HttpExchange::hasHeader(std::string_view line) const noexcept {
+  return std::any_of(headers_.begin(), headers_.end(), [name = nameOf(line)](const std::string& known) {
+    return equalBlindToCase(nameOf(known), name);
+  });
+}
+
+void HttpExchange::addHeader(std::string_view line) { headers_.emplace_back(line); }
+
+bool HttpExchange::sendable() const noexcept { return isHostName(server_.name) && isSendable(target_); }
+
+std::string HttpExchange::request() const {
+  std::string text =
+      "GET " + target_ + " HTTP/1.1\r\nHost: " + hostField(server_.name, server_.port) + "\r\n";
+  for (const std::string& line : headers_) text.append(line).append("\r\n");
+  // Each request has a connection of its own: nothing is gained by keeping it.
+  return text += "Connection: close\r\n\r\n";
+}
+
+void HttpExchange::send() {
+  require(State::idle);
+  state_ = State::sent;
+  dropOnFailure([this] { exchangeHeads(); });
+  dialer_.notify(kStatusRequestComplete);
+}
+
+void HttpExchange::exchangeHeads() {
+  sock_ = dialer_.connect(server_.name, server_.port);
+  dialer_.notify(kStatusConnected);
+  dialer_.notify(kStatusSendingRequest);
+  require(State::sent);
+  const IoStatus status = sendAll(*sock_, request(), Deadline(dialer_.timeouts().reply));
+  if (status != IoStatus::done) fail(errorOf(status));
+  dialer_.notify(kStatusRequestSent);
+  dialer_.notify(kStatusReceivingResponse);
+  const Deadline deadline(dialer_.timeouts().reply);
+  while (!response_.headComplete()) {
+    require(State::sent);
+    receive(deadline);
+  }
+  state_ = State::answered;
+  dialer_.notify(kStatusResponseReceived);
+}
+
+// --- The response ---
+
+const HttpHead& HttpExchange::head() const {
+  require(State::answered);
+  return response_.head();
+}
+
+std::size_t HttpExchange::available() { return awaitBody() ? response_.available() : 0; }
+
+std::size_t HttpExchange::read(char* buffer, std::size_t size) {
+  std::size_t filled = 0;
+  while (filled < size && awaitBody()) filled += response_.take(buffer + filled, size - filled);
+  return filled;
+}
+
+// Waits until there is some of the body; false at its end.
+bool HttpExchange::awaitBody() {
+  require(State::answered);
+  if (response_.available() == 0 && !response_.complete()) {
+    dropOnFailure([this] {
+      // Every byte proves that the server is alive, framing included.
+      while (response_.available() == 0 && !response_.complete()) receive(Deadline(dialer_.timeouts().data));
+    });
+  }
+  return response_.available() > 0;
+}
+
+void HttpExchange::receive(const Deadline& deadline) {
+  std::array<char, kHttpBlock> block;
+  const auto received = receiveSome(*sock_, block, deadline);
+  if (received.status == IoStatus::closed) {
+    if (!response_.endOfStream()) fail(kConnectionAborted);
+  } else if (received.status != IoStatus::done) {
+    fail(errorOf(received.status));
+  } else if (!response_.feed({block.data(), received.bytes})) {
+    fail(kInvalidServerResponse);
+  }
+}
+
+// --- State ---
+
+void HttpExchange::require(State state) const {
+  if (state_ != state) fail(kIncorrectHandleState);
+}
+
+// A broken exchange is of no further use, whatever broke it.
+template <class Work>
+void HttpExchange::dropOnFailure(Work work) {
+  std::optional<Failure> failure;
+  const auto drop = [this] {
+    if (state_ != State::closed) state_ = State::sent;
+    sock_.reset();
+  };
+  try {
+    work();
+    return;
+  } catch (const Failure& thrown) {
+    failure = thrown;
+    drop();
+  } catch (...) {
+    drop();
+    throw;
+  }
+  dialer_.reportClosed();
+  throw Failure(std::move(*failure));
+}
+
+void HttpExchange::close() noexcept {
+  if (std::exchange(state_, State::closed) == State::closed) return;
+  const platform::LastErrorKeeper keeper;
+  sock_.reset();
+  dialer_.reportEnd();
+}
+
+}  // namespace internet

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+// The readers of single rows, and what they share.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "framework/internet/listing/FtpListing.h"
+
+namespace internet {
+
+enum class RowKind {
+  entry,
+  itself,   // the listed directory or its parent
+  unparsed  // not this form, or a name that no entry may have
+};
+
+// Walks over the blank-separated fields of a row. A copy remembers a place.
+class RowFields {
+ public:
+  explicit RowFields(std::string_view row) noexcept : rest_(row) {}
+
+  // The next field; empty at the row's end.
+  std::string_view next() noexcept;
+  // Everything behind the last field.
+  [[nodiscard]] std::string_view rest() const noexcept { return rest_; }
+  // The name: everything behind exactly one blank. Empty when there is none.
+  [[nodiscard]] std::string_view restAfterBlank() const noexcept;
+
+ private:
+  std::string_view rest_;
+};
+
+// Decimal digits, also in groups of three ("1,234,567").
+bool readSize(std::string_view text, std::uint64_t& size) noexcept;
+
+// A row before its name is judged. A link has no size of its own.
+struct RawRow {
+  bool isDirectory = false;
+  bool isLink = false;
+  bool readOnly = false;
+  std::uint64_t size = 0;
+  std::int64_t modified = 0;
+  std::string_view name;
+};
+
+bool readUnixRow(std::string_view line, std::int64_t now, RawRow& row) noexcept;
+bool readDosRow(std::string_view line, RawRow& row) noexcept;
+
+enum class MlsxType { unknown, file, directory, itself, link, other };
+
+struct MlsxRow {
+  MlsxType type = MlsxType::unknown;
+  // A link for sure, or a file with the rights that every link has: some servers say "file" of a link, but
+  // give its own size.
+  bool mayBeLink = false;
+  RawRow raw;  // its name as the server sent it: a path in the answer to MLST
+};
+
+// The facts and the name. Leading blanks before the facts are skipped.
+bool readMlsxRow(std::string_view line, MlsxRow& row) noexcept;
+
+// Makes the entry of a row if its name is one that an entry may have; `directory` as in ListingRules.
+RowKind makeEntry(const RawRow& row, std::string_view directory, FtpEntry& entry);
+
+RowKind readListEntry(std::string_view line, std::int64_t now, std::string_view directory, FtpEntry& entry);
+RowKind readMlsxEntry(std::string_view line, std::string_view directory, FtpEntry& entry);
+
+}  // namespace internet
