@@ -22,7 +22,8 @@ class CWinApp {
   bool WriteProfileString(const char* section, const char* entry, const char* value) const;
 
   const char* m_pszAppName;
-  // A bare name stands for a file in the Windows folder. Null: the module's own name with ".INI", there.
+  // A bare name stands for a file in the user's folder for application data (%APPDATA%). Null: the module's
+  // own name with ".INI", there.
   const char* m_pszProfileName = nullptr;
 };
 

@@ -5,6 +5,8 @@
 #include "framework/WinApp.h"
 #include "framework/ui/NarrowText.h"
 #include "framework/windows/windows_api.h"
+// Only now:
+#include <shlobj.h>
 
 namespace {
 
@@ -22,11 +24,21 @@ std::string modulePath() {
   return path;
 }
 
-std::string profileFile(const CWinApp& app) {
+std::string profileName(const CWinApp& app) {
   if (app.m_pszProfileName != nullptr) return app.m_pszProfileName;
   const std::string path = modulePath();
   const std::string_view name = lastComponent(path);
   return std::string(name.substr(0, findLastOf(name, "."))) + ".INI";
+}
+
+// A bare name would lead to the Windows folder, where a user may not write.
+std::string profileFile(const CWinApp& app) {
+  std::string name = profileName(app);
+  if (findLastOf(name, "\\/:") != std::string_view::npos) return name;
+  char folder[MAX_PATH] = "";
+  const bool known = SHGetFolderPathA(nullptr, CSIDL_APPDATA | CSIDL_FLAG_CREATE, nullptr, SHGFP_TYPE_CURRENT,
+                                      folder) == S_OK;
+  return known ? std::string(folder) + '\\' + name : name;
 }
 
 bool fitsALine(std::string_view text) { return text.find_first_of("\r\n") == std::string_view::npos; }

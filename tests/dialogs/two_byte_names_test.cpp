@@ -184,9 +184,9 @@ TEST_F(TwoByteNames, AreTheProfilesNameInFull) {
   }
   const CWinApp app;
   ASSERT_TRUE(app.WriteProfileString("Texts", "Folder0", "a"));
-  char windows[MAX_PATH] = "";
-  GetWindowsDirectoryA(windows, MAX_PATH);
-  EXPECT_TRUE(std::filesystem::remove(std::filesystem::path(windows) / L"\u8868.INI"));
+  wchar_t folder[MAX_PATH] = L"";
+  ASSERT_NE(GetEnvironmentVariableW(L"APPDATA", folder, MAX_PATH), 0U);
+  EXPECT_TRUE(std::filesystem::remove(std::filesystem::path(folder) / L"\u8868.INI"));
 }
 
 }  // namespace

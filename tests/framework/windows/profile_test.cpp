@@ -130,12 +130,25 @@ TEST_F(Profile, RefusesAFileThatCannotBeWritten) {
   EXPECT_EQ(app.GetProfileString("Texts", "Folder0", "none"), "none");
 }
 
-TEST_F(Profile, StandsInTheWindowsFolderUnderTheModulesName) {
-  char windows[MAX_PATH];
-  ASSERT_NE(GetWindowsDirectoryA(windows, MAX_PATH), 0u);
-  const std::filesystem::path file = std::filesystem::path(windows) / "framework_platform.INI";
+std::filesystem::path applicationData() {
+  char folder[MAX_PATH] = "";
+  return std::string(folder, GetEnvironmentVariableA("APPDATA", folder, MAX_PATH));
+}
+
+// In the Windows folder a user may not write.
+TEST_F(Profile, StandsAmongTheUsersApplicationDataUnderTheModulesName) {
+  const std::filesystem::path file = applicationData() / "framework_platform.INI";
   std::filesystem::remove(file);  // of a run that was killed
   app.m_pszProfileName = nullptr;
+  EXPECT_TRUE(app.WriteProfileString("Texts", "Folder0", "a"));
+  EXPECT_EQ(app.GetProfileString("Texts", "Folder0"), "a");
+  EXPECT_TRUE(std::filesystem::remove(file));
+}
+
+TEST_F(Profile, WithABareNameStandsThereToo) {
+  const std::filesystem::path file = applicationData() / "bare_profile_test.ini";
+  std::filesystem::remove(file);
+  app.m_pszProfileName = "bare_profile_test.ini";
   EXPECT_TRUE(app.WriteProfileString("Texts", "Folder0", "a"));
   EXPECT_EQ(app.GetProfileString("Texts", "Folder0"), "a");
   EXPECT_TRUE(std::filesystem::remove(file));
