@@ -5,18 +5,15 @@
 
 #include "framework/ui/ThreadState.h"
 
-ModalRun::ModalRun() noexcept
-    : m_outer(std::exchange(AfxGetThreadState()->m_pModalRun, this)),
-      m_before(std::exchange(AfxGetThreadState()->m_pending, nullptr)) {}
+ModalRun::ModalRun() noexcept : m_outer(std::exchange(AfxGetThreadState()->m_pModalRun, this)) {}
 
 ModalRun::~ModalRun() {
   if (m_timer != 0) KillTimer(nullptr, m_timer);
   AfxGetThreadState()->m_pModalRun = m_outer;
-  AfxGetThreadState()->m_pending = m_before;
 }
 
 void ModalRun::Show(const std::function<void()>& show, const std::function<void()>& cancel) {
-  if (AfxGetThreadState()->m_pending) return;
+  if (m_kept) return;
   struct Shown {
     ModalRun& run;
     ~Shown() { run.m_cancel = nullptr; }
@@ -26,12 +23,16 @@ void ModalRun::Show(const std::function<void()>& show, const std::function<void(
 }
 
 void ModalRun::Rethrow() {
-  if (AfxGetThreadState()->m_pending)
-    std::rethrow_exception(std::exchange(AfxGetThreadState()->m_pending, nullptr));
+  if (m_kept) std::rethrow_exception(std::exchange(m_kept, nullptr));
+}
+
+void ModalRun::Keep(const std::exception_ptr& exception) noexcept {
+  if (!m_kept) m_kept = exception;
+  cancelSoon();
 }
 
 // The exception may come before the dialog has its window, so the dialog's own loop does it, by a timer.
-void ModalRun::CancelSoon() noexcept {
+void ModalRun::cancelSoon() noexcept {
   if (m_timer == 0) m_timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, &onTimer);
 }
 

@@ -11,7 +11,6 @@
 
 class ModalRun {
  public:
-  // What the thread has kept before stays with whoever is to have it.
   ModalRun() noexcept;
   ~ModalRun();
   ModalRun(const ModalRun&) = delete;
@@ -25,14 +24,15 @@ class ModalRun {
   // Behind the system's call and all that is to be undone after it.
   void Rethrow();
 
-  // Something has been kept.
-  void CancelSoon() noexcept;
+  // The first exception counts; it ends the dialog soon.
+  void Keep(const std::exception_ptr& exception) noexcept;
 
  private:
+  void cancelSoon() noexcept;
   static void CALLBACK onTimer(HWND, UINT, UINT_PTR timer, DWORD) noexcept;
 
   ModalRun* const m_outer;
-  const std::exception_ptr m_before;
+  std::exception_ptr m_kept;
   const std::function<void()>* m_cancel = nullptr;  // while the dialog is shown
   UINT_PTR m_timer = 0;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "framework/ui/ThreadState.h"
 
+#include <exception>
 #include <stdexcept>
 #include <utility>
 
@@ -9,7 +10,7 @@
 
 namespace {
 
-thread_local AFX_THREAD_STATE t_state;
+constinit thread_local AFX_THREAD_STATE t_state;
 
 LRESULT CALLBACK onComputerBasedTraining(int code, WPARAM wParam, LPARAM lParam) {
   AFX_THREAD_STATE* const state = AfxGetThreadState();
@@ -43,6 +44,5 @@ bool AfxUnhookWindowCreate() noexcept {
 }
 
 void AfxKeepException() noexcept {
-  if (!t_state.m_pending) t_state.m_pending = std::current_exception();
-  if (t_state.m_pModalRun != nullptr) t_state.m_pModalRun->CancelSoon();
+  if (t_state.m_pModalRun != nullptr) t_state.m_pModalRun->Keep(std::current_exception());
 }

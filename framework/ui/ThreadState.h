@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-// What the framework remembers for each thread that makes windows.
+// What the framework remembers for each thread that makes windows. Nothing in it has a destructor: with one
+// the run time would keep the library loaded for as long as the thread lives.
 #pragma once
 
-#include <exception>
+#include <type_traits>
 
 #include "framework/windows/windows_api.h"
 
@@ -14,8 +15,9 @@ struct AFX_THREAD_STATE {
   CWnd* m_pAlternateWndInit = nullptr;  // gets the window of the next common-dialog hook procedure
   HHOOK m_hHookCbt = nullptr;           // set while m_pWndInit waits
   ModalRun* m_pModalRun = nullptr;      // the innermost of the system's dialogs
-  std::exception_ptr m_pending;         // left a message handler and waits behind the system's frames
 };
+
+static_assert(std::is_trivially_destructible_v<AFX_THREAD_STATE>);
 
 AFX_THREAD_STATE* AfxGetThreadState() noexcept;
 
@@ -27,5 +29,6 @@ void AfxHookWindowCreate(CWnd* window);
 bool AfxUnhookWindowCreate() noexcept;
 
 // No exception may pass through the system's frames: message handlers leave theirs here, and the dialog that
-// is shown ends (ModalRun). REQUIRES: inside a catch block. The first one counts.
+// is shown ends (ModalRun). Where none is shown nobody would ask for it: it is dropped. REQUIRES: inside a
+// catch block. The first one counts.
 void AfxKeepException() noexcept;

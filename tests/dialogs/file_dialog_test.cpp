@@ -140,7 +140,7 @@ TEST_P(FileDialogHandler, ThatThrowsEndsTheDialogAndReachesTheCaller) {
         user.press(window, IDOK);
       });
   EXPECT_EQ(caught, "thrown in " + dialog.throwsIn);
-  EXPECT_FALSE(AfxGetThreadState()->m_pending);
+  EXPECT_EQ(AfxGetThreadState()->m_pModalRun, nullptr);
   EXPECT_EQ(AfxGetThreadState()->m_pAlternateWndInit, nullptr);
 }
 

@@ -47,7 +47,7 @@ class ThrownByTheOwner : public FolderTest, public testing::WithParamInterface<K
   void expectAsBefore() {
     EXPECT_TRUE(IsWindowEnabled(owner.m_hWnd));
     EXPECT_EQ(dialog->m_hWnd, nullptr);
-    EXPECT_FALSE(AfxGetThreadState()->m_pending);
+    EXPECT_EQ(AfxGetThreadState()->m_pModalRun, nullptr);
     owner.throwsWhenDisabled = false;
     EXPECT_EQ(thrownBy(*dialog, cancel), "") << "the next one";
   }
