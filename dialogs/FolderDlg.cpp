@@ -26,7 +26,7 @@ int CALLBACK onBrowse(HWND dialog, UINT message, LPARAM item, LPARAM) noexcept {
   if (message == BFFM_INITIALIZED && !g_strStartFolder.empty()) {
     SendMessageA(dialog, BFFM_SETSELECTIONA, TRUE, reinterpret_cast<LPARAM>(g_strStartFolder.c_str()));
   }
-  if (message == BFFM_SELCHANGED) {
+  if (message == BFFM_SELCHANGED && item != 0) {
     char path[MAX_PATH] = "";
     if (SHGetPathFromIDListA(reinterpret_cast<LPCITEMIDLIST>(item), path)) {
       SendMessageA(dialog, BFFM_SETSTATUSTEXTA, 0, reinterpret_cast<LPARAM>(path));

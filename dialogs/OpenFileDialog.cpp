@@ -14,7 +14,7 @@ bool OpenFileDialog(const void* const (&reserved)[3], std::uint32_t flags, const
   output.clear();
   auto made = std::make_unique<CFileDialog>(true, "", output.pszPath, flags, "", nullptr);
   const CFileDialog& dialog = *made;
-  if (!output.run(std::move(made))) return false;
+  if (!output.run(std::move(made)) || !dialog.NamesAreExact()) return false;
 
   PathText folder;
   if (!NormaliseFolder(dialog.GetFolderPath(), folder)) return false;

@@ -32,7 +32,10 @@ extern "C" {
 //   ppDialog       out: the dialog object, whenever one was made. Null: the call fails and writes nothing.
 //   pbCancelled    out: 1 when the user cancelled, else 0. Null: the call fails and writes nothing.
 // A result that does not fit its buffers (a folder or an entry of QX_PATH_SIZE characters or more) makes the
-// call fail as if nothing had been chosen, with *pbCancelled 0; so does a null pszPath or ppPathList.
+// call fail as if nothing had been chosen, with *pbCancelled 0; so does a null pszPath or ppPathList, and a
+// folder or name with a character that the code page lacks.
+// Needs a thread that is, or may become, a single-threaded apartment of COM: in any other it fails with the
+// message box of a dialog that cannot be shown.
 QXBool DoOpenFileDialog(const void* pReserved1, const void* pReserved2, const void* pReserved3, char* pszPath,
                         void* pUnused, std::uint32_t nFlags, char** ppPathList, std::uint32_t* pnCount,
                         void** ppDialog, QXBool* pbCancelled);
@@ -46,8 +49,9 @@ QXBool DoOpenFileDialog(const void* pReserved1, const void* pReserved2, const vo
 //   pszTitle       window title. Null: the call fails and writes nothing.
 //   pszOkText      caption of the OK button. Null: the call fails and writes nothing.
 //   pReserved      not used, but null makes the call fail and write nothing
-//   pszPath        in: the initial directory, up to 255 characters. Out, when confirmed: the folder without a
-//                  separator at its end. QX_PATH_SIZE bytes.
+//   pszPath        in: the initial directory; of a longer one the first 255 bytes count, without half a
+//                  character. Out, when confirmed: the folder without a separator at its end. QX_PATH_SIZE
+//                  bytes.
 //   bFiles         file mode (1) or folder mode (0)
 //   bOpen          open dialog (1) or save dialog (0)
 //   nMode          list filter

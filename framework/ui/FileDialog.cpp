@@ -30,11 +30,11 @@ std::string recordFilter(const char* filter) {
 
 bool isChild(HWND window) { return (GetWindowLongPtrA(window, GWL_STYLE) & WS_CHILD) != 0; }
 
-// Disabled while the scope lasts, if it was not so before; the focus is given back at the end.
+// Disabled while the scope lasts, if it was not so before; `focus` gets the focus at the end.
 class OwnerPause {
  public:
-  explicit OwnerPause(HWND owner) noexcept
-      : m_focus(GetFocus()), m_owner(owner != nullptr && IsWindowEnabled(owner) ? owner : nullptr) {
+  OwnerPause(HWND owner, HWND focus) noexcept
+      : m_focus(focus), m_owner(owner != nullptr && IsWindowEnabled(owner) ? owner : nullptr) {
     if (m_owner != nullptr) EnableWindow(m_owner, FALSE);
   }
   ~OwnerPause() {
@@ -102,6 +102,7 @@ int CFileDialog::runNewer() {
   if (!confirmed) return IDCANCEL;
   m_folder = std::move(chosen.folder);
   m_paths = std::move(chosen.paths);
+  m_namesAreExact = chosen.exact;
   return IDOK;
 }
 
@@ -110,9 +111,10 @@ int CFileDialog::RunClassic(OPENFILENAMEA& record) {
   forgetChosenNames();
   ModalRun run;
   {
+    const HWND focus = GetFocus();  // before PreModal, which disables windows
     const ModalScope scope(*this);
     record.hwndOwner = scope.owner;
-    const OwnerPause pause(scope.owner);
+    const OwnerPause pause(scope.owner, focus);
     if ((record.Flags & OFN_EXPLORER) != 0) {
       AfxGetThreadState()->m_pAlternateWndInit = this;
     } else {
@@ -213,6 +215,7 @@ std::string CFileDialog::ask(UINT message) const {
 void CFileDialog::forgetChosenNames() noexcept {
   m_folder.clear();
   m_paths.clear();
+  m_namesAreExact = true;
 }
 
 // One file is a full path; several are their folder and then each one's name, all with their ends.

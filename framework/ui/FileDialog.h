@@ -23,17 +23,22 @@ class CFileDialog : public CWnd {
               HWND parent, DWORD size = 0, bool newerStyle = true);
 
   // Runs the dialog: IDOK or IDCANCEL. What leaves a message handler of this thread meanwhile, be it the
-  // owner's, ends the dialog and is rethrown. Throws std::runtime_error when the newer dialog cannot be made.
+  // owner's, ends the dialog and is rethrown. Throws std::runtime_error when the newer dialog cannot be made,
+  // and on a thread of a multithreaded apartment, where it would run on another thread and freeze the
+  // caller's windows.
   virtual int DoModal();
 
-  // The folder shown: while the dialog is up from the dialog, afterwards the chosen files' one. "" for a
-  // place that is no folder of the file system.
+  // The folder shown: while the classic dialog is up from the dialog, afterwards the chosen files' one. ""
+  // for a place that is no folder of the file system, and while the newer dialog is up.
   [[nodiscard]] std::string GetFolderPath() const;
   // The full name in the dialog; after it the (first) chosen one.
   [[nodiscard]] std::string GetPathName() const;
   // The walk over the chosen files; each step yields a full path name.
   [[nodiscard]] POSITION GetStartPosition() const noexcept;
   std::string GetNextPathName(POSITION& position) const;
+  // False when the code page lacks a character of the newer dialog's folder or of a chosen name: what stands
+  // for it names nothing.
+  [[nodiscard]] bool NamesAreExact() const noexcept { return m_namesAreExact; }
 
   // The classic dialog's record, valid from construction on. Its name buffer is larger when several files may
   // be chosen; a selection that does not fit ends the dialog as a cancel.
@@ -76,4 +81,5 @@ class CFileDialog : public CWnd {
   std::vector<char> m_nameBuffer;
   std::string m_folder;              // chosen
   std::vector<std::string> m_paths;  // chosen
+  bool m_namesAreExact = true;
 };

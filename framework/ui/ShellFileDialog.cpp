@@ -7,6 +7,7 @@
 
 #include "framework/ui/Com.h"
 #include "framework/ui/CommonDialogs.h"
+#include "framework/ui/ThreadState.h"
 #include "framework/ui/WideText.h"
 #include "framework/windows/windows_api.h"
 // Only now:
@@ -78,10 +79,16 @@ void prepare(IFileDialog& dialog, const OPENFILENAMEA& record) {
 }
 
 // "" when the item is none of the file system.
-std::string pathOf(IShellItem& item) {
+std::wstring pathOf(IShellItem& item) {
   wchar_t* name = nullptr;
   if (FAILED(item.GetDisplayName(SIGDN_FILESYSPATH, &name))) return {};
-  return narrowText(ShellText(name).get());
+  return ShellText(name).get();
+}
+
+std::string told(const std::wstring& path, ChosenFiles& chosen) {
+  const auto text = exactNarrowText(path);
+  if (!text) chosen.exact = false;
+  return text.value_or("");
 }
 
 template <typename Interface, typename Get>
@@ -90,10 +97,63 @@ ComPtr<Interface> got(Get&& get) {
   return SUCCEEDED(get(&object)) ? ComPtr<Interface>(object) : nullptr;
 }
 
-std::vector<std::string> pathsOf(IShellItemArray& items) {
+// COM's interfaces have no destructors.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
+// The folder is the one that is shown when the user confirms: afterwards the dialog may be anywhere.
+class FolderAtOk final : public IFileDialogEvents {
+ public:
+  explicit FolderAtOk(IFileDialog& dialog) : m_dialog(dialog) {
+    require(dialog.Advise(this, &m_cookie), "the file dialog tells nothing");
+  }
+  virtual ~FolderAtOk() { m_dialog.Unadvise(m_cookie); }
+  FolderAtOk(const FolderAtOk&) = delete;
+  FolderAtOk& operator=(const FolderAtOk&) = delete;
+
+  [[nodiscard]] const std::wstring& path() const noexcept { return m_path; }
+
+  HRESULT WINAPI OnFileOk(IFileDialog* dialog) override {
+    try {
+      const auto folder = got<IShellItem>([&](IShellItem** out) { return dialog->GetFolder(out); });
+      m_path = folder != nullptr ? pathOf(*folder) : L"";
+    } catch (...) {
+      AfxKeepException();
+    }
+    return S_OK;
+  }
+  HRESULT WINAPI OnFolderChanging(IFileDialog*, IShellItem*) override { return S_OK; }
+  HRESULT WINAPI OnFolderChange(IFileDialog*) override { return S_OK; }
+  HRESULT WINAPI OnSelectionChange(IFileDialog*) override { return S_OK; }
+  HRESULT WINAPI OnTypeChange(IFileDialog*) override { return S_OK; }
+  HRESULT WINAPI OnShareViolation(IFileDialog*, IShellItem*, FDE_SHAREVIOLATION_RESPONSE*) override {
+    return E_NOTIMPL;
+  }
+  HRESULT WINAPI OnOverwrite(IFileDialog*, IShellItem*, FDE_OVERWRITE_RESPONSE*) override {
+    return E_NOTIMPL;
+  }
+
+  HRESULT WINAPI QueryInterface(REFIID id, void** out) override {
+    const bool known = id == IID_IUnknown || id == IID_IFileDialogEvents;
+    *out = known ? this : nullptr;
+    return known ? S_OK : E_NOINTERFACE;
+  }
+  // It lives on the stack, longer than the dialog knows it.
+  ULONG WINAPI AddRef() override { return 1; }
+  ULONG WINAPI Release() override { return 1; }
+
+ private:
+  IFileDialog& m_dialog;
+  DWORD m_cookie = 0;
+  std::wstring m_path;
+};
+
+#pragma GCC diagnostic pop
+
+std::vector<std::wstring> pathsOf(IShellItemArray& items) {
   DWORD count = 0;
   require(items.GetCount(&count), "the file dialog does not count what was chosen");
-  std::vector<std::string> paths;
+  std::vector<std::wstring> paths;
   for (DWORD i = 0; i < count; ++i) {
     const auto item = got<IShellItem>([&](IShellItem** out) { return items.GetItemAt(i, out); });
     if (item != nullptr) paths.push_back(pathOf(*item));
@@ -102,7 +162,7 @@ std::vector<std::string> pathsOf(IShellItemArray& items) {
 }
 
 // An open dialog has a list of results, of which there may be one; a save dialog has the one.
-std::vector<std::string> chosenPaths(IFileDialog& dialog) {
+std::vector<std::wstring> chosenPaths(IFileDialog& dialog) {
   void* several = nullptr;
   if (SUCCEEDED(dialog.QueryInterface(IID_IFileOpenDialog, &several))) {
     const ComPtr<IFileOpenDialog> openDialog(static_cast<IFileOpenDialog*>(several));
@@ -111,24 +171,26 @@ std::vector<std::string> chosenPaths(IFileDialog& dialog) {
     if (items != nullptr) return pathsOf(*items);
   }
   const auto item = got<IShellItem>([&](IShellItem** out) { return dialog.GetResult(out); });
-  return item != nullptr ? std::vector{pathOf(*item)} : std::vector<std::string>{};
+  return item != nullptr ? std::vector{pathOf(*item)} : std::vector<std::wstring>{};
 }
 
 }  // namespace
 
 bool showShellFileDialog(const OPENFILENAMEA& record, bool open, ModalRun& run, ChosenFiles& chosen) {
   const Apartment apartment;
+  if (!apartment.Entered()) throw std::runtime_error("the thread is in a multithreaded apartment");
   const auto dialog = makeDialog(open);
   prepare(*dialog, record);
+  const FolderAtOk folder(*dialog);
   constexpr HRESULT kCancelled = HRESULT_FROM_WIN32(ERROR_CANCELLED);
   HRESULT shown = kCancelled;
   run.Show([&] { shown = dialog->Show(record.hwndOwner); }, [&] { dialog->Close(kCancelled); });
   if (shown == kCancelled) return false;
   require(shown, "the file dialog cannot be shown");
 
-  chosen.paths = chosenPaths(*dialog);
-  if (chosen.paths.empty()) return false;  // a dialog that went with its owner says that all is well
-  const auto folder = got<IShellItem>([&](IShellItem** out) { return dialog->GetFolder(out); });
-  chosen.folder = folder != nullptr ? pathOf(*folder) : "";
+  const std::vector<std::wstring> paths = chosenPaths(*dialog);
+  if (paths.empty()) return false;  // a dialog that went with its owner says that all is well
+  for (const std::wstring& path : paths) chosen.paths.push_back(told(path, chosen));
+  chosen.folder = told(folder.path(), chosen);
   return true;
 }

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "QXDialogs.h"
 #include "QXExports.h"
@@ -126,15 +127,23 @@ TEST_F(FileExport, OpensFiles) {
     user.press(window, IDOK);
   });
   EXPECT_EQ(result, 1);
+  EXPECT_EQ(references(), 0U) << "only the picker counts";
   EXPECT_EQ(path, folder);
   EXPECT_THAT(entries(), ElementsAre(folder + "\\" + folder + "\\a.txt", folder + "\\" + folder + "\\b.txt"));
 }
 
 TEST_F(FileExport, HandsTheFileDialogOverAfterACancel) {
-  open(this, [](Driver& user, HWND window) { user.press(window, IDCANCEL); });
+  library.function<PfnDllAddRef>("DllAddRef")();
+  open(this, [this](Driver& user, HWND window) {
+    EXPECT_EQ(references(), 1U);
+    user.press(window, IDCANCEL);
+  });
   EXPECT_EQ(result, 0);
   EXPECT_EQ(cancelled, 1);
   EXPECT_NE(dialog, nullptr);
+  EXPECT_EQ(free(std::exchange(dialog, nullptr)), 1);
+  EXPECT_EQ(references(), 1U) << "what did not count takes nothing away";
+  EXPECT_EQ(library.function<PfnDllRelease>("DllRelease")(), 0U);
 }
 
 TEST_F(FileExport, LeavesEverythingUntouchedWithoutAThirdArgument) {

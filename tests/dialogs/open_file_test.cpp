@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <thread>
 #include <utility>
 
 #include "dialogs/OpenDirFileDialog.h"
@@ -12,6 +13,8 @@
 #include "tests/dialogs/Driver.h"
 #include "tests/dialogs/FolderTest.h"
 #include "tests/support/ModalBoxes.h"
+// Only now:
+#include <objbase.h>
 
 namespace {
 
@@ -196,6 +199,39 @@ TEST_F(OpenFile, FailsCleanlyWithoutAPlaceForItsResult) {
   }
 }
 
+// It was answered under the name of a file that merely looks like it.
+TEST_F(OpenFile, FailsCleanlyForANameThatTheCodePageLacks) {
+  addFile("La.txt");
+  std::ofstream(scratch.path() / L"\u0141a.txt") << "another one";
+  setPath(folder() + "\\");
+  run(OFN_ALLOWMULTISELECT, [](Driver& user, HWND window) {
+    user.selectAll(user.waitForList(window, 2));
+    user.press(window, IDOK);
+  });
+  EXPECT_FALSE(result);
+  EXPECT_EQ(cancelled, 0);
+  EXPECT_EQ(count, 0U);
+  EXPECT_EQ(list, nullptr);
+  EXPECT_NE(dialog, nullptr);
+}
+
+TEST_F(OpenFile, FailsCleanlyInAFolderThatTheCodePageLacks) {
+  const std::filesystem::path untold = scratch.path() / L"\u0141";
+  std::filesystem::create_directory(untold);
+  std::ofstream(untold / "a.txt") << "text";
+  setPath(folder() + "\\");
+  run(0, [](Driver& user, HWND window) {
+    const HWND folders = user.waitForList(window, 1);
+    user.doubleClick(folders, user.items(folders).front());
+    (void)user.waitForList(window, {"a.txt"});
+    user.typeName(window, "a.txt");
+    user.press(window, IDOK);
+  });
+  EXPECT_FALSE(result);
+  EXPECT_EQ(cancelled, 0);
+  EXPECT_EQ(count, 0U);
+}
+
 HRESULT WINAPI makeNothing(REFCLSID, IUnknown*, DWORD, REFIID, void**) { return REGDB_E_CLASSNOTREG; }
 
 TEST_F(OpenFile, SaysSoWhenThereIsNoSuchDialog) {
@@ -206,6 +242,31 @@ TEST_F(OpenFile, SaysSoWhenThereIsNoSuchDialog) {
   EXPECT_EQ(boxes[0].text, "Could not open FileDialog!");
   EXPECT_EQ(boxes[0].caption, "ERROR");
   EXPECT_FALSE(boxes[0].owned);
+  EXPECT_FALSE(result);
+  EXPECT_EQ(cancelled, 0);
+  EXPECT_NE(dialog, nullptr);
+}
+
+bool g_asked = false;
+
+HRESULT WINAPI noteAndMakeNothing(REFCLSID, IUnknown*, DWORD, REFIID, void**) {
+  g_asked = true;
+  return REGDB_E_CLASSNOTREG;
+}
+
+// It ran on a thread of its own, and the caller's windows were frozen until it was over.
+TEST_F(OpenFile, SaysThatItCannotBeShownInAMultithreadedApartment) {
+  g_commonDialogs.createInstance = &noteAndMakeNothing;
+  const void* const reserved[] = {this, this, this};
+  std::vector<testing_support::ModalBox> boxes;
+  std::thread([&] {
+    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+    boxes = testing_support::modalBoxesOf([&] { result = OpenFileDialog(reserved, 0, output()); });
+    CoUninitialize();
+  }).join();
+  EXPECT_FALSE(g_asked);
+  ASSERT_EQ(boxes.size(), 1U);
+  EXPECT_EQ(boxes[0].text, "Could not open FileDialog!");
   EXPECT_FALSE(result);
   EXPECT_EQ(cancelled, 0);
   EXPECT_NE(dialog, nullptr);

@@ -166,6 +166,37 @@ TEST_F(XFileOwner, GetsTheFocusBack) {
   EXPECT_EQ(GetFocus(), child.m_hWnd);
 }
 
+// A window above the owner that takes its being disabled for a reason to move the focus.
+class MovesTheFocus : public CWnd {
+ public:
+  explicit MovesTheFocus(HWND target) : m_target(target) {
+    CreateEx(0, "STATIC", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, {0, 0, 200, 100}, nullptr, 0);
+  }
+  ~MovesTheFocus() override { DestroyWindow(); }
+
+ protected:
+  LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+    if (message == WM_ENABLE && wParam == FALSE) SetFocus(m_target);
+    return CWnd::WindowProc(message, wParam, lParam);
+  }
+
+ private:
+  const HWND m_target;
+};
+
+// It was looked for only when the windows above the owner had been disabled.
+TEST_F(XFileOwner, GetsTheFocusBackThatWentWhenTheWindowAboveWasDisabled) {
+  const MovesTheFocus top(other.m_hWnd);
+  CWnd owner;
+  ASSERT_TRUE(owner.CreateEx(0, "STATIC", "", WS_POPUP | WS_VISIBLE, {0, 0, 90, 90}, top.m_hWnd, 0));
+  SetFocus(child.m_hWnd);
+  ASSERT_EQ(GetFocus(), child.m_hWnd);
+  CXFileDialog shown(true, nullptr, nullptr, kFlags, nullptr, owner.m_hWnd);
+  run(shown, FALSE, [this](OPENFILENAMEA&) { EXPECT_EQ(GetFocus(), other.m_hWnd); });
+  EXPECT_EQ(GetFocus(), child.m_hWnd);
+  owner.DestroyWindow();
+}
+
 TEST_F(XFileOwner, LosesTheFocusWithTheWindowThatHadIt) {
   SetFocus(child.m_hWnd);
   CXFileDialog shown(true, nullptr, nullptr, kFlags, nullptr, window.m_hWnd);
