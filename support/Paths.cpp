@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "support/Paths.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
+
+#include "framework/text/AsciiText.h"
 
 namespace {
 
 bool isSeparator(char c) { return c == '/' || c == '\\'; }
 
 void dropFirst(char* text) { std::memmove(text, text + 1, std::strlen(text)); }
-
-char lowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 // The parts of a path as the C runtime's splitter finds them; each may be empty.
 struct RawParts {
@@ -83,15 +84,7 @@ bool IsRemotePath(const char* path) noexcept {
 
 bool IsSafeRemotePath(const char* path) noexcept {
   const std::string_view text(path);
-  if (text.size() >= kPathCapacity) return false;
-  for (const char c : text) {
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) return false;
-  }
-  return true;
+  return text.size() < kPathCapacity && std::none_of(text.begin(), text.end(), ascii::isControl);
 }
 
-bool EqualNames(const char* left, const char* right) noexcept {
-  for (; *left != '\0' && lowerCase(*left) == lowerCase(*right); ++left, ++right) {
-  }
-  return *left == '\0' && *right == '\0';
-}
+bool EqualNames(const char* left, const char* right) noexcept { return ascii::equalBlindToCase(left, right); }

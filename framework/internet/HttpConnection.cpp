@@ -28,8 +28,7 @@ std::string_view acceptValue(std::string_view entry) {
     while (!entry.empty() && blank(entry.back())) entry.remove_suffix(1);
   };
   trim();
-  if (internet::equalBlindToCase(entry.substr(0, kAccept.size()), kAccept))
-    entry.remove_prefix(kAccept.size());
+  if (ascii::startsBlindToCase(entry, kAccept)) entry.remove_prefix(kAccept.size());
   trim();
   return entry;
 }

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace internet {
+namespace ascii {
 
 constexpr char lowerCase(char c) noexcept {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -22,6 +22,10 @@ constexpr bool isControl(char c) noexcept { return static_cast<unsigned char>(c)
 constexpr bool equalBlindToCase(std::string_view a, std::string_view b) noexcept {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](char x, char y) { return lowerCase(x) == lowerCase(y); });
+}
+
+constexpr bool startsBlindToCase(std::string_view text, std::string_view start) noexcept {
+  return equalBlindToCase(text.substr(0, start.size()), start);
 }
 
 constexpr bool containsBlindToCase(std::string_view text, std::string_view part) noexcept {
@@ -43,4 +47,4 @@ constexpr bool readNumber(std::string_view digits, Number& number) noexcept {
   return true;
 }
 
-}  // namespace internet
+}  // namespace ascii

@@ -6,17 +6,16 @@
 #include <utility>
 
 #include "framework/internet/net/InternetLimits.h"
+#include "framework/text/AsciiText.h"
 
 namespace internet {
 
 namespace {
 
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-
 // The number at the start of `text`, which is cut off it.
 template <class Number>
 std::optional<Number> takeNumber(std::string_view& text) noexcept {
-  if (text.empty() || !isDigit(text.front())) return std::nullopt;
+  if (text.empty() || !ascii::isDigit(text.front())) return std::nullopt;
   Number number{};
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc()) return std::nullopt;
@@ -26,7 +25,9 @@ std::optional<Number> takeNumber(std::string_view& text) noexcept {
 
 // The code that starts a reply's line, 0 when there is none.
 int codeOf(std::string_view line) noexcept {
-  if (line.size() < 3 || line[0] < '1' || line[0] > '5' || !isDigit(line[1]) || !isDigit(line[2])) return 0;
+  if (line.size() < 3 || line[0] < '1' || line[0] > '5' || !ascii::isDigit(line[1]) ||
+      !ascii::isDigit(line[2]))
+    return 0;
   return (line[0] - '0') * 100 + (line[1] - '0') * 10 + (line[2] - '0');
 }
 
@@ -101,7 +102,7 @@ std::optional<std::uint16_t> parsePassivePort(std::string_view text) {
     const unsigned port = numbers[4] * 256 + numbers[5];
     if (count == 6 && port != 0) return static_cast<std::uint16_t>(port);
     // Not in the middle of a number.
-    while (text.size() > 1 && isDigit(text[0]) && isDigit(text[1])) text.remove_prefix(1);
+    while (text.size() > 1 && ascii::isDigit(text[0]) && ascii::isDigit(text[1])) text.remove_prefix(1);
   }
   return std::nullopt;
 }
@@ -111,7 +112,7 @@ std::optional<std::uint16_t> parseExtendedPassivePort(std::string_view text) {
   if (open == std::string_view::npos || text.size() < open + 7) return std::nullopt;
   std::string_view rest = text.substr(open + 1);
   const char delimiter = rest[0];
-  if (isDigit(delimiter) || rest[1] != delimiter || rest[2] != delimiter) return std::nullopt;
+  if (ascii::isDigit(delimiter) || rest[1] != delimiter || rest[2] != delimiter) return std::nullopt;
   rest.remove_prefix(3);
   const auto port = takeNumber<std::uint16_t>(rest);
   if (!port || *port == 0 || rest.size() < 2 || rest[0] != delimiter || rest[1] != ')') return std::nullopt;

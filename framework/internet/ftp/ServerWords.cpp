@@ -13,8 +13,9 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r\n";
 
 bool isWordByte(char c) noexcept {
-  const char lower = lowerCase(c);
-  return (lower >= 'a' && lower <= 'z') || isDigit(c) || c == '_' || static_cast<unsigned char>(c) >= 0x80;
+  const char lower = ascii::lowerCase(c);
+  return (lower >= 'a' && lower <= 'z') || ascii::isDigit(c) || c == '_' ||
+         static_cast<unsigned char>(c) >= 0x80;
 }
 
 bool endsWord(std::string_view text, std::size_t at) noexcept {
@@ -40,7 +41,7 @@ class Line {
  private:
   [[nodiscard]] bool isAt(std::size_t at, std::string_view part) const noexcept {
     return !part.empty() && endsWord(text_, at + part.size()) &&
-           equalBlindToCase(text_.substr(at, part.size()), part);
+           ascii::equalBlindToCase(text_.substr(at, part.size()), part);
   }
 
   // "x", 'x' and `x'; an apostrophe inside a word neither opens nor closes.
@@ -100,7 +101,7 @@ std::string withoutPaths(std::string_view text, const QuotedPaths& paths, BareNa
 
 std::string_view withoutCode(std::string_view line) noexcept {
   constexpr std::size_t kCode = 4;  // "226 " or "226-"
-  const bool coded = line.size() >= kCode && std::all_of(line.begin(), line.begin() + 3, isDigit) &&
+  const bool coded = line.size() >= kCode && std::all_of(line.begin(), line.begin() + 3, ascii::isDigit) &&
                      (line[3] == ' ' || line[3] == '-');
   return coded ? line.substr(kCode) : line;
 }
@@ -111,7 +112,7 @@ bool serverSays(std::string_view text, std::initializer_list<std::string_view> w
                 const QuotedPaths& paths, BareName bareName) {
   const auto isIn = [words](std::string_view said) {
     return std::any_of(words.begin(), words.end(),
-                       [said](std::string_view word) { return containsBlindToCase(said, word); });
+                       [said](std::string_view word) { return ascii::containsBlindToCase(said, word); });
   };
   while (!text.empty()) {
     const std::string_view line = text.substr(0, text.find('\n'));

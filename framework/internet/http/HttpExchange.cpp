@@ -30,12 +30,12 @@ HttpExchange::HttpExchange(std::shared_ptr<SessionLink> session, HttpServer serv
 bool HttpExchange::isHeaderLine(std::string_view line) noexcept {
   const std::string_view name = nameOf(line);
   return !name.empty() && name.size() < line.size() && name.find(' ') == std::string_view::npos &&
-         std::none_of(line.begin(), line.end(), isControl);
+         std::none_of(line.begin(), line.end(), ascii::isControl);
 }
 
 bool HttpExchange::hasHeader(std::string_view line) const noexcept {
   return std::any_of(headers_.begin(), headers_.end(), [name = nameOf(line)](const std::string& known) {
-    return equalBlindToCase(nameOf(known), name);
+    return ascii::equalBlindToCase(nameOf(known), name);
   });
 }
 

@@ -27,8 +27,8 @@ int statusOf(std::string_view line) noexcept {
   constexpr std::size_t kCodeEnd = 12;
   if (!line.starts_with(kVersion) || line.size() < kCodeEnd) return 0;
   int status = 0;
-  const bool wellFormed = isDigit(line[kVersion.size()]) && line[kCodeAt - 1] == ' ' &&
-                          readNumber(line.substr(kCodeAt, kCodeEnd - kCodeAt), status) &&
+  const bool wellFormed = ascii::isDigit(line[kVersion.size()]) && line[kCodeAt - 1] == ' ' &&
+                          ascii::readNumber(line.substr(kCodeAt, kCodeEnd - kCodeAt), status) &&
                           (line.size() == kCodeEnd || line[kCodeEnd] == ' ');
   return wellFormed && status >= 100 ? status : 0;
 }
@@ -62,7 +62,7 @@ bool acceptLength(std::string_view value, std::optional<std::uint64_t>& length) 
   for (;;) {
     const auto comma = std::min(value.find(','), value.size());
     std::uint64_t number = 0;
-    if (!readNumber(trimmed(value.substr(0, comma)), number) || length.value_or(number) != number)
+    if (!ascii::readNumber(trimmed(value.substr(0, comma)), number) || length.value_or(number) != number)
       return false;
     length = number;
     if (comma == value.size()) return true;
@@ -72,16 +72,16 @@ bool acceptLength(std::string_view value, std::optional<std::uint64_t>& length) 
 
 // Any other coding than chunks was not asked for and would end up in the local file.
 bool acceptCoding(std::string_view value, bool& chunked) noexcept {
-  if (equalBlindToCase(value, "identity")) return true;
-  if (chunked || !equalBlindToCase(value, "chunked")) return false;
+  if (ascii::equalBlindToCase(value, "identity")) return true;
+  if (chunked || !ascii::equalBlindToCase(value, "chunked")) return false;
   chunked = true;
   return true;
 }
 
 bool readFraming(HttpHead& head) {
   return forEachField(head.raw, [&head](std::string_view name, std::string_view value) {
-    if (equalBlindToCase(name, "Content-Length")) return acceptLength(value, head.length);
-    if (equalBlindToCase(name, "Transfer-Encoding")) return acceptCoding(value, head.chunked);
+    if (ascii::equalBlindToCase(name, "Content-Length")) return acceptLength(value, head.length);
+    if (ascii::equalBlindToCase(name, "Transfer-Encoding")) return acceptCoding(value, head.chunked);
     return true;
   });
 }

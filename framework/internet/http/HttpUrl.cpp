@@ -46,7 +46,8 @@ std::optional<Authority> splitAuthority(std::string_view text, std::uint16_t def
     rest.remove_prefix(1);
   }
   if (result.server.empty() || (!rest.empty() && rest.front() != ':')) return std::nullopt;
-  if (rest.size() > 1 && (!readNumber(rest.substr(1), result.port) || result.port == 0)) return std::nullopt;
+  if (rest.size() > 1 && (!ascii::readNumber(rest.substr(1), result.port) || result.port == 0))
+    return std::nullopt;
   return result;
 }
 
@@ -68,7 +69,7 @@ std::string requestTarget(std::string_view object) {
 }
 
 bool isSendable(std::string_view target) noexcept {
-  return std::none_of(target.begin(), target.end(), isControl);
+  return std::none_of(target.begin(), target.end(), ascii::isControl);
 }
 
 bool isHostName(std::string_view server) noexcept {
@@ -88,9 +89,8 @@ bool AfxParseURL(std::string_view url, internet::UrlService& service, std::strin
                  std::string& object, std::uint16_t& port) {
   url = internet::trimmed(url);
   const auto scheme =
-      std::find_if(internet::kSchemes.begin(), internet::kSchemes.end(), [url](const auto& known) {
-        return internet::equalBlindToCase(url.substr(0, known.prefix.size()), known.prefix);
-      });
+      std::find_if(internet::kSchemes.begin(), internet::kSchemes.end(),
+                   [url](const auto& known) { return ascii::startsBlindToCase(url, known.prefix); });
   if (scheme == internet::kSchemes.end()) return false;
   url.remove_prefix(scheme->prefix.size());
   url = url.substr(0, url.find('#'));

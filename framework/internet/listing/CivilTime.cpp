@@ -22,7 +22,7 @@ int yearOf(std::int64_t seconds) noexcept {
 }
 
 bool readTwoDigits(std::string_view text, std::size_t at, int& number) noexcept {
-  return text.size() >= at + 2 && readNumber(text.substr(at, 2), number);
+  return text.size() >= at + 2 && ascii::readNumber(text.substr(at, 2), number);
 }
 
 }  // namespace
@@ -57,14 +57,14 @@ int monthOfName(std::string_view name) noexcept {
                                                             "jul", "aug", "sep", "oct", "nov", "dec"};
   if (name.size() != 3) return 0;
   for (std::size_t i = 0; i < kMonths.size(); ++i) {
-    if (equalBlindToCase(name, kMonths[i])) return static_cast<int>(i) + 1;
+    if (ascii::equalBlindToCase(name, kMonths[i])) return static_cast<int>(i) + 1;
   }
   return 0;
 }
 
 bool readClock(std::string_view text, CivilTime& time) noexcept {
   const std::size_t colon = text.find(':');
-  if (colon == 0 || colon > 2 || !readNumber(text.substr(0, colon), time.hour)) return false;
+  if (colon == 0 || colon > 2 || !ascii::readNumber(text.substr(0, colon), time.hour)) return false;
   const std::string_view rest = text.substr(colon + 1);
   if (!readTwoDigits(rest, 0, time.minute)) return false;
   time.second = 0;
@@ -76,10 +76,10 @@ std::int64_t parseMdtmTime(std::string_view text) {
   if (text.size() < kDigits) return 0;
   if (text.size() > kDigits) {
     const std::string_view fraction = text.substr(kDigits + 1);
-    if (text[kDigits] != '.' || !std::all_of(fraction.begin(), fraction.end(), isDigit)) return 0;
+    if (text[kDigits] != '.' || !std::all_of(fraction.begin(), fraction.end(), ascii::isDigit)) return 0;
   }
   CivilTime time;
-  const bool read = readNumber(text.substr(0, 4), time.year) && readTwoDigits(text, 4, time.month) &&
+  const bool read = ascii::readNumber(text.substr(0, 4), time.year) && readTwoDigits(text, 4, time.month) &&
                     readTwoDigits(text, 6, time.day) && readTwoDigits(text, 8, time.hour) &&
                     readTwoDigits(text, 10, time.minute) && readTwoDigits(text, 12, time.second);
   return read ? unixSeconds(time).value_or(0) : 0;

@@ -24,8 +24,8 @@ bool readDosDate(std::string_view text, CivilTime& time) noexcept {
   const char separator = text[month + 2];
   if ((separator != '-' && separator != '/') || text[yearFirst ? 4 : 5] != separator) return false;
   const std::string_view year = yearFirst ? text.substr(0, 4) : text.substr(6);
-  if (!readNumber(year, time.year) || !readNumber(text.substr(month, 2), time.month) ||
-      !readNumber(text.substr(month + 3, 2), time.day)) {
+  if (!ascii::readNumber(year, time.year) || !ascii::readNumber(text.substr(month, 2), time.month) ||
+      !ascii::readNumber(text.substr(month + 3, 2), time.day)) {
     return false;
   }
   if (year.size() == 2) time.year = fullYear(time.year);
@@ -34,8 +34,8 @@ bool readDosDate(std::string_view text, CivilTime& time) noexcept {
 
 // "AM" or "PM" turns the hour, which goes from 1 to 12, into one of 24.
 bool applyHalfOfDay(std::string_view half, CivilTime& time) noexcept {
-  const bool afternoon = equalBlindToCase(half, "PM");
-  if ((!afternoon && !equalBlindToCase(half, "AM")) || time.hour < 1 || time.hour > 12) return false;
+  const bool afternoon = ascii::equalBlindToCase(half, "PM");
+  if ((!afternoon && !ascii::equalBlindToCase(half, "AM")) || time.hour < 1 || time.hour > 12) return false;
   time.hour = time.hour % 12 + (afternoon ? 12 : 0);
   return true;
 }
@@ -74,7 +74,7 @@ bool readDosRow(std::string_view line, RawRow& row) noexcept {
   row.modified = *modified;
   const std::string_view field = fields.next();
   if (field.size() > 2 && field.front() == '<' && field.back() == '>') {
-    row.isDirectory = equalBlindToCase(field, kDirectoryMark);
+    row.isDirectory = ascii::equalBlindToCase(field, kDirectoryMark);
     row.isLink = !row.isDirectory;  // <JUNCTION>, <SYMLINK>, <SYMLINKD>
     row.name = nameBehindMark(field, fields.rest());
   } else {

@@ -21,7 +21,7 @@ bool isHeader(std::string_view line) noexcept {
   if (word.find_first_of("-0123456789") != std::string_view::npos) return false;
   if (word.find_first_not_of(kModeLetters) == std::string_view::npos) return false;
   const std::string_view number = fields.next();
-  return !number.empty() && isDigit(number.front()) && fields.next().empty();
+  return !number.empty() && ascii::isDigit(number.front()) && fields.next().empty();
 }
 
 // What the program behind LIST says on its standard error stream, which some servers send along.
@@ -31,7 +31,8 @@ bool isErrorText(std::string_view line) noexcept {
       ": input/output error"};
   if (line.starts_with("ls: ") || line.starts_with("/bin/ls: ")) return true;
   for (const std::string_view ending : kEndings) {
-    if (line.size() > ending.size() && equalBlindToCase(line.substr(line.size() - ending.size()), ending))
+    if (line.size() > ending.size() &&
+        ascii::equalBlindToCase(line.substr(line.size() - ending.size()), ending))
       return true;
   }
   return false;

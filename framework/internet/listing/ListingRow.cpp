@@ -22,7 +22,7 @@ bool climbsByBackslash(std::string_view name) noexcept {
 
 bool mayBeName(std::string_view name) noexcept {
   return !name.empty() && name.size() < kMaxNameLength &&
-         std::none_of(name.begin(), name.end(), [](char c) { return c == '/' || isControl(c); }) &&
+         std::none_of(name.begin(), name.end(), [](char c) { return c == '/' || ascii::isControl(c); }) &&
          !climbsByBackslash(name);
 }
 
@@ -54,7 +54,7 @@ std::string_view RowFields::restAfterBlank() const noexcept {
 bool readSize(std::string_view text, std::uint64_t& size) noexcept {
   constexpr std::size_t kGroup = 4;  // ",123"
   const std::size_t comma = text.find(',');
-  if (comma == std::string_view::npos) return readNumber(text, size);
+  if (comma == std::string_view::npos) return ascii::readNumber(text, size);
   // 2^64 in groups has 26 characters.
   if (comma == 0 || comma > 3 || text.size() > 26 || (text.size() - comma) % kGroup != 0) return false;
   char digits[26];
@@ -64,7 +64,7 @@ bool readSize(std::string_view text, std::uint64_t& size) noexcept {
     if ((text[i] == ',') != wantsComma) return false;
     if (!wantsComma) digits[count++] = text[i];
   }
-  return readNumber(std::string_view(digits, count), size);
+  return ascii::readNumber(std::string_view(digits, count), size);
 }
 
 RowKind makeEntry(const RawRow& row, std::string_view directory, FtpEntry& entry) {

@@ -19,11 +19,12 @@ struct Facts {
 };
 
 MlsxType typeOf(std::string_view value) noexcept {
-  if (equalBlindToCase(value, "file")) return MlsxType::file;
-  if (equalBlindToCase(value, "dir")) return MlsxType::directory;
-  if (equalBlindToCase(value, "cdir") || equalBlindToCase(value, "pdir")) return MlsxType::itself;
+  if (ascii::equalBlindToCase(value, "file")) return MlsxType::file;
+  if (ascii::equalBlindToCase(value, "dir")) return MlsxType::directory;
+  if (ascii::equalBlindToCase(value, "cdir") || ascii::equalBlindToCase(value, "pdir"))
+    return MlsxType::itself;
   for (const std::string_view link : {"os.unix=slink", "os.unix=symlink"}) {
-    if (equalBlindToCase(value.substr(0, link.size()), link)) return MlsxType::link;
+    if (ascii::startsBlindToCase(value, link)) return MlsxType::link;
   }
   return MlsxType::other;
 }
@@ -36,15 +37,15 @@ std::optional<bool> readOnlyByMode(std::string_view mode) noexcept {
 }
 
 void takeFact(std::string_view name, std::string_view value, Facts& facts) noexcept {
-  if (equalBlindToCase(name, "type")) {
+  if (ascii::equalBlindToCase(name, "type")) {
     facts.type = typeOf(value);
-  } else if (equalBlindToCase(name, "size")) {
-    readNumber(value, facts.size);
-  } else if (equalBlindToCase(name, "modify")) {
+  } else if (ascii::equalBlindToCase(name, "size")) {
+    ascii::readNumber(value, facts.size);
+  } else if (ascii::equalBlindToCase(name, "modify")) {
     facts.modified = parseMdtmTime(value);
-  } else if (equalBlindToCase(name, "perm")) {
+  } else if (ascii::equalBlindToCase(name, "perm")) {
     facts.readOnlyByRights = value.find_first_of("aAwW") == std::string_view::npos;
-  } else if (equalBlindToCase(name, "unix.mode")) {
+  } else if (ascii::equalBlindToCase(name, "unix.mode")) {
     facts.readOnlyByMode = readOnlyByMode(value);
     facts.everyRight = value.ends_with("777");
   }

@@ -33,7 +33,7 @@ bool step(std::string_view& pattern, std::string_view& name) noexcept {
     if (name.front() != '.') name.remove_prefix(characterLength(name));
     return true;
   }
-  if (lowerCase(pattern.front()) != lowerCase(name.front())) return false;
+  if (ascii::lowerCase(pattern.front()) != ascii::lowerCase(name.front())) return false;
   pattern.remove_prefix(1);
   name.remove_prefix(1);
   return true;
@@ -63,7 +63,7 @@ bool matchesWildcards(std::string_view pattern, std::string_view name) noexcept 
 }  // namespace
 
 bool matchesPattern(std::string_view pattern, std::string_view name) {
-  if (equalBlindToCase(pattern, name)) return true;
+  if (ascii::equalBlindToCase(pattern, name)) return true;
   // Names that hold no dot, by an ending that is none itself.
   if (pattern.size() > 1 && pattern.ends_with('.')) {
     pattern.remove_suffix(1);

@@ -25,11 +25,11 @@ bool isMode(std::string_view text) noexcept {
 // What may follow the mode without a blank: a mark of further rights, a link count of many digits.
 bool isModeTail(std::string_view text) noexcept {
   if (!text.empty() && (text[0] == '+' || text[0] == '.' || text[0] == '@')) text.remove_prefix(1);
-  return std::all_of(text.begin(), text.end(), isDigit);
+  return std::all_of(text.begin(), text.end(), ascii::isDigit);
 }
 
 bool readDay(std::string_view text, CivilTime& time) noexcept {
-  return text.size() <= 2 && readNumber(text, time.day);
+  return text.size() <= 2 && ascii::readNumber(text, time.day);
 }
 
 // "10:05", "2024" or "10:05:59 2024" behind day and month.
@@ -38,17 +38,17 @@ std::optional<std::int64_t> readClockOrYear(RowFields& fields, CivilTime& time, 
   if (readClock(text, time)) {
     const bool withSeconds = text.size() > 5;
     if (!withSeconds) return unixSecondsOfLatestYear(time, now);
-    return readNumber(fields.next(), time.year) ? unixSeconds(time) : std::nullopt;
+    return ascii::readNumber(fields.next(), time.year) ? unixSeconds(time) : std::nullopt;
   }
-  return text.size() == 4 && readNumber(text, time.year) ? unixSeconds(time) : std::nullopt;
+  return text.size() == 4 && ascii::readNumber(text, time.year) ? unixSeconds(time) : std::nullopt;
 }
 
 // "+0130" in seconds.
 std::optional<std::int64_t> readZone(std::string_view text) noexcept {
   int hours = 0;
   int minutes = 0;
-  if (text.size() != 5 || (text[0] != '+' && text[0] != '-') || !readNumber(text.substr(1, 2), hours) ||
-      !readNumber(text.substr(3), minutes)) {
+  if (text.size() != 5 || (text[0] != '+' && text[0] != '-') ||
+      !ascii::readNumber(text.substr(1, 2), hours) || !ascii::readNumber(text.substr(3), minutes)) {
     return std::nullopt;
   }
   const int seconds = hours * 3600 + minutes * 60;
@@ -67,8 +67,9 @@ std::optional<std::int64_t> readIsoClock(RowFields& fields, CivilTime& time) noe
 }
 
 bool readIsoDate(std::string_view text, CivilTime& time) noexcept {
-  return text.size() == 10 && text[4] == '-' && text[7] == '-' && readNumber(text.substr(0, 4), time.year) &&
-         readNumber(text.substr(5, 2), time.month) && readNumber(text.substr(8), time.day);
+  return text.size() == 10 && text[4] == '-' && text[7] == '-' &&
+         ascii::readNumber(text.substr(0, 4), time.year) &&
+         ascii::readNumber(text.substr(5, 2), time.month) && ascii::readNumber(text.substr(8), time.day);
 }
 
 std::optional<std::int64_t> readDate(RowFields& fields, std::int64_t now) noexcept {
