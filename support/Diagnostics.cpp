@@ -117,8 +117,9 @@ void StoreError(QXErrorInfo* pErrorInfo, const QXErrorInfo* record) noexcept {
 }
 
 void ClearErrorInfo(QXErrorInfo* pErrorInfo) noexcept {
+  if (pErrorInfo == nullptr) return;
   platform::setLastError(0);
-  if (pErrorInfo != nullptr) *pErrorInfo = QXErrorInfo{};
+  *pErrorInfo = QXErrorInfo{};
 }
 
 void TakeErrorInfo(QXErrorInfo* pErrorInfo, QXErrorInfo* copy) noexcept {

@@ -44,7 +44,7 @@ void ReportErrorCode(QXErrorInfo* pErrorInfo, bool bOK, std::uint32_t nError) no
 // Copies a filled record into the host's record unless that holds an error already.
 void StoreError(QXErrorInfo* pErrorInfo, const QXErrorInfo* record) noexcept;
 
-// Sets the last error to 0 and zeroes the record.
+// Sets the last error to 0 and zeroes the record; without a record it leaves the last error alone.
 void ClearErrorInfo(QXErrorInfo* pErrorInfo) noexcept;
 
 // Zeroes `copy`; moves a held error into it and clears the record.
