@@ -14,8 +14,8 @@
 // An empty array with that room, released by array delete. Throws std::bad_alloc.
 [[nodiscard]] std::unique_ptr<QXDirEntry[]> NewEntryArray(std::size_t count);
 
-// The number of entries in an array is kept in the part of its first entry that belongs to nobody, so that a
-// copy never reads more than is there.
+// The number of entries in an array is kept in its first entry's aReserved, so that a copy never reads more
+// than is there.
 void StoreEntryCount(QXDirEntry* array, std::uint32_t count) noexcept;
 [[nodiscard]] std::uint32_t EntryCount(const QXDirEntry* array) noexcept;
 

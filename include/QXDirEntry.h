@@ -19,7 +19,9 @@ struct QXDirEntry {
   QXFileTime ftLastWriteTime;
   std::uint32_t nFileSizeHigh;  // both 0 for a directory
   std::uint32_t nFileSizeLow;
-  std::uint8_t aReserved[8];  // not written
+  // 0 in what a host gets. While a client keeps a listing (m_pFileBuffer), the first four bytes of its first
+  // entry hold the number of entries.
+  std::uint8_t aReserved[8];
   char szName[276];
 };
 
