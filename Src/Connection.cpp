@@ -10,7 +10,7 @@
 #include "Src/QXIP.h"
 #include "Src/SharedFlag.h"
 #include "Src/TInternetSession.h"
-#include "framework/platform/last_error.h"
+#include "framework/text/AsciiText.h"
 #include "support/BoundedText.h"
 #include "support/Paths.h"
 
@@ -18,20 +18,12 @@ namespace {
 
 constexpr std::uint32_t kDefaultPort = 21;
 
-bool startsWith(const char* text, std::string_view lowerPrefix) {
-  for (const char expected : lowerPrefix) {
-    const char c = *text++;
-    if ((c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c) != expected) return false;
-  }
-  return true;
-}
-
 // The bare host name inside `host`: behind the first scheme prefix that matches, or behind the two characters
 // that a name starting with a backslash has in front. A bare name is its own.
 const char* bareHostName(const char* host) {
   if (*host != '\\') {
     for (const std::string_view scheme : {"ftp://", "http://", "https://"}) {
-      if (!startsWith(host, scheme)) continue;
+      if (!ascii::startsBlindToCase(host, scheme)) continue;
       host += scheme.size();
       break;
     }
@@ -42,22 +34,26 @@ const char* bareHostName(const char* host) {
 
 }  // namespace
 
-// False when a text does not fit its field; that field is empty then, because half a name is another name.
-bool TQXIP::StoreLogin(const char* pszHost, const char* pszUser, const char* pszPassword, std::uint32_t nPort,
+// A text that does not fit leaves its field empty, because half a name is another name.
+void TQXIP::StoreLogin(const char* pszHost, const char* pszUser, const char* pszPassword, std::uint32_t nPort,
                        QXBool bPassive) noexcept {
-  bool fits = true;
-  if (pszHost != nullptr) fits = StoreText(m_RemoteSystem, bareHostName(pszHost));
-  if (pszUser != nullptr) fits = StoreText(m_UserName, pszUser) && fits;
-  if (pszPassword != nullptr) fits = StoreText(m_Password, pszPassword) && fits;
+  if (pszHost != nullptr) m_tooLong.host = !StoreText(m_RemoteSystem, bareHostName(pszHost));
+  if (pszUser != nullptr) m_tooLong.user = !StoreText(m_UserName, pszUser);
+  if (pszPassword != nullptr) m_tooLong.password = !StoreText(m_Password, pszPassword);
   m_nPort = nPort;
   m_bPassive = bPassive;
-  return fits;
+}
+
+bool TQXIP::LoginFits() const noexcept {
+  const auto missing = [](bool tooLong, const char* field) { return tooLong && *field == '\0'; };
+  return !missing(m_tooLong.host, m_RemoteSystem) && !missing(m_tooLong.user, m_UserName) &&
+         !missing(m_tooLong.password, m_Password);
 }
 
 QXBool TQXIP::FTPSetLogin(const char* pszHost, const char* pszUser, const char* pszPassword,
                           std::uint32_t nPort, QXBool bPassive) {
   return GuardOperation([&]() -> QXBool {
-    static_cast<void>(StoreLogin(pszHost, pszUser, pszPassword, nPort, bPassive));
+    StoreLogin(pszHost, pszUser, pszPassword, nPort, bPassive);
     return 1;
   });
 }
@@ -74,15 +70,12 @@ QXBool TQXIP::FTPConnect(const char* pszHost, const char* pszUser, const char* p
   return GuardOperation([&]() -> QXBool {
     WriteMessage(*this, "TQXIP::FTPConnect - IN: '%s'", pszHost != nullptr ? pszHost : "NULL");
     bool ok = IsSet(m_bInitialized) && pszHost != nullptr;
-    if (ok && !StoreLogin(pszHost, pszUser, pszPassword, nPort, bPassive)) {
-      ReleaseConnection();  // it belongs to login data that is gone
-      platform::setLastError(platform::kErrorInvalidParameter);
-      ok = false;
-    }
+    if (ok) StoreLogin(pszHost, pszUser, pszPassword, nPort, bPassive);
     TInternetSession* session = pSession != nullptr ? pSession : m_pInternetSession;
     if (session == nullptr) {
       session = m_pInternetSession = NewSession(*this);
       SetFlag(m_bInitialized, true);
+      ok = true;  // whatever was missing before: without a host of this call it is the stored one's turn
     }
     if (ok) {
       OpenConnection(*session);
@@ -106,7 +99,7 @@ QXBool TQXIP::FTPDisconnect() {
     if (ok) {
       OnBeforeDisconnect();
       if (IsSet(m_bConnected)) {
-        static_cast<void>(StoreLogin("", "", "", kDefaultPort, 0));
+        StoreLogin("", "", "", kDefaultPort, 0);
         OnDisconnect();
       }
       OnAfterDisconnect();

@@ -2,8 +2,16 @@
 #include "Src/PrivateConnection.h"
 
 #include "Src/InternetGuard.h"
+#include "framework/platform/last_error.h"
+
+bool MayLogIn(const TQXIP& client) noexcept {
+  if (client.LoginFits()) return true;
+  platform::setLastError(platform::kErrorInvalidParameter);
+  return false;
+}
 
 CFtpConnection* OpenFtpConnection(TQXIP& client, CInternetSession& session, bool* pRaised) {
+  if (!MayLogIn(client)) return nullptr;
   return GuardInternet(client, nullptr, pRaised, [&] {
     return session.GetFtpConnection(client.m_RemoteSystem, client.m_UserName, client.m_Password,
                                     static_cast<std::uint16_t>(client.m_nPort), client.m_bPassive != 0);

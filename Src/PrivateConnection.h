@@ -46,6 +46,9 @@ class PrivateConnection {
   std::unique_ptr<CFtpFileFind> m_finder;
 };
 
-// Opens a connection on `session` from the client's login data; null after a failure, which went to
-// OnIPError.
+// False, with the last error 87, while the client's login data has not fitted its fields.
+[[nodiscard]] bool MayLogIn(const TQXIP& client) noexcept;
+
+// Opens a connection on `session` from the client's login data; null when that may not be (MayLogIn) or after
+// a failure, which went to OnIPError.
 CFtpConnection* OpenFtpConnection(TQXIP& client, CInternetSession& session, bool* pRaised);

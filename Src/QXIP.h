@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// TQXIP, the one implementation of the client interface. It adds no data to it.
-// Operations that touch the server are written as a few lines on the shared mechanisms: OperationRunner (the
-// caller's side of an operation with a worker), WorkerFrame (the worker's side), PrivateConnection,
-// SlotRetry.
+// TQXIP, the one implementation of the client interface. What it keeps besides the fields that hosts know
+// lies behind them. Operations that touch the server are written as a few lines on the shared mechanisms:
+// OperationRunner (the caller's side of an operation with a worker), WorkerFrame (the worker's side),
+// PrivateConnection, SlotRetry.
 #pragma once
 
 #include "QXIPInt.h"
@@ -87,6 +87,10 @@ class TQXIP : public TQXIPIFInt {
   QXBool FTPFreeFileAPI(void* pData) override;
   QXBool FTPRenameFile(const char* pszOld, const char* pszNew, std::uint32_t nRetries) override;
 
+  // False while a login text that its field could not hold is missing there: what is left is a login that
+  // nobody meant. A host that writes the field itself has mended it.
+  [[nodiscard]] bool LoginFits() const noexcept;
+
  protected:
   ~TQXIP();  // clients end through Release or slot 3
 
@@ -95,9 +99,14 @@ class TQXIP : public TQXIPIFInt {
   void DeleteFinders() noexcept;
   void MakeFinders();
   void ReleaseConnection() noexcept;
-  bool StoreLogin(const char* pszHost, const char* pszUser, const char* pszPassword, std::uint32_t nPort,
+  void StoreLogin(const char* pszHost, const char* pszUser, const char* pszPassword, std::uint32_t nPort,
                   QXBool bPassive) noexcept;
   void OpenConnection(TInternetSession& session);
-};
 
-static_assert(sizeof(TQXIP) == sizeof(TQXIPIFInt), "the client adds no data to its interface");
+  // The login texts that did not fit when they were stored.
+  struct {
+    bool host = false;
+    bool user = false;
+    bool password = false;
+  } m_tooLong;
+};

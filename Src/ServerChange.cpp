@@ -8,7 +8,7 @@
 
 bool MayChange(const TQXIP& client, const char* path) noexcept {
   if (!IsSet(client.m_bInitialized)) return false;
-  if (path != nullptr && *path != '\0') return MayGoToServer(path);
+  if (path != nullptr && *path != '\0') return MayGoToServer(path) && MayLogIn(client);
   platform::setLastError(platform::kErrorInvalidParameter);
   return false;
 }

@@ -10,8 +10,9 @@
 
 class CFtpConnection;
 
-// Whether a change may begin: the client is up, and there is a path that may go to a server (else the last
-// error is 87). This has to be known before FTPDirExist is asked, which calls a bad path "not there".
+// Whether a change may begin: the client is up, and there is a path that may go to a server, with login data
+// that may (else the last error is 87). This has to be known before FTPDirExist is asked, which calls a bad
+// path "not there".
 [[nodiscard]] bool MayChange(const TQXIP& client, const char* path) noexcept;
 
 // The few lines that make a change; `path` is the record's name as an FTP path. False with the last error

@@ -92,7 +92,7 @@ class TQXIPIFInt {
                                 QXHostValue nValue) = 0;                       // not supported: 0
   virtual QXBool FTPSetProxy(const char* pszProxy, std::uint32_t nValue) = 0;  // not supported: 0
   // Stores login data; null user or password keeps what is stored. A text that does not fit its field leaves
-  // the field empty. Always 1.
+  // the field empty, and until the text is replaced no operation logs in: each fails with 87. Always 1.
   virtual QXBool FTPSetLogin(const char* pszHost, const char* pszUser, const char* pszPassword,
                              std::uint32_t nPort, QXBool bPassive) = 0;
   // Stores login data and connects. pSession: a session to use for this call instead of the object's own, or

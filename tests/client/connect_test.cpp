@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // FTPConnect and FTPDisconnect at a server.
 #include <memory>
+#include <utility>
 
 #include "Src/TInternetSession.h"
 #include "framework/internet/FtpFileFind.h"
@@ -179,6 +180,19 @@ TEST_F(Connect, AnotherSessionServesOneCallAndIsNotStored) {
   ASSERT_GE(statuses.size(), 4u);
   EXPECT_EQ(std::vector<std::uint32_t>(statuses.begin(), statuses.begin() + 4),
             (std::vector<std::uint32_t>{10, 11, 20, 21}));
+}
+
+// It used to make the session and fail all the same.
+TEST_F(Connect, GoesOnWithTheSessionThatItMakesWhereNoneIsLeft) {
+  const fixture::ScriptedFtp server(R"({"user": "bob", "password": "s3cret"})");
+  client.FTPSetLogin("127.0.0.1", "bob", "s3cret", server.port(), 1);
+  delete std::exchange(client.m_pInternetSession, nullptr);
+  client.m_bInitialized = 0;
+  EXPECT_EQ(client.FTPConnect("not.stored.invalid", "other", "other", 1, 0, 0, nullptr), 1);
+  EXPECT_NE(client.m_pInternetSession, nullptr);
+  EXPECT_EQ(client.m_bInitialized, 1);
+  EXPECT_EQ(client.m_bConnected, 1);
+  EXPECT_EQ(server.commands().at(0), "USER bob");
 }
 
 TEST_F(Connect, ASecondConnectClosesTheFirstConnectionBeforeItConnects) {

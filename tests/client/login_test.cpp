@@ -221,7 +221,7 @@ TEST_F(Login, ConnectWithoutAnErrorRecordFailsInTheMessageAlone) {
 TEST_F(Login, ConnectMakesASessionWhereNoneIsLeft) {
   delete std::exchange(client.m_pInternetSession, nullptr);
   client.m_bInitialized = 0;
-  EXPECT_EQ(client.FTPConnect(nullptr, "", "", 21, 0, 0, nullptr), 0);
+  EXPECT_EQ(client.FTPConnect(nullptr, "", "", 21, 0, 0, nullptr), 0);  // there is no host
   EXPECT_NE(client.m_pInternetSession, nullptr);
   EXPECT_EQ(client.m_bInitialized, 1);
 }
