@@ -2,6 +2,7 @@
 // The life of a client: construction, destruction, reference count, finders.
 #include "Src/QXIP.h"
 
+#include <atomic>
 #include <cstring>
 #include <memory>
 
@@ -16,6 +17,17 @@
 #include "framework/platform/process.h"
 #include "support/Diagnostics.h"
 #include "support/Paths.h"
+
+namespace {
+
+// What a host that keeps the memory may look at afterwards: a plain store into an object whose life ends need
+// not be made.
+template <typename Field>
+void clearForGood(Field& field) noexcept {
+  std::atomic_ref(field).store(Field{}, std::memory_order_relaxed);
+}
+
+}  // namespace
 
 TQXIPIFInt::TQXIPIFInt(QXErrorInfo* pErrorInfo, QXBool bOption)
     : m_nRefCount(1),
@@ -66,6 +78,9 @@ TQXIP::~TQXIP() {
   ReleaseConnection();
   delete m_pInternetSession;
   delete[] m_pFileBuffer;
+  clearForGood(m_pInternetSession);
+  clearForGood(m_pFileBuffer);
+  SetFlag(m_bSpare, false);
 }
 
 // The part of the destruction that calls hooks and ends workers: it runs while the object is still whole.

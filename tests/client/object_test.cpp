@@ -167,6 +167,21 @@ TEST(Destructor, LeavesTheFlagsOfAClientThatIsNeitherUpNorConnected) {
   ReleaseModuleRef();  // the second one, which was not up, has kept its own
 }
 
+// Three of the fields used to keep what was in them.
+TEST(Destructor, LeavesNothingInTheFieldsThatItReleases) {
+  alignas(TQXIP) unsigned char memory[sizeof(TQXIP)];
+  const volatile unsigned char* const bytes = memory;
+  auto* client = new (memory) TQXIP(nullptr);
+  client->m_pFileBuffer = new QXDirEntry[1];
+  client->m_bSpare = 1;
+  client->DeletingDestructor(0);
+  EXPECT_EQ(bytes[4580], 0) << "m_bSpare";
+  for (std::size_t i = 0; i < sizeof(void*); ++i) {
+    EXPECT_EQ(bytes[64 + i], 0) << "m_pFileBuffer, byte " << i;
+    EXPECT_EQ(bytes[4624 + i], 0) << "m_pInternetSession, byte " << i;
+  }
+}
+
 // A host with functions of its own in the slots that an end goes through.
 class EndingHost final : public TQXIP {
  public:
