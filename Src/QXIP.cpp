@@ -84,12 +84,15 @@ TQXIP::~TQXIP() {
 }
 
 // The part of the destruction that calls hooks and ends workers: it runs while the object is still whole.
+// A client that is not up has nothing to disconnect and no share in the module's count any more; its
+// operations may run all the same.
 void TQXIP::ShutDown() noexcept {
-  if (!IsSet(m_bInitialized)) return;
-  FTPDisconnect();
+  m_nRefCount = 0;
+  const bool isUp = IsSet(m_bInitialized);
+  if (isUp) FTPDisconnect();
   SetFlag(m_bInitialized, false);
   RunningOperation::Abandon(*this);
-  ReleaseModuleRef();
+  if (isUp) ReleaseModuleRef();
 }
 
 void TQXIP::DeleteFinders() noexcept {
@@ -111,18 +114,19 @@ void TQXIP::ReleaseConnection() noexcept {
 void* TQXIP::DeletingDestructor(std::uint32_t nFlags) {
   constexpr std::uint32_t kFreeMemory = 1;
   void* const self = this;
+  if (m_nRefCount == 0) return self;  // it is ending already, and calls hooks of the host meanwhile
   ShutDown();
   this->~TQXIP();
   if ((nFlags & kFreeMemory) != 0) ::operator delete(this, sizeof(TQXIP));
   return self;
 }
 
-std::uint32_t TQXIP::AddRef() { return ++m_nRefCount; }
+// At 0 the client is ending: a hook that takes a reference does not bring it back.
+std::uint32_t TQXIP::AddRef() { return m_nRefCount > 0 ? ++m_nRefCount : 0; }
 
 std::uint32_t TQXIP::Release() {
-  if (m_nRefCount == 0) return 0;
-  if (--m_nRefCount > 0) return m_nRefCount;
-  DeletingDestructor(1);
+  if (m_nRefCount > 1) return --m_nRefCount;
+  if (m_nRefCount == 1) DeletingDestructor(1);
   return 0;
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The client object by itself: its fields as hosts see them, its reference count, its finders.
+// The client object by itself: its fields as hosts see them, its reference count, its finders. How it ends:
+// ending_test.cpp.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -138,88 +139,6 @@ TEST(ReferenceCount, ReleaseOfACountOfZeroAnswersZeroAndDestroysNothing) {
   EXPECT_EQ(own.client->m_bInitialized, 1);
   EXPECT_EQ(g_nModuleRefs, before + 1);
   own.client->m_nRefCount = 1;
-}
-
-TEST(Destructor, FreesTheMemoryOnlyWhenAsked) {
-  const std::uint32_t before = g_nModuleRefs;
-  alignas(TQXIP) unsigned char memory[sizeof(TQXIP)];
-  auto* client = new (memory) TQXIP(nullptr);
-  EXPECT_EQ(client->DeletingDestructor(0), static_cast<void*>(memory));
-  EXPECT_EQ(g_nModuleRefs, before);
-
-  auto* heaped = new TQXIP(nullptr);
-  heaped->DeletingDestructor(1);
-  EXPECT_EQ(g_nModuleRefs, before);
-}
-
-// What hosts may still look at.
-TEST(Destructor, LeavesTheFlagsOfAClientThatIsNeitherUpNorConnected) {
-  alignas(TQXIP) unsigned char memory[sizeof(TQXIP)];
-  const volatile unsigned char* const bytes = memory;
-  for (const QXBool initialized : {QXBool{1}, QXBool{0}}) {
-    auto* client = new (memory) TQXIP(nullptr);
-    client->m_bInitialized = initialized;
-    client->m_bConnected = 1;
-    client->DeletingDestructor(0);
-    EXPECT_EQ(bytes[4578], 0) << "m_bInitialized";
-    EXPECT_EQ(bytes[4579], 0) << "m_bConnected";
-  }
-  ReleaseModuleRef();  // the second one, which was not up, has kept its own
-}
-
-// Three of the fields used to keep what was in them.
-TEST(Destructor, LeavesNothingInTheFieldsThatItReleases) {
-  alignas(TQXIP) unsigned char memory[sizeof(TQXIP)];
-  const volatile unsigned char* const bytes = memory;
-  auto* client = new (memory) TQXIP(nullptr);
-  client->m_pFileBuffer = new QXDirEntry[1];
-  client->m_bSpare = 1;
-  client->DeletingDestructor(0);
-  EXPECT_EQ(bytes[4580], 0) << "m_bSpare";
-  for (std::size_t i = 0; i < sizeof(void*); ++i) {
-    EXPECT_EQ(bytes[64 + i], 0) << "m_pFileBuffer, byte " << i;
-    EXPECT_EQ(bytes[4624 + i], 0) << "m_pInternetSession, byte " << i;
-  }
-}
-
-// A host with functions of its own in the slots that an end goes through.
-class EndingHost final : public TQXIP {
- public:
-  explicit EndingHost(std::string& calls) : TQXIP(nullptr), m_calls(calls) {}
-  QXBool OnBeforeDisconnect() override { return noted("before"); }
-  QXBool OnAfterDisconnect() override { return noted("after"); }
-  void OnDisconnect() override { noted("disconnect"); }
-
-  // The hooks that the end of a client with these flags calls.
-  static std::string callsAtTheEnd(QXBool initialized, QXBool connected) {
-    std::string calls;
-    alignas(EndingHost) unsigned char memory[sizeof(EndingHost)];
-    auto* host = new (memory) EndingHost(calls);
-    host->m_bInitialized = initialized;
-    host->m_bConnected = connected;
-    host->DeletingDestructor(0);
-    return calls;
-  }
-
- private:
-  ~EndingHost() = default;
-  QXBool noted(const char* call) {
-    m_calls += m_calls.empty() ? call : std::string(" ") + call;
-    return 1;
-  }
-  std::string& m_calls;
-};
-
-TEST(Destructor, DisconnectsFirst) {
-  EXPECT_EQ(EndingHost::callsAtTheEnd(1, 1), "before disconnect after");
-  EXPECT_EQ(EndingHost::callsAtTheEnd(1, 0), "before after");
-}
-
-TEST(Destructor, OfAClientThatIsNotInitialisedCallsNothingAndLeavesTheCount) {
-  const std::uint32_t before = g_nModuleRefs;
-  EXPECT_EQ(EndingHost::callsAtTheEnd(0, 1), "");
-  EXPECT_EQ(g_nModuleRefs, before + 1);
-  ReleaseModuleRef();
 }
 
 class GetFinder : public testing::Test {

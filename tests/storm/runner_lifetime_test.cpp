@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "Src/SharedFlag.h"
+#include "framework/ModuleState.h"
 #include "tests/storm/Build.h"
 #include "tests/storm/Count.h"
 #include "tests/storm/RunnerTest.h"
@@ -81,6 +82,17 @@ TEST_F(UnwindingWorker, IsNotLeftByAHandlerThatThrows) { CancelAndHandle(&fail);
 
 TEST_F(Lifetime, TheClientMayBeFreedByAMessage) {
   mailbox.post([this] { client.release()->Release(); });
+  EXPECT_FALSE(client->Run(3));
+  EXPECT_EQ(running, 0);
+}
+
+// Its workers went on with the memory that was freed.
+TEST_F(Lifetime, TheClientMayBeFreedAfterTheHostHasShutItDown) {
+  mailbox.post([this] {
+    SetFlag(client->m_bInitialized, false);
+    client.release()->Release();
+    ReleaseModuleRef();  // a client that is not up keeps its own
+  });
   EXPECT_FALSE(client->Run(3));
   EXPECT_EQ(running, 0);
 }
