@@ -68,33 +68,43 @@ std::string searchText(const TQXIP& client, const PathText& directory, const cha
   return std::string(directory.c_str()) + join + pattern;
 }
 
-// Forgets the pending listing; an empty one takes its place.
-void renewPending(TQXIP& client, std::size_t entries) {
-  delete[] std::exchange(client.m_pFileBuffer, nullptr);
-  client.m_pFileBuffer = NewEntryArray(entries).release();
+void keepPending(TQXIP& client, std::unique_ptr<QXDirEntry[]> array) {
+  delete[] std::exchange(client.m_pFileBuffer, array.release());
 }
 
-std::uint32_t storeEntries(TQXIP& client, CFtpFileFind& finder, const PathText& directory) {
-  renewPending(client, finder.EntriesLeft());
-  std::uint32_t count = 0;
+// A finder's walk over its entries. It asks the server nothing but, for a file found by itself, the time.
+std::unique_ptr<QXDirEntry[]> takeEntries(CFtpFileFind& finder, const PathText& directory,
+                                          std::uint32_t& count) {
+  std::unique_ptr<QXDirEntry[]> array = NewEntryArray(finder.EntriesLeft());
   for (bool more = finder.EntriesLeft() > 0; more;) {
     more = finder.FindNextFile();
     const std::string name = finder.GetFileName();
-    if (!isListed(name)) continue;
-    QXDirEntry& entry = client.m_pFileBuffer[count++];
-    fillEntry(entry, directory, name, finder);
-    if (entry.bIsDirectory == 0) client.OnNotify(reinterpret_cast<QXHostValue>(&entry));
+    if (isListed(name)) fillEntry(array[count++], directory, name, finder);
   }
-  StoreEntryCount(client.m_pFileBuffer, count);
-  return count;
+  return array;
+}
+
+// The entries are the host's to look at, no longer the finder's: a hook may connect anew, or free the client.
+void notifyOfFiles(TQXIP& client, const RunningOperation& running, QXDirEntry* entries, std::uint32_t count) {
+  for (QXDirEntry* entry = entries; entry != entries + count; ++entry) {
+    if (entry->bIsDirectory != 0) continue;
+    client.OnNotify(reinterpret_cast<QXHostValue>(entry));
+    running.LeaveIfOrphaned();
+  }
 }
 
 bool list(TQXIP& client, CFtpFileFind& finder, const char* path, const char* pattern, std::uint32_t& count) {
   PathText directory;
   if (!MakeFtpPath(path, directory) || !MayGoToServer(pattern)) return false;
+  const RunningOperation running(client, RunningOperation::Kind::listing);
   finder.FindFile(searchText(client, directory, pattern).c_str(), internet::kFlagReload);
-  count = storeEntries(client, finder, directory);
+  std::uint32_t taken = 0;
+  std::unique_ptr<QXDirEntry[]> array = takeEntries(finder, directory, taken);
   finder.Close();
+  notifyOfFiles(client, running, array.get(), taken);
+  StoreEntryCount(array.get(), taken);
+  keepPending(client, std::move(array));
+  count = taken;
   return true;
 }
 
@@ -104,10 +114,17 @@ struct ListingCall {
   std::uint32_t* pnCount;
 };
 
+// Tells of a failed run, which then has this last error. False.
+bool failListing(TQXIP& client, std::uint32_t error, std::uint32_t& retries) {
+  client.OnIPError(error, "FTP-Error!", &retries);
+  platform::setLastError(error);
+  return false;
+}
+
 bool listOnce(TQXIP& client, const ListingCall& call, std::uint32_t& retries) {
   WriteEntryLine(client, sites::kGetDirectory, {.first = call.path});
   if (call.pnCount != nullptr) *call.pnCount = 0;
-  renewPending(client, 0);
+  keepPending(client, NewEntryArray(0));
   std::uint32_t count = 0;
   bool ok = call.path != nullptr && *call.path != '\0' && call.pattern != nullptr && call.pnCount != nullptr;
   if (!ok) platform::setLastError(platform::kErrorInvalidParameter);
@@ -117,12 +134,14 @@ bool listOnce(TQXIP& client, const ListingCall& call, std::uint32_t& retries) {
          return list(client, *finder, call.path, call.pattern, count);
        });
   if (call.pnCount != nullptr) *call.pnCount = count;
-  if (!ok) {
-    const std::uint32_t error = platform::lastError();
-    client.OnIPError(error, "FTP-Error!", &retries);
-    platform::setLastError(error);
-  }
-  return ok;
+  return ok || failListing(client, platform::lastError(), retries);
+}
+
+// A hook that a listing calls has asked for another one, which would take its finder and its entries away.
+bool refuseWithin(TQXIP& client, const ListingCall& call, std::uint32_t& retries) {
+  WriteEntryLine(client, sites::kGetDirectory, {.first = call.path});
+  if (call.pnCount != nullptr) *call.pnCount = 0;
+  return failListing(client, internet::kTransferInProgress, retries);
 }
 
 bool copyOut(TQXIP& client, QXDirEntry* pEntries, const std::uint32_t* pnCount) {
@@ -154,6 +173,9 @@ QXBool TQXIP::FTPGetDirectory(const char* pszPath, QXDirEntry* pEntries, std::ui
   return GuardOperation([&]() -> QXBool {
     const auto end = [&](bool failed) { endListing(*this, pszPath, failed); };
     const auto run = [&] {
+      if (RunningOperation::Runs(*this, RunningOperation::Kind::listing)) {
+        return refuseWithin(*this, {pszPath, pszPattern, pnCount}, nRetries);
+      }
       if (pEntries == nullptr) return listOnce(*this, {pszPath, pszPattern, pnCount}, nRetries);
       WriteEntryLine(*this, sites::kGetDirectory, {.first = pszPath});
       return copyOut(*this, pEntries, pnCount);

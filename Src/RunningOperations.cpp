@@ -31,7 +31,7 @@ void dispatchWaitingMessage(void* /*context*/) {
 
 }  // namespace
 
-RunningOperation::RunningOperation(TQXIP& client) noexcept : m_client(&client) {
+RunningOperation::RunningOperation(TQXIP& client, Kind kind) noexcept : m_client(&client), m_kind(kind) {
   const std::lock_guard lock(registry().mutex);
   m_earlier = std::exchange(registry().latest, this);
 }
@@ -58,6 +58,15 @@ void RunningOperation::Close() noexcept {
 void RunningOperation::LeaveIfOrphaned() const {
   if (IsOrphaned()) throw platform::OperationStopped();
   platform::throwIfStopped();
+}
+
+bool RunningOperation::Runs(const TQXIP& client, Kind kind) noexcept {
+  const std::lock_guard lock(registry().mutex);
+  for (const RunningOperation* operation = registry().latest; operation != nullptr;
+       operation = operation->m_earlier) {
+    if (operation->m_client == &client && operation->m_kind == kind && !operation->IsOrphaned()) return true;
+  }
+  return false;
 }
 
 void RunningOperation::Kill() noexcept {

@@ -13,7 +13,13 @@ class TQXIP;
 
 class RunningOperation {
  public:
-  explicit RunningOperation(TQXIP& client) noexcept;
+  // What others of the same client have to know of it.
+  enum class Kind {
+    other,
+    listing  // its finder walks over entries
+  };
+
+  explicit RunningOperation(TQXIP& client, Kind kind = Kind::other) noexcept;
   // Whoever leaves without having waited (an exception of the host's message handler) must not leave the
   // worker behind: it uses the record on this stack.
   ~RunningOperation();
@@ -33,6 +39,9 @@ class RunningOperation {
   // gone or the calling thread has to stop.
   void LeaveIfOrphaned() const;
 
+  // Whether an operation of that kind runs on `client`, on whatever thread.
+  [[nodiscard]] static bool Runs(const TQXIP& client, Kind kind) noexcept;
+
   // Asks the worker to stop and waits until it has ended, dispatching messages meanwhile. Does nothing
   // without a running worker.
   void Kill() noexcept;
@@ -45,6 +54,7 @@ class RunningOperation {
   [[nodiscard]] static bool IsUsedByAnotherThread(const TQXIP& client) noexcept;
 
   TQXIP* const m_client;
+  const Kind m_kind;
   const std::thread::id m_owner = std::this_thread::get_id();
   platform::WorkerThread m_worker;
   std::atomic<bool> m_orphaned{false};

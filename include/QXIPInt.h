@@ -109,7 +109,9 @@ class TQXIPIFInt {
   virtual CFtpFileFind* GetFinder(QXHostValue nReserved, const char* pszName) = 0;
 
   // Slot 31: with a null pEntries lists pszPath, keeps the entries and stores their number; with pEntries
-  // copies *pnCount entries out and forgets them. Names that begin with a dot are left out.
+  // copies *pnCount entries out and forgets them. Names that begin with a dot are left out. OnNotify gets the
+  // QXDirEntry of each file, valid during that call. One listing at a time: in a hook that a listing calls,
+  // this and slots 34 and 35 fail with 12110.
   virtual QXBool FTPGetDirectory(const char* pszPath, QXDirEntry* pEntries, std::uint32_t* pnCount,
                                  const char* pszPattern, std::uint32_t nRetries) = 0;
   // Slots 32 and 33: whole files, on the caller's thread. An existing local file is not overwritten.
