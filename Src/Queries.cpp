@@ -86,7 +86,8 @@ bool queryFileExists(QXFtpThread& record, CFtpFileFind& finder) {
   record.bResult = 0;
   PathText path;
   if (!MakeFtpPath(record.pszName, path)) return false;
-  if (!finder.FindFile(path.c_str(), internet::kFlagReload)) return true;
+  // What a directory holds is not the directory itself, though it be called the same.
+  if (!finder.FindFile(path.c_str(), internet::kFlagReload) || finder.IsContent()) return true;
   finder.FindNextFile();
   const PathText entry = entryName(finder);
   const bool isFile = !finder.IsDirectory() && !entry.empty();  // the root's last component is empty, too

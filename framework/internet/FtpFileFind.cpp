@@ -103,6 +103,8 @@ bool CFtpFileFind::FindNextFile() {
   return false;
 }
 
+bool CFtpFileFind::IsContent() const noexcept { return m_state && m_state->found.isContent; }
+
 std::size_t CFtpFileFind::EntriesLeft() const noexcept {
   return m_state ? m_state->found.entries.size() - m_state->taken : 0;
 }

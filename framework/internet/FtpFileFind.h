@@ -37,6 +37,10 @@ class CFtpFileFind {
   // when there is none at all (last error 18).
   virtual bool FindNextFile();
 
+  // The path was that of a directory: the entries are what it holds, and none of them is the path's own, not
+  // even one of its name. False for the matches of a pattern.
+  virtual bool IsContent() const noexcept;
+
   // How many entries FindNextFile has still to make current.
   virtual std::size_t EntriesLeft() const noexcept;
 

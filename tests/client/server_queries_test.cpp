@@ -43,6 +43,24 @@ TEST_P(ServerQueries, ADirectoryIsADirectoryAndNoFile) {
   EXPECT_FALSE(fileExists("/pub/x"));
 }
 
+// The first entry of a directory passed for the directory where it is called the same.
+TEST_P(ServerQueries, ADirectoryIsNoFileThoughItHoldsOneOfItsOwnName) {
+  server.put(R"({"/opt/app/app": "x"})");
+  EXPECT_FALSE(fileExists("/opt/app"));
+  EXPECT_TRUE(fileExists("/opt/app/app"));
+}
+
+// "250 Okay" alone made a file of size 0 of whatever was asked for.
+TEST_P(ServerQueries, AnAnswerToMlstWithoutAFactIsNone) {
+  server.reconfigure(R"({"rules": [{"on": "MLST", "do": [{"reply": "250 Okay"}]}]})");
+  EXPECT_FALSE(fileExists("/none"));
+  EXPECT_TRUE(fileExists("/a/x"));
+  EXPECT_EQ(client.FTPFileSize("/a/x", 0, 0, 0), 4u);
+  EXPECT_EQ(client.count("OnIPError"), 0u);
+  EXPECT_EQ(client.FTPFileSize("/none", 0, 0, 0), 0u);
+  EXPECT_GT(client.count("OnIPError"), 0u) << "a size that cannot be told is a failure";
+}
+
 TEST_P(ServerQueries, TheSpellingOfAPathDoesNotMatter) {
   for (const char* path : {"/pub", "/pub/", "\\pub", "/PUB", "/pub/data", "\\pub\\DATA\\"}) {
     EXPECT_TRUE(dirExists(path)) << path;

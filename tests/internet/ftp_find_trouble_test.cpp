@@ -295,11 +295,11 @@ TEST_F(Finder, LeavesAStalledListingWhenItIsStopped) {
 
 class MlstReply : public FindTest {
  protected:
-  Names namesFor(const json& reply) {
+  Names namesFor(const json& reply, const std::string& path = "/d/file") {
     json script = R"({"tree": {"/d/file": "12345", "/d/empty/": {}}})"_json;
     script["rules"] = json::array({{{"on", "MLST"}, {"do", json::array({{{"reply", reply}}})}}});
     const ScriptedFtp server(script);
-    return namesAt(server, "/d/file");
+    return namesAt(server, path);
   }
 };
 
@@ -310,8 +310,17 @@ TEST_F(MlstReply, IsReadInEveryDress) {
   EXPECT_EQ(namesFor({"250-Listing", "250-type=file;size=5; elsewhere/file", "250 End"}), file);
   EXPECT_EQ(namesFor("250 type=file;size=5; file"), file);
   EXPECT_EQ(namesFor({"250-Listing", " Type=File;x.y=z; ..", "250 End"}), file) << "the asked name counts";
-  EXPECT_EQ(namesFor({"250-Listing", " size=5; file", "250 End"}), file) << "no directory: MLSD is refused";
-  EXPECT_EQ(namesFor("250 There it is"), file);
+  EXPECT_EQ(namesFor({"250-Listing", " size=5; file", "250 End"}), file) << "SIZE tells";
+}
+
+// It passed for an entry whose kind is unknown, and so for a file when MLSD was refused.
+TEST_F(MlstReply, WithoutAFactLineIsNoAnswer) {
+  for (const json& reply :
+       {json("250 There it is"), json("200 Okay"), json({"250-Listing", " nothing to tell", "250 End"})}) {
+    EXPECT_EQ(namesFor(reply), Names{"file"}) << reply;
+    EXPECT_EQ(namesFor(reply, "/d/missing"), Names{"error 18"}) << reply;
+    EXPECT_EQ(namesFor(reply, "/d/empty"), Names{"error 18"}) << reply;
+  }
 }
 
 TEST_F(MlstReply, OfALinkThatIsCalledAFileHasTheWrongSize) {

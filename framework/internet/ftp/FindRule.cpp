@@ -31,8 +31,9 @@ bool refusedForEmptiness(const FtpListingText& answer, const QuotedPaths& paths,
          saysNothingThere(answer.reply.text, paths, directoryExists);
 }
 
-// The fact line among the lines of a reply to MLST; with or without a blank or the code before it.
-MlsxRow factsOfReply(std::string_view text) noexcept {
+// The fact line among the lines of a reply to MLST; with or without a blank or the code before it. Without
+// the type it tells nothing.
+std::optional<MlsxRow> factsOfReply(std::string_view text) noexcept {
   while (!text.empty()) {
     std::string_view line = text.substr(0, text.find_first_of("\r\n"));
     text.remove_prefix(std::min(line.size() + 1, text.size()));
@@ -40,8 +41,10 @@ MlsxRow factsOfReply(std::string_view text) noexcept {
     MlsxRow row;
     if (readMlsxRow(line, row) && row.type != MlsxType::unknown) return row;
   }
-  return {};
+  return std::nullopt;
 }
+
+Found contentOf(std::vector<FtpEntry> entries) { return {.entries = std::move(entries), .isContent = true}; }
 
 // The one entry that a path without wildcards names.
 Found onlyEntry(RawRow row, std::string_view name) {
@@ -69,7 +72,7 @@ FindRule::Path FindRule::split(std::string_view asked) noexcept {
 Found FindRule::find(std::string_view asked) {
   const Path path = split(asked);
   if (path.name.find_first_of("*?") != std::string_view::npos) {
-    Found found{list(path.parent, path.parent.empty()), {}};
+    Found found{.entries = list(path.parent, path.parent.empty())};
     std::erase_if(found.entries, [&path](const FtpEntry& entry) {
       platform::throwIfStopped();
       return !matchesPattern(path.name, entry.name);
@@ -77,29 +80,31 @@ Found FindRule::find(std::string_view asked) {
     return found;
   }
   if (!control_.traits().mlst) return byVisit(path);
-  if (std::optional<Found> found = byFacts(path)) return std::move(*found);
+  const FtpReply reply = control_.command("MLST", path.whole);
+  const bool unknown = commandUnknown(reply);
+  std::optional<Found> told = unknown ? std::nullopt : byFacts(path, reply);
+  if (told) return std::move(*told);
   Found found = byVisit(path);
-  if (!found.entries.empty()) withdrawFacts();
+  if (unknown && !found.entries.empty()) withdrawFacts();
   return found;
 }
 
-// None when the server does not know the command after all.
-std::optional<Found> FindRule::byFacts(const Path& path) {
-  const FtpReply reply = control_.command("MLST", path.whole);
-  if (commandUnknown(reply)) return std::nullopt;
+// None when the server says that it has answered, but not what is there.
+std::optional<Found> FindRule::byFacts(const Path& path, const FtpReply& reply) {
   if (reply.code >= 500) return Found();
   if (reply.refused()) control_.raise(reply);
-  const MlsxRow row = factsOfReply(reply.text);
-  if (row.type == MlsxType::file) return byFileFacts(path, row);
-  if (row.raw.isDirectory) return Found{list(path.whole, true), {}};
-  return byKindUnknown(path, row);
+  const std::optional<MlsxRow> row = factsOfReply(reply.text);
+  if (!row) return std::nullopt;
+  if (row->type == MlsxType::file) return byFileFacts(path, *row);
+  if (row->raw.isDirectory) return contentOf(list(path.whole, true));
+  return byKindUnknown(path, *row);
 }
 
 // A link, for one: a directory if it can be listed.
 Found FindRule::byKindUnknown(const Path& path, const MlsxRow& row) {
   const FtpListingText answer = fetch("MLSD", path.whole);
   if (answer.reply.code != 450 && answer.reply.code < 500) {
-    return Found{entriesOf(answer, Form::facts, path.whole, true), {}};
+    return contentOf(entriesOf(answer, Form::facts, path.whole, true));
   }
   return byFileFacts(path, row);
 }
@@ -118,7 +123,7 @@ Found FindRule::byFileFacts(const Path& path, const MlsxRow& row) {
 Found FindRule::byVisit(const Path& path) {
   FtpControl::DirectoryVisit visit(control_);
   if (!visit.enter(path.whole).completed()) return bySize(path);
-  return Found{entriesOf(fetch("LIST"), Form::unixOrDos, path.whole, true), {}};
+  return contentOf(entriesOf(fetch("LIST"), Form::unixOrDos, path.whole, true));
 }
 
 Found FindRule::bySize(const Path& path) {
@@ -140,7 +145,7 @@ Found FindRule::bySize(const Path& path) {
 }
 
 Found FindRule::byParent(const Path& path) {
-  Found found{listByVisit(path.parent), {}};
+  Found found{.entries = listByVisit(path.parent)};
   std::erase_if(found.entries, [&path](const FtpEntry& entry) { return entry.name != path.name; });
   return found;
 }

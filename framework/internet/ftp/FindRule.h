@@ -19,8 +19,9 @@ namespace internet {
 struct MlsxRow;
 
 struct Found {
-  std::vector<FtpEntry> entries;  // in the server's order; empty when nothing is there
-  std::string timePath;           // MDTM of this path tells the only entry's time; "" = the times are known
+  std::vector<FtpEntry> entries{};  // in the server's order; empty when nothing is there
+  std::string timePath{};           // MDTM of this path tells the only entry's time; "" = the times are known
+  bool isContent = false;           // of a directory, whose own path was asked for
 };
 
 // One search; only inside FtpControl::request(). Failures are thrown as internet::Failure.
@@ -44,7 +45,7 @@ class FindRule {
   enum class Form { facts, unixOrDos };
 
   static Path split(std::string_view asked) noexcept;
-  std::optional<Found> byFacts(const Path& path);
+  std::optional<Found> byFacts(const Path& path, const FtpReply& reply);
   Found byKindUnknown(const Path& path, const MlsxRow& row);
   Found byFileFacts(const Path& path, const MlsxRow& row);
   Found byVisit(const Path& path);
