@@ -3,28 +3,12 @@
 #include "framework/internet/FtpFileFind.h"
 #include "framework/platform/last_error.h"
 #include "framework/platform/stop_token.h"
-#include "tests/internet/FtpTest.h"
-#include "tests/support/MemoryFtp.h"
+#include "tests/internet/FtpMemoryTest.h"
 
 namespace internet_tests {
 namespace {
 
 using testing_support::MemoryFtp;
-using testing_support::MemoryNetwork;
-
-// A server and the way to it.
-struct Far {
-  MemoryFtp server;
-  MemoryNetwork network{server};
-};
-
-class FtpMemory : public FtpTest {
- protected:
-  std::unique_ptr<CFtpConnection> login(bool passive) {
-    return std::unique_ptr<CFtpConnection>(
-        session.GetFtpConnection("127.0.0.1", "user", "secret", 21, passive));
-  }
-};
 
 // Such a socket stayed ready, and the wait ran in circles until its limit.
 TEST_F(FtpMemory, AListeningSocketThatFailsIsNotWaitedFor) {

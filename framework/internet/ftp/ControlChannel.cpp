@@ -147,7 +147,10 @@ std::optional<FtpReply> ControlChannel::nextReply(milliseconds limit, DeliveryWa
 
 std::optional<FtpReply> ControlChannel::takeReply() {
   auto reply = reader_.take();
-  if (!reply) return std::nullopt;
+  if (!reply) {
+    if (reader_.broken()) closeWith(kInvalidServerResponse);
+    return std::nullopt;
+  }
   if (reply->code == 421) {
     closeWith(kConnectionAborted, std::move(reply->text));
   } else if (tooMany(*reply)) {

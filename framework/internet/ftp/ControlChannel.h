@@ -50,8 +50,8 @@ class ControlChannel {
   void notifyReply(const FtpReply& reply);
   // The final reply to the last command has not come yet.
   [[nodiscard]] bool awaiting() const noexcept { return awaiting_; }
-  // A reply is here already, so readInterest() may never become ready for it.
-  [[nodiscard]] bool replyReady() const noexcept { return reader_.replyReady(); }
+  // A reply is here already, or what can be none, so readInterest() may never become ready for it.
+  [[nodiscard]] bool replyReady() const noexcept { return reader_.replyReady() || reader_.broken(); }
 
   // For waits on something else that end early when the server speaks.
   [[nodiscard]] platform::SocketInterest readInterest() noexcept;

@@ -33,6 +33,8 @@ class FtpReplyReader {
   // The oldest complete reply that was not taken yet.
   [[nodiscard]] std::optional<FtpReply> take();
   [[nodiscard]] bool replyReady() const noexcept { return ready_; }
+  // What stands behind the replies that were taken is none.
+  [[nodiscard]] bool broken() const noexcept { return broken_; }
 
  private:
   bool acceptLine(std::string_view line);
