@@ -171,9 +171,14 @@ QXBool TQXIP::FTPWriteFile(const char* pszPath, const void* pData, std::uint32_t
     const auto rerun = [&] {
       return FTPWriteFile(pszPath, pData, nSize, bAppend, nReserved, 1, nPollArg1, nPollArg2) != 0;
     };
-    WriteEntryLine(*this, sites::kWriteFile, {.first = pszPath});
-    return RunReportedOperation(TransferCall(*this, record, &FTPWriteFileThr, nPollArg1, nPollArg2),
-                                {.site = sites::kWriteFile, .paths = {.first = pszPath}}, checked, rerun);
+    const auto enter = [&] {
+      WriteEntryLine(*this, sites::kWriteFile, {.first = pszPath});
+      return checked ? Entry::worker : Entry::refused;
+    };
+    const WorkerCall call = TransferCall(*this, record, &FTPWriteFileThr, nPollArg1, nPollArg2);
+    return RunReportedOperation(
+        {.call = call, .slot = Slot::FTPWriteFile, .site = sites::kWriteFile, .paths = {.first = pszPath}},
+        enter, rerun);
   });
 }
 
@@ -185,25 +190,26 @@ QXBool TQXIP::FTPReadFile(const char* pszPath, void** ppData, std::uint32_t* pnS
     record.bAppend = nReserved;
     const bool checked = IsSet(m_bInitialized) && pszPath != nullptr && *pszPath != '\0' &&
                          ppData != nullptr && pnSize != nullptr;
-    if (checked) {
-      *ppData = nullptr;
-      *pnSize = 0;
-    }
+    const auto enter = [&] {
+      if (checked) {
+        *ppData = nullptr;
+        *pnSize = 0;
+      }
+      WriteEntryLine(*this, sites::kReadFile, {.first = pszPath});
+      return checked ? Entry::worker : Entry::refused;
+    };
     // It fills the host's variables itself, and what they then hold is the host's whatever the answer.
-    bool reran = false;
     const auto rerun = [&] {
-      reran = true;
       return FTPReadFile(pszPath, ppData, pnSize, nReserved, 1, nPollArg1, nPollArg2) != 0;
     };
-    WriteEntryLine(*this, sites::kReadFile, {.first = pszPath});
-    const QXBool ok =
-        RunReportedOperation(TransferCall(*this, record, &FTPReadFileThr, nPollArg1, nPollArg2),
-                             {.site = sites::kReadFile, .paths = {.first = pszPath}}, checked, rerun);
-    if (ok != 0 && !reran) {
+    const auto take = [&] {
       *ppData = record.block.release();
       *pnSize = record.nBlockSize;
-    }
-    return ok;
+    };
+    const WorkerCall call = TransferCall(*this, record, &FTPReadFileThr, nPollArg1, nPollArg2);
+    return RunReportedOperation(
+        {.call = call, .slot = Slot::FTPReadFile, .site = sites::kReadFile, .paths = {.first = pszPath}},
+        enter, rerun, take);
   });
 }
 

@@ -141,13 +141,17 @@ QXBool TQXIP::FTPCpyFile(const char* pszSource, const char* pszDestination, QXPr
     FillRecord(record, *this, nRetries, pszSource);
     record.pszNewName = pszDestination;
     record.pfnProgress = pfnProgress;
-    const OperationLines lines{.site = sites::kCpyFile, .paths = bothPaths(record)};
+    const LinePaths paths = bothPaths(record);
+    const bool checked = IsSet(m_bInitialized) && pszSource != nullptr && pszDestination != nullptr;
+    const auto enter = [&] {
+      WriteEntryLine(*this, sites::kCpyFile, paths);
+      return checked ? Entry::worker : Entry::refused;
+    };
     const auto rerun = [&] {
       return FTPCpyFile(pszSource, pszDestination, pfnProgress, 1, nPollArg1, nPollArg2) != 0;
     };
-    WriteEntryLine(*this, lines.site, lines.paths);
-    return RunReportedOperation(TransferCall(*this, record, &FTPCpyFileThr, nPollArg1, nPollArg2), lines,
-                                IsSet(m_bInitialized) && pszSource != nullptr && pszDestination != nullptr,
-                                rerun);
+    const WorkerCall call = TransferCall(*this, record, &FTPCpyFileThr, nPollArg1, nPollArg2);
+    return RunReportedOperation(
+        {.call = call, .slot = Slot::FTPCpyFile, .site = sites::kCpyFile, .paths = paths}, enter, rerun);
   });
 }

@@ -115,7 +115,7 @@ QXBool TQXIP::FTPCreateDir(const char* pszPath, std::uint32_t nRetries, QXHostVa
     QXFtpThread record;
     FillRecord(record, *this, nRetries, pszPath);
     return ChangeDirectoryTree({.client = *this, .record = record, .worker = &FTPCreateDirThr},
-                               sites::kCreateDir, true,
+                               {Slot::FTPCreateDir, sites::kCreateDir, true},
                                [&] { return FTPCreateDir(pszPath, 1, nPollArg1, nPollArg2) != 0; });
   });
 }

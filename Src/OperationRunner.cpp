@@ -14,7 +14,7 @@ class Wait {
 
   WaitEnd Run() {
     // A worker that has to stop starts none of its own: that one would not know of the stop yet.
-    if (platform::stopRequested()) return WaitEnd::abandoned;
+    platform::throwIfStopped();
     if (!m_running.Start(m_call.worker, &m_call.record)) return WaitEnd::failed;
     m_call.record.hThread = &m_running.Worker();
     m_running.Worker().setNormalPriority();
@@ -22,7 +22,7 @@ class Wait {
       Poll();
       if (m_cancel || m_reconnect) m_running.Kill();
       DispatchOne();
-      if (MustLeave()) return WaitEnd::abandoned;
+      m_running.LeaveIfOrphaned();
     }
     return Finish();
   }
@@ -44,9 +44,6 @@ class Wait {
     if (platform::messageAfterTurn()) platform::takeAndDispatchMessage();
   }
 
-  // The destructor of m_running ends the worker.
-  [[nodiscard]] bool MustLeave() const { return m_running.IsOrphaned() || platform::stopRequested(); }
-
   // The record lives on the caller's stack: the worker has to be gone, not only done, before the caller goes
   // on.
   WaitEnd Finish() {
@@ -54,11 +51,12 @@ class Wait {
     if (m_reconnect) return WaitEnd::reconnect;
     while (!m_running.Worker().ended()) DispatchOne();
     m_running.Close();
-    return MustLeave() ? WaitEnd::abandoned : WaitEnd::done;
+    m_running.LeaveIfOrphaned();
+    return WaitEnd::done;
   }
 
   const WorkerCall& m_call;
-  RunningOperation m_running;
+  RunningOperation m_running;  // its destructor ends the worker, however this is left
   bool m_cancel = false;
   QXBool m_reconnect = 0;
 };
@@ -87,4 +85,13 @@ WorkerCall TransferCall(TQXIP& client, QXFtpThread& record, platform::WorkerThre
 WaitEnd RunAndWait(const WorkerCall& call) {
   Wait wait(call);
   return wait.Run();
+}
+
+bool RunToItsEnd(const WorkerCall& call) {
+  return RunAndWait(call) == WaitEnd::done && call.record.bResult != 0;
+}
+
+void PrepareRerun(QXFtpThread& record) noexcept {
+  record.bDone = record.bResult = record.bUpdating = 0;
+  *record.pRetries = 1;
 }

@@ -8,6 +8,7 @@
 #include "Src/MessageLines.h"
 #include "Src/OperationGuard.h"
 #include "Src/RunningOperations.h"
+#include "Src/SlotRetry.h"
 
 // What the wait asks on every turn.
 enum class Polling {
@@ -21,8 +22,7 @@ enum class WaitEnd {
   done,       // the worker has finished
   failed,     // no worker could be started
   cancelled,  // OnPoll asked to stop, or the client was shut down
-  reconnect,  // OnPoll asked to abandon the worker and to run the operation once more
-  abandoned   // the client is gone, or the waiting thread is itself a worker that has to stop: leave at once
+  reconnect   // OnPoll asked to give the worker up and to run the operation once more
 };
 
 struct WorkerCall {
@@ -47,43 +47,80 @@ void FillRecord(QXFtpThread& record, TQXIP& client, std::uint32_t& retries, cons
                                       QXHostValue nPollArg2) noexcept;
 
 // Starts the worker and waits. When it returns the worker has ended and nothing uses the record any more.
+// Leaves by OperationStopped when the client is gone or the calling thread has to stop.
 WaitEnd RunAndWait(const WorkerCall& call);
 
-// Runs a checked operation: `checked` is the outcome of its argument checks, `rerun` calls it again through
-// its own slot with retry count 1. The first worker's answer decides even after a rerun. *pAbandoned: touch
-// nothing more.
-template <typename Rerun>
-bool RunOperation(const WorkerCall& call, bool checked, Rerun&& rerun, bool& abandoned) {
-  if (!checked) return false;
-  const WaitEnd end = RunAndWait(call);
-  abandoned = end == WaitEnd::abandoned;
-  switch (end) {
-    case WaitEnd::done:
-      return call.record.bResult != 0;
-    case WaitEnd::reconnect: {
-      const RunningOperation running(call.client);
-      const bool ok = rerun();
-      abandoned = running.IsOrphaned() || platform::stopRequested();
-      return ok && call.record.bResult != 0;
-    }
-    default:
-      return false;
-  }
-}
+// The answer of the worker of an operation that asks OnPoll nothing; false when there was none.
+[[nodiscard]] bool RunToItsEnd(const WorkerCall& call);
 
-// The same between an operation's lines: the entry line before it (where the operation has one), the failed
-// line and the failure report after it.
-struct OperationLines {
-  const FailureSite& site;
+// Makes a record ready for the run that OnPoll has asked for.
+void PrepareRerun(QXFtpThread& record) noexcept;
+
+// The runs of one call that OnPoll gave up for another, which it asked for. Each run has its place inside the
+// one that it follows: that one's answer stands only where its worker had stored a success before its end.
+class GivenUpRuns {
+ public:
+  void Add(bool storedSuccess) noexcept {
+    ++m_count;
+    m_latestSuccesses = storedSuccess ? m_latestSuccesses + 1 : 0;
+  }
+
+  // `end(failed)` for each of them, inside out; `ok` is the answer of the run behind them. The call's answer.
+  template <typename End>
+  bool EndAll(bool ok, End&& end) const {
+    for (std::uint64_t ended = 0; ended < m_count; ++ended) end(!(ok && ended < m_latestSuccesses));
+    return ok && m_latestSuccesses == m_count;
+  }
+
+ private:
+  std::uint64_t m_count = 0;
+  std::uint64_t m_latestSuccesses = 0;
+};
+
+// What comes before the worker of a run: the entry line (where the operation has one) and the checks.
+enum class Entry {
+  refused,   // the run has failed
+  answered,  // it has succeeded without a worker
+  worker     // the worker has to run
+};
+
+// A host sees a run that OnPoll asked for as another call, with retry count 1. It is made in a loop where no
+// host has replaced the slot: OnPoll may ask again and again.
+struct ReportedOperation {
+  const WorkerCall& call;
+  Slot slot;
+  const FailureSite& site;  // of the failed line and the report that end each run
   LinePaths paths;
 };
 
-template <typename Rerun>
-QXBool RunReportedOperation(const WorkerCall& call, const OperationLines& lines, bool checked,
-                            Rerun&& rerun) {
-  bool abandoned = false;
-  const bool ok = RunOperation(call, checked, rerun, abandoned);
-  if (abandoned) return 0;
-  EndWithReport(call.client, lines.site, lines.paths, !ok);
-  return ok ? 1 : 0;
+// `enter()` answers an Entry, `rerun()` calls the slot, `take()` is told of the last run's success before any
+// line of its end. Leaves as RunAndWait() does.
+template <typename Enter, typename Rerun, typename Take>
+QXBool RunReportedOperation(const ReportedOperation& operation, Enter&& enter, Rerun&& rerun, Take&& take) {
+  const WorkerCall& call = operation.call;
+  const auto end = [&](bool failed) { EndWithReport(call.client, operation.site, operation.paths, failed); };
+  GivenUpRuns givenUp;
+  for (;;) {
+    const Entry entry = enter();
+    const WaitEnd waited = entry == Entry::worker ? RunAndWait(call) : WaitEnd::failed;
+    if (waited != WaitEnd::reconnect) {
+      const bool ok = entry == Entry::answered || (waited == WaitEnd::done && call.record.bResult != 0);
+      if (ok) take();
+      end(!ok);
+      return givenUp.EndAll(ok, end) ? 1 : 0;
+    }
+    givenUp.Add(call.record.bResult != 0);
+    if (!HasOwnSlot(call.client, operation.slot)) {
+      const RunningOperation running(call.client);
+      const bool ok = rerun();
+      running.LeaveIfOrphaned();
+      return givenUp.EndAll(ok, end) ? 1 : 0;
+    }
+    PrepareRerun(call.record);
+  }
+}
+
+template <typename Enter, typename Rerun>
+QXBool RunReportedOperation(const ReportedOperation& operation, Enter&& enter, Rerun&& rerun) {
+  return RunReportedOperation(operation, enter, rerun, [] {});
 }

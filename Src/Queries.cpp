@@ -129,33 +129,29 @@ void FTPFileSizeThr(void* argument) {
 struct Existence {
   platform::WorkerThread::Entry worker;
   const FailureSite& site;
-  QXBool (TQXIP::*operation)(const char*, std::uint32_t, QXHostValue, QXHostValue);
 };
 
-QXBool ask(TQXIP& client, const Existence& question, bool checked, const char* path, std::uint32_t retries,
-           QXHostValue pollArg1, QXHostValue pollArg2) {
-  return GuardOperation([&] {
+QXBool ask(TQXIP& client, const Existence& question, bool checked, const char* path, std::uint32_t retries) {
+  return GuardOperation([&]() -> QXBool {
     QXFtpThread record;
     FillRecord(record, client, retries, path);
-    return RunReportedOperation({.client = client, .record = record, .worker = question.worker},
-                                {.site = question.site, .paths = {.first = path}}, checked, [&] {
-                                  return (client.*question.operation)(path, 1, pollArg1, pollArg2) != 0;
-                                });
+    const bool ok = checked && RunToItsEnd({.client = client, .record = record, .worker = question.worker});
+    EndWithReport(client, question.site, {.first = path}, !ok);
+    return ok ? 1 : 0;
   });
 }
 
 }  // namespace
 
-QXBool TQXIP::FTPDirExist(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
-                          QXHostValue nPollArg2) {
-  return ask(*this, {&FTPDirExistThr, sites::kDirExist, &TQXIP::FTPDirExist}, IsSet(m_bInitialized), pszPath,
-             nRetries, nPollArg1, nPollArg2);
+QXBool TQXIP::FTPDirExist(const char* pszPath, std::uint32_t nRetries, QXHostValue /*nPollArg1*/,
+                          QXHostValue /*nPollArg2*/) {
+  return ask(*this, {&FTPDirExistThr, sites::kDirExist}, IsSet(m_bInitialized), pszPath, nRetries);
 }
 
-QXBool TQXIP::FTPFileExists(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
-                            QXHostValue nPollArg2) {
-  return ask(*this, {&FTPFileExistsThr, sites::kFileExists, &TQXIP::FTPFileExists},
-             IsSet(m_bInitialized) && pszPath != nullptr, pszPath, nRetries, nPollArg1, nPollArg2);
+QXBool TQXIP::FTPFileExists(const char* pszPath, std::uint32_t nRetries, QXHostValue /*nPollArg1*/,
+                            QXHostValue /*nPollArg2*/) {
+  return ask(*this, {&FTPFileExistsThr, sites::kFileExists}, IsSet(m_bInitialized) && pszPath != nullptr,
+             pszPath, nRetries);
 }
 
 QXBool TQXIP::FTPIsDirectory(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
@@ -166,16 +162,13 @@ QXBool TQXIP::FTPIsDirectory(const char* pszPath, std::uint32_t nRetries, QXHost
   });
 }
 
-std::uint32_t TQXIP::FTPFileSize(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
-                                 QXHostValue nPollArg2) {
+std::uint32_t TQXIP::FTPFileSize(const char* pszPath, std::uint32_t nRetries, QXHostValue /*nPollArg1*/,
+                                 QXHostValue /*nPollArg2*/) {
   return GuardOperation([&]() -> std::uint32_t {
     FileSizeThread record;
     FillRecord(record, *this, nRetries, pszPath);
     const bool checked = IsSet(m_bInitialized) && pszPath != nullptr && *pszPath != '\0';
-    bool abandoned = false;
-    const bool ok = RunOperation(
-        {.client = *this, .record = record, .worker = &FTPFileSizeThr}, checked,
-        [&] { return FTPFileSize(pszPath, 1, nPollArg1, nPollArg2) != 0; }, abandoned);
+    const bool ok = checked && RunToItsEnd({.client = *this, .record = record, .worker = &FTPFileSizeThr});
     return ok ? record.nFileSize : 0;
   });
 }

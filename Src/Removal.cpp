@@ -50,17 +50,19 @@ QXBool TQXIP::FTPRmvFile(const char* pszPath, std::uint32_t nWipePasses, std::ui
     RmvFileThread record;
     FillRecord(record, *this, nRetries, pszPath);
     record.nWipePasses = nWipePasses;
-    const OperationLines lines{.site = sites::kRmvFile, .paths = {.first = pszPath}};
-    WriteEntryLine(*this, lines.site, lines.paths);
-    return RunReportedOperation({.client = *this,
-                                 .record = record,
-                                 .worker = &FTPRmvFileThr,
-                                 .polling = Polling::always,
-                                 .nPollArg1 = nPollArg1,
-                                 .nPollArg2 = nPollArg2},
-                                lines, MayChange(*this, pszPath), [&] {
-                                  return FTPRmvFile(pszPath, nWipePasses, 1, nPollArg1, nPollArg2) != 0;
-                                });
+    const auto enter = [&] {
+      WriteEntryLine(*this, sites::kRmvFile, {.first = pszPath});
+      return MayChange(*this, pszPath) ? Entry::worker : Entry::refused;
+    };
+    const WorkerCall call{.client = *this,
+                          .record = record,
+                          .worker = &FTPRmvFileThr,
+                          .polling = Polling::always,
+                          .nPollArg1 = nPollArg1,
+                          .nPollArg2 = nPollArg2};
+    return RunReportedOperation(
+        {.call = call, .slot = Slot::FTPRmvFile, .site = sites::kRmvFile, .paths = {.first = pszPath}}, enter,
+        [&] { return FTPRmvFile(pszPath, nWipePasses, 1, nPollArg1, nPollArg2) != 0; });
   });
 }
 
@@ -75,7 +77,7 @@ QXBool TQXIP::FTPRmvDir(const char* pszPath, std::uint32_t nRetries, QXHostValue
                           .polling = Polling::always,
                           .nPollArg1 = nPollArg1,
                           .nPollArg2 = nPollArg2};
-    return ChangeDirectoryTree(call, sites::kRmvDir, false,
+    return ChangeDirectoryTree(call, {Slot::FTPRmvDir, sites::kRmvDir, false},
                                [&] { return FTPRmvDir(pszPath, 1, nPollArg1, nPollArg2) != 0; });
   });
 }

@@ -25,21 +25,25 @@ AttemptOutcome ChangeServer(QXFtpThread& record, Change change);
 // Asks FTPDirExist from a change's worker. Leaves the last error alone.
 [[nodiscard]] bool DirectoryIsThere(QXFtpThread& record, const PathText& path);
 
-// The caller's side of a change to a directory. Where the directory already is as `wanted` (there or gone) no
-// worker runs, and the answer is 1.
+struct DirectoryChange {
+  Slot slot;
+  const FailureSite& site;
+  bool wanted;  // there or gone
+};
+
+// The caller's side of a change to a directory. Where the directory already is as wanted no worker runs, and
+// the answer is 1.
 template <typename Rerun>
-QXBool ChangeDirectoryTree(const WorkerCall& call, const FailureSite& site, bool wanted, Rerun&& rerun) {
-  const OperationLines lines{.site = site, .paths = {.first = call.record.pszName}};
-  WriteEntryLine(call.client, site, lines.paths);
-  const bool checked = MayChange(call.client, call.record.pszName);
-  if (checked) {
+QXBool ChangeDirectoryTree(const WorkerCall& call, const DirectoryChange& change, Rerun&& rerun) {
+  const LinePaths paths{.first = call.record.pszName};
+  const auto enter = [&] {
+    WriteEntryLine(call.client, change.site, paths);
+    if (!MayChange(call.client, paths.first)) return Entry::refused;
     const RunningOperation running(call.client);
-    const bool exists = call.client.FTPDirExist(call.record.pszName, *call.record.pRetries, 0, 0) != 0;
+    const bool exists = call.client.FTPDirExist(paths.first, *call.record.pRetries, 0, 0) != 0;
     running.LeaveIfOrphaned();
-    if (exists == wanted) {
-      WriteFailedLine(call.client, site, lines.paths);
-      return 1;
-    }
-  }
-  return RunReportedOperation(call, lines, checked, rerun);
+    return exists == change.wanted ? Entry::answered : Entry::worker;
+  };
+  return RunReportedOperation({.call = call, .slot = change.slot, .site = change.site, .paths = paths}, enter,
+                              rerun);
 }

@@ -19,8 +19,14 @@ enum class Slot : std::size_t {
   FTPUploadFile = 33,
   FTPHasSubDir = 34,
   FTPCountFolderItems = 35,
+  FTPCpyFile = 39,
   FTPMovFile = 40,
+  FTPRmvFile = 41,
+  FTPRmvDir = 42,
+  FTPCreateDir = 43,
   FTPCreateNewDir = 44,
+  FTPWriteFile = 47,
+  FTPReadFile = 48,
   FTPRenameFile = 50
 };
 

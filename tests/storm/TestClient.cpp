@@ -61,7 +61,8 @@ QXBool TestClient::FTPRmvFile(const char* pszPath, std::uint32_t nWipePasses, st
     QXBool ok = 0;
     if (script.reports) {
       ok = RunReportedOperation(
-          call, {.site = kOperationSite, .paths = {.first = pszPath}}, IsSet(m_bInitialized),
+          {.call = call, .slot = Slot::FTPRmvFile, .site = kOperationSite, .paths = {.first = pszPath}},
+          [&] { return IsSet(m_bInitialized) ? Entry::worker : Entry::refused; },
           [&] { return FTPRmvFile(pszPath, nWipePasses, 1, nPollArg1, nPollArg2) != 0; });
     } else {
       script.end = RunAndWait(call);
