@@ -2,12 +2,12 @@
 // HTTPDownloadFile: one GET request, with at most one redirect, on the caller's thread and in a session of
 // its own. It writes no message lines and no failure report.
 #include <array>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "Src/CollectedFile.h"
 #include "Src/OperationGuard.h"
 #include "Src/QXIP.h"
 #include "Src/RunningOperations.h"
@@ -36,7 +36,9 @@ constexpr std::uint32_t kConnectBackoffMs = 1000;
 constexpr std::uint32_t kConnectRetries = 1;
 
 constexpr std::size_t kMostOfName = 255;
-constexpr std::size_t kChunk = 4096;
+constexpr std::uint32_t kChunk = 4096;
+// How long a chunk that is not full may keep the host waiting.
+constexpr std::chrono::milliseconds kPatience{50};
 constexpr std::uint32_t kExceptionTextCapacity = 1024;
 
 enum Status : std::uint32_t {
@@ -174,14 +176,16 @@ void HttpDownload::Transfer() {
 
 void HttpDownload::SaveBody() {
   CFile file(m_target.localFile, CFile::modeCreate | CFile::modeWrite | CFile::typeBinary);
-  CollectedFile collected(file);
   std::array<char, kChunk> chunk;
+  bool ended = false;
   do {
-    const std::uint32_t count = m_request->Read(chunk.data(), kChunk);
-    if (count == 0) break;
-    collected.Write(chunk.data(), count);
+    const std::uint32_t count = m_request->ReadFor(chunk.data(), kChunk, kPatience, ended);
+    if (count > 0) {
+      file.Write(chunk.data(), count);  // ahead of OnPoll, in which the host may look at the file
+    } else if (ended) {
+      break;
+    }
   } while (WantsMore());
-  collected.Flush();
   file.Close();
 }
 

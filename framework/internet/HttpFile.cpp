@@ -26,6 +26,10 @@ std::vector<std::string_view> linesOf(std::string_view text) {
   return lines;
 }
 
+void requireRoom(const void* buffer, std::uint32_t size) {
+  if (!buffer && size > 0) internet::fail(platform::kErrorInvalidParameter);
+}
+
 }  // namespace
 
 CHttpFile::CHttpFile(std::shared_ptr<HttpExchange> exchange) noexcept : m_exchange(std::move(exchange)) {}
@@ -77,10 +81,22 @@ std::uint32_t CHttpFile::Read(void* buffer, std::uint32_t size) {
   const auto exchange = m_exchange;
   std::uint32_t count = 0;
   internet::raising([&] {
-    if (!buffer && size > 0) internet::fail(platform::kErrorInvalidParameter);
+    requireRoom(buffer, size);
     count = static_cast<std::uint32_t>(exchange->read(static_cast<char*>(buffer), size));
   });
   return count;
+}
+
+std::uint32_t CHttpFile::ReadFor(void* buffer, std::uint32_t size, std::chrono::milliseconds patience,
+                                 bool& ended) {
+  const auto exchange = m_exchange;
+  HttpExchange::Piece piece;
+  internet::raising([&] {
+    requireRoom(buffer, size);
+    piece = exchange->readFor(static_cast<char*>(buffer), size, patience);
+  });
+  ended = piece.ended;
+  return static_cast<std::uint32_t>(piece.bytes);
 }
 
 void CHttpFile::Close() noexcept {

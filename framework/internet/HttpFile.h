@@ -5,6 +5,7 @@
 // may leave by OperationStopped.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -40,6 +41,9 @@ class CHttpFile {
   std::uint64_t GetLength();
   // Fills `buffer`; fewer bytes only at the body's end, 0 at its end.
   std::uint32_t Read(void* buffer, std::uint32_t size);
+  // The same, but what has come when `patience` is over is all that it gives, be it nothing. `ended` tells
+  // whether nothing of the body is left.
+  std::uint32_t ReadFor(void* buffer, std::uint32_t size, std::chrono::milliseconds patience, bool& ended);
 
   // May be called twice, and after connection and session are gone. Never throws; keeps the last error.
   void Close() noexcept;

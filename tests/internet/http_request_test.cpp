@@ -178,12 +178,15 @@ TEST_F(HttpRequest, MayBeDeletedByANotification) {
 TEST_F(HttpRequest, ConnectsInAsManyAttemptsAsTheSessionSays) {
   const fixture::RefusedPort refused;
   EXPECT_TRUE(session.SetOption(internet::kOptionConnectRetries, 3));
-  EXPECT_TRUE(session.SetOption(internet::kOptionConnectBackoff, 1));
+  EXPECT_TRUE(session.SetOption(internet::kOptionConnectBackoff, 25));
   EXPECT_TRUE(session.SetOption(internet::kOptionConnectTimeout, 30'000));
   EXPECT_EQ(errorOf([&] { return session.SetOption(99, 1); }), 87u);
   const HttpFetch fetch(session, refused);
   session.takeStatuses();
+  const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(thrownBy([&] { fetch.request->SendRequest(); }).error, 12029u);
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(2 * 25))
+      << "a back-off between two";
   EXPECT_EQ(session.takeStatuses(), (Statuses{10, 11, 20, 50, 51, 10, 11, 20, 50, 51, 10, 11, 20, 50, 51}));
 }
 

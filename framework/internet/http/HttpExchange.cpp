@@ -70,9 +70,10 @@ void HttpExchange::exchangeHeads() {
   const Deadline deadline(dialer_.timeouts().reply);
   while (!response_.headComplete()) {
     require(State::sent);
-    receive(deadline);
+    if (!receive(deadline)) fail(kTimeout);
   }
   state_ = State::answered;
+  silence_ = Deadline(dialer_.timeouts().data);
   dialer_.notify(kStatusResponseReceived);
 }
 
@@ -83,29 +84,52 @@ const HttpHead& HttpExchange::head() const {
   return response_.head();
 }
 
-std::size_t HttpExchange::available() { return awaitBody() ? response_.available() : 0; }
+std::size_t HttpExchange::available() { return awaitBody(nullptr) ? response_.available() : 0; }
 
-std::size_t HttpExchange::read(char* buffer, std::size_t size) {
+std::size_t HttpExchange::read(char* buffer, std::size_t size) { return fill(buffer, size, nullptr); }
+
+HttpExchange::Piece HttpExchange::readFor(char* buffer, std::size_t size,
+                                          std::chrono::milliseconds patience) {
+  const Deadline limit(patience);
+  const std::size_t bytes = fill(buffer, size, &limit);
+  return {bytes, response_.complete() && response_.available() == 0};
+}
+
+std::size_t HttpExchange::fill(char* buffer, std::size_t size, const Deadline* patience) {
   std::size_t filled = 0;
-  while (filled < size && awaitBody()) filled += response_.take(buffer + filled, size - filled);
+  while (filled < size && awaitBody(patience)) filled += response_.take(buffer + filled, size - filled);
   return filled;
 }
 
-// Waits until there is some of the body; false at its end.
-bool HttpExchange::awaitBody() {
+// Waits until there is some of the body; false at its end, and when the patience, where there is one, is
+// over.
+bool HttpExchange::awaitBody(const Deadline* patience) {
   require(State::answered);
   if (response_.available() == 0 && !response_.complete()) {
-    dropOnFailure([this] {
-      // Every byte proves that the server is alive, framing included.
-      while (response_.available() == 0 && !response_.complete()) receive(Deadline(dialer_.timeouts().data));
+    dropOnFailure([&] {
+      while (response_.available() == 0 && !response_.complete() && receiveBody(patience)) {
+      }
     });
   }
   return response_.available() > 0;
 }
 
-void HttpExchange::receive(const Deadline& deadline) {
+// False when the patience is over.
+bool HttpExchange::receiveBody(const Deadline* patience) {
+  const bool silenceEndsFirst = patience == nullptr || silence_.left() < patience->left();
+  if (receive(silenceEndsFirst ? silence_ : *patience)) {
+    silence_ = Deadline(dialer_.timeouts().data);  // the server is alive, be it framing alone that has come
+    return true;
+  }
+  if (silenceEndsFirst) fail(kTimeout);
+  return false;
+}
+
+// False when nothing has come before the deadline.
+bool HttpExchange::receive(const Deadline& deadline) {
   std::array<char, kHttpBlock> block;
   const auto received = receiveSome(*sock_, block, deadline);
+  if (received.status == IoStatus::wouldBlock) return false;
   if (received.status == IoStatus::closed) {
     if (!response_.endOfStream()) fail(kConnectionAborted);
   } else if (received.status != IoStatus::done) {
@@ -113,6 +137,7 @@ void HttpExchange::receive(const Deadline& deadline) {
   } else if (!response_.feed({block.data(), received.bytes})) {
     fail(kInvalidServerResponse);
   }
+  return true;
 }
 
 // --- State ---

@@ -4,6 +4,7 @@
 // A notification may destroy the caller's object: callers hold the exchange by a reference of their own.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -43,6 +44,12 @@ class HttpExchange : public SessionMember {
   std::size_t available();
   // Fills `buffer`; less only at the body's end. A body that is cut short is a failure.
   std::size_t read(char* buffer, std::size_t size);
+  struct Piece {
+    std::size_t bytes = 0;
+    bool ended = false;  // nothing of the body is left
+  };
+  // The same, but what has come when `patience` is over is all that it gives, be it nothing.
+  Piece readFor(char* buffer, std::size_t size, std::chrono::milliseconds patience);
 
   // 50, 51, 70.
   void close() noexcept override;
@@ -53,8 +60,10 @@ class HttpExchange : public SessionMember {
   [[nodiscard]] std::string request() const;
   void exchangeHeads();
   void require(State state) const;
-  bool awaitBody();
-  void receive(const Deadline& deadline);
+  std::size_t fill(char* buffer, std::size_t size, const Deadline* patience);
+  bool awaitBody(const Deadline* patience);
+  bool receiveBody(const Deadline* patience);
+  [[nodiscard]] bool receive(const Deadline& deadline);
   template <class Work>
   void dropOnFailure(Work work);
 
@@ -65,6 +74,7 @@ class HttpExchange : public SessionMember {
   State state_ = State::idle;
   std::unique_ptr<Sock> sock_;
   HttpResponse response_;
+  Deadline silence_{std::chrono::milliseconds(0)};  // of the body; put off by every byte
 };
 
 }  // namespace internet
