@@ -51,5 +51,6 @@ function(qx_test)
     TIMEOUT ${test_TIMEOUT}
     LABELS "${test_LABELS}"
     ENVIRONMENT "${QX_SANITIZER_ENVIRONMENT};${test_ENVIRONMENT}"
+    SKIP_RETURN_CODE 77
     RUN_SERIAL ${test_SERIAL})
 endfunction()

@@ -48,8 +48,9 @@ class Server:
     def _request(self, **request):
         self._socket.sendall(json.dumps(request).encode() + b"\n")
         answer = json.loads(self._answers.readline())
-        if "error" in answer:
-            raise RuntimeError(answer["error"])
+        for refusal in ("error", "unavailable"):
+            if refusal in answer:
+                raise RuntimeError(answer[refusal])
         return answer
 
     def ask(self, op, **arguments):

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Controller.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <mutex>
 
@@ -19,9 +21,18 @@ RawSocket connectToController() {
   return {"127.0.0.1", static_cast<std::uint16_t>(std::strtoul(port, nullptr, 10))};
 }
 
+// Ends the running test as skipped, also from inside a constructor.
+[[noreturn]] void skipTest(const std::string& reason) {
+  [&reason] { GTEST_SKIP() << reason; }();
+  // GoogleTest takes this exception for one that has been told already.
+  using testing::TestPartResult;
+  throw testing::AssertionException({TestPartResult::kSkip, __FILE__, __LINE__, reason.c_str()});
+}
+
 nlohmann::json exchange(RawSocket& socket, const nlohmann::json& request) {
   socket.send(request.dump() + "\n");
   auto answer = nlohmann::json::parse(socket.readLine());
+  if (answer.contains("unavailable")) skipTest(answer["unavailable"].get<std::string>());
   if (answer.contains("error"))
     throw FixtureError(request.dump() + ": " + answer["error"].get<std::string>());
   return answer;

@@ -127,6 +127,7 @@ class ScriptedFtp : public FileServer {
 class RealServer : public FileServer {
  public:
   // `kind`: "vsftpd", "pyftpdlib", "proftpd", "pure-ftpd", "inetutils-ftpd". Options are in the README.
+  // Where this user cannot run such a server the test that asks for it ends here, as skipped.
   explicit RealServer(const char* kind, std::string_view options = "{}");
 
   [[nodiscard]] std::string user() const;

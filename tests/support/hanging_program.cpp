@@ -7,6 +7,7 @@
 #include <mutex>
 #include <thread>
 
+#include "tests/support/Fixture.h"
 #include "tests/support/Watchdog.h"
 
 namespace {
@@ -34,6 +35,18 @@ TEST(Hanging, WithALimitOfItsOwn) {
 TEST(Ending, Passes) {}
 
 TEST(Ending, IsSkipped) { GTEST_SKIP(); }
+
+class LackingRights : public testing::Test {
+ protected:
+  const fixture::RealServer server{"vsftpd"};
+};
+
+TEST_F(LackingRights, SkipsInAConstructor) { FAIL(); }
+
+TEST(Ending, LacksRights) {
+  const fixture::RealServer server("vsftpd");
+  FAIL();
+}
 
 TEST(Ending, Crashes) {
   // Volatile, so that neither the compiler nor its checks see it coming.
