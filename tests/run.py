@@ -2,11 +2,17 @@
 # SPDX-License-Identifier: MIT
 """run.py [PRESET...] [-- CTEST ARGUMENT...]: builds the presets (default: all) and runs their tests.
 
-Ends with one line "N passed, N failed" over all of them. A GoogleTest program counts with each of its cases, any other
-test as one. A preset that does not build, a program that dies, and a run of no test at all are failures.
+Root can name "user", too: the linux preset as an ordinary user, on a checkout of what is committed. In CI (CI=true) it
+belongs to all.
+
+Ends with one line "N passed, N failed" over all of them, with ", N skipped" where tests were. A GoogleTest program
+counts with each of its cases, any other test as one. A preset that does not build, a program that dies, and a run of no
+test at all are failures.
 """
 
+import collections
 import fcntl
+import os
 import re
 import shlex
 import subprocess
@@ -16,12 +22,17 @@ import xml.etree.ElementTree as ElementTree
 from dataclasses import dataclass
 from pathlib import Path
 
+from ordinary_user import run_as_ordinary_user
+
 ROOT = Path(__file__).resolve().parent.parent
 PRESETS = ["linux", "windows", "linux-asan", "linux-tsan"]
+USER = "user"
 
 PASSED = re.compile(r"^\[  PASSED  \] (\d+) tests?\.", re.M)
 FAILED = re.compile(r"^\[  FAILED  \] (\d+) tests?, listed below", re.M)
 SKIPPED = re.compile(r"^\[  SKIPPED \] (\d+) tests?, listed below", re.M)
+SKIP_REASON = re.compile(r": Skipped\n(.+)$", re.M)
+TOTAL = re.compile(r"^(\d+) passed, (\d+) failed(?:, (\d+) skipped)?$")
 
 
 @dataclass
@@ -60,11 +71,13 @@ def count_entry(entry):
     """Counts one ctest entry from its element in the JUnit file."""
     output = entry.findtext("system-out") or ""
     number = lambda pattern: sum(map(int, pattern.findall(output)))
-    if entry.get("status") in ("disabled", "notrun"):
+    skip = entry.find("skipped")
+    skips = skip is not None and skip.get("message", "").startswith("SKIP_RETURN_CODE")
+    if entry.get("status") in ("disabled", "notrun") and not skips:
         return Count(failed=1)
-    good = entry.get("status") == "run"
+    good = entry.get("status") == "run" or skips
     if not PASSED.search(output):
-        return Count(passed=int(good), failed=int(not good))
+        return Count(skipped=1) if skips else Count(passed=int(good), failed=int(not good))
     count = Count(number(PASSED), number(FAILED), number(SKIPPED))
     ran_none = count.passed + count.failed + count.skipped == 0
     if ran_none or (not good and count.failed == 0):
@@ -79,9 +92,13 @@ def test(preset, arguments):
     good = run("ctest", "--preset", preset, "--output-on-failure", "--output-junit", report,
                "--test-output-size-passed", "10000000", "--test-output-size-failed", "10000000", *arguments)
     count = Count()
+    reasons = collections.Counter()
     if report.exists():
         for entry in ElementTree.parse(report).getroot().iter("testcase"):
             count += count_entry(entry)
+            reasons.update(SKIP_REASON.findall(entry.findtext("system-out") or ""))
+    for reason, times in reasons.items():
+        print(f"test: {preset} skipped {times}: {reason}", flush=True)
     if count.passed + count.failed == 0:
         print(f"test: {preset} ran no test", flush=True)
         count.failed += 1
@@ -106,10 +123,46 @@ def seconds(since):
     return f"{time.monotonic() - since:.1f} s"
 
 
+def build_and_test(preset, arguments):
+    """(count, line for the table)"""
+    began = time.monotonic()
+    built = build(preset)
+    build_time, began = seconds(began), time.monotonic()
+    if preset == "windows":
+        start_wine_server()
+    count = test(preset, arguments) if built else Count(failed=1)
+    note = "" if built else "  (does not build)"
+    return count, f"{preset:<12} build {build_time:>8}  tests {seconds(began):>8}  {count}{note}"
+
+
+def test_as_user(arguments):
+    """(count, line for the table) from the last line of a run of this program's, made by an ordinary user."""
+    began = time.monotonic()
+    try:
+        count = count_total(*run_as_ordinary_user(ROOT, ["tools/test", "linux", "--", *arguments]))
+    except (OSError, subprocess.CalledProcessError) as error:
+        print(f"test: {error}", flush=True)
+        count = Count(failed=1)
+    return count, f"{USER:<12} linux, as an ordinary user {seconds(began):>8}  {count}"
+
+
+def count_total(code, line):
+    """Counts a run of this program from its exit code and its last line."""
+    total = TOTAL.match(line)
+    count = Count(*(int(number or 0) for number in total.groups())) if total else Count(failed=1)
+    if code and not count.failed:
+        count.failed += 1
+    return count
+
+
+def default_runs(is_root, in_ci):
+    return [PRESETS[0], USER, *PRESETS[1:]] if is_root and in_ci else PRESETS
+
+
 def parse(arguments):
     split = arguments.index("--") if "--" in arguments else len(arguments)
-    presets = arguments[:split] or PRESETS
-    unknown = [name for name in presets if name not in PRESETS]
+    presets = arguments[:split] or default_runs(os.geteuid() == 0, os.environ.get("CI") == "true")
+    unknown = [name for name in presets if name not in [*PRESETS, USER]]
     if unknown:
         sys.exit(f"{__doc__}\nunknown preset: {' '.join(unknown)} (known: {' '.join(PRESETS)})")
     return presets, arguments[split + 1:]
@@ -123,15 +176,9 @@ def main():
 
     lines, total = [], Count()
     for preset in presets:
-        began = time.monotonic()
-        built = build(preset)
-        build_time, began = seconds(began), time.monotonic()
-        if preset == "windows":
-            start_wine_server()
-        count = test(preset, ctest_arguments) if built else Count(failed=1)
-        note = "" if built else "  (does not build)"
-        lines.append(f"{preset:<12} build {build_time:>8}  tests {seconds(began):>8}  {count}{note}")
-        print(lines[-1], flush=True)
+        count, line = test_as_user(ctest_arguments) if preset == USER else build_and_test(preset, ctest_arguments)
+        lines.append(line)
+        print(line, flush=True)
         total += count
     if "windows" in presets:
         end_wine_server()
