@@ -41,7 +41,7 @@ void PlaceButtonsAndList(HWND dialog) noexcept {
   placeOkBesideCancel(dialog);
 
   RECT list = rectOf(dialog, kListArea);
-  list.bottom = list.top + std::abs(list.bottom - (rectOf(dialog, IDCANCEL).top - 45)) + 25;
+  list.bottom += std::abs(list.bottom - (rectOf(dialog, IDCANCEL).top - 45)) + 25;
   place(dialog, kListArea, list);
 }
 

@@ -4,7 +4,7 @@
 
 #include "framework/ui/Edit.h"
 
-// OK goes to the left of Cancel and the list area gets its height. Hides the file-name box.
+// OK goes to the left of Cancel, and the list area grows down to the two. Hides the file-name box.
 void PlaceButtonsAndList(HWND dialog) noexcept;
 
 // Empties the file-name label and puts it where the dialog has room for it.

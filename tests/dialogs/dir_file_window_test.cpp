@@ -92,11 +92,13 @@ TEST_F(DirFileWindow, HasOkLeftOfCancelOnItsRow) {
   EXPECT_EQ(window.height(IDOK), before.height(IDOK));
 }
 
-TEST_F(DirFileWindow, HasAListAreaWhoseHeightFollowsFromCancel) {
+// It was one row high: what it is to grow by was taken for its height.
+TEST_F(DirFileWindow, HasAListAreaThatGrowsTowardsCancel) {
   const Window window = shownWith(false, "");
   const Window before = untouched("");
-  const int expected = std::abs(before.at(kListArea).bottom - (before.at(IDCANCEL).top - 45)) + 25;
-  EXPECT_EQ(window.height(kListArea), expected);
+  const int added = std::abs(before.at(kListArea).bottom - (before.at(IDCANCEL).top - 45)) + 25;
+  EXPECT_EQ(window.height(kListArea), before.height(kListArea) + added);
+  EXPECT_EQ(window.at(IDCANCEL).top - window.at(kListArea).bottom, 4) << "the buttons are free";
   EXPECT_EQ(window.width(kListArea), before.width(kListArea));
   EXPECT_EQ(window.at(kListArea).top, before.at(kListArea).top);
 }
