@@ -10,16 +10,15 @@ void HostOutput::clear() const noexcept {
 }
 
 bool HostOutput::run(std::unique_ptr<CFileDialog> dialog) const {
-  CFileDialog* const shown = dialog.release();
-  *ppDialog = shown;
+  bool confirmed = false;
   try {
-    const bool confirmed = shown->DoModal() == IDOK;
+    confirmed = dialog->DoModal() == IDOK;
     *pbCancelled = confirmed ? 0 : 1;
-    return confirmed;
   } catch (...) {
     MessageBoxA(nullptr, "Could not open FileDialog!", "ERROR", MB_ICONERROR);
-    return false;
   }
+  *ppDialog = dialog.release();
+  return confirmed;
 }
 
 bool HostOutput::deliver(const PathText& folder, std::size_t count, char* list) const noexcept {

@@ -21,8 +21,9 @@ struct HostOutput {
   }
   void clear() const noexcept;
 
-  // Gives the dialog to the host, whatever comes of it, and runs it. True when the user confirmed; a result
-  // other than OK sets *pbCancelled. A dialog that cannot run says so in a message box.
+  // Runs the dialog and then gives it to the host, whatever has come of it: one that is up is nobody's to
+  // free. True when the user confirmed; a result other than OK sets *pbCancelled. A dialog that cannot run
+  // says so in a message box.
   bool run(std::unique_ptr<CFileDialog> dialog) const;
 
   // Writes the result. `list` may be null: there is none. False, and nothing written, when something is
