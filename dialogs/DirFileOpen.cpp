@@ -45,6 +45,12 @@ CDirFileOpen::~CDirFileOpen() {
   ReleaseModuleRef();
 }
 
+int CDirFileOpen::DoModal() {
+  m_strFolder.reset();
+  const int result = CFileDialog::DoModal();
+  return m_strFolder ? result : IDCANCEL;
+}
+
 std::vector<std::string>& CDirFileOpen::SelectedNames() noexcept { return g_dirFileState.selectedNames; }
 
 void CDirFileOpen::OnInitDone() {
@@ -70,7 +76,9 @@ void CDirFileOpen::OnInitDone() {
   CentreOnOwner(dialog);
 }
 
+// What was selected in another folder, the folder that was opened above all, names nothing in this one.
 void CDirFileOpen::OnFolderChange() {
+  if (DirFileState* const state = DirFileStateOf(GetParent())) state->selectedNames.clear();
   if (m_pFolderEdit != nullptr && GetParent() != nullptr)
     m_pFolderEdit->SetWindowText(GetFolderPath().c_str());
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,8 +20,12 @@ class CDirFileOpen : public CFileDialog {
                HWND parent);
   ~CDirFileOpen() override;
 
+  // What ends the dialog otherwise than by an OK that has set a folder is a cancel: the system reports the
+  // end by a WM_QUIT as a success.
+  int DoModal() override;
+
   // The confirmed folder, with a backslash behind it.
-  [[nodiscard]] std::string GetFolder() const { return m_strFolder; }
+  [[nodiscard]] std::string GetFolder() const { return m_strFolder.value_or(""); }
   void SetFolder(const std::string& folder) { m_strFolder = folder; }
   void SetTitle(const char* title) { m_strTitle = title; }
   // The names that were selected when the list went away; module-wide.
@@ -34,7 +39,7 @@ class CDirFileOpen : public CFileDialog {
 
  private:
   const bool m_bFiles;
-  std::string m_strFolder;
+  std::optional<std::string> m_strFolder;
   CEdit* m_pFolderEdit = nullptr;  // owned
   std::string m_strTitle;
   const char* m_pszOkText;

@@ -34,6 +34,19 @@ struct DirFileState {
 // Of the innermost dialog.
 inline DirFileState g_dirFileState;
 
+// The innermost state that `holds` is true for; null when there is none.
+template <typename Predicate>
+DirFileState* FindDirFileState(const Predicate& holds) {
+  DirFileState* state = &g_dirFileState;
+  while (state != nullptr && !holds(*state)) state = state->below;
+  return state;
+}
+
+// Of the dialog that has this window; null when none has.
+inline DirFileState* DirFileStateOf(HWND window) noexcept {
+  return FindDirFileState([window](const DirFileState& state) { return state.window == window; });
+}
+
 // The dialog has no owner, so the windows of the host stay enabled: its user may open another one over the
 // one that is up. That has the state for itself, until this scope is left.
 class DirFileScope {

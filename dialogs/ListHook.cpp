@@ -62,10 +62,12 @@ void filterOnce(HWND list, DirFileState& state) noexcept {
   state.filtering = false;
 }
 
+// Whoever asks a list for the number of its selected items has it filtered: this looks for the first one.
 void takeSelectedNames(HWND list, std::vector<std::string>& names) {
-  if (SendMessageA(list, LVM_GETSELECTEDCOUNT, 0, 0) == 0) return;
+  int index = NextSelectedItem(list, -1);
+  if (index == -1) return;
   names.clear();
-  for (int index = NextSelectedItem(list, -1); index != -1; index = NextSelectedItem(list, index)) {
+  for (; index != -1; index = NextSelectedItem(list, index)) {
     char name[kItemTextSize];
     ReadItemText(list, index, name);
     names.emplace_back(name);
@@ -75,12 +77,10 @@ void takeSelectedNames(HWND list, std::vector<std::string>& names) {
 // Null for other windows. Lists of the host on this thread, while the dialog is up or after it, are none of
 // this hook's business.
 DirFileState* stateOfList(HWND window) noexcept {
-  DirFileState* state = &g_dirFileState;
-  while (state != nullptr && !IsChild(state->window, window)) state = state->below;
-  if (state == nullptr) return nullptr;
   char name[32] = "";
   GetClassNameA(window, name, sizeof name);
-  return lstrcmpiA(name, WC_LISTVIEWA) == 0 ? state : nullptr;
+  if (lstrcmpiA(name, WC_LISTVIEWA) != 0) return nullptr;
+  return FindDirFileState([window](const DirFileState& state) { return IsChild(state.window, window) != 0; });
 }
 
 LRESULT CALLBACK onCall(int code, WPARAM wParam, LPARAM lParam) {

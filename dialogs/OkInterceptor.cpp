@@ -17,12 +17,6 @@ std::string textOf(HWND window) {
   return control.GetWindowText();
 }
 
-DirFileState& stateOf(HWND window) noexcept {
-  DirFileState* state = &g_dirFileState;
-  while (state->window != window && state->below != nullptr) state = state->below;
-  return *state;
-}
-
 void confirm(HWND window, CDirFileOpen& dialog) {
   std::string folder = textOf(GetDlgItem(window, kFolderEdit));
   if (folder.empty()) folder = dialog.GetFolderPath();
@@ -40,11 +34,12 @@ bool isOk(UINT message, WPARAM wParam) noexcept {
 }
 
 LRESULT CALLBACK onMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  DirFileState& state = stateOf(window);
-  const WNDPROC previous = state.previousProcedure;
-  if (isOk(message, wParam)) {
+  DirFileState* const state = DirFileStateOf(window);
+  if (state == nullptr) return DefWindowProcA(window, message, wParam, lParam);
+  const WNDPROC previous = state->previousProcedure;
+  if (state->dialog != nullptr && isOk(message, wParam)) {
     try {
-      confirm(window, *state.dialog);
+      confirm(window, *state->dialog);
     } catch (...) {
       AfxKeepException();
     }
@@ -52,8 +47,8 @@ LRESULT CALLBACK onMessage(HWND window, UINT message, WPARAM wParam, LPARAM lPar
   }
   if (message == WM_NCDESTROY) {
     SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous));
-    state.window = nullptr;
-    state.dialog = nullptr;
+    state->window = nullptr;
+    state->dialog = nullptr;
   }
   return CallWindowProcA(previous, window, message, wParam, lParam);
 }

@@ -7,6 +7,7 @@
 //  3. A path list is one block of `count` + 1 entries of QX_PATH_SIZE bytes; entry i begins at byte
 //     i * QX_PATH_SIZE and holds a zero-terminated path, the last entry is spare.
 //  4. A dialog object is the library's: whoever got one gives it to DoFreeDirFileDialog, also after a cancel.
+//     It is written when the dialog is over, null until then.
 #pragma once
 
 #include "QXTypes.h"
@@ -60,7 +61,11 @@ QXBool DoOpenFileDialog(const void* pReserved1, const void* pReserved2, const vo
 //                  alone. Belongs to the dialog object and goes with it.
 //   pnCount        out: number of entries, 0 unless confirmed. Null: the call fails and writes nothing.
 //   ppDialog       out: the dialog object, whenever one was made. Null: the call fails and writes nothing.
-//   pbCancelled    out: 1 when the user cancelled, else 0. Null: the call fails and writes nothing.
+//   pbCancelled    out: 1 when the user cancelled or the host quit meanwhile (WM_QUIT, which is still to be
+//                  had from the thread's queue), else 0. Null: the call fails and writes nothing.
+// With nothing selected the result is the folder and no entries; what was selected in another folder, before
+// the user opened this one, does not count. The list reaches down to the buttons, over the place of the
+// system's file-name box.
 QXBool DoOpenDirFileDialog(const char* pszTitle, const char* pszOkText, const void* pReserved, char* pszPath,
                            QXBool bFiles, QXBool bOpen, std::uint32_t nMode, std::uint32_t nFlags,
                            char** ppPathList, std::uint32_t* pnCount, void** ppDialog, QXBool* pbCancelled);

@@ -8,6 +8,7 @@
 
 #include "dialogs/DirFileOpen.h"
 #include "framework/ui/CommonDialogs.h"
+#include "framework/ui/ThreadState.h"
 #include "tests/dialogs/DirFileTest.h"
 
 namespace {
@@ -32,6 +33,8 @@ class DirFileCall : public FolderTest {
     std::string calls, name, initialDirectory;
     bool fails = false;
     BOOL answer = FALSE;
+    std::string folder;              // that OK stores, if any
+    std::vector<std::string> names;  // that are selected
   };
   static Seen seen;
 
@@ -41,6 +44,9 @@ class DirFileCall : public FolderTest {
     seen.name = record.lpstrFile;
     seen.initialDirectory = record.lpstrInitialDir;
     if (seen.fails) throw std::runtime_error("no dialog");
+    auto* const dialog = static_cast<CDirFileOpen*>(AfxGetThreadState()->m_pAlternateWndInit);
+    if (!seen.folder.empty()) dialog->SetFolder(seen.folder);
+    CDirFileOpen::SelectedNames() = seen.names;
     return seen.answer;
   }
   static BOOL WINAPI onOpen(OPENFILENAMEA* record) { return take(*record, "open"); }
@@ -145,6 +151,7 @@ TEST_F(DirFileCall, SaysSoWhenTheDialogCannotRunAndHandsTheDialogOver) {
 }
 
 TEST_F(DirFileCall, IsConfirmedByAnOkAlone) {
+  seen.folder = "C:\\data\\";
   seen.answer = IDRETRY;
   EXPECT_FALSE(call(request()));
   EXPECT_EQ(cancelled, 1);
@@ -155,8 +162,30 @@ TEST_F(DirFileCall, IsConfirmedByAnOkAlone) {
   EXPECT_TRUE(FreeFileDialog(dialog));
 }
 
+TEST_F(DirFileCall, IsCancelledWithoutAFolderThatOkHasStored) {
+  seen.answer = IDOK;
+  EXPECT_FALSE(call(request()));
+  EXPECT_EQ(cancelled, 1);
+  EXPECT_STREQ(path, "C:\\windows");
+  EXPECT_TRUE(FreeFileDialog(dialog));
+}
+
+// A lone backslash is the one that OK has appended.
+TEST_F(DirFileCall, GivesTheNamesAloneWithoutAFolderBeforeThem) {
+  seen.answer = IDOK;
+  seen.folder = "\\";
+  seen.names = {"a.txt", "b.txt"};
+  EXPECT_TRUE(call(request()));
+  EXPECT_STREQ(path, "");
+  ASSERT_EQ(count, 2U);
+  EXPECT_STREQ(list, "a.txt");
+  EXPECT_STREQ(list + kPathCapacity, "b.txt");
+  EXPECT_TRUE(FreeFileDialog(dialog));
+}
+
 TEST_F(DirFileCall, FailsCleanlyWithoutAPlaceForItsResult) {
   seen.answer = IDOK;
+  seen.folder = "C:\\data\\";
   for (const HostOutput& each : {HostOutput{nullptr, &list, &count, &dialog, &cancelled},
                                  HostOutput{path, nullptr, &count, &dialog, &cancelled}}) {
     EXPECT_FALSE(OpenDirFileDialog(request(), each));

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+
 #include "tests/dialogs/DirFileTest.h"
 // Only now:
 #include <commctrl.h>
@@ -110,6 +112,30 @@ TEST_F(DirFileFilter, KeepsEveryWantedItemWhenAllAreSelected) {
   EXPECT_THAT(shown, ElementsAre("x.txt", "y.txt", "z.txt"));
   EXPECT_THAT(outcome.entries(),
               ElementsAre(folder() + "\\x.txt", folder() + "\\y.txt", folder() + "\\z.txt"));
+}
+
+std::atomic<int> g_countQueries = 0;
+
+LRESULT CALLBACK countQueries(int code, WPARAM wParam, LPARAM lParam) {
+  if (reinterpret_cast<const CWPSTRUCT*>(lParam)->message == LVM_GETSELECTEDCOUNT) ++g_countQueries;
+  return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+// Asking how many items were selected filtered the list while it went away. Hooks see what the one that was
+// installed behind them passes on.
+TEST_F(DirFileFilter, IsNotRunWhenTheListGoes) {
+  addFile("x.txt");
+  const HHOOK hook = SetWindowsHookExA(WH_CALLWNDPROC, &countQueries, nullptr, GetCurrentThreadId());
+  int before = 0;
+  run({.mode = kListFiles}, [&](Driver& user, HWND dialog) {
+    user.select(user.waitForList(dialog, 1), "x.txt");
+    before = g_countQueries;
+    user.press(dialog, IDOK);
+  });
+  UnhookWindowsHookEx(hook);
+  EXPECT_GT(before, 0) << "the dialog's hook has passed them on";
+  EXPECT_EQ(g_countQueries, before);
+  EXPECT_EQ(outcome.count, 1U);
 }
 
 // Item names count from the current directory, which follows the folder shown.

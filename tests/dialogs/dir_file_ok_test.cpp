@@ -2,6 +2,8 @@
 // The OK of the directory-or-file dialog: what it takes, and the box about a bad folder.
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "dialogs/OkInterceptor.h"
 #include "tests/dialogs/DirFileTest.h"
 
@@ -49,6 +51,22 @@ TEST_F(DirFileOk, TakesNoNoticeOfOkWithoutAnyFolder) {
     user.press(dialog, IDCANCEL);
   });
   EXPECT_TRUE(stillThere);
+  EXPECT_EQ(outcome.cancelled, 1);
+}
+
+// Such a press went to an object that is not there.
+TEST_F(DirFileOk, LeavesAPressWithoutADialogObjectToTheSystem) {
+  addFolder("sub\\inner");
+  run({}, [](Driver& user, HWND dialog) {
+    (void)user.waitForList(dialog, {"sub"});
+    user.typeName(dialog, "sub");
+    CDirFileOpen* const object = std::exchange(g_dirFileState.dialog, nullptr);
+    user.press(dialog, IDOK);
+    (void)user.waitForList(dialog, {"inner"});
+    g_dirFileState.dialog = object;
+    user.press(dialog, IDCANCEL);
+  });
+  EXPECT_FALSE(outcome.result);
   EXPECT_EQ(outcome.cancelled, 1);
 }
 

@@ -58,6 +58,17 @@ TEST_F(DirFileResult, IsNothingButTheDialogAfterACancel) {
   EXPECT_EQ(g_nModuleRefs, 1U) << "until the dialog is freed";
 }
 
+// A host that frees what it was given freed a dialog that was up.
+TEST_F(DirFileResult, HasItsDialogOnlyWhenThatIsOver) {
+  void* meanwhile = this;
+  run({}, [&](Driver& user, HWND dialog) {
+    meanwhile = outcome.dialog;
+    user.press(dialog, IDCANCEL);
+  });
+  EXPECT_EQ(meanwhile, nullptr);
+  EXPECT_NE(outcome.dialog, nullptr);
+}
+
 TEST_F(DirFileResult, FollowsTheFolderThatTheUserOpens) {
   addFolder("sub");
   std::ofstream(scratch.path() / "sub" / "in.txt") << "in";
@@ -71,8 +82,9 @@ TEST_F(DirFileResult, FollowsTheFolderThatTheUserOpens) {
   EXPECT_THAT(outcome.entries(), ElementsAre(folder() + "\\sub\\in.txt"));
 }
 
-// The old list goes with the folder still selected, and the new one has no selection that would replace it.
-TEST_F(DirFileResult, NamesAnOpenedFolderInItselfWhenNothingIsSelectedInIt) {
+// It was the opened folder within itself: the old list goes with that still selected, and the new one has no
+// selection that would replace it.
+TEST_F(DirFileResult, IsTheOpenedFolderAloneWhenNothingIsSelectedInIt) {
   addFolder("sub");
   std::ofstream(scratch.path() / "sub" / "in.txt") << "in";
   run({}, [](Driver& user, HWND dialog) {
@@ -80,7 +92,34 @@ TEST_F(DirFileResult, NamesAnOpenedFolderInItselfWhenNothingIsSelectedInIt) {
     (void)user.waitForList(dialog, {"in.txt"});
     user.press(dialog, IDOK);
   });
-  EXPECT_THAT(outcome.entries(), ElementsAre(folder() + "\\sub\\sub"));
+  EXPECT_TRUE(outcome.result);
+  EXPECT_EQ(outcome.path, folder() + "\\sub");
+  EXPECT_EQ(outcome.count, 0U);
+}
+
+// The drive keeps its backslash, and the one in front of a name follows it.
+TEST_F(DirFileResult, IsTheItemsOfADrive) {
+  std::snprintf(outcome.path, sizeof outcome.path, "C:\\");
+  runHere({}, [](Driver& user, HWND dialog) {
+    user.select(user.waitForList(dialog, 1), "windows");
+    user.press(dialog, IDOK);
+  });
+  EXPECT_TRUE(outcome.result);
+  EXPECT_STREQ(outcome.path, "C:\\");
+  EXPECT_THAT(outcome.entries(), ElementsAre("C:\\\\windows"));
+}
+
+// A WM_QUIT was an OK without a folder.
+TEST_F(DirFileResult, IsACancelWhenTheHostQuitsMeanwhile) {
+  const DWORD thread = GetCurrentThreadId();
+  run({}, [thread](Driver&, HWND) { PostThreadMessageA(thread, WM_QUIT, 5, 0); });
+  EXPECT_FALSE(outcome.result);
+  EXPECT_EQ(outcome.cancelled, 1);
+  EXPECT_EQ(outcome.count, 0U);
+  EXPECT_EQ(outcome.path, folder());
+  MSG quit{};
+  ASSERT_TRUE(PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "is still to end the host's loop";
+  EXPECT_EQ(quit.wParam, 5U);
 }
 
 TEST_F(DirFileResult, IsTheFolderThatIsTypedIntoTheHiddenEdit) {
