@@ -119,7 +119,7 @@ class Setup(unittest.TestCase):
     def assert_left_to_root(self, command):
         code, lines, calls = self.run_setup()
         self.assertEqual(code, 1)
-        self.assertEqual(lines[-1], f"setup: needs root: {command}")
+        self.assertEqual(lines[-1], f"setup: needs root for packages; an administrator runs: {command}")
         self.assertEqual([line for line in lines[:-1] if "root" in line or "not found" in line], [])
         self.assertEqual([call for call in calls if call.startswith("sudo") and call != "sudo -n true"], [])
 
