@@ -20,13 +20,18 @@ class MemoryFtp : public MemoryPeer {
   // By verb, line ends included; any other command is done.
   std::map<std::string, std::string> answers{
       {"USER", "331 Password?\r\n"}, {"EPSV", "229 Here (|||1000|)\r\n"}, {"PWD", "257 \"/\"\r\n"}};
+  // What becomes of several lines in one packet: all are answered; the first one is, and the rest is lost; or
+  // one 500 is the answer to the whole.
+  enum class Packets { taken, cutToOneLine, refused };
+  Packets packets = Packets::taken;
   MemoryLink::State passiveState = MemoryLink::State::established;  // of a passive connection at first
   // Called behind the answer.
   std::function<void(const std::string& line)> onCommand;
   // Called when the client has ended or broken a connection.
   std::function<void(const Link& link)> onLeft;
 
-  std::vector<std::string> lines;  // of all control connections
+  std::vector<std::string> lines;  // that it has answered, of all control connections
+  std::size_t crowdedPackets = 0;  // that held more than one line
   Link control;                    // the last one
   Link data;                       // the last passive one
 
@@ -38,9 +43,15 @@ class MemoryFtp : public MemoryPeer {
 
   void received(const Link& link) override {
     if (link != control) return;
+    const bool crowded = link->toServer.find("\r\n") + 2 < link->toServer.size();
+    crowdedPackets += crowded ? 1 : 0;
+    if (crowded && packets == Packets::refused) {
+      link->toServer.clear();
+      link->toClient += "500 What?\r\n";
+    }
     for (std::size_t end = 0; (end = link->toServer.find("\r\n")) != std::string::npos;) {
       lines.push_back(link->toServer.substr(0, end));
-      link->toServer.erase(0, end + 2);
+      link->toServer.erase(0, packets == Packets::cutToOneLine ? std::string::npos : end + 2);
       const auto answer = answers.find(lines.back().substr(0, lines.back().find(' ')));
       link->toClient += answer == answers.end() ? "200 Done\r\n" : answer->second;
       if (onCommand) onCommand(std::string(lines.back()));

@@ -33,34 +33,25 @@ void ControlChannel::send(std::string_view line) {
   settle();
   notify(kStatusSendingRequest);
   requireOpen();
-  std::string bytes = takeQueued();
-  bytes.append(line).append("\r\n");
   awaiting_ = true;
-  transmit(bytes);
+  window_.command(line);
+  transmit();
+  requireOpen();
   notify(kStatusRequestSent);
 }
 
 void ControlChannel::queue(std::string_view line, ReplyHandler handler) {
-  queuedAhead_.push_back(std::move(handler));
-  queued_.append(line).append("\r\n");
-}
-
-// The queued lines, about to be sent: their replies are due from here on.
-std::string ControlChannel::takeQueued() {
-  for (ReplyHandler& handler : queuedAhead_) ahead_.push_back(std::move(handler));
-  queuedAhead_.clear();
-  return std::exchange(queued_, {});
+  window_.queue(line, std::move(handler));
 }
 
 void ControlChannel::sendAhead(std::string_view line, ReplyHandler handler) noexcept {
   if (!isOpen()) return;
   if (awaiting_ || platform::stopRequested()) return drop();
   try {
-    queue(line, std::move(handler));
-    const std::string bytes = takeQueued();
+    window_.ahead(line, std::move(handler));
+    const std::string bytes = window_.takeSendable();
     const auto sent = sock_->send(bytes.data(), bytes.size());
-    if (sent.status != IoStatus::done || sent.bytes != bytes.size()) return drop();
-    settleFirst_ = true;
+    if (sent.status != IoStatus::done || sent.bytes != bytes.size()) drop();
   } catch (...) {
     // Out of memory.
     drop();
@@ -71,14 +62,13 @@ void ControlChannel::sendAhead(std::string_view line, ReplyHandler handler) noex
 // nobody has asked for, which would otherwise be taken for the command's own.
 void ControlChannel::settle() {
   requireOpen();
+  window_.forgetCommand();
   const Deadline deadline(dialer_.timeouts().reply);
-  for (;;) {
-    if (settleFirst_) deliverAhead();
-    if (!settleFirst_) break;
-    if (!receiveMore(deadline)) {
-      if (isOpen()) closeWith(kTimeout);
-      requireOpen();
-    }
+  std::optional<FtpReply> none;
+  while (!window_.idle()) {
+    if (takeOne(none) || receiveMore(deadline)) continue;
+    if (isOpen()) closeWith(kTimeout);
+    requireOpen();
   }
   strayReplies_ = 0;
   while (const auto reply = nextReply(Deadline(kAtOnce))) {
@@ -87,10 +77,15 @@ void ControlChannel::settle() {
   requireOpen();
 }
 
+// The lines whose turn it is.
+void ControlChannel::transmit() {
+  const std::string bytes = window_.takeSendable();
+  if (!bytes.empty()) transmit(bytes);
+}
+
 void ControlChannel::transmit(std::string_view bytes) {
   const IoStatus status = sendAll(*sock_, bytes, Deadline(dialer_.timeouts().reply));
   if (status != IoStatus::done) closeWith(errorOf(status));
-  requireOpen();
 }
 
 FtpReply ControlChannel::reply(milliseconds limit, DeliveryWatch* delivery) {
@@ -121,14 +116,16 @@ void ControlChannel::notifyReply(const FtpReply& reply) {
 
 void ControlChannel::accept(const FtpReply& reply) {
   awaiting_ = isOpen() && reply.preliminary();
-  if (!aheadRefusal_.empty()) fail(kExtendedError, std::exchange(aheadRefusal_, {}));
+  std::string refusal = window_.takeRefusal();
+  if (!refusal.empty()) fail(kExtendedError, std::move(refusal));
 }
 
 std::optional<FtpReply> ControlChannel::nextReply(const Deadline& deadline) {
+  std::optional<FtpReply> own;
   do {
-    deliverAhead();
-    if (!ahead_.empty()) continue;
-    if (auto reply = takeReply()) return reply;
+    while (takeOne(own)) {
+      if (own) return own;
+    }
   } while (receiveMore(deadline));
   return std::nullopt;
 }
@@ -163,21 +160,22 @@ std::optional<FtpReply> ControlChannel::takeReply() {
 
 // A server that goes on speaking must not keep us for ever: every reply that ends nothing counts.
 bool ControlChannel::tooMany(const FtpReply& reply) noexcept {
-  if (!awaiting_ && ahead_.empty()) return ++strayReplies_ > kMaxStrayReplies;
+  if (!awaiting_ && window_.idle()) return ++strayReplies_ > kMaxStrayReplies;
   preliminaryReplies_ = reply.preliminary() ? preliminaryReplies_ + 1 : 0;
   return preliminaryReplies_ > kMaxPreliminaryReplies;
 }
 
-void ControlChannel::deliverAhead() {
-  while (!ahead_.empty()) {
-    const auto reply = takeReply();
-    if (!reply) return;
-    if (reply->preliminary()) continue;
-    const ReplyHandler handler = std::move(ahead_.front());
-    ahead_.pop_front();
-    if (!handler(*reply) && aheadRefusal_.empty()) aheadRefusal_ = reply->text;
-  }
-  settleFirst_ = false;
+// Takes one reply that is here already; `own` when it is the command's, or nobody's. False when there is
+// none.
+bool ControlChannel::takeOne(std::optional<FtpReply>& own) {
+  auto reply = takeReply();
+  if (!reply) return false;
+  doubt_.reset();
+  const bool single = window_.singly();
+  own = window_.take(std::move(*reply));
+  if (window_.singly() && !single && onSingleLines_) onSingleLines_();
+  if (isOpen()) transmit();
+  return true;
 }
 
 // Takes what has come, else waits for it. False when the deadline has passed or the connection is closed.
@@ -186,13 +184,31 @@ bool ControlChannel::receiveMore(const Deadline& deadline) {
   // Where there is always more to read nothing comes to wait.
   platform::throwIfStopped();
   std::array<char, std::size_t{16} * 1024> buffer;
-  const auto received = receiveSome(*sock_, buffer, deadline);
-  if (received.status == IoStatus::wouldBlock) return false;
+  const auto received = receiveSome(*sock_, buffer, nextLook(deadline));
+  if (received.status == IoStatus::wouldBlock) return lookForLoss();
   if (received.status != IoStatus::done) {
     closeWith(errorOf(received.status));
   } else if (!reader_.feed({buffer.data(), received.bytes})) {
     closeWith(kInvalidServerResponse);
   }
+  return isOpen();
+}
+
+// The deadline, or the moment before it at which a line that was sent along counts as late.
+const Deadline& ControlChannel::nextLook(const Deadline& deadline) {
+  const LineWindow::Doubt doubt = window_.doubt();
+  if (doubt == LineWindow::Doubt::none) return deadline;
+  if (!doubt_) {
+    doubt_ = Deadline(doubt == LineWindow::Doubt::now ? kAtOnce : dialer_.timeouts().followUp);
+  }
+  return doubt_->left() < deadline.left() ? *doubt_ : deadline;
+}
+
+// Nothing has come. False when it is not time to ask whether something still will.
+bool ControlChannel::lookForLoss() {
+  if (!doubt_ || !doubt_->passed()) return false;
+  doubt_.reset();
+  transmit(std::string(window_.probe()) + "\r\n");
   return isOpen();
 }
 
@@ -234,11 +250,8 @@ void ControlChannel::closeWith(std::uint32_t error, std::string serverText) noex
 void ControlChannel::drop() noexcept {
   sock_.reset();
   reader_ = {};
-  queued_.clear();
-  queuedAhead_.clear();
-  ahead_.clear();
-  aheadRefusal_.clear();
-  settleFirst_ = false;
+  window_.clear();
+  doubt_.reset();
   awaiting_ = false;
 }
 

@@ -7,7 +7,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -15,15 +14,14 @@
 #include <string_view>
 
 #include "framework/internet/ftp/FtpReply.h"
+#include "framework/internet/ftp/LineWindow.h"
 #include "framework/internet/net/Dialer.h"
 
 namespace internet {
 
 class ControlChannel {
  public:
-  // Takes the reply to a line that was sent ahead. False = the command behind it fails with that reply's
-  // text.
-  using ReplyHandler = std::function<bool(const FtpReply&)>;
+  using ReplyHandler = LineWindow::ReplyHandler;
 
   explicit ControlChannel(std::shared_ptr<SessionLink> session) noexcept;
 
@@ -31,9 +29,11 @@ class ControlChannel {
   void open(const std::string& server, std::uint16_t port);
   [[nodiscard]] bool isOpen() const noexcept { return sock_ != nullptr; }
 
-  // Sends what was queued and `line` in one go (30, 31).
+  // Sends what was queued and `line` (30, 31): in one go, unless the server takes single lines; then each as
+  // soon as the one before it is answered.
   void send(std::string_view line);
-  // Keeps `line` back for the next send(); the reply is taken ahead of that command's own.
+  // Keeps `line` back for the next send(); the reply is taken ahead of that command's own. It may be sent
+  // twice, but the server sees it once.
   void queue(std::string_view line, ReplyHandler handler);
   // Sends `line` now without waiting for its reply, which is taken before the next command goes out. Closes
   // the connection when it cannot take the line at once.
@@ -52,6 +52,11 @@ class ControlChannel {
   [[nodiscard]] bool awaiting() const noexcept { return awaiting_; }
   // A reply is here already, or what can be none, so readInterest() may never become ready for it.
   [[nodiscard]] bool replyReady() const noexcept { return reader_.replyReady() || reader_.broken(); }
+
+  // The server is known to take single lines.
+  void sendSingly() noexcept { window_.sendSingly(); }
+  // Called when that is found out.
+  void onSingleLines(std::function<void()> learn) noexcept { onSingleLines_ = std::move(learn); }
 
   // For waits on something else that end early when the server speaks.
   [[nodiscard]] platform::SocketInterest readInterest() noexcept;
@@ -78,25 +83,25 @@ class ControlChannel {
  private:
   void requireOpen() const;
   void settle();
-  std::string takeQueued();
+  void transmit();
   void transmit(std::string_view bytes);
   std::optional<FtpReply> nextReply(const Deadline& deadline);
   std::optional<FtpReply> nextReply(std::chrono::milliseconds limit, DeliveryWatch& delivery);
   std::optional<FtpReply> takeReply();
   bool tooMany(const FtpReply& reply) noexcept;
-  void deliverAhead();
+  bool takeOne(std::optional<FtpReply>& own);
   bool receiveMore(const Deadline& deadline);
+  const Deadline& nextLook(const Deadline& deadline);
+  bool lookForLoss();
   void accept(const FtpReply& reply);
   void closeWith(std::uint32_t error, std::string serverText = {}) noexcept;
 
   Dialer dialer_;
   std::unique_ptr<Sock> sock_;
   FtpReplyReader reader_;
-  std::string queued_;                    // whole lines, not sent yet
-  std::deque<ReplyHandler> queuedAhead_;  // of the replies to these
-  std::deque<ReplyHandler> ahead_;        // of the replies that are due before the command's own
-  bool settleFirst_ = false;              // what was sent ahead must be answered before the next command
-  std::string aheadRefusal_;
+  LineWindow window_;
+  std::optional<Deadline> doubt_;  // when a line that was sent along counts as late
+  std::function<void()> onSingleLines_;
   bool awaiting_ = false;
   bool answered_ = false;
   unsigned preliminaryReplies_ = 0;  // since the last final one

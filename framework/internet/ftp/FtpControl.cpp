@@ -35,7 +35,10 @@ FtpControl::FtpControl(std::shared_ptr<SessionLink> session, FtpLogin login)
       login_(std::move(login)),
       traitsKey_(traitsKeyOf(login_)),
       channel_(session_),
-      traits_(cachedTraits(traitsKey_)) {}
+      traits_(cachedTraits(traitsKey_)) {
+  if (traits_.singleLines) channel_.sendSingly();
+  channel_.onSingleLines([this] { learn([](FtpTraits& traits) { traits.singleLines = true; }); });
+}
 
 FtpControl::~FtpControl() = default;
 

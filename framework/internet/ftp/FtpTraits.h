@@ -17,6 +17,7 @@ struct FtpTraits {
   bool noExtendedPassive = false;     // EPSV is not known there, or its ports cannot be reached
   bool extendedPassiveWorks = false;  // a data connection through EPSV was made
   bool noExtendedActive = false;      // EPRT is not known there
+  bool singleLines = false;           // of several lines in one packet it takes the first alone
 };
 
 // All feature lines of the reply to FEAT; unknown ones are skipped. Keeps the other members of `traits`.

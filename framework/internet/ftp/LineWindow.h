@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+// The command lines on their way to a server, and whose reply is whose. No I/O.
+// Lines that can wait for one another travel together. Not every server takes that: some read one packet,
+// answer its first line and drop the rest, or refuse the whole packet with one reply. So when lines behind an
+// answered one stay unanswered for too long (doubt()), a probe is sent behind them, a command without effect:
+// a server that has merely been slow answers them first, in their order, and one that answers the probe has
+// never seen them. Only then are they sent again, and from then on one by one: nothing is ever done twice.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "framework/internet/ftp/FtpReply.h"
+
+namespace internet {
+
+class LineWindow {
+ public:
+  // Takes the reply to a line ahead of a command. False = the command fails with that reply's text.
+  using ReplyHandler = std::function<bool(const FtpReply&)>;
+
+  // --- Lines ---
+
+  // Keeps a line back for the next command().
+  void queue(std::string_view line, ReplyHandler handler);
+  // A line that goes out for itself, before whatever is queued.
+  void ahead(std::string_view line, ReplyHandler handler);
+  // What was queued, and a command, whose reply take() hands back.
+  void command(std::string_view line);
+  // The lines that are to be sent now, with their line ends: all of them, or the next one.
+  std::string takeSendable();
+  // Nobody waits for the command's reply any more, or will take it for what it is.
+  void forgetCommand() noexcept;
+  // No line is to be sent, and none has its reply still to come, the probe included.
+  [[nodiscard]] bool idle() const noexcept { return waiting_.empty() && sent_.empty() && !probing_; }
+
+  // --- Replies ---
+
+  // The oldest reply: handed back when it is the command's, or one that nobody has asked for. Else it has
+  // been given to its handler, kept until it is clear whose it is, or dropped.
+  std::optional<FtpReply> take(FtpReply reply);
+  // The first refusal that a handler did not accept, once; "" if there was none.
+  std::string takeRefusal() noexcept;
+
+  // --- Doubt ---
+
+  enum class Doubt { none, soon, now };
+  // Whether the rest of the lines was lost; `now` where the reply to the first of them makes it likely.
+  [[nodiscard]] Doubt doubt() const noexcept;
+  // The line to send when that has lasted. There is no doubt until it is answered.
+  std::string_view probe();
+
+  // The server takes one line at a time: known from the start, or found out.
+  void sendSingly() noexcept { singly_ = true; }
+  [[nodiscard]] bool singly() const noexcept { return singly_; }
+
+  // The connection is gone. Keeps what is known of the server.
+  void clear() noexcept;
+
+ private:
+  struct Line {
+    std::string text;
+    ReplyHandler handler;  // null: the command
+  };
+  struct Refusal {
+    Line line;
+    FtpReply reply;
+  };
+
+  std::optional<FtpReply> takePreliminary(FtpReply reply);
+  std::optional<FtpReply> takeBehindAll(FtpReply reply);
+  std::optional<FtpReply> answerFront(FtpReply reply);
+  std::optional<FtpReply> endProbe(const FtpReply& reply);
+  void sendAgain();
+  void confirmRefusal();
+  void deliver(const Line& line, const FtpReply& reply);
+
+  std::vector<Line> queued_;   // until the next command
+  std::vector<Line> waiting_;  // to be sent
+  std::vector<Line> sent_;     // without a final reply
+  bool singly_ = false;
+  bool together_ = false;       // what is sent went out in one piece with other lines
+  bool answered_ = false;       // a line of that piece was
+  bool begun_ = false;          // all that is sent is a command that has had a preliminary reply
+  bool probing_ = false;        // the probe has not been answered
+  bool strayPossible_ = false;  // the next reply may be one that nobody has asked for
+  // To the first line, as to one that is unknown: it may have meant the whole piece.
+  std::optional<Refusal> refusal_;
+  // It cannot answer the line whose turn it is, and does so only if no other reply comes.
+  std::optional<FtpReply> odd_;
+  std::string refusalText_;
+};
+
+}  // namespace internet
