@@ -11,6 +11,10 @@
 // Remote paths: backslashes count as slashes, one trailing slash is dropped. A path of 256 characters or
 // more, or with a control character, makes the operation fail before anything is sent. Local paths are those
 // of the operating system; on Linux "Z:/dir/file" (any letter) names "/dir/file".
+//
+// A name lookup cannot be broken off: one that an operation has given up goes on in the system. Until it
+// ends, a library that the host unloads stays in memory; whatever else the library has started is over when
+// its clients are gone.
 #pragma once
 
 #include "QXDirEntry.h"

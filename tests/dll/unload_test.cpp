@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The library comes and goes: a copy of the file is a module of its own, with a count of its own.
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <thread>
 
 #include "tests/dll/library.h"
 #include "tests/support/ScratchFolder.h"
@@ -20,6 +22,33 @@ TEST(Unloading, ALibraryThatIsLoadedAgainStartsAfresh) {
     ASSERT_NE(client, nullptr);
     EXPECT_EQ(client->FTPSetProxy("proxy.test", 0), 0);
     EXPECT_EQ(error.bSet, 1U);
+  }
+}
+
+// A name lookup kept the library for the rest of the process.
+TEST(Unloading, ALibraryThatHasLookedUpNamesGoesOnceTheLookupsAreOver) {
+  const testing_support::ScratchFolder scratch;
+  const std::string copy = scratch.file(clientLibraryName());
+  std::filesystem::copy_file(std::getenv("QX_LIBRARY"), copy);
+  {
+    const ClientLibrary loaded(copy);
+    loaded.addRef();  // only unloading forgets it
+    QXErrorInfo error{};
+    const Client client = makeClient(loaded, &error);
+    ASSERT_NE(client, nullptr);
+    for (int i = 0; i < 3; ++i) {
+      // Nobody listens there, but the name is looked up.
+      EXPECT_EQ(loaded.connect(client.get(), "localhost", "user", "secret", 1, 1, 0, nullptr), 0);
+      EXPECT_EQ(error.nError, 12029U);
+    }
+  }
+  // The lookups' threads may still be about to end.
+  const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+  for (bool fresh = false; !fresh; std::this_thread::yield()) {
+    ASSERT_LT(std::chrono::steady_clock::now(), giveUp) << "still loaded";
+    const ClientLibrary again(copy);
+    fresh = again.addRef() == 1;
+    again.release();
   }
 }
 
