@@ -5,15 +5,35 @@ set(QX_SANITIZER_ENVIRONMENT
   TSAN_OPTIONS=second_deadlock_stack=1
   UBSAN_OPTIONS=print_stacktrace=1)
 
+# Wine takes the code page of a program's narrow texts from the locale. These are made here: a machine has what its
+# administrator chose. A target for each, which qx_test() names by the code page.
+if(WIN32)
+  find_program(QX_LOCALEDEF localedef REQUIRED)
+  set(QX_LOCALES "${CMAKE_BINARY_DIR}/locale")
+  foreach(pair 1252:en_US 932:ja_JP 65001:hi_IN)
+    string(REGEX MATCH "^([0-9]+):(.+)$" pair "${pair}")
+    set(code_page ${CMAKE_MATCH_1})
+    set(QX_LOCALE_${code_page} "${CMAKE_MATCH_2}.UTF-8")
+    set(locale "${QX_LOCALES}/${QX_LOCALE_${code_page}}")
+    add_custom_command(OUTPUT "${locale}/LC_CTYPE"
+      COMMAND ${CMAKE_COMMAND} -E make_directory "${QX_LOCALES}"
+      COMMAND "${QX_LOCALEDEF}" -i ${CMAKE_MATCH_2} -f UTF-8 "${locale}"
+      VERBATIM)
+    add_custom_target(locale_${code_page} DEPENDS "${locale}/LC_CTYPE")
+  endforeach()
+endif()
+
 # qx_test(NAME name SOURCES files... [LIBS targets...] [LABELS unit|fixture|real|dll|storm...] [TIMEOUT seconds]
-#         [ENVIRONMENT NAME=value...] [FIXTURE] [SERIAL] [SEPARATE])
+#         [ENVIRONMENT NAME=value...] [CODE_PAGE number] [FIXTURE] [SERIAL] [SEPARATE])
 #
 # One program and one ctest entry per call: starting Wine once per case would cost more than the cases. With FIXTURE
 # the program runs under the fixture server, whose port it finds in QX_FIXTURE_PORT. The label `dll` makes the shared
 # library a dependency and gives its path in QX_LIBRARY. SERIAL: nothing else runs beside it.
+# CODE_PAGE: that of the program's narrow texts under Wine (1252, 932, 65001); Linux has none.
 # SEPARATE: its files have names in common and are never compiled together.
 function(qx_test)
-  cmake_parse_arguments(PARSE_ARGV 0 test "FIXTURE;SERIAL;SEPARATE" "NAME;TIMEOUT" "SOURCES;LIBS;LABELS;ENVIRONMENT")
+  cmake_parse_arguments(PARSE_ARGV 0 test "FIXTURE;SERIAL;SEPARATE" "NAME;TIMEOUT;CODE_PAGE"
+    "SOURCES;LIBS;LABELS;ENVIRONMENT")
   if(test_UNPARSED_ARGUMENTS OR NOT test_NAME OR NOT test_SOURCES)
     message(FATAL_ERROR "qx_test(${ARGV}): wrong arguments")
   endif()
@@ -43,6 +63,11 @@ function(qx_test)
   if("dll" IN_LIST test_LABELS)
     add_dependencies(${test_NAME} ZRM_QXKT32x64)
     list(APPEND test_ENVIRONMENT "QX_LIBRARY=$<$<BOOL:${WIN32}>:Z:>$<TARGET_FILE:ZRM_QXKT32x64>")
+  endif()
+
+  if(test_CODE_PAGE AND WIN32)
+    add_dependencies(${test_NAME} locale_${test_CODE_PAGE})
+    list(APPEND test_ENVIRONMENT "LOCPATH=${QX_LOCALES}" LC_ALL=${QX_LOCALE_${test_CODE_PAGE}})
   endif()
 
   add_test(NAME ${test_NAME} COMMAND ${command})

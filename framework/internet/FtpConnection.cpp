@@ -9,11 +9,14 @@
 #include "framework/internet/ftp/FtpControl.h"
 #include "framework/internet/ftp/FtpFileCopy.h"
 #include "framework/internet/ftp/FtpTransfer.h"
+#include "framework/internet/ftp/HostNames.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/platform/last_error.h"
 
 using internet::FtpControl;
 using internet::FtpTransfer;
+using internet::nameForHost;
+using internet::nameForServer;
 
 namespace {
 
@@ -26,7 +29,7 @@ void checkPath(const char* path) { FtpControl::checkArgument(path ? std::string_
 bool simpleCommand(const ControlPtr control, std::string_view verb, const char* path) {
   return internet::answer([&] {
     checkPath(path);
-    control->request([&] { control->require(verb, path); });
+    control->request([&] { control->require(verb, nameForServer(*control, path)); });
   });
 }
 
@@ -47,9 +50,11 @@ bool CFtpConnection::Rename(const char* from, const char* to) {
     checkPath(from);
     checkPath(to);
     control->request([&] {
-      const internet::FtpReply named = control->command("RNFR", from);
+      const std::string source = nameForServer(*control, from);
+      const std::string target = nameForServer(*control, to);
+      const internet::FtpReply named = control->command("RNFR", source);
       if (named.refused() && named.code != 350) control->raise(named);
-      control->require("RNTO", to);
+      control->require("RNTO", target);
     });
   });
 }
@@ -57,7 +62,7 @@ bool CFtpConnection::Rename(const char* from, const char* to) {
 bool CFtpConnection::GetCurrentDirectory(std::string& directory) {
   return internet::answer([&, control = m_control] {
     std::string path;
-    control->request([&] { path = control->askDirectory(); });
+    control->request([&] { path = nameForHost(*control, control->askDirectory()); });
     directory = std::move(path);
   });
 }
@@ -65,7 +70,7 @@ bool CFtpConnection::GetCurrentDirectory(std::string& directory) {
 bool CFtpConnection::SetCurrentDirectory(const char* path) {
   return internet::answer([&, control = m_control] {
     checkPath(path);
-    control->request([&] { control->changeDirectory(path); });
+    control->request([&] { control->changeDirectory(nameForServer(*control, path)); });
   });
 }
 
@@ -74,7 +79,9 @@ bool CFtpConnection::GetFile(const char* remote, const char* local, bool failIfE
   return internet::answer([&, control = m_control] {
     checkPath(remote);
     if (!local) internet::fail(platform::kErrorInvalidParameter);
-    control->request([&] { internet::downloadFile(*control, remote, local, failIfExists, attributes); });
+    control->request([&] {
+      internet::downloadFile(*control, nameForServer(*control, remote), local, failIfExists, attributes);
+    });
   });
 }
 
@@ -82,7 +89,7 @@ bool CFtpConnection::PutFile(const char* local, const char* remote, std::uint32_
   return internet::answer([&, control = m_control] {
     checkPath(remote);
     if (!local) internet::fail(platform::kErrorInvalidParameter);
-    control->request([&] { internet::uploadFile(*control, local, remote); });
+    control->request([&] { internet::uploadFile(*control, local, nameForServer(*control, remote)); });
   });
 }
 
@@ -96,7 +103,8 @@ CInternetFile* CFtpConnection::OpenFile(const char* path, std::uint32_t access, 
     control->request([&] {
       auto transfer = std::make_unique<FtpTransfer>(
           control, write ? FtpTransfer::Kind::upload : FtpTransfer::Kind::download);
-      const internet::FtpReply reply = transfer->begin(write ? "STOR" : "RETR", path);
+      const internet::FtpReply reply =
+          transfer->begin(write ? "STOR" : "RETR", nameForServer(*control, path));
       if (reply.refused()) control->raise(reply);
       control->holdForFile(true);
       file = std::make_unique<CInternetFile>(std::move(transfer));

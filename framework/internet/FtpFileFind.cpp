@@ -5,13 +5,16 @@
 #include <optional>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "framework/internet/FtpConnection.h"
 #include "framework/internet/Raising.h"
 #include "framework/internet/ftp/FindRule.h"
+#include "framework/internet/ftp/HostNames.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/last_error.h"
+#include "framework/platform/stop_token.h"
 
 namespace internet {
 
@@ -50,6 +53,13 @@ void askTime(FtpControl& control, FindState& state) {
   state.found.entries.front().modified = parseMdtmTime(time);
 }
 
+void namesForHost(FtpControl& control, std::vector<FtpEntry>& entries) {
+  for (FtpEntry& entry : entries) {
+    platform::throwIfStopped();
+    entry.name = nameForHost(control, std::move(entry.name));
+  }
+}
+
 }  // namespace
 }  // namespace internet
 
@@ -79,11 +89,12 @@ bool CFtpFileFind::FindFile(const char* pattern, std::uint32_t) {
   const auto search = [&] {
     internet::FindRule rule(*control, internet::secondsNow());
     try {
-      state->found = rule.find(asked);
+      state->found = rule.find(internet::nameForServer(*control, asked));
     } catch (const internet::Failure&) {
       unusable = rule.listingUnusable();
       throw;
     }
+    internet::namesForHost(*control, state->found.entries);
   };
   const std::optional<internet::Failure> failure = internet::attempt([&] {
     internet::checkPattern(asked);

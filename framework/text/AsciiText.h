@@ -14,6 +14,10 @@ constexpr char lowerCase(char c) noexcept {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+constexpr bool isAscii(std::string_view text) noexcept {
+  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
 constexpr bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 
 // A byte that can have no place in a path: below 0x20, or 0x7f.

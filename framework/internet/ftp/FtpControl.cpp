@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "framework/internet/ftp/FtpTransfer.h"
-#include "framework/internet/net/Failure.h"
 #include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/last_error.h"
+#include "framework/text/HostText.h"
 
 namespace internet {
 
@@ -48,10 +48,10 @@ std::shared_ptr<FtpControl> FtpControl::open(std::shared_ptr<SessionLink> sessio
     control->channel_.open(control->login_.server, control->login_.port);
     control->logIn();
     return control;
-  } catch (const Failure&) {
+  } catch (const Failure& failure) {
     control->channel_.drop();
     control->channel_.reportClosed();
-    throw;
+    throw Failure(control->forHost(failure));
   }
 }
 
@@ -89,8 +89,8 @@ void FtpControl::runFramed(const std::function<void()>& work) {
   try {
     work();
   } catch (const Failure& thrown) {
-    failure = thrown;
-    if (!thrown.serverText.empty()) lastServerText_ = thrown.serverText;
+    failure = forHost(thrown);
+    if (!failure->serverText.empty()) lastServerText_ = failure->serverText;
   } catch (...) {
     leaveFrame(false);
     throw;
@@ -192,9 +192,24 @@ FtpTraits FtpControl::traits() {
 }
 
 void FtpControl::enableUtf8() {
-  if (!traits_.utf8 || std::exchange(utf8Asked_, true)) return;
-  // Whatever the server answers, names go through as bytes.
+  if (!traits_.speaksUtf8() || std::exchange(utf8Asked_, true)) return;
+  // Whatever the server answers, its names are UTF-8.
   channel_.queue("OPTS UTF8 ON", [](const FtpReply&) { return true; });
+}
+
+bool FtpControl::speaksUtf8() {
+  const FtpTraits known = traits();
+  if (known.speaksUtf8() || known.utf8ByOption) return known.speaksUtf8();
+  utf8Asked_ = true;
+  const bool taken = command("OPTS", "UTF8 ON").code == 200;
+  learn([taken](FtpTraits& traits) { traits.utf8ByOption = taken; });
+  return taken;
+}
+
+// By what is known of the server: a failure is not the time to ask.
+Failure FtpControl::forHost(const Failure& failure) const {
+  if (!cachedTraits(traitsKey_).speaksUtf8()) return failure;
+  return {failure.error, hosttext::textForHost(failure.serverText, platform::narrowCodePage())};
 }
 
 void FtpControl::withdraw(bool FtpTraits::*feature) {

@@ -16,6 +16,7 @@
 #include "framework/internet/ftp/ControlChannel.h"
 #include "framework/internet/ftp/FtpReply.h"
 #include "framework/internet/ftp/FtpTraits.h"
+#include "framework/internet/net/Failure.h"
 #include "framework/internet/net/SessionLink.h"
 
 namespace internet {
@@ -71,6 +72,9 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   // Asks FEAT the first time for this host, port and user. Where UTF8 is offered it is switched on with the
   // next command that is sent.
   FtpTraits traits();
+  // Whether the server speaks UTF-8: FEAT offers it, or else, asked once, the server takes OPTS UTF8 ON all
+  // the same (vsftpd does).
+  bool speaksUtf8();
   // The server turned down a command that it had offered: remembered for all connections.
   void withdraw(bool FtpTraits::*feature);
 
@@ -138,6 +142,7 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   FtpReply exchange(const std::string& line);
   FtpReply finalReply();
   void enableUtf8();
+  [[nodiscard]] Failure forHost(const Failure& failure) const;
 
   std::shared_ptr<SessionLink> session_;
   FtpLogin login_;

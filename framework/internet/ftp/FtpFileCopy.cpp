@@ -104,7 +104,7 @@ void begin(FtpControl& control, FtpTransfer& transfer, std::string_view verb, st
 
 }  // namespace
 
-void downloadFile(FtpControl& control, const char* remote, const char* local, bool failIfExists,
+void downloadFile(FtpControl& control, std::string_view remote, const char* local, bool failIfExists,
                   std::uint32_t attributes) {
   LocalTarget target(local, failIfExists, attributes);
   FtpTransfer transfer(control.shared_from_this(), FtpTransfer::Kind::download);
@@ -120,7 +120,7 @@ void downloadFile(FtpControl& control, const char* remote, const char* local, bo
   target.keep();
 }
 
-void uploadFile(FtpControl& control, const char* local, const char* remote) {
+void uploadFile(FtpControl& control, const char* local, std::string_view remote) {
   platform::File file;
   if (!file.open(local, platform::FileAccess::read, FileCreation::openExisting)) fail(platform::lastError());
   FtpTransfer transfer(control.shared_from_this(), FtpTransfer::Kind::upload);

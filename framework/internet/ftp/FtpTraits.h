@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace internet {
@@ -14,10 +15,13 @@ struct FtpTraits {
   bool size = false;
   bool mdtm = false;
   bool utf8 = false;
+  std::optional<bool> utf8ByOption;   // else, whether it took OPTS UTF8 ON; none = not asked
   bool noExtendedPassive = false;     // EPSV is not known there, or its ports cannot be reached
   bool extendedPassiveWorks = false;  // a data connection through EPSV was made
   bool noExtendedActive = false;      // EPRT is not known there
   bool singleLines = false;           // of several lines in one packet it takes the first alone
+
+  [[nodiscard]] bool speaksUtf8() const noexcept { return utf8 || utf8ByOption.value_or(false); }
 };
 
 // All feature lines of the reply to FEAT; unknown ones are skipped. Keeps the other members of `traits`.
