@@ -22,7 +22,7 @@ struct QXDirEntry {
   // 0 in what a host gets. While a client keeps a listing (m_pFileBuffer), the first four bytes of its first
   // entry hold the number of entries.
   std::uint8_t aReserved[8];
-  char szName[276];
+  char szName[276];  // QXIPInt.h tells its encoding
 };
 
 static_assert(sizeof(QXDirEntry) == 580, "hosts allocate arrays of entries");

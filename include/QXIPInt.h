@@ -12,6 +12,15 @@
 // more, or with a control character, makes the operation fail before anything is sent. Local paths are those
 // of the operating system; on Linux "Z:/dir/file" (any letter) names "/dir/file".
 //
+// Characters outside ASCII, on Windows, at a server that speaks UTF-8 (FEAT offers UTF8, or OPTS UTF8 ON is
+// taken): each component of a remote path is sent as it is when it is valid UTF-8, else it is taken for a
+// text of the process's ANSI code page and sent as UTF-8. Names from the server come in the code page when it
+// has all their characters; a name that it lacks, or that would look like UTF-8 there, comes in UTF-8. Either
+// form names the same file when it is passed back. The server's words in reports come in the code page, too,
+// where that can be. A server that does not speak UTF-8 gets and gives bytes; so does every server on Linux,
+// and in a process whose code page is UTF-8. A name that is no UTF-8 comes as its bytes from any server; from
+// one that speaks UTF-8 it cannot be passed back unless the code page is UTF-8.
+//
 // A name lookup cannot be broken off: one that an operation has given up goes on in the system. Until it
 // ends, a library that the host unloads stays in memory; whatever else the library has started is over when
 // its clients are gone.

@@ -5,13 +5,28 @@
 #include <cstring>
 #include <string_view>
 
+#include "framework/platform/code_page.h"
 #include "framework/text/AsciiText.h"
+#include "framework/text/HostText.h"
 
 namespace {
 
 bool isSeparator(char c) { return c == '/' || c == '\\'; }
 
 void dropFirst(char* text) { std::memmove(text, text + 1, std::strlen(text)); }
+
+// Calls visit(at) for each character of a path, of which some have two bytes.
+template <class Visit>
+void forEachCharacter(std::string_view path, Visit visit) {
+  hosttext::forEachCharacter(path, platform::narrowCodePage(), visit);
+}
+
+// Where the last character of a text that is not empty begins.
+std::size_t lastCharacter(std::string_view path) {
+  std::size_t last = 0;
+  forEachCharacter(path, [&last](std::size_t at) { last = at; });
+  return last;
+}
 
 // The parts of a path as the C runtime's splitter finds them; each may be empty.
 struct RawParts {
@@ -22,9 +37,9 @@ struct RawParts {
 
 RawParts splitRaw(std::string_view path) {
   std::size_t nameStart = path.size() > 1 && path[1] == ':' ? 2 : 0;
-  for (std::size_t i = nameStart; i < path.size(); ++i) {
-    if (isSeparator(path[i])) nameStart = i + 1;
-  }
+  forEachCharacter(path, [&](std::size_t at) {
+    if (at >= nameStart && isSeparator(path[at])) nameStart = at + 1;
+  });
   const std::string_view last = path.substr(nameStart);
   const std::size_t dot = last.rfind('.');
   const std::size_t nameLength = dot == std::string_view::npos ? last.size() : dot;
@@ -47,20 +62,16 @@ bool TrimSlashes(char* path) noexcept {
     *path = '\0';
     return false;
   }
-  char& last = path[std::strlen(path) - 1];
-  if (last == '\\') {
-    last = '\0';
-  } else if (last == '/' && path[1] != '\0') {
-    last = '\0';
-  }
+  const std::size_t last = lastCharacter(path);
+  if (path[last] == '\\' || (path[last] == '/' && last > 0)) path[last] = '\0';
   return *path != '\0';
 }
 
 bool ToFtpPath(char* path) noexcept {
   if (path == nullptr || *path == '\0') return true;
-  for (char* c = path; *c != '\0'; ++c) {
-    if (*c == '\\') *c = '/';
-  }
+  forEachCharacter(path, [path](std::size_t at) {
+    if (path[at] == '\\') path[at] = '/';
+  });
   if (path[1] == '/') dropFirst(path);
   TrimSlashes(path);
   return true;
@@ -87,4 +98,6 @@ bool IsSafeRemotePath(const char* path) noexcept {
   return text.size() < kPathCapacity && std::none_of(text.begin(), text.end(), ascii::isControl);
 }
 
-bool EqualNames(const char* left, const char* right) noexcept { return ascii::equalBlindToCase(left, right); }
+bool EqualNames(const char* left, const char* right) {
+  return hosttext::equalPaths(left, right, platform::narrowCodePage());
+}

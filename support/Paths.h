@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Host-side paths turned into FTP paths, split, and told apart.
+// Host-side paths turned into FTP paths, split, and told apart. They are texts of the process's code page, in
+// which the second byte of a character may look like a backslash, or UTF-8.
 #pragma once
 
 #include "support/BoundedText.h"
@@ -26,5 +27,6 @@ bool SplitPath(const char* path, PathText* directory, PathText* fileName, PathTe
 // would start a second command).
 [[nodiscard]] bool IsSafeRemotePath(const char* path) noexcept;
 
-// Equality without regard to the case of ASCII letters.
-[[nodiscard]] bool EqualNames(const char* left, const char* right) noexcept;
+// Whether two names are the same on a server, without regard to the case of ASCII letters: a name may stand
+// in the process's code page or in UTF-8.
+[[nodiscard]] bool EqualNames(const char* left, const char* right);
