@@ -32,7 +32,7 @@ constexpr ErrnoNumber kNumbers[] = {
     {ENOMEM, kErrorNotEnoughMemory},
     {EXDEV, 17},
     {EROFS, 19},
-    {ETXTBSY, 32},
+    {ETXTBSY, kErrorSharingViolation},
     {EOPNOTSUPP, 50},
     {ENODEV, 55},
     {ENXIO, 55},
@@ -96,6 +96,7 @@ struct NumberText {
 constexpr NumberText kOwnTexts[] = {
     {kErrorSuccess, "The operation completed successfully."},
     {kErrorNoMoreFiles, "There are no more files."},
+    {kErrorSharingViolation, "The file is in use."},
     {kErrorHandleEof, "Reached the end of the file."},
     {kErrorInsufficientBuffer, "The data area passed to a system call is too small."},
 };

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#include "framework/platform/lock_file.h"
+
+#include "framework/platform/last_error.h"
+#include "framework/windows/windows_api.h"
+
+namespace platform {
+namespace {
+
+HANDLE nativeFile(std::intptr_t handle) noexcept { return reinterpret_cast<HANDLE>(handle); }
+
+}  // namespace
+
+LockFile::~LockFile() {
+  const LastErrorKeeper keeper;
+  if (held()) ::CloseHandle(nativeFile(handle_));
+}
+
+// The system deletes the file with its last handle, however that ends.
+bool LockFile::take(const char* path) {
+  constexpr DWORD kShareNone = 0;
+  HANDLE file = ::CreateFileA(path != nullptr ? path : "", GENERIC_WRITE | DELETE, kShareNone, nullptr,
+                              OPEN_ALWAYS, FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  if (::GetFileType(file) != FILE_TYPE_DISK) {  // a device, such as "NUL": anybody gets that
+    ::CloseHandle(file);
+    setLastError(kErrorAccessDenied);
+    return false;
+  }
+  handle_ = reinterpret_cast<std::intptr_t>(file);
+  return true;
+}
+
+}  // namespace platform
