@@ -62,8 +62,17 @@ bool writeChunks(ContentThread& record, RemoteFile& file) {
 
 bool appendLocally(ContentThread& record, const char* local) {
   LocalFile file(*record.pQXIP, record.pRetries);
-  return file.Open(local, CFile::modeWrite) && file.SeekBehindContent() &&
+  return file.Open(local, CFile::modeWrite | CFile::ownerOnly) && file.SeekBehindContent() &&
          file.Write(record.pData, static_cast<std::uint32_t>(record.nSize)) && file.Close();
+}
+
+// A download takes a file that is there for that of an empty remote file, but here it can only be one that a
+// program has left behind. The attempt fails, which deletes it.
+bool isFree(const char* local) {
+  CFile leftOver;
+  if (!leftOver.Open(local, CFile::modeRead)) return true;
+  platform::setLastError(platform::kErrorFileExists);
+  return false;
 }
 
 // Appends through a local copy. The remote file has been opened for writing and closed before, so a server
@@ -72,7 +81,7 @@ bool appendThroughCopy(ContentThread& record, RemoteFile& file) {
   TQXIP& client = *record.pQXIP;
   TemporaryCopy copy;
   static_cast<void>(file.Close());
-  return copy.NameAfter(record.pszName) &&
+  return copy.Take(record.pszName) && isFree(copy.Name()) &&
          client.FTPDownloadFile(record.pszName, copy.Name(), *record.pRetries) != 0 &&
          appendLocally(record, copy.Name()) &&
          client.FTPUploadFile(record.pszName, copy.Name(), *record.pRetries) != 0;

@@ -55,12 +55,13 @@ Step copyChunks(CopyThread& record, RemoteFile& source, LocalFile& target, const
 // the source: without one nothing local is claimed.
 template <typename LocalName>
 Step fetch(CopyThread& record, CFtpConnection& connection, const char* remote, LocalName&& localName,
-           std::uint32_t size) {
+           std::uint32_t size, std::uint32_t flags = 0) {
   RemoteFile source(*record.pQXIP, record.pRetries);
   LocalFile target(*record.pQXIP, record.pRetries);
   if (!source.Open(connection, remote, internet::kGenericRead)) return Step::failed;
   const char* const local = localName();
-  if (local == nullptr || !target.Open(local, CFile::modeCreate | CFile::modeWrite)) return Step::failed;
+  if (local == nullptr || !target.Open(local, CFile::modeCreate | CFile::modeWrite | flags))
+    return Step::failed;
   const Step step = copyChunks(record, source, target, remote, size);
   if (step == Step::failed) return step;
   // The server's last word on a copy that was broken off does not matter.
@@ -85,9 +86,10 @@ bool remoteToRemote(CopyThread& record, CFtpConnection& connection) {
   PathText source;
   TemporaryCopy copy;
   if (!MakeFtpPath(record.pszName, source)) return false;
-  // The file may be that of another copy until this one has a source and takes it over.
-  const auto temporaryName = [&] { return copy.NameAfter(record.pszNewName) ? copy.Name() : nullptr; };
-  const Step step = fetch(record, connection, source.c_str(), temporaryName, size);
+  const auto temporaryName = [&] {
+    return copy.Take(record.pszNewName) && copy.DropLeftOver() ? copy.Name() : nullptr;
+  };
+  const Step step = fetch(record, connection, source.c_str(), temporaryName, size, CFile::ownerOnly);
   return step == Step::stopped || (step == Step::done && store(record, copy.Name()));
 }
 

@@ -39,7 +39,11 @@ CFile::CFile(const char* path, std::uint32_t flags) {
 
 bool CFile::Open(const char* path, std::uint32_t flags) noexcept {
   const auto creation = (flags & modeCreate) != 0 ? FileCreation::createAlways : FileCreation::openExisting;
-  return m_file.open(path, accessOf(flags), creation);
+  if (!m_file.open(path, accessOf(flags), creation)) return false;
+  if ((flags & ownerOnly) == 0 || m_file.keepToOwner()) return true;
+  const platform::LastErrorKeeper reason;
+  m_file.close();
+  return false;
 }
 
 std::uint32_t CFile::Read(void* buffer, std::uint32_t size) {

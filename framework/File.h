@@ -26,7 +26,8 @@ class CFile {
     modeWrite = 0x0001,
     modeReadWrite = 0x0002,
     modeCreate = 0x1000,  // creates the file, or empties an existing one
-    typeBinary = 0x8000
+    typeBinary = 0x8000,
+    ownerOnly = 0x100000  // the file is for its owner alone from now on
   };
 
   CFile() noexcept = default;

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 // TQXIPIFInt, the client that CreateQXIPIFInstance hands to a host: 51 operations in fixed slots, then the
 // object's fields. One thread at a time uses an object. Operations block their caller; those with a worker
-// thread keep dispatching the caller's messages meanwhile. Every operation answers 0 on failure, writes a
-// line into m_szMessage and, when the host gave an error record, the failure into that record.
+// thread keep dispatching the caller's messages meanwhile. 0 is a failure, except where the slot says
+// otherwise; some failures are answered by 1, for hosts rely on that, and their slots say which. Most
+// operations write lines into m_szMessage and, when the host gave an error record, a failure into that
+// record.
 //
 // Retry counts say how often a failed attempt is repeated (0 = one attempt), mostly after a pause of 10 ms.
 // OnIPError may grant further attempts: ten at most in one call of an operation.
-// The two host values at the end of an operation go to OnPoll unchanged.
+// The two host values at the end of an operation go to OnPoll unchanged. It is asked by FTPReadFile,
+// FTPWriteFile, FTPCpyFile, FTPMovFile, FTPRmvFile, FTPRmvDir and HTTPDownloadFile; the others that take the
+// values never ask and cannot be cancelled.
 //
 // Remote paths: backslashes count as slashes, one trailing slash is dropped. A path of 256 characters or
 // more, or with a control character, makes the operation fail before anything is sent. Local paths are those
@@ -20,6 +24,12 @@
 // where that can be. A server that does not speak UTF-8 gets and gives bytes; so does every server on Linux,
 // and in a process whose code page is UTF-8. A name that is no UTF-8 comes as its bytes from any server; from
 // one that speaks UTF-8 it cannot be passed back unless the code page is UTF-8.
+//
+// Appends, and copies from the server to the server, go through a file of the same name in the folder FTP
+// below the user's temporary folder (Linux: $TMPDIR, else /tmp/zrm-qxkt-UID). On Linux the folder is the
+// user's alone; where it is a link or somebody else's, they fail with 5. A name has one such file at a time,
+// in all processes: a second operation that needs it fails its attempt with 32, and retries as its count
+// allows.
 //
 // A name lookup cannot be broken off: one that an operation has given up goes on in the system. Until it
 // ends, a library that the host unloads stays in memory; whatever else the library has started is over when

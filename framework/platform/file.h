@@ -42,6 +42,9 @@ class File {
   [[nodiscard]] std::int64_t size() const noexcept;
   // The new position, -1 on failure.
   [[nodiscard]] std::int64_t seekToEnd() noexcept;
+  // From now on the file is for its owner alone (POSIX: mode 0600; on Windows its folder is). False on
+  // failure.
+  [[nodiscard]] bool keepToOwner() noexcept;
   // False when the system reports a late write error on closing. Closing a closed file is true.
   bool close() noexcept;
 
@@ -54,10 +57,15 @@ class File {
 };
 
 [[nodiscard]] bool deleteFile(const char* path) noexcept;
-[[nodiscard]] bool createDirectory(const char* path) noexcept;
+// Makes a folder that is the user's alone, or makes sure that the one which is there is: on POSIX it gets the
+// mode 0700, and a link, or what belongs to another user, is refused (5); `path` ends in no separator. On
+// Windows whoever may use the folder above may use this one.
+[[nodiscard]] bool createOwnDirectory(const char* path) noexcept;
 // Sets the attributes; without kFileAttributeReadOnly a read-only file becomes writable (POSIX: chmod u+w).
+// No link is followed.
 [[nodiscard]] bool setFileAttributes(const char* path, std::uint32_t attributes) noexcept;
-// The user's temporary folder with a trailing separator, NUL-terminated, into `buffer`.
+// The user's temporary folder with a trailing separator, NUL-terminated, into `buffer`. On POSIX that is
+// $TMPDIR or, without one, a folder of the user's own below /tmp, made as by createOwnDirectory.
 // The length without terminator; 0 with the last error set when it fails or does not fit.
 [[nodiscard]] std::size_t temporaryFolder(char* buffer, std::size_t size) noexcept;
 

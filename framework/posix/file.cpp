@@ -53,6 +53,17 @@ std::int64_t notedTransfer(const File& file, Result result) noexcept {
   return result;
 }
 
+// Whether there is a folder of the user's own, no link, which then is nobody else's.
+bool makeOwn(const char* folder) noexcept {
+  const int descriptor = ::open(folder, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  if (descriptor < 0) return false;
+  struct stat status {};
+  const bool own = ::fstat(descriptor, &status) == 0 && status.st_uid == ::geteuid() &&
+                   ((status.st_mode & 07777) == 0700 || ::fchmod(descriptor, 0700) == 0);
+  ::close(descriptor);
+  return own;
+}
+
 }  // namespace
 
 bool File::open(const char* path, FileAccess access, FileCreation creation,
@@ -115,17 +126,20 @@ bool File::close() noexcept {
   return false;
 }
 
+bool File::keepToOwner() noexcept { return noted(::fchmod(static_cast<int>(handle_), 0600)) == 0; }
+
 bool deleteFile(const char* path) noexcept {
   const LocalPath local(path);
   return local.valid() && (::unlink(local.text()) == 0 || local.failed());
 }
 
-bool createDirectory(const char* path) noexcept {
+bool createOwnDirectory(const char* path) noexcept {
   const LocalPath local(path);
   if (!local.valid()) return false;
-  if (::mkdir(local.text(), 0777) == 0) return true;
+  if (::mkdir(local.text(), 0700) == 0) return true;
   if (errno != EEXIST) return local.failed();
-  setLastError(kErrorAlreadyExists);
+  if (makeOwn(local.text())) return true;
+  setLastError(kErrorAccessDenied);
   return false;
 }
 
@@ -133,18 +147,24 @@ bool setFileAttributes(const char* path, std::uint32_t attributes) noexcept {
   const LocalPath local(path);
   if (!local.valid()) return false;
   struct stat status {};
-  if (::stat(local.text(), &status) != 0) return local.failed();
-  if (S_ISDIR(status.st_mode)) return true;  // the attribute means nothing for a folder's content
+  if (::lstat(local.text(), &status) != 0) return local.failed();
+  // The attribute means nothing for a folder's content, and a link has none.
+  if (S_ISDIR(status.st_mode) || S_ISLNK(status.st_mode)) return true;
   const bool readOnly = (attributes & kFileAttributeReadOnly) != 0;
   const mode_t wanted = readOnly ? status.st_mode & ~kWriteBits : status.st_mode | S_IWUSR;
-  return wanted == status.st_mode || ::chmod(local.text(), wanted & 07777) == 0 || local.failed();
+  return wanted == status.st_mode ||
+         ::fchmodat(AT_FDCWD, local.text(), wanted & 07777, AT_SYMLINK_NOFOLLOW) == 0 || local.failed();
 }
 
 std::size_t temporaryFolder(char* buffer, std::size_t size) noexcept {
+  char own[64];
   const char* folder = ::secure_getenv("TMPDIR");
-  if (folder == nullptr || *folder == '\0') folder = "/tmp";
-  const std::string_view name(folder);
-  const char* const separator = name.ends_with('/') ? "" : "/";
+  if (folder == nullptr || *folder == '\0') {
+    std::snprintf(own, sizeof own, "/tmp/zrm-qxkt-%u", static_cast<unsigned>(::geteuid()));
+    if (!createOwnDirectory(own)) return 0;
+    folder = own;
+  }
+  const char* const separator = std::string_view(folder).ends_with('/') ? "" : "/";
   const int length = std::snprintf(buffer, size, "%s%s", folder, separator);
   if (length > 0 && static_cast<std::size_t>(length) < size) return static_cast<std::size_t>(length);
   setLastError(kErrorInsufficientBuffer);

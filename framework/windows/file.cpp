@@ -84,10 +84,13 @@ std::int64_t File::seekToEnd() noexcept {
 
 bool File::close() noexcept { return !isOpen() || ::CloseHandle(nativeFile(std::exchange(handle_, kNone))); }
 
+bool File::keepToOwner() noexcept { return !refusedClosed(*this); }
+
 bool deleteFile(const char* path) noexcept { return ::DeleteFileA(path != nullptr ? path : "") != FALSE; }
 
-bool createDirectory(const char* path) noexcept {
-  return ::CreateDirectoryA(path != nullptr ? path : "", nullptr) != FALSE;
+bool createOwnDirectory(const char* path) noexcept {
+  return ::CreateDirectoryA(path != nullptr ? path : "", nullptr) != FALSE ||
+         lastError() == kErrorAlreadyExists;
 }
 
 bool setFileAttributes(const char* path, std::uint32_t attributes) noexcept {
