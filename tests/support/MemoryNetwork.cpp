@@ -262,7 +262,10 @@ IoResult Socket::send(const void* data, std::size_t size) noexcept {
   return {IoStatus::done, count};
 }
 
-std::uint64_t Socket::deliveryMark() const noexcept { return SocketAccess::link(*this).sent; }
+std::uint64_t Socket::deliveryMark() const noexcept {
+  const MemoryLink& link = SocketAccess::link(*this);
+  return link.sent - link.held;
+}
 
 void Socket::shutdownSend() noexcept {
   const std::shared_ptr<MemoryLink> link = SocketAccess::end(*this).link;

@@ -29,6 +29,7 @@ struct MemoryLink {
   std::string toClient;         // arrived, not received yet
   End server = End::open;       // behind the bytes of toClient
   std::size_t room = SIZE_MAX;  // so many bytes the client can send before it has to wait
+  std::uint64_t held = 0;       // so many of those sent are still on the client's side
 
   // The client's.
   std::string toServer;       // the server takes out what it has read

@@ -21,11 +21,12 @@ constexpr milliseconds kAtOnce{0};
 }  // namespace
 
 ControlChannel::ControlChannel(std::shared_ptr<SessionLink> session) noexcept
-    : dialer_(std::move(session)), closeError_(kConnectionAborted) {}
+    : dialer_(std::move(session)), progressUntil_(kAtOnce), closeError_(kConnectionAborted) {}
 
 void ControlChannel::open(const std::string& server, std::uint16_t port) {
   sock_ = dialer_.connect(server, port);
   awaiting_ = true;  // the greeting
+  progressed();
   notify(kStatusConnected);
 }
 
@@ -34,6 +35,7 @@ void ControlChannel::send(std::string_view line) {
   notify(kStatusSendingRequest);
   requireOpen();
   awaiting_ = true;
+  progressed();
   window_.command(line);
   transmit();
   requireOpen();
@@ -91,7 +93,7 @@ void ControlChannel::transmit(std::string_view bytes) {
 FtpReply ControlChannel::reply(milliseconds limit, DeliveryWatch* delivery) {
   notify(kStatusReceivingResponse);
   requireOpen();
-  auto reply = delivery ? nextReply(limit, *delivery) : nextReply(Deadline(limit));
+  auto reply = delivery ? nextReply(limit, *delivery) : nextReply(Deadline(withinProgress(limit)));
   if (!reply) {
     if (isOpen()) closeWith(kTimeout);
     requireOpen();
@@ -131,9 +133,10 @@ std::optional<FtpReply> ControlChannel::nextReply(const Deadline& deadline) {
 }
 
 std::optional<FtpReply> ControlChannel::nextReply(milliseconds limit, DeliveryWatch& delivery) {
-  for (Deadline deadline(limit); isOpen();) {
+  for (Deadline deadline(withinProgress(limit)); isOpen();) {
     if (auto reply = nextReply(Deadline(std::min(deadline.left(), kWaitSlice)))) return reply;
     if (delivery.moved()) {
+      progressed();
       deadline = Deadline(limit);
     } else if (deadline.passed()) {
       break;
@@ -171,6 +174,7 @@ bool ControlChannel::takeOne(std::optional<FtpReply>& own) {
   auto reply = takeReply();
   if (!reply) return false;
   doubt_.reset();
+  if (!reply->preliminary()) progressed();
   const bool single = window_.singly();
   own = window_.take(std::move(*reply));
   if (window_.singly() && !single && onSingleLines_) onSingleLines_();
@@ -235,6 +239,10 @@ bool ControlChannel::closedWhileIdle(milliseconds duration) {
   while (isOpen() && nextReply(deadline)) {
   }
   return !isOpen();
+}
+
+milliseconds ControlChannel::withinProgress(milliseconds limit) const noexcept {
+  return std::min(limit, progressUntil_.left());
 }
 
 void ControlChannel::requireOpen() const {

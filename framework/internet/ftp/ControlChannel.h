@@ -41,11 +41,15 @@ class ControlChannel {
 
   // The next reply (40, 41), after the handlers of what went ahead have had theirs. A reply of 421 closes the
   // connection and counts as 12030. With `delivery` the limit counts from when the peer last took data: over
-  // a slow line the system still holds megabytes of an upload when its last byte is sent.
+  // a slow line the system still holds megabytes of an upload when its last byte is sent. It ends with
+  // Timeouts::progress at the latest.
   FtpReply reply(std::chrono::milliseconds limit, DeliveryWatch* delivery = nullptr);
   // The same without failing and without notifications: none when the reply has not come within `limit`, or
   // when the connection is closed.
   std::optional<FtpReply> tryReply(std::chrono::milliseconds limit);
+  // Data has moved, or a new operation begins: Timeouts::progress counts from here. So it does from each line
+  // that is sent and from each final reply.
+  void progressed() { progressUntil_ = Deadline(dialer_.timeouts().progress); }
   // 40 and 41 for a reply that tryReply() has taken.
   void notifyReply(const FtpReply& reply);
   // The final reply to the last command has not come yet.
@@ -82,6 +86,7 @@ class ControlChannel {
 
  private:
   void requireOpen() const;
+  [[nodiscard]] std::chrono::milliseconds withinProgress(std::chrono::milliseconds limit) const noexcept;
   void settle();
   void transmit();
   void transmit(std::string_view bytes);
@@ -100,6 +105,7 @@ class ControlChannel {
   std::unique_ptr<Sock> sock_;
   FtpReplyReader reader_;
   LineWindow window_;
+  Deadline progressUntil_;
   std::optional<Deadline> doubt_;  // when a line that was sent along counts as late
   std::function<void()> onSingleLines_;
   bool awaiting_ = false;

@@ -84,6 +84,7 @@ void FtpControl::requestOfFile(const std::function<void()>& work) { runFramed(wo
 void FtpControl::runFramed(const std::function<void()>& work) {
   const auto self = shared_from_this();
   static_cast<void>(channel_.takeAnswered());
+  channel_.progressed();
   busy_ = true;
   std::optional<Failure> failure;
   try {

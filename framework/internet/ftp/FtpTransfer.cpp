@@ -83,6 +83,7 @@ std::size_t FtpTransfer::receive(void* buffer, std::size_t size) {
     switch (result.status) {
       case IoStatus::done:
         received_ += result.bytes;
+        control_->channel().progressed();
         return result.bytes;
       case IoStatus::wouldBlock:
         if (refused()) {
@@ -150,6 +151,7 @@ void FtpTransfer::send(const void* data, std::size_t size) {
     if (result.status == IoStatus::done) {
       rest += result.bytes;
       size -= result.bytes;
+      control_->channel().progressed();
       limit.reset();
     } else if (result.status == IoStatus::wouldBlock) {
       waitForData(true, limit);

@@ -17,9 +17,11 @@ struct Timeouts {
   std::chrono::milliseconds followUp{2'000};
   std::chrono::milliseconds data{30'000};        // no byte moved on a data connection
   std::chrono::milliseconds finalReply{30'000};  // the reply that ends a transfer
-  std::chrono::milliseconds earlyClose{5'000};   // the reply after a transfer was given up half-way
-  std::chrono::milliseconds dataError{3'000};    // the reply that explains a broken data connection
-  std::chrono::milliseconds epsvProbe{5'000};    // a host's first EPSV port, before PASV is tried
+  // Neither a final reply nor a byte of data, however many preliminary replies come.
+  std::chrono::milliseconds progress{120'000};
+  std::chrono::milliseconds earlyClose{5'000};  // the reply after a transfer was given up half-way
+  std::chrono::milliseconds dataError{3'000};   // the reply that explains a broken data connection
+  std::chrono::milliseconds epsvProbe{5'000};   // a host's first EPSV port, before PASV is tried
   // What may come late at the end of a transfer: a refusal behind data whose size is not known, an active
   // data connection behind the final reply.
   std::chrono::milliseconds endOfData{1'000};
