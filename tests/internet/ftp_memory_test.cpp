@@ -28,6 +28,26 @@ TEST_F(FtpMemory, AListeningSocketThatFailsIsNotWaitedFor) {
   EXPECT_EQ(far.network.openSockets(), 0u);
 }
 
+// Only the first preliminary reply was looked at, and a part passed for the whole.
+TEST_F(FtpMemory, TheSizeThatIsAnnouncedBehindAnotherPreliminaryReplyCounts) {
+  const std::string last = "150 Here (5 bytes)\r\n";
+  for (const auto& [opening, atTheEnd] :
+       {std::pair("125 Wait\r\n" + last, std::string()), std::pair(std::string("125 Wait\r\n"), last)}) {
+    for (const char* content : {"abc", "abcde"}) {
+      Far far;
+      far.server.answers["RETR"] = opening;
+      auto connection = login(true);
+      const auto file = openToRead(*connection, "/f");
+      far.server.data->toClient = content;
+      far.server.data->server = testing_support::MemoryLink::End::ended;
+      far.server.control->toClient += atTheEnd + "226 Done\r\n";
+      std::string read;
+      const std::uint32_t error = thrownBy([&] { read = readToEnd(*file); }).error;
+      EXPECT_EQ(error, std::string_view(content) == "abc" ? 12030u : 0u);
+    }
+  }
+}
+
 // A reset can come before the client has seen its connection stand, and the refusal with it. The rows that
 // went with the reset are lost all the same.
 TEST_F(FtpMemory, AListingThatIsResetWhileItBeginsIsBrokenNotRefused) {

@@ -40,6 +40,14 @@ bool forbidden(const FtpReply& reply) noexcept { return reply.code >= 500; }
 
 bool replied(const FtpDataChannel::Opening& opening) noexcept { return opening.first.code != 0; }
 
+void note(FtpDataChannel::Opening& opening, const FtpReply& reply) {
+  if (!reply.preliminary()) {
+    opening.final = reply;
+  } else if (const auto size = parseAnnouncedSize(reply.text)) {
+    opening.announced = size;
+  }
+}
+
 // The data connection cannot be made: the control connection says why, within Timeouts::dataError. It is
 // closed where it says nothing, for its replies are out of step then.
 [[noreturn]] void failWithReason(FtpControl& control, std::uint32_t error) {
@@ -179,8 +187,10 @@ FtpDataChannel::Opening FtpDataChannel::establish() {
     std::array watched{interest(), opening.final ? platform::SocketInterest{} : channel.readInterest()};
     if (!wait(watched, deadline)) failWithReason(control_, kTimeout);
   }
-  if (!replied(opening)) opening.first = channel.reply(timeouts.reply);
-  if (!opening.final && !opening.first.preliminary()) opening.final = opening.first;
+  if (!replied(opening)) {
+    opening.first = channel.reply(timeouts.reply);
+    note(opening, opening.first);
+  }
   if (extendedPassiveUnreachable_ && !opening.first.refused()) {
     control_.learn([](FtpTraits& traits) { traits.noExtendedPassive = true; });
   }
@@ -197,7 +207,7 @@ void FtpDataChannel::takeReplies(Opening& opening) {
       channel.notifyReply(*reply);
       opening.first = *reply;
     }
-    if (!reply->preliminary()) opening.final = std::move(*reply);
+    note(opening, *reply);
   }
 }
 

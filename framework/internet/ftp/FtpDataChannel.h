@@ -18,7 +18,8 @@ class FtpDataChannel {
   // What the server has said about a transfer.
   struct Opening {
     FtpReply first;
-    std::optional<FtpReply> final;  // there already: the first reply, or one behind it
+    std::optional<FtpReply> final;           // there already: the first reply, or one behind it
+    std::optional<std::uint64_t> announced;  // the size that a preliminary reply has told
   };
 
   explicit FtpDataChannel(FtpControl& control) noexcept : control_(control) {}

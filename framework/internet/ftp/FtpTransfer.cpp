@@ -56,7 +56,7 @@ FtpReply FtpTransfer::begin(std::string_view verb, std::string_view argument) {
     return *final_;
   }
   state_ = State::running;
-  if (kind_ == Kind::download) announced_ = parseAnnouncedSize(opening.first.text);
+  if (kind_ == Kind::download) announced_ = opening.announced;
   if (!data_) endWithoutData();
   return opening.first;
 }
@@ -128,13 +128,13 @@ std::size_t FtpTransfer::read(void* buffer, std::size_t size) {
 // An orderly end of the stream proves nothing: servers close it for their own failures too.
 void FtpTransfer::endOfData() {
   closeData();
-  const bool tooShort = announced_ && received_ < *announced_;
-  if (kind_ == Kind::download && (tooShort || !announced_)) {
+  if (kind_ == Kind::download && (tooShort() || !announced_)) {
     state_ = State::failed;
     const Timeouts timeouts = control_->timeouts();
-    awaitFinal(tooShort ? timeouts.dataError : timeouts.endOfData);
+    awaitFinal(announced_ ? timeouts.dataError : timeouts.endOfData);
     if (final_ && final_->refused()) control_->raise(*final_);
-    if (tooShort) fail(kConnectionAborted);
+    // The size may have come only now.
+    if (tooShort()) fail(kConnectionAborted);
   }
   state_ = State::ended;
 }
@@ -192,10 +192,11 @@ FtpReply FtpTransfer::finish() {
   while (!final_) {
     FtpReply reply =
         control_->channel().reply(control_->timeouts().finalReply, delivery ? &*delivery : nullptr);
-    if (!reply.preliminary()) final_ = std::move(reply);
+    takeReply(std::move(reply));
     finalNotified_ = true;
   }
   closeData();
+  if (tooShort() && !refused()) fail(kConnectionAborted);
   return *final_;
 }
 
@@ -326,9 +327,17 @@ bool FtpTransfer::awaitFinal(milliseconds limit) {
   while (!final_) {
     auto reply = control_->channel().tryReply(deadline.left());
     if (!reply) return false;
-    if (!reply->preliminary()) final_ = std::move(reply);
+    takeReply(std::move(*reply));
   }
   return true;
+}
+
+void FtpTransfer::takeReply(FtpReply reply) {
+  if (!reply.preliminary()) {
+    final_ = std::move(reply);
+  } else if (const auto size = parseAnnouncedSize(reply.text); size && kind_ == Kind::download) {
+    announced_ = size;
+  }
 }
 
 // A final reply that came while data moved is reported by the call that ends the transfer, as any other is:

@@ -72,9 +72,12 @@ class FtpTransfer {
   bool awaitAnyEnd();
   bool askForEnd(const Deadline& deadline, bool silent);
   bool awaitFinal(std::chrono::milliseconds limit);
+  void takeReply(FtpReply reply);
   // The server has ended the transfer with a refusal.
   [[nodiscard]] bool refused() const noexcept { return final_ && final_->refused(); }
   [[nodiscard]] bool movedInFull() const noexcept;
+  // Of what the server has announced.
+  [[nodiscard]] bool tooShort() const noexcept { return announced_ && received_ < *announced_; }
   void closeData() noexcept;
   void breakData() noexcept;
   [[noreturn]] void dataFailed(platform::IoStatus status);
