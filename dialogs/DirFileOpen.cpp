@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/DirFileOpen.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "dialogs/DirFileLayout.h"
@@ -8,6 +9,7 @@
 #include "dialogs/ListHook.h"
 #include "dialogs/OkInterceptor.h"
 #include "framework/ModuleState.h"
+#include "framework/ui/WideText.h"
 
 namespace {
 
@@ -18,6 +20,16 @@ constexpr DWORD kOlderRecordSize = 136;
 const char* initialName(bool files, const char* filter) noexcept {
   if (!files) return "*..*";
   return filter != nullptr ? nullptr : "*.*";
+}
+
+// Of the dialog; "" for a place that is none of the file system.
+std::wstring folderShown(HWND dialog) {
+  std::vector<BYTE> list(static_cast<std::size_t>(
+      std::max<LRESULT>(SendMessageA(dialog, CDM_GETFOLDERIDLIST, 0, 0), sizeof(ITEMIDLIST))));
+  SendMessageA(dialog, CDM_GETFOLDERIDLIST, list.size(), reinterpret_cast<LPARAM>(list.data()));
+  wchar_t path[MAX_PATH] = L"";
+  SHGetPathFromIDListW(reinterpret_cast<const ITEMIDLIST*>(list.data()), path);
+  return path;
 }
 
 }  // namespace
@@ -51,7 +63,9 @@ int CDirFileOpen::DoModal() {
   return m_strFolder ? result : IDCANCEL;
 }
 
-std::vector<std::string>& CDirFileOpen::SelectedNames() noexcept { return g_dirFileState.selectedNames; }
+bool CDirFileOpen::FolderIsExact() const { return exactNarrowText(folderShown(GetParent())).has_value(); }
+
+std::vector<std::wstring>& CDirFileOpen::SelectedNames() noexcept { return g_dirFileState.selectedNames; }
 
 void CDirFileOpen::OnInitDone() {
   const HWND dialog = GetParent();
@@ -78,7 +92,11 @@ void CDirFileOpen::OnInitDone() {
 
 // What was selected in another folder, the folder that was opened above all, names nothing in this one.
 void CDirFileOpen::OnFolderChange() {
-  if (DirFileState* const state = DirFileStateOf(GetParent())) state->selectedNames.clear();
+  if (DirFileState* const state = DirFileStateOf(GetParent())) {
+    state->selectedNames.clear();
+    state->items = ShownItems(GetParent());
+    state->unseen = DirFileState::kAll;
+  }
   if (m_pFolderEdit != nullptr && GetParent() != nullptr)
     m_pFolderEdit->SetWindowText(GetFolderPath().c_str());
 }

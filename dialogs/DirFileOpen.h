@@ -24,12 +24,14 @@ class CDirFileOpen : public CFileDialog {
   // end by a WM_QUIT as a success.
   int DoModal() override;
 
-  // The confirmed folder, with a backslash behind it.
+  // The confirmed folder, with a backslash behind it; "" for one that the code page cannot tell.
   [[nodiscard]] std::string GetFolder() const { return m_strFolder.value_or(""); }
   void SetFolder(const std::string& folder) { m_strFolder = folder; }
   void SetTitle(const char* title) { m_strTitle = title; }
+  // Whether the code page has all characters of the folder that is shown.
+  [[nodiscard]] bool FolderIsExact() const;
   // The names that were selected when the list went away; module-wide.
-  static std::vector<std::string>& SelectedNames() noexcept;
+  static std::vector<std::wstring>& SelectedNames() noexcept;
 
   char* m_pPathList = nullptr;  // owned; made by MakePathList
 

@@ -4,11 +4,13 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "dialogs/ShownItems.h"
 #include "dialogs/SystemControls.h"
 #include "framework/windows/windows_api.h"
 
@@ -21,18 +23,23 @@ inline constexpr std::uint32_t kListFolders = 3;  // the filter removes files
 inline constexpr int kFolderEdit = 102;
 
 struct DirFileState {
+  static constexpr int kAll = std::numeric_limits<int>::max();
+
   std::uint32_t filter = 0;
-  std::vector<std::string> selectedNames;
-  HHOOK callHook = nullptr;
+  std::vector<std::wstring> selectedNames;
+  ShownItems items;   // of the list
+  int unseen = kAll;  // so many of them, from the first one on, the filter has yet to look at
   WNDPROC previousProcedure = nullptr;  // of the dialog's window
   HWND window = nullptr;                // the dialog's, while it is up
   CDirFileOpen* dialog = nullptr;       // its object
-  bool filtering = false;
-  DirFileState* below = nullptr;  // of the dialog that was up when this one was opened
+  DirFileState* below = nullptr;        // of the dialog that was up when this one was opened
 };
 
 // Of the innermost dialog.
 inline DirFileState g_dirFileState;
+
+// One for the lists of all of them.
+inline HHOOK g_listHook = nullptr;
 
 // The innermost state that `holds` is true for; null when there is none.
 template <typename Predicate>

@@ -2,11 +2,9 @@
 #include "dialogs/ListHook.h"
 
 #include <algorithm>
-#include <cstdint>
+#include <iterator>
 #include <optional>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "dialogs/DirFileState.h"
 #include "dialogs/ListItems.h"
@@ -16,13 +14,6 @@
 #include <commctrl.h>
 
 namespace {
-
-// The name counts from the current directory, which follows the folder shown. One that is not found reports
-// all attributes and so is a directory.
-bool isUnwanted(const char* name, std::uint32_t filter) noexcept {
-  const bool directory = (GetFileAttributesA(name) & FILE_ATTRIBUTE_DIRECTORY) != 0;
-  return directory == (filter == kListFiles);
-}
 
 // The list measures all of its items after each deletion unless it draws nothing meanwhile.
 class DrawingPause {
@@ -39,39 +30,69 @@ class DrawingPause {
   const HWND m_list;
 };
 
+bool isUnwanted(HWND list, int index, DirFileState& state) {
+  const bool directory = state.items.IsDirectory(state.items.NameOf(list, index));
+  return directory == (state.filter == kListFiles);
+}
+
 // After a deletion the walk goes back to the second item, and item 0 is not looked at again. All items
 // between that one and the deleted one have been kept by this pass, so it goes on where it is: a folder of
-// thousands would take minutes otherwise.
-void filterItems(HWND list, std::uint32_t filter) noexcept {
-  char name[kItemTextSize];
+// thousands would take minutes otherwise. What is left for the next pass is the item that has moved to the
+// front.
+void filterItems(HWND list, DirFileState& state) {
+  const int unseen = std::exchange(state.unseen, 0);
   std::optional<DrawingPause> pause;
-  for (int index = 0; index < ItemCount(list);) {
-    ReadItemText(list, index, name);
-    const bool unwanted = isUnwanted(name, filter);
+  for (int index = 0; index < std::min(unseen, ItemCount(list));) {
+    const bool unwanted = isUnwanted(list, index, state);
     if (unwanted && !pause) pause.emplace(list);
-    index = unwanted && DeleteItem(list, index) ? std::max(index, 1) : index + 1;
+    const bool deleted = unwanted && DeleteItem(list, index);
+    if (deleted && index == 0 && unseen > 1) state.unseen = 1;
+    index = deleted ? std::max(index, 1) : index + 1;
   }
 }
 
-// Deleting a selected item asks for the number of the selected ones before the item has gone. A second pass
-// would delete it, and the first one then the item behind it.
-void filterOnce(HWND list, DirFileState& state) noexcept {
-  if (state.filtering || (state.filter != kListFiles && state.filter != kListFolders)) return;
-  state.filtering = true;
-  filterItems(list, state.filter);
-  state.filtering = false;
+// Each of a pass's thousands of messages would go through the hook. And deleting a selected item asks for the
+// number of the selected ones before the item has gone: a second pass would delete it, and the first one then
+// the item behind it.
+class HookPause {
+ public:
+  HookPause() noexcept { RemoveListHook(); }
+  ~HookPause() { InstallListHook(); }
+  HookPause(const HookPause&) = delete;
+  HookPause& operator=(const HookPause&) = delete;
+};
+
+void filter(HWND list, DirFileState& state) {
+  const bool filters = state.filter == kListFiles || state.filter == kListFolders;
+  if (!filters || state.unseen == 0) return;
+  const HookPause pause;
+  filterItems(list, state);
 }
 
 // Whoever asks a list for the number of its selected items has it filtered: this looks for the first one.
-void takeSelectedNames(HWND list, std::vector<std::string>& names) {
+void takeSelectedNames(HWND list, DirFileState& state) {
   int index = NextSelectedItem(list, -1);
   if (index == -1) return;
-  names.clear();
-  for (; index != -1; index = NextSelectedItem(list, index)) {
-    char name[kItemTextSize];
-    ReadItemText(list, index, name);
-    names.emplace_back(name);
-  }
+  state.selectedNames.clear();
+  for (; index != -1; index = NextSelectedItem(list, index))
+    state.selectedNames.push_back(state.items.NameOf(list, index));
+}
+
+void onListGone(HWND list, DirFileState& state) {
+  takeSelectedNames(list, state);
+  state.items = {};
+}
+
+// What may bring items that the filter has not seen, or bring others to the front.
+bool changesItems(UINT message) noexcept {
+  constexpr UINT kChanges[] = {LVM_INSERTITEMA,  LVM_INSERTITEMW,  LVM_SETITEMA,     LVM_SETITEMW,
+                               LVM_SETITEMTEXTA, LVM_SETITEMTEXTW, LVM_SETITEMCOUNT, LVM_SORTITEMS,
+                               LVM_SORTITEMSEX,  LVM_UPDATE};
+  return std::find(std::begin(kChanges), std::end(kChanges), message) != std::end(kChanges);
+}
+
+bool isWatched(UINT message) noexcept {
+  return message == WM_DESTROY || message == LVM_GETSELECTEDCOUNT || changesItems(message);
 }
 
 // Null for other windows. Lists of the host on this thread, while the dialog is up or after it, are none of
@@ -83,30 +104,35 @@ DirFileState* stateOfList(HWND window) noexcept {
   return FindDirFileState([window](const DirFileState& state) { return IsChild(state.window, window) != 0; });
 }
 
+void onListMessage(HWND list, UINT message, DirFileState& state) {
+  if (message == LVM_GETSELECTEDCOUNT) {
+    filter(list, state);
+  } else if (message == WM_DESTROY) {
+    onListGone(list, state);
+  } else {
+    state.unseen = DirFileState::kAll;
+  }
+}
+
 LRESULT CALLBACK onCall(int code, WPARAM wParam, LPARAM lParam) {
   const auto& call = *reinterpret_cast<const CWPSTRUCT*>(lParam);
-  const bool watched = call.message == WM_DESTROY || call.message == LVM_GETSELECTEDCOUNT;
-  DirFileState* const state = code == HC_ACTION && watched ? stateOfList(call.hwnd) : nullptr;
-  if (state != nullptr && call.message == LVM_GETSELECTEDCOUNT) filterOnce(call.hwnd, *state);
-  if (state != nullptr && call.message == WM_DESTROY) {
-    try {
-      takeSelectedNames(call.hwnd, state->selectedNames);
-    } catch (...) {
-      AfxKeepException();
-    }
+  try {
+    DirFileState* const state =
+        code == HC_ACTION && isWatched(call.message) ? stateOfList(call.hwnd) : nullptr;
+    if (state != nullptr) onListMessage(call.hwnd, call.message, *state);
+  } catch (...) {
+    AfxKeepException();
   }
-  return CallNextHookEx(g_dirFileState.callHook, code, wParam, lParam);
+  return CallNextHookEx(g_listHook, code, wParam, lParam);
 }
 
 }  // namespace
 
 void InstallListHook() noexcept {
   RemoveListHook();
-  if (g_dirFileState.below != nullptr) return;  // that one's hook sees this list as well
-  g_dirFileState.callHook = SetWindowsHookExA(WH_CALLWNDPROC, &onCall, nullptr, GetCurrentThreadId());
+  g_listHook = SetWindowsHookExA(WH_CALLWNDPROC, &onCall, nullptr, GetCurrentThreadId());
 }
 
 void RemoveListHook() noexcept {
-  if (g_dirFileState.callHook != nullptr)
-    UnhookWindowsHookEx(std::exchange(g_dirFileState.callHook, nullptr));
+  if (g_listHook != nullptr) UnhookWindowsHookEx(std::exchange(g_listHook, nullptr));
 }

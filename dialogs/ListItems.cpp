@@ -5,15 +5,22 @@
 // Only now:
 #include <commctrl.h>
 
+namespace {
+
+constexpr int kItemTextSize = 256;
+
+}  // namespace
+
 int ItemCount(HWND list) noexcept { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
 
-void ReadItemText(HWND list, int index, char (&text)[kItemTextSize]) noexcept {
-  text[0] = '\0';
-  LVITEMA item{};
+std::wstring ItemText(HWND list, int index) {
+  wchar_t text[kItemTextSize] = L"";
+  LVITEMW item{};
   item.pszText = text;
-  item.cchTextMax = static_cast<int>(kItemTextSize);
-  SendMessageA(list, LVM_GETITEMTEXTA, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
-  text[kItemTextSize - 1] = '\0';
+  item.cchTextMax = kItemTextSize;
+  SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
+  text[kItemTextSize - 1] = L'\0';
+  return text;
 }
 
 bool DeleteItem(HWND list, int index) noexcept {

@@ -18,14 +18,17 @@ std::string textOf(HWND window) {
 }
 
 void confirm(HWND window, CDirFileOpen& dialog) {
+  const std::string shown = dialog.GetFolderPath();
   std::string folder = textOf(GetDlgItem(window, kFolderEdit));
-  if (folder.empty()) folder = dialog.GetFolderPath();
+  if (folder.empty()) folder = shown;
   if (folder.empty()) return;
   if (HasDoubledBackslash(folder)) {
     MessageBoxA(window, "Invalid Folder", nullptr, MB_ICONERROR);
     return;
   }
-  dialog.SetFolder(folder + "\\");
+  // Another folder's name may be all that the code page has for the one shown.
+  const bool exact = folder != shown || dialog.FolderIsExact();
+  dialog.SetFolder(exact ? folder + "\\" : "");
   EndDialog(window, IDOK);
 }
 

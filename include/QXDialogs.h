@@ -46,7 +46,8 @@ QXBool DoOpenFileDialog(const void* pReserved1, const void* pReserved2, const vo
 #define QX_LIST_FOLDERS 3  // no files in the list; the result is one folder
 
 // A dialog that picks a folder, or a folder and the items selected in it. 1 when the user confirmed it. What
-// does not fit fails as above.
+// does not fit fails as above, and so does a folder or a selected name with a character that the code page
+// lacks.
 //   pszTitle       window title. Null: the call fails and writes nothing.
 //   pszOkText      caption of the OK button. Null: the call fails and writes nothing.
 //   pReserved      not used, but null makes the call fail and write nothing
@@ -64,7 +65,8 @@ QXBool DoOpenFileDialog(const void* pReserved1, const void* pReserved2, const vo
 //   pbCancelled    out: 1 when the user cancelled or the host quit meanwhile (WM_QUIT, which is still to be
 //                  had from the thread's queue), else 0. Null: the call fails and writes nothing.
 // With nothing selected the result is the folder and no entries; what was selected in another folder, before
-// the user opened this one, does not count. The list reaches down to the buttons, over the place of the
+// the user opened this one, does not count. A file is known by its whole name, to the filter as well, where
+// the shell shows it without its extension. The list reaches down to the buttons, over the place of the
 // system's file-name box.
 QXBool DoOpenDirFileDialog(const char* pszTitle, const char* pszOkText, const void* pReserved, char* pszPath,
                            QXBool bFiles, QXBool bOpen, std::uint32_t nMode, std::uint32_t nFlags,

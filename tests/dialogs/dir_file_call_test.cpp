@@ -33,8 +33,8 @@ class DirFileCall : public FolderTest {
     std::string calls, name, initialDirectory;
     bool fails = false;
     BOOL answer = FALSE;
-    std::string folder;              // that OK stores, if any
-    std::vector<std::string> names;  // that are selected
+    std::string folder;               // that OK stores, if any
+    std::vector<std::wstring> names;  // that are selected
   };
   static Seen seen;
 
@@ -174,7 +174,7 @@ TEST_F(DirFileCall, IsCancelledWithoutAFolderThatOkHasStored) {
 TEST_F(DirFileCall, GivesTheNamesAloneWithoutAFolderBeforeThem) {
   seen.answer = IDOK;
   seen.folder = "\\";
-  seen.names = {"a.txt", "b.txt"};
+  seen.names = {L"a.txt", L"b.txt"};
   EXPECT_TRUE(call(request()));
   EXPECT_STREQ(path, "");
   ASSERT_EQ(count, 2U);

@@ -83,6 +83,25 @@ TEST_F(DirFileFilter, CountsANameThatIsNotFoundAsAFolder) {
   EXPECT_THAT(shown, ElementsAre("here.txt"));
 }
 
+TEST_F(DirFileFilter, LooksAtAnItemThatChangesLater) {
+  for (const char* name : {"x.txt", "y.txt"}) addFile(name);
+  Names before, after;
+  run({.mode = kListFiles, .flags = 0}, [&](Driver& user, HWND dialog) {
+    const HWND list = user.waitForList(dialog, 2);
+    user.send(list, LVM_GETSELECTEDCOUNT);
+    before = user.items(list);
+    LVITEMA item{};
+    char text[] = "never there";
+    item.pszText = text;
+    user.send(list, LVM_SETITEMTEXTA, 1, reinterpret_cast<LPARAM>(&item));
+    user.send(list, LVM_GETSELECTEDCOUNT);
+    after = user.items(list);
+    user.press(dialog, IDCANCEL);
+  });
+  EXPECT_THAT(before, ElementsAre("x.txt", "y.txt"));
+  EXPECT_THAT(after, ElementsAre("x.txt"));
+}
+
 // Deleting a selected item asks the list for its selected count once more, before the item has gone.
 TEST_F(DirFileFilter, NeverRemovesAWantedItemBehindASelectedOne) {
   addFolder("A");
@@ -91,6 +110,21 @@ TEST_F(DirFileFilter, NeverRemovesAWantedItemBehindASelectedOne) {
   run({.mode = kListFiles}, [&](Driver& user, HWND dialog) {
     const HWND list = user.waitForList(dialog, 4);
     user.select(list, "A");
+    shown = user.items(list);
+    user.press(dialog, IDCANCEL);
+  });
+  EXPECT_THAT(shown, ElementsAre("x.txt", "y.txt", "z.txt"));
+}
+
+// The first folder goes before, and the one that has moved to the front is still to be looked at.
+TEST_F(DirFileFilter, NeverRemovesAWantedItemBehindASelectedOneFurtherDown) {
+  for (const char* name : {"A", "B", "C"}) addFolder(name);
+  for (const char* name : {"x.txt", "y.txt", "z.txt"}) addFile(name);
+  Names shown;
+  run({.mode = kListFiles}, [&](Driver& user, HWND dialog) {
+    const HWND list = user.waitForList(dialog, 6);
+    user.select(list, "C");
+    user.send(list, LVM_GETSELECTEDCOUNT);
     shown = user.items(list);
     user.press(dialog, IDCANCEL);
   });

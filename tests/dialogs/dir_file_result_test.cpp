@@ -169,7 +169,7 @@ TEST_F(DirFileResult, CountsTheDialogUntilItIsFreed) {
   EXPECT_TRUE(FreeFileDialog(outcome.dialog));
   outcome.dialog = nullptr;
   EXPECT_EQ(g_nModuleRefs, 0U);
-  EXPECT_EQ(g_dirFileState.callHook, nullptr);
+  EXPECT_EQ(g_listHook, nullptr);
   EXPECT_FALSE(FreeFileDialog(nullptr));
 }
 

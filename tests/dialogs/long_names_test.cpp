@@ -4,11 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
-#include <chrono>
 
 #include "tests/dialogs/DirFileTest.h"
-#include "tests/support/Watchdog.h"
 // Only now:
 #include <commctrl.h>
 
@@ -113,49 +110,6 @@ TEST_F(LargeFolder, GivesASelectionOf1000Files) {
   EXPECT_TRUE(std::is_sorted(entries.begin(), entries.end()));
   EXPECT_EQ(entries.front(), folder() + "\\file_10000.txt");
   EXPECT_EQ(entries.back(), folder() + "\\file_10999.txt");
-}
-
-std::atomic<int> g_listMessages = 0;
-
-LRESULT CALLBACK countListMessages(int code, WPARAM wParam, LPARAM lParam) {
-  const UINT message = reinterpret_cast<const CWPSTRUCT*>(lParam)->message;
-  if (code == HC_ACTION && message >= LVM_FIRST && message < LVM_FIRST + 0x100) ++g_listMessages;
-  return CallNextHookEx(nullptr, code, wParam, lParam);
-}
-
-// Counts what this thread's list views are sent.
-struct ListMessages {
-  ListMessages() { g_listMessages = 0; }
-  ~ListMessages() { UnhookWindowsHookEx(hook); }
-  const HHOOK hook = SetWindowsHookExA(WH_CALLWNDPROC, &countListMessages, nullptr, GetCurrentThreadId());
-};
-
-// A pass of quadratic work would take millions of messages. Making and removing the folder takes most of the
-// time.
-TEST_F(LargeFolder, Of5000EntriesIsFilteredInSeconds) {
-  using Seconds = std::chrono::duration<double>;
-  const testing_support::TimeLimit limit(std::chrono::seconds(500));
-  for (int i = 0; i < 2500; ++i) addFolder("folder_" + std::to_string(10000 + i));
-  addFiles(2500);
-  // A folder that moves to the front when the first one goes stays for the next pass.
-  for (const auto& [mode, left] : {std::pair{kListFiles, 2501}, std::pair{kListFolders, 2500}}) {
-    const ListMessages messages;
-    const auto start = std::chrono::steady_clock::now();
-    run({.mode = mode}, [&, expected = left](Driver& user, HWND dialog) {
-      const HWND list = user.waitForList(dialog, 5000);
-      const auto opened = std::chrono::steady_clock::now();
-      user.send(list, LVM_GETSELECTEDCOUNT);
-      const auto filtered = std::chrono::steady_clock::now();
-      EXPECT_EQ(user.send(list, LVM_GETITEMCOUNT), expected);
-      user.press(dialog, IDCANCEL);
-      std::printf("opened in %.2f s, filtered in %.2f s\n", Seconds(opened - start).count(),
-                  Seconds(filtered - opened).count());
-    });
-    EXPECT_GT(g_listMessages, 5000) << "the dialog's hook has passed them on";
-    EXPECT_LT(g_listMessages, 20 * 5000);
-    EXPECT_TRUE(FreeFileDialog(outcome.dialog));
-    outcome.dialog = nullptr;
-  }
 }
 
 }  // namespace
