@@ -21,8 +21,9 @@ using platform::FileCreation;
 // A local file being written, deleted again unless keep() was reached.
 class LocalTarget {
  public:
-  LocalTarget(const char* path, bool failIfExists, std::uint32_t attributes) : path_(path) {
-    created_ = file_.open(path, platform::FileAccess::write, FileCreation::createNew, attributes);
+  LocalTarget(const char* path, bool failIfExists, std::uint32_t attributes)
+      : path_(path),
+        created_(file_.open(path, platform::FileAccess::write, FileCreation::createNew, attributes)) {
     if (created_) return;
     const bool there = platform::lastError() == platform::kErrorFileExists;
     if (there && !failIfExists &&
@@ -51,7 +52,7 @@ class LocalTarget {
  private:
   std::string path_;
   platform::File file_;
-  bool created_ = false;  // by us, and to be deleted
+  bool created_;  // by us, and to be deleted
 };
 
 class SilentSession : public SessionLink {
