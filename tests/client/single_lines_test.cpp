@@ -3,7 +3,8 @@
 // by itself; how long that takes is in tests/internet/ftp_lines_test.cpp.
 #include <nlohmann/json.hpp>
 
-#include "tests/client/TransferTest.h"
+#include "tests/client/ServerTest.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ struct Setting {
 
 constexpr char kTree[] = R"({"/pub/a": "four", "/pub/b": "five!", "/pub/d/": {}, "/pub/full/x": ""})";
 
-class SingleLines : public TransferTest, public testing::WithParamInterface<Setting> {
+class SingleLines : public ServerTest, public testing::WithParamInterface<Setting> {
  protected:
   const fixture::ScriptedFtp server{json{{"packets", GetParam().packets},
                                          {"features", json::parse(GetParam().features)},
@@ -65,9 +66,10 @@ TEST_P(SingleLines, AreAsked) {
 }
 
 TEST_P(SingleLines, TransferFiles) {
-  EXPECT_EQ(download("/pub/a"), 1);
-  EXPECT_EQ(content(), "four");
-  EXPECT_EQ(upload("/pub/up"), 1);
+  const testing_support::ScratchFolder folder;
+  const std::string local = folder.file("local");
+  EXPECT_EQ(client.FTPDownloadFile("/pub/a", local.c_str(), 0), 1);
+  EXPECT_EQ(client.FTPUploadFile("/pub/up", local.c_str(), 0), 1);
   EXPECT_EQ(server.content("/pub/up"), "four");
   EXPECT_EQ(read("/pub/b"), "five!");
   EXPECT_EQ(client.FTPWriteFile("/pub/new", "content", 7, 0, 0, 0, 0, 0), 1);

@@ -67,7 +67,7 @@ class FtpLines : public FtpMemory {
  protected:
   static std::string read(CFtpConnection& connection) {
     const auto file = openToRead(connection, "/f");
-    const std::string content = readToEnd(*file);
+    std::string content = readToEnd(*file);
     EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
     return content;
   }
