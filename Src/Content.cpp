@@ -35,8 +35,7 @@ using Block = std::unique_ptr<std::uint8_t, Free>;
 struct ContentThread : QXFtpThread {
   const void* pData = nullptr;
   std::uint64_t nSize = 0;
-  std::uint64_t bAppend = 0;
-  std::uint32_t nReserved = 0;
+  bool append = false;
   Block block;  // what the worker has read; the host's only when the worker's answer is the operation's
   std::uint32_t nBlockSize = 0;
 };
@@ -97,7 +96,7 @@ bool writeContent(ContentThread& record, CFtpConnection& connection) {
   ToFtpPath(target.data());
   RemoteFile file(*record.pQXIP, record.pRetries);
   if (!file.Open(connection, target.c_str(), internet::kGenericWrite)) return false;
-  if (record.bAppend != 0) return appendThroughCopy(record, file);
+  if (record.append) return appendThroughCopy(record, file);
   return writeChunks(record, file) && file.Close();
 }
 
@@ -174,8 +173,7 @@ QXBool TQXIP::FTPWriteFile(const char* pszPath, const void* pData, std::uint32_t
     FillRecord(record, *this, nRetries, pszPath);
     record.pData = pData;
     record.nSize = nSize;
-    record.bAppend = bAppend;
-    record.nReserved = nReserved;
+    record.append = bAppend != 0;
     const bool checked = IsSet(m_bInitialized) && pszPath != nullptr && *pszPath != '\0' && pData != nullptr;
     const auto rerun = [&] {
       return FTPWriteFile(pszPath, pData, nSize, bAppend, nReserved, 1, nPollArg1, nPollArg2) != 0;
@@ -196,7 +194,6 @@ QXBool TQXIP::FTPReadFile(const char* pszPath, void** ppData, std::uint32_t* pnS
   return GuardOperation([&] {
     ContentThread record;
     FillRecord(record, *this, nRetries, pszPath);
-    record.bAppend = nReserved;
     const bool checked = IsSet(m_bInitialized) && pszPath != nullptr && *pszPath != '\0' &&
                          ppData != nullptr && pnSize != nullptr;
     const auto enter = [&] {

@@ -3,21 +3,13 @@
 // stack; operations with arguments or answers of their own derive from it.
 #pragma once
 
-#include "QXErrorInfo.h"
 #include "QXIPInt.h"
 
 class TQXIP;
 
-namespace platform {
-class WorkerThread;
-}
-
 struct QXFtpThread {
   QXBool bDone = 0;    // set by the worker as its last act; never by a stopped worker
   QXBool bResult = 0;  // the worker's outcome
-  QXErrorInfo* pErrorInfo = nullptr;
-  std::uint64_t nUnused = 0;
-  platform::WorkerThread* hThread = nullptr;
   TQXIP* pQXIP = nullptr;
   QXBool bUpdating = 0;  // the worker is writing *pTransfer
   QXTransfer* pTransfer = nullptr;

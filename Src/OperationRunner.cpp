@@ -16,7 +16,6 @@ class Wait {
     // A worker that has to stop starts none of its own: that one would not know of the stop yet.
     platform::throwIfStopped();
     if (!m_running.Start(m_call.worker, &m_call.record)) return WaitEnd::failed;
-    m_call.record.hThread = &m_running.Worker();
     m_running.Worker().setNormalPriority();
     while (!m_cancel && !m_reconnect && !IsSet(m_call.record.bDone)) {
       Poll();
@@ -64,7 +63,6 @@ class Wait {
 }  // namespace
 
 void FillRecord(QXFtpThread& record, TQXIP& client, std::uint32_t& retries, const char* name) noexcept {
-  record.pErrorInfo = client.m_pErrorInfo;
   record.pQXIP = &client;
   record.pTransfer = &client.m_Transfer;
   record.pRetries = &retries;

@@ -136,7 +136,7 @@ class FailingWorker : public RunnerTest {
     script.attempt = [this](QXFtpThread& record) {
       starts.push_back(Clock::now());
       messages.emplace_back(record.pQXIP->m_szMessage);
-      reports.push_back(record.pErrorInfo->bSet & 0xFF);
+      reports.push_back(record.pQXIP->m_pErrorInfo->bSet & 0xFF);
       const auto attempt = static_cast<std::uint32_t>(starts.size());
       setMessage(*record.pQXIP, ("attempt " + std::to_string(attempt)).c_str());
       return AttemptOutcome{.ok = attempt == successfulAttempt, .error = 100 + attempt};
