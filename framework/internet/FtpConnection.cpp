@@ -118,6 +118,8 @@ bool CFtpConnection::WaitIdle(std::chrono::milliseconds duration) {
   return control->waitIdle(duration);
 }
 
+void CFtpConnection::ReopenOnDemand(bool reopens) noexcept { m_control->reopenOnDemand(reopens); }
+
 void CFtpConnection::Close() noexcept {
   const ControlPtr control = m_control;
   control->close();

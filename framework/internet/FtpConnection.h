@@ -55,6 +55,10 @@ class CFtpConnection {
   // by the server: seen here for the first time it is reported as 50 and 51. False when the time has passed.
   bool WaitIdle(std::chrono::milliseconds duration);
 
+  // Lets the finders on this connection log in again, or not any more, where the server has closed it: see
+  // CFtpFileFind.
+  void ReopenOnDemand(bool reopens) noexcept;
+
   // Sends QUIT without waiting for its answer and closes (50, 51, 70). May be called twice, and after the
   // session is gone. Never throws; keeps the last error.
   void Close() noexcept;

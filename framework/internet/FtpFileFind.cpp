@@ -87,6 +87,7 @@ bool CFtpFileFind::FindFile(const char* pattern, std::uint32_t) {
   m_state = state;
   bool unusable = false;
   const auto search = [&] {
+    unusable = false;
     internet::FindRule rule(*control, internet::secondsNow());
     try {
       state->found = rule.find(internet::nameForServer(*control, asked));
@@ -99,7 +100,7 @@ bool CFtpFileFind::FindFile(const char* pattern, std::uint32_t) {
   const std::optional<internet::Failure> failure = internet::attempt([&] {
     internet::checkPattern(asked);
     if (!control) internet::fail(internet::kIncorrectHandleState);
-    control->request(search);
+    control->query(search);
   });
   if (failure && (unusable || !internet::isAnswer(failure->error))) internet::throwAsException(*failure);
   const bool found = !failure && !state->found.entries.empty();
@@ -148,7 +149,7 @@ std::int64_t CFtpFileFind::GetLastWriteTime() {
   if (!state->found.timePath.empty()) {
     // A time that cannot be had is unknown; the last error tells why.
     static_cast<void>(
-        internet::answer([&] { control->request([&] { internet::askTime(*control, *state); }); }));
+        internet::answer([&] { control->query([&] { internet::askTime(*control, *state); }); }));
   }
   return entry->modified;
 }

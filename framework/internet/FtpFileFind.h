@@ -6,6 +6,10 @@
 //   FindFile("/pub")      the content of /pub when it is a directory, that one entry when it is a file
 //   FindFile("*.*")       the current directory
 //   FindFile("")          the same as "*"
+// A connection that reopens on demand may have been closed by the server meanwhile, for its idleness for one:
+// when that shows before the server has answered anything, the finder logs in again, once and without
+// notifications, returns to the current directory and asks anew. When the log-in fails, its failure is that
+// of the call.
 #pragma once
 
 #include <cstddef>

@@ -49,8 +49,8 @@ std::string systemText(std::uint32_t error) {
 
 }  // namespace
 
-CInternetException::CInternetException(std::uint32_t error, std::string text)
-    : m_dwError(error), m_text(std::move(text)) {}
+CInternetException::CInternetException(std::uint32_t error, std::string text, bool connectionLost)
+    : m_dwError(error), m_bConnectionLost(connectionLost), m_text(std::move(text)) {}
 
 bool CInternetException::GetErrorMessage(char* buffer, std::uint32_t size) const noexcept {
   if (!buffer || size == 0) return false;
@@ -69,8 +69,8 @@ bool CInternetException::GetErrorMessage(char* buffer, std::uint32_t size) const
   }
 }
 
-void AfxThrowInternetException(std::uint32_t error, std::string text) {
-  auto* const exception = new CInternetException(error, std::move(text));
+void AfxThrowInternetException(std::uint32_t error, std::string text, bool connectionLost) {
+  auto* const exception = new CInternetException(error, std::move(text), connectionLost);
   platform::setLastError(error);
   throw exception;
 }

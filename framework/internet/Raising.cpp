@@ -13,7 +13,8 @@ void raising(const std::function<void()>& work) {
 void throwAsException(const Failure& failure) {
   // Any other number has a text of its own.
   AfxThrowInternetException(failure.error,
-                            failure.error == kExtendedError ? failure.serverText : std::string());
+                            failure.error == kExtendedError ? failure.serverText : std::string(),
+                            failure.connectionLost);
 }
 
 }  // namespace internet

@@ -229,6 +229,7 @@ void Client::perform(unsigned operation) {
       connection_.reset();
       const auto connect = [&] { return session_.GetFtpConnection("127.0.0.1", "u", "p", 21, passive_); };
       succeeds([&] { return (connection_.reset(connect()), true); });
+      if (connection_) connection_->ReopenOnDemand(true);
       return;
     }
     case 1:

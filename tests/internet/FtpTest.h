@@ -51,6 +51,7 @@ class RecordingSession : public CInternetSession {
 struct Thrown {
   std::uint32_t error = 0;  // 0 = nothing was thrown
   std::string text;
+  bool connectionLost = false;
 };
 
 // Runs `work` and takes the CInternetException that it throws.
@@ -61,7 +62,7 @@ Thrown thrownBy(Work work) {
   } catch (CInternetException* exception) {
     char text[2048];
     static_cast<void>(exception->GetErrorMessage(text, sizeof text));
-    Thrown thrown{exception->m_dwError, text};
+    Thrown thrown{exception->m_dwError, text, exception->m_bConnectionLost};
     exception->Delete();
     return thrown;
   }

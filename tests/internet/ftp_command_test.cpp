@@ -102,8 +102,33 @@ TEST_F(FtpCommand, AServerThatSaysFarewellIs12030) {
   session.takeStatuses();
   EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12030u);
   EXPECT_EQ(connection->LastServerText(), "421 Timeout");
-  EXPECT_EQ(session.takeStatuses(), (Statuses{30, 31, 40, 50, 51})) << "once the operation has ended";
+  EXPECT_EQ(session.takeStatuses(), (Statuses{30, 31, 40}));
   EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12030u) << "dead from now on";
+  EXPECT_EQ(session.takeStatuses(), Statuses{});
+}
+
+// Who asked whether there was a connection, once told of the failure, was answered no.
+TEST_F(FtpCommand, ABrokenConnectionIsReportedClosedOnceItIsGivenUp) {
+  session.SetTimeouts(shortTimeouts());
+  for (const json& end : {json("close"), json("reset"), json("silent"), json{{"reply", "421 Timeout"}}}) {
+    ScriptedFtp server = answering(json::array({end}));
+    auto connection = connect(server);
+    EXPECT_NE(errorOf([&] { return connection->Remove("/x"); }), 0u);
+    EXPECT_EQ(session.takeStatuses().back(), 40u) << end;
+    connection->Close();
+    EXPECT_EQ(session.takeStatuses(), (Statuses{50, 51, 70})) << end;
+    connection.reset();
+    EXPECT_EQ(session.takeStatuses(), Statuses{});
+  }
+}
+
+TEST_F(FtpCommand, WaitIdleReportsAConnectionThatBrokeBefore) {
+  ScriptedFtp server = answering({"close"});
+  auto connection = connect(server);
+  EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12030u);
+  session.takeStatuses();
+  EXPECT_TRUE(connection->WaitIdle(std::chrono::hours(1)));
+  EXPECT_EQ(session.takeStatuses(), (Statuses{50, 51}));
   connection->Close();
   EXPECT_EQ(session.takeStatuses(), Statuses{70});
 }
@@ -169,7 +194,7 @@ TEST_F(FtpCommand, ASilentServerIs12002AndLeavesNoAnswerForTheNextCommand) {
   auto connection = connect(server);
   session.takeStatuses();
   EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12002u);
-  EXPECT_EQ(session.takeStatuses(), (Statuses{30, 31, 40, 50, 51}));
+  EXPECT_EQ(session.takeStatuses(), (Statuses{30, 31, 40}));
   EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12030u);
 }
 

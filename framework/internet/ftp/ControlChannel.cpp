@@ -24,6 +24,9 @@ ControlChannel::ControlChannel(std::shared_ptr<SessionLink> session) noexcept
     : dialer_(std::move(session)), progressUntil_(kAtOnce), closeError_(kConnectionAborted) {}
 
 void ControlChannel::open(const std::string& server, std::uint16_t port) {
+  closeError_ = kConnectionAborted;
+  closeText_.clear();
+  preliminaryReplies_ = 0;
   sock_ = dialer_.connect(server, port);
   awaiting_ = true;  // the greeting
   progressed();
@@ -220,12 +223,21 @@ platform::SocketInterest ControlChannel::readInterest() noexcept {
   return {sock_ ? &sock_->socket() : nullptr, true, false};
 }
 
-std::optional<platform::SocketAddress> ControlChannel::localAddress() noexcept {
-  return sock_ ? sock_->socket().localAddress() : std::nullopt;
+platform::SocketAddress ControlChannel::localAddress() {
+  requireOpen();
+  return known(sock_->socket().localAddress());
 }
 
-std::optional<platform::SocketAddress> ControlChannel::peerAddress() noexcept {
-  return sock_ ? sock_->socket().peerAddress() : std::nullopt;
+platform::SocketAddress ControlChannel::peerAddress() {
+  requireOpen();
+  return known(sock_->socket().peerAddress());
+}
+
+// Of a connection that was reset the system knows no address any more.
+platform::SocketAddress ControlChannel::known(const std::optional<platform::SocketAddress>& address) {
+  if (!address) closeWith(kConnectionAborted);
+  requireOpen();
+  return *address;
 }
 
 bool ControlChannel::closedWhileIdle(milliseconds duration) {

@@ -25,7 +25,7 @@ class ControlChannel {
 
   explicit ControlChannel(std::shared_ptr<SessionLink> session) noexcept;
 
-  // Resolves and connects: 10, 11, 20, 21.
+  // Resolves and connects: 10, 11, 20, 21. A closed connection can be opened again.
   void open(const std::string& server, std::uint16_t port);
   [[nodiscard]] bool isOpen() const noexcept { return sock_ != nullptr; }
 
@@ -64,8 +64,8 @@ class ControlChannel {
 
   // For waits on something else that end early when the server speaks.
   [[nodiscard]] platform::SocketInterest readInterest() noexcept;
-  [[nodiscard]] std::optional<platform::SocketAddress> localAddress() noexcept;
-  [[nodiscard]] std::optional<platform::SocketAddress> peerAddress() noexcept;
+  [[nodiscard]] platform::SocketAddress localAddress();
+  [[nodiscard]] platform::SocketAddress peerAddress();
 
   // Waits at the idle connection; true at once when it is closed, or the server is about to (421).
   bool closedWhileIdle(std::chrono::milliseconds duration);
@@ -83,10 +83,30 @@ class ControlChannel {
   void notify(std::uint32_t status) { dialer_.notify(status); }
   // True when a final reply was reported since the last call (for notification 100).
   [[nodiscard]] bool takeAnswered() noexcept;
+  [[nodiscard]] bool answered() const noexcept { return answered_; }
+
+  // While it lives nothing is reported, and no reply counts as one that was.
+  class Silence {
+   public:
+    explicit Silence(ControlChannel& channel) noexcept : channel_(channel), answered_(channel.answered_) {
+      channel_.dialer_.mute(true);
+    }
+    ~Silence() {
+      channel_.dialer_.mute(false);
+      channel_.answered_ = answered_;
+    }
+    Silence(const Silence&) = delete;
+    Silence& operator=(const Silence&) = delete;
+
+   private:
+    ControlChannel& channel_;
+    const bool answered_;
+  };
 
  private:
   void requireOpen() const;
   [[nodiscard]] std::chrono::milliseconds withinProgress(std::chrono::milliseconds limit) const noexcept;
+  platform::SocketAddress known(const std::optional<platform::SocketAddress>& address);
   void settle();
   void transmit();
   void transmit(std::string_view bytes);

@@ -45,14 +45,19 @@ FtpControl::~FtpControl() = default;
 std::shared_ptr<FtpControl> FtpControl::open(std::shared_ptr<SessionLink> session, FtpLogin login) {
   std::shared_ptr<FtpControl> control(new FtpControl(std::move(session), std::move(login)));
   try {
-    control->channel_.open(control->login_.server, control->login_.port);
-    control->logIn();
+    control->connect();
     return control;
   } catch (const Failure& failure) {
+    // Nobody will ever have this connection to close.
     control->channel_.drop();
     control->channel_.reportClosed();
     throw Failure(control->forHost(failure));
   }
+}
+
+void FtpControl::connect() {
+  channel_.open(login_.server, login_.port);
+  logIn();
 }
 
 void FtpControl::logIn() {
@@ -67,16 +72,71 @@ void FtpControl::logIn() {
   enableUtf8();
 }
 
+// A new connection in the place of a closed one. The session hears nothing of it: on its word that a
+// connection comes up a client makes its finders anew, also the one that is asking.
+void FtpControl::logInAgain() {
+  const ControlChannel::Silence silence(channel_);
+  const std::optional<std::string> directory = directoryForReturn();
+  traits_ = cachedTraits(traitsKey_);
+  binary_ = utf8Asked_ = false;
+  if (!moved_) directory_.reset();
+  try {
+    if (!directory) fail(kConnectionAborted);
+    connect();
+    returnTo(*directory);
+  } catch (Failure& failure) {
+    channel_.drop();
+    failure.connectionLost = true;
+    throw;
+  } catch (...) {
+    channel_.drop();
+    throw;
+  }
+}
+
+void FtpControl::returnTo(const std::string& directory) {
+  if (directory.empty()) return;
+  const FtpReply reply = command("CWD", directory);
+  // In any other directory relative names would mean something else.
+  if (!reply.completed()) fail(kConnectionAborted, reply.text);
+}
+
 // --- Frame of a public operation ---
 
 void FtpControl::request(const std::function<void()>& work) {
-  if (closed_) fail(kIncorrectHandleState);
-  if (busy_ || heldByFile_) fail(kTransferInProgress);
+  admit();
   runFramed([&] {
     // Dead since an earlier operation, whatever that one was told.
     if (!isOpen()) fail(kConnectionAborted);
     work();
   });
+}
+
+void FtpControl::query(const std::function<void()>& work) {
+  if (!reopens_) return request(work);
+  admit();
+  runFramed([&] {
+    if (isOpen() && !findsClosed(work)) return;
+    logInAgain();
+    work();
+  });
+}
+
+void FtpControl::admit() const {
+  if (closed_) fail(kIncorrectHandleState);
+  if (busy_ || heldByFile_) fail(kTransferInProgress);
+}
+
+// Whether `work` came upon a connection that had been closed before it: no command has had an answer.
+bool FtpControl::findsClosed(const std::function<void()>& work) {
+  try {
+    work();
+    return false;
+  } catch (const Failure& failure) {
+    const bool closed = failure.error == kConnectionAborted || failure.error == kConnectionReset;
+    if (isOpen() || channel_.answered() || !closed) throw;
+    return true;
+  }
 }
 
 void FtpControl::requestOfFile(const std::function<void()>& work) { runFramed(work); }
@@ -98,7 +158,6 @@ void FtpControl::runFramed(const std::function<void()>& work) {
   }
   leaveFrame(!failure);
   if (channel_.takeAnswered()) channel_.notify(kStatusRequestComplete);
-  channel_.reportClosed();
   if (failure) throw Failure(std::move(*failure));
 }
 
@@ -210,7 +269,9 @@ bool FtpControl::speaksUtf8() {
 // By what is known of the server: a failure is not the time to ask.
 Failure FtpControl::forHost(const Failure& failure) const {
   if (!cachedTraits(traitsKey_).speaksUtf8()) return failure;
-  return {failure.error, hosttext::textForHost(failure.serverText, platform::narrowCodePage())};
+  Failure told = failure;
+  told.serverText = hosttext::textForHost(failure.serverText, platform::narrowCodePage());
+  return told;
 }
 
 void FtpControl::withdraw(bool FtpTraits::*feature) {

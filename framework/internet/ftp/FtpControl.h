@@ -45,11 +45,20 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
 
   // Runs one public operation: refuses it with 12019 when the connection was closed by us, 12030 when it is
   // dead, 12110 while a file is open or another operation runs (a callback may re-enter); runs `work`; then
-  // notifies 100 when the server has answered, and 50 and 51 when the connection died in it. A notification
-  // may destroy the caller's object: behind request() touch no member. Failures of `work` come out unchanged.
+  // notifies 100 when the server has answered. A notification may destroy the caller's object: behind
+  // request() touch no member. Failures of `work` come out unchanged. A connection that died in it is not
+  // reported closed before it is given up, by close() or waitIdle(): who hears of the failure may still want
+  // to know that there was a connection.
   void request(const std::function<void()>& work);
 
-  // --- Exchanges; only inside request() ---
+  // request() for work that does nothing but ask. Where the connection reopens, one that turns out to be
+  // closed before the server has answered is not the end of it: a new log-in takes its place, once, without a
+  // notification, and `work` begins anew. A log-in that fails is the failure of the query.
+  void query(const std::function<void()>& work);
+  // Lets query() log in again, or not any more.
+  void reopenOnDemand(bool reopens) noexcept { reopens_ = reopens; }
+
+  // --- Exchanges; only inside request() and query() ---
 
   // Sends "verb argument" and waits for its reply, whatever that is. 87 for an argument that checkArgument
   // refuses. 421 closes the connection and fails with 12030.
@@ -136,7 +145,12 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
 
  private:
   FtpControl(std::shared_ptr<SessionLink> session, FtpLogin login);
+  void connect();
   void logIn();
+  void logInAgain();
+  void returnTo(const std::string& directory);
+  void admit() const;
+  bool findsClosed(const std::function<void()>& work);
   void runFramed(const std::function<void()>& work);
   void leaveFrame(bool inStep) noexcept;
   FtpReply exchange(const std::string& line);
@@ -155,6 +169,7 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   bool binary_ = false;
   bool utf8Asked_ = false;
   bool closed_ = false;  // by close()
+  bool reopens_ = false;
   bool busy_ = false;
   bool heldByFile_ = false;
 };

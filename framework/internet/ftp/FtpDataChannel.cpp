@@ -69,7 +69,7 @@ void note(FtpDataChannel::Opening& opening, const FtpReply& reply) {
 FtpDataChannel::~FtpDataChannel() { socket_.abort(); }
 
 void FtpDataChannel::prepare() {
-  peer_ = required(control_.channel().peerAddress());
+  peer_ = control_.channel().peerAddress();
   if (!control_.login().passive) {
     prepareActive();
   } else if (!prepareExtendedPassive()) {
@@ -109,7 +109,7 @@ void FtpDataChannel::preparePassive() {
 }
 
 void FtpDataChannel::prepareActive() {
-  const platform::SocketAddress local = required(control_.channel().localAddress());
+  const platform::SocketAddress local = control_.channel().localAddress();
   listening_ = true;
   if (!socket_.listen(local)) fail(kCannotConnect);
   const platform::SocketAddress bound = required(socket_.localAddress());

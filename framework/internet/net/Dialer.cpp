@@ -31,7 +31,7 @@ std::unique_ptr<Sock> Dialer::attempt(const std::string& server, std::uint16_t p
   notify(kStatusResolvingName, server);
   const auto addresses = resolve(server, port, deadline);
   notify(kStatusNameResolved, platform::addressText(addresses.front()));
-  announced_ = true;
+  announced_ = announced_ || !muted_;
   notify(kStatusConnecting);
   auto sock = connectToAny(addresses, deadline);
   if (!sock) fail(deadline.passed() ? kTimeout : kCannotConnect);
@@ -41,7 +41,7 @@ std::unique_ptr<Sock> Dialer::attempt(const std::string& server, std::uint16_t p
 }
 
 void Dialer::reportClosed() {
-  if (!std::exchange(announced_, false)) return;
+  if (muted_ || !std::exchange(announced_, false)) return;
   notify(kStatusClosing);
   notify(kStatusClosed);
 }
@@ -58,7 +58,7 @@ void Dialer::reportEnd() noexcept {
 }
 
 void Dialer::notify(std::uint32_t status, std::string text) {
-  if (platform::stopRequested()) return;
+  if (muted_ || platform::stopRequested()) return;
   if (text.empty()) {
     session_->notify(status, nullptr, 0);
   } else {

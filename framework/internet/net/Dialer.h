@@ -26,6 +26,8 @@ class Dialer {
   void reportEnd() noexcept;
   // Silent on a thread that was asked to stop.
   void notify(std::uint32_t status, std::string text = {});
+  // While muted nothing is reported, and what stands announced or closed stays as it was.
+  void mute(bool muted) noexcept { muted_ = muted; }
 
   [[nodiscard]] Timeouts timeouts() const noexcept { return session_->timeouts(); }
 
@@ -34,6 +36,7 @@ class Dialer {
 
   std::shared_ptr<SessionLink> session_;
   bool announced_ = false;  // 20 was reported, 50 and 51 not yet
+  bool muted_ = false;
 };
 
 }  // namespace internet

@@ -11,8 +11,9 @@
 namespace internet {
 
 struct Failure {
-  std::uint32_t error;     // an internet number (InternetErrors.h) or a platform number
-  std::string serverText;  // for kExtendedError: the server's own words
+  std::uint32_t error;          // an internet number (InternetErrors.h) or a platform number
+  std::string serverText;       // for kExtendedError: the server's own words
+  bool connectionLost = false;  // the connection is closed, and logging in again has failed
 };
 
 // Throws a Failure. Control bytes of the server's text, but for its line ends, come out as '?'.
