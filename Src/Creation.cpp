@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // FTPCreateDir, which makes the directories above as well, and FTPCreateNewDir, which finds a free name.
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <utility>
@@ -10,6 +11,7 @@
 #include "Src/SlotRetry.h"
 #include "framework/internet/FtpConnection.h"
 #include "framework/platform/last_error.h"
+#include "framework/platform/stop_token.h"
 
 namespace {
 
@@ -42,6 +44,7 @@ void FTPCreateDirThr(void* argument) {
 }
 
 constexpr std::uint32_t kNames = 1000;
+constexpr std::chrono::milliseconds kPause{10};  // before a refused creation is tried again
 
 struct NewDirectory {
   const char* parent;
@@ -90,6 +93,7 @@ class FreeName {
         const bool created = m_client.FTPCreateDir(m_candidate.c_str(), m_retries, 0, 0) != 0;
         m_running.LeaveIfOrphaned();
         if (created) return true;
+        platform::stoppableSleep(kPause);
       }
     }
     return false;

@@ -28,6 +28,25 @@ class FileQuery : public testing::Test {
   void TearDown() override { client.m_bConnected = 0; }
 };
 
+// The two existence queries repeat a failed attempt at once, the size query waits 10 ms: with as many retries
+// it takes many times as long.
+TEST_F(FileQuery, TheExistenceQueriesRetryWithoutAPause) {
+  constexpr std::uint32_t kRetries = 100;
+  const auto took = [&](const auto& query) {
+    finder.throwsAtFirst(12031, kRetries + 1);
+    finder.patterns.clear();
+    const auto start = Clock::now();
+    query();
+    const auto end = Clock::now();
+    EXPECT_EQ(finder.patterns.size(), kRetries + 1);
+    return end - start;
+  };
+  const auto size = took([&] { client.FTPFileSize("/x", kRetries, 0, 0); });
+  EXPECT_GE(size, kRetries * std::chrono::milliseconds(10));
+  EXPECT_LT(took([&] { client.FTPDirExist("/a/x", kRetries, 0, 0); }), size / 2);
+  EXPECT_LT(took([&] { client.FTPFileExists("/x", kRetries, 0, 0); }), size / 2);
+}
+
 class FileExists : public FileQuery {
  protected:
   static constexpr int kLine = 5232;

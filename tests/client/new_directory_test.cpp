@@ -161,6 +161,18 @@ TEST_F(NewDirectory, ARefusedCreationIsTriedAgainWithTheSameNameUntilItSucceeds)
   EXPECT_EQ(lineCount(server, "MKD /pub/New (2)"), 0);
 }
 
+// Thousands of them in a second were more than a server deserves.
+TEST_F(NewDirectory, RefusedCreationsAreTenMillisecondsApart) {
+  constexpr int kRefusals = 8;
+  int creations = 0;
+  host.dirExist = [&](const char* path, std::uint32_t) -> QXBool { return std::strcmp(path, "/pub") == 0; };
+  host.createDir = [&](const char*, std::uint32_t) -> QXBool { return ++creations > kRefusals; };
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(createAtHost(), 1);
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(10) * kRefusals);
+  EXPECT_EQ(creations, kRefusals + 1);
+}
+
 TEST_F(NewDirectory, ACreationWhoseConnectionIsLostIsTriedAgainWithTheSameName) {
   shortenTimeouts();
   for (const char* loss : {"close", "reset", "silent"}) {
