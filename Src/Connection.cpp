@@ -10,6 +10,7 @@
 #include "Src/QXIP.h"
 #include "Src/SharedFlag.h"
 #include "Src/TInternetSession.h"
+#include "framework/internet/FtpConnection.h"
 #include "framework/text/AsciiText.h"
 #include "support/BoundedText.h"
 #include "support/Paths.h"
@@ -62,6 +63,7 @@ void TQXIP::OpenConnection(TInternetSession& session) {
   ReleaseConnection();
   CFtpConnection* connection = OpenFtpConnection(*this, session, nullptr);
   m_pFtpConnection = connection;
+  if (connection != nullptr) connection->ReopenOnDemand(true);
 }
 
 QXBool TQXIP::FTPConnect(const char* pszHost, const char* pszUser, const char* pszPassword,
@@ -92,11 +94,13 @@ QXBool TQXIP::FTPConnect(const char* pszHost, const char* pszUser, const char* p
 
 QXBool TQXIP::FTPReConnect(std::uint32_t /*nRetries*/, QXHostValue /*nValue*/) { return 1; }
 
-// The connection itself stays: it goes with the next connect or with the object.
+// The connection itself stays: it goes with the next connect or with the object. But nobody logs in any more
+// with login data that is to be forgotten.
 QXBool TQXIP::FTPDisconnect() {
   return GuardOperation([&]() -> QXBool {
     const bool ok = IsSet(m_bInitialized);
     if (ok) {
+      if (m_pFtpConnection != nullptr) m_pFtpConnection->ReopenOnDemand(false);
       OnBeforeDisconnect();
       if (IsSet(m_bConnected)) {
         StoreLogin("", "", "", kDefaultPort, 0);

@@ -9,7 +9,7 @@ class FinderLoan {
   explicit FinderLoan(TQXIP& client) noexcept : m_own(client), m_client(client) {}
 
   // The finder of the field named `field`; null when a private connection could not be made.
-  [[nodiscard]] CFtpFileFind* Take(const char* field, bool* pRaised) {
+  [[nodiscard]] CFtpFileFind* Take(const char* field, Raised* pRaised) {
     CFtpFileFind* finder = m_client.GetFinder(0, field);
     if (finder != nullptr) return finder;
     return m_own.OpenWithFinder(pRaised) ? m_own.Finder() : nullptr;

@@ -114,14 +114,14 @@ struct ListingCall {
   std::uint32_t* pnCount;
 };
 
-// Tells of a failed run, which then has this last error. False.
-bool failListing(TQXIP& client, std::uint32_t error, std::uint32_t& retries) {
+// Tells of a failed run, which then has this last error.
+SlotRun failListing(TQXIP& client, std::uint32_t error, std::uint32_t& retries, bool connectionLost = false) {
   client.OnIPError(error, "FTP-Error!", &retries);
   platform::setLastError(error);
-  return false;
+  return {.ok = false, .connectionLost = connectionLost};
 }
 
-bool listOnce(TQXIP& client, const ListingCall& call, std::uint32_t& retries) {
+SlotRun listOnce(TQXIP& client, const ListingCall& call, std::uint32_t& retries) {
   WriteEntryLine(client, sites::kGetDirectory, {.first = call.path});
   if (call.pnCount != nullptr) *call.pnCount = 0;
   keepPending(client, NewEntryArray(0));
@@ -130,15 +130,17 @@ bool listOnce(TQXIP& client, const ListingCall& call, std::uint32_t& retries) {
   if (!ok) platform::setLastError(platform::kErrorInvalidParameter);
   FinderLoan loan(client);
   CFtpFileFind* finder = ok && MayGoToServer(call.path) ? loan.Take("m_pFTPGetDir", nullptr) : nullptr;
-  ok = finder != nullptr && GuardInternet(client, &retries, nullptr, [&] {
+  Raised raised;
+  ok = finder != nullptr && GuardInternet(client, &retries, &raised, [&] {
          return list(client, *finder, call.path, call.pattern, count);
        });
   if (call.pnCount != nullptr) *call.pnCount = count;
-  return ok || failListing(client, platform::lastError(), retries);
+  if (!ok) return failListing(client, platform::lastError(), retries, raised.connectionLost);
+  return {.ok = true};
 }
 
 // A hook that a listing calls has asked for another one, which would take its finder and its entries away.
-bool refuseWithin(TQXIP& client, const ListingCall& call, std::uint32_t& retries) {
+SlotRun refuseWithin(TQXIP& client, const ListingCall& call, std::uint32_t& retries) {
   WriteEntryLine(client, sites::kGetDirectory, {.first = call.path});
   if (call.pnCount != nullptr) *call.pnCount = 0;
   return failListing(client, internet::kTransferInProgress, retries);
@@ -172,13 +174,13 @@ QXBool TQXIP::FTPGetDirectory(const char* pszPath, QXDirEntry* pEntries, std::ui
                               const char* pszPattern, std::uint32_t nRetries) {
   return GuardOperation([&]() -> QXBool {
     const auto end = [&](bool failed) { endListing(*this, pszPath, failed); };
-    const auto run = [&] {
+    const auto run = [&]() -> SlotRun {
       if (RunningOperation::Runs(*this, RunningOperation::Kind::listing)) {
         return refuseWithin(*this, {pszPath, pszPattern, pnCount}, nRetries);
       }
       if (pEntries == nullptr) return listOnce(*this, {pszPath, pszPattern, pnCount}, nRetries);
       WriteEntryLine(*this, sites::kGetDirectory, {.first = pszPath});
-      return copyOut(*this, pEntries, pnCount);
+      return {.ok = copyOut(*this, pEntries, pnCount)};
     };
     const auto again = [&](std::uint32_t retries) {
       return FTPGetDirectory(pszPath, pEntries, pnCount, pszPattern, retries) != 0;

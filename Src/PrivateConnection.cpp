@@ -10,7 +10,7 @@ bool MayLogIn(const TQXIP& client) noexcept {
   return false;
 }
 
-CFtpConnection* OpenFtpConnection(TQXIP& client, CInternetSession& session, bool* pRaised) {
+CFtpConnection* OpenFtpConnection(TQXIP& client, CInternetSession& session, Raised* pRaised) {
   if (!MayLogIn(client)) return nullptr;
   return GuardInternet(client, nullptr, pRaised, [&] {
     return session.GetFtpConnection(client.m_RemoteSystem, client.m_UserName, client.m_Password,
@@ -18,13 +18,13 @@ CFtpConnection* OpenFtpConnection(TQXIP& client, CInternetSession& session, bool
   });
 }
 
-bool PrivateConnection::Open(bool* pRaised) {
+bool PrivateConnection::Open(Raised* pRaised) {
   m_session.reset(NewSession(m_client));
   m_connection.reset(OpenFtpConnection(m_client, *m_session, pRaised));
   return m_connection != nullptr;
 }
 
-bool PrivateConnection::OpenWithFinder(bool* pRaised) {
+bool PrivateConnection::OpenWithFinder(Raised* pRaised) {
   if (!Open(pRaised)) return false;
   m_finder = std::make_unique<CFtpFileFind>(m_connection.get(), 1);
   return true;

@@ -11,6 +11,8 @@
 #include "framework/internet/FtpConnection.h"
 #include "framework/internet/FtpFileFind.h"
 
+struct Raised;
+
 class PrivateConnection {
  public:
   explicit PrivateConnection(TQXIP& client) noexcept : m_client(client) {}
@@ -20,9 +22,9 @@ class PrivateConnection {
 
   // Connects and logs in. A failure goes to OnIPError without a retry counter; *pRaised (may be null) tells
   // of it.
-  [[nodiscard]] bool Open(bool* pRaised = nullptr);
+  [[nodiscard]] bool Open(Raised* pRaised = nullptr);
   // Open(), and a finder on the connection.
-  [[nodiscard]] bool OpenWithFinder(bool* pRaised = nullptr);
+  [[nodiscard]] bool OpenWithFinder(Raised* pRaised = nullptr);
   void Close() noexcept;
 
   // Runs another operation of the client, which may dispatch messages, while the connection is open. Leaves
@@ -51,4 +53,4 @@ class PrivateConnection {
 
 // Opens a connection on `session` from the client's login data; null when that may not be (MayLogIn) or after
 // a failure, which went to OnIPError.
-CFtpConnection* OpenFtpConnection(TQXIP& client, CInternetSession& session, bool* pRaised);
+CFtpConnection* OpenFtpConnection(TQXIP& client, CInternetSession& session, Raised* pRaised);

@@ -22,7 +22,7 @@ struct FileSizeThread : QXFtpThread {
 
 AttemptOutcome askServer(QXFtpThread& record, const char* finderField, Query query) {
   TQXIP& client = *record.pQXIP;
-  bool raised = false;
+  Raised raised;
   AttemptOutcome outcome;
   FinderLoan loan(client);
   CFtpFileFind* finder = MayGoToServer(record.pszName) ? loan.Take(finderField, &raised) : nullptr;
@@ -32,7 +32,8 @@ AttemptOutcome askServer(QXFtpThread& record, const char* finderField, Query que
   }
   if (!outcome.ok) {
     outcome.error = platform::lastError();
-    if (!raised) client.OnIPError(outcome.error, "FTP-Error!", record.pRetries);
+    outcome.connectionLost = raised.connectionLost;
+    if (!raised.any) client.OnIPError(outcome.error, "FTP-Error!", record.pRetries);
   }
   return outcome;
 }
@@ -106,9 +107,9 @@ bool queryFileSize(QXFtpThread& record, CFtpFileFind& finder) {
   return true;
 }
 
-// "Not there" is stored by the query itself, and a retry uses up the whole count.
+// "Not there" is stored by the query itself. A retry comes without a pause.
 WorkerShape existenceShape(const FailureSite& site) {
-  return {.failedLine = &site, .storesOutcome = false, .spendsRetries = true, .reportsAttemptError = true};
+  return {.failedLine = &site, .storesOutcome = false, .reportsAttemptError = true};
 }
 
 void FTPDirExistThr(void* argument) {

@@ -9,6 +9,9 @@ namespace {
 
 using Table = const void* const*;
 
+// The table of TQXIP, the same for all clients: each constructor of one notes it while the object is no more
+// than a TQXIP. It lies in read-only memory and never changes; a host replaces slots by giving its client
+// another table (a derived class, or a copy with entries of its own). So an entry that differs is a host's.
 std::atomic<Table> g_ownTable{nullptr};
 
 constinit thread_local const SlotCall* t_innermost = nullptr;

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
-// The retry rule of the operations without a worker: a failed run calls the operation again through its own
-// slot with one retry less, and the lines of each run come after those of the run inside it. A slot that no
-// host has replaced is retried in a loop, so that neither stack nor memory grow with the retry count.
+// The retry rule of the operations without a worker: a failed run is followed by a call of the operation
+// through its own slot with one retry less. Where no host has replaced the slot that call is just another
+// run.
 #pragma once
 
 #include <chrono>
 #include <cstddef>
 #include <new>
+#include <optional>
 
 #include "Src/MessageLines.h"
+#include "Src/NestedRuns.h"
 #include "Src/RetryLimit.h"
 #include "Src/RunningOperations.h"
 #include "framework/platform/last_error.h"
@@ -62,41 +64,47 @@ struct RetryRule {
   bool failedRunStaysFailed = false;  // a run whose retry succeeds still reports its own failure
 };
 
-// `work` makes one run and answers whether it succeeded; one that gets no memory has failed. `again(retries)`
-// calls the slot. `end(failed)` writes a run's last lines. Returns the outcome that the caller sees.
-template <typename Run, typename Again, typename End>
-bool RetryThroughSlot(TQXIP& client, std::uint32_t& retries, const RetryRule& rule, Run&& work, Again&& again,
-                      End&& end) {
-  const auto run = [&] {
-    try {
-      return work();
-    } catch (const std::bad_alloc&) {
-      platform::setLastError(platform::kErrorNotEnoughMemory);
-      return false;
-    }
-  };
+struct SlotRun {
+  bool ok = false;
+  bool connectionLost = false;  // of a failed run: the object's, for good (RetryLimit.h)
+  bool byHost = false;          // a host's function made it, and its lines with it
+};
+
+// `work` makes one run and answers by a bool or a SlotRun; one that gets no memory has failed.
+// `again(retries)` calls the slot. `end(failed)` writes a run's last lines. Returns the outcome that the
+// caller sees.
+template <typename Work, typename Again, typename End>
+bool RetryThroughSlot(TQXIP& client, std::uint32_t& retries, const RetryRule& rule, Work&& work,
+                      Again&& again, End&& end) {
   const RunningOperation running(client);  // a run may call other operations, which dispatch messages
   RetryLimit limit(retries, SlotCall::LimitAround(client, rule.slot));
-  std::uint64_t failedRuns = 0;
-  bool innermostIsOurs = true;
-  bool ok = run();
-  running.LeaveIfOrphaned();
-  while (!ok && limit.TakeRun(retries)) {
-    platform::stoppableSleep(rule.pause);
-    ++failedRuns;
-    innermostIsOurs = HasOwnSlot(client, rule.slot);
-    if (innermostIsOurs) {
-      ok = run();
-    } else {
-      const SlotCall call(client, rule.slot, limit);
-      ok = again(retries);
+  const auto ownRun = [&] {
+    SlotRun run;
+    try {
+      run = {work()};
+    } catch (const std::bad_alloc&) {
+      platform::setLastError(platform::kErrorNotEnoughMemory);
     }
     running.LeaveIfOrphaned();
-    if (!innermostIsOurs) break;
-  }
-  if (innermostIsOurs) end(!ok);
-  for (; failedRuns > 0; --failedRuns) end(rule.failedRunStaysFailed || !ok);
-  return ok;
+    return run;
+  };
+  const auto hostsRun = [&] {
+    const SlotCall call(client, rule.slot, limit);
+    const bool ok = again(retries);
+    running.LeaveIfOrphaned();
+    return SlotRun{.ok = ok, .byHost = true};
+  };
+  const auto next = [&](const SlotRun& failed) -> std::optional<SlotRun> {
+    // A host's function has made all the runs behind it.
+    if (failed.byHost || !limit.TakeRun(retries, {platform::lastError(), failed.connectionLost}))
+      return std::nullopt;
+    platform::stoppableSleep(rule.pause);
+    return HasOwnSlot(client, rule.slot) ? ownRun() : hostsRun();
+  };
+  const auto endRun = [&](const SlotRun& run, const SlotRun& last) {
+    if (!run.byHost) end(!last.ok || (rule.failedRunStaysFailed && !run.ok));
+  };
+  return RunNested(ownRun(), next, endRun).ok;
 }
 
 // An operation on two paths, each of whose runs has an entry line, a failed line and a report of its own.

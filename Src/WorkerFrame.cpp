@@ -2,8 +2,10 @@
 #include "Src/WorkerFrame.h"
 
 #include <new>
+#include <optional>
 
 #include "Src/MessageLines.h"
+#include "Src/NestedRuns.h"
 #include "Src/RetryLimit.h"
 #include "Src/SharedFlag.h"
 #include "framework/ModuleState.h"
@@ -53,18 +55,13 @@ void RunWorker(void* argument, const WorkerShape& shape, Attempt attempt) {
   const AFX_MAINTAIN_STATE2 moduleState(AfxGetAppModuleState());
   const DoneFlag done(record);
   RetryLimit limit(*record.pRetries);
-  AttemptOutcome failed;
-  std::uint64_t failedRuns = 0;
-  AttemptOutcome outcome = RunOnce(record, shape, attempt);
-  while (!outcome.ok && limit.TakeRun(*record.pRetries)) {
+  const auto next = [&](const AttemptOutcome& failed) -> std::optional<AttemptOutcome> {
+    if (!limit.TakeRun(*record.pRetries, {failed.error, failed.connectionLost})) return std::nullopt;
     platform::stoppableSleep(shape.pause);
-    ++failedRuns;
-    failed = outcome;
-    outcome = RunOnce(record, shape, attempt);
-  }
-  if (shape.spendsRetries && failedRuns > 0) *record.pRetries = 0;
-  EndRun(record, shape, outcome);
-  for (; failedRuns > 0; --failedRuns) EndRun(record, shape, failed);
+    return RunOnce(record, shape, attempt);
+  };
+  RunNested(RunOnce(record, shape, attempt), next,
+            [&](const AttemptOutcome& run, const AttemptOutcome&) { EndRun(record, shape, run); });
 }
 
 void RunReportedWorker(void* argument, const FailureSite& site, Attempt attempt, PathsOf paths) {

@@ -14,6 +14,7 @@
 struct AttemptOutcome {
   bool ok = false;
   std::uint32_t error = 0;
+  bool connectionLost = false;  // the object's, for good (RetryLimit.h)
 };
 
 using Attempt = AttemptOutcome (*)(QXFtpThread& record);
@@ -28,7 +29,6 @@ struct WorkerShape {
   PathsOf paths = &OnePath;
   std::chrono::milliseconds pause{0};  // before a retry
   bool storesOutcome = true;           // bResult = the attempt's outcome; else the attempt stores an answer
-  bool spendsRetries = false;          // a retry, whatever came of it, uses the retry count up
   bool reportsAttemptError = false;    // the report stores the attempt's error number
 };
 
@@ -45,9 +45,8 @@ class DoneFlag {
   QXFtpThread& m_record;
 };
 
-// Runs `attempt` on the QXFtpThread at `argument` until it succeeds or may run no more (RetryLimit.h). A
-// failed attempt's lines come after those of the attempts that followed it, as if each retry ran inside the
-// attempt before it; the stack does not grow with the retry count.
+// Runs `attempt` on the QXFtpThread at `argument` until it succeeds or may run no more (RetryLimit.h), with
+// the lines of the attempts in the order of NestedRuns.h.
 void RunWorker(void* argument, const WorkerShape& shape, Attempt attempt);
 
 // The usual shape: `site` names the worker in its entry and failed lines, and 10 ms pass before a retry.

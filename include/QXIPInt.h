@@ -7,7 +7,8 @@
 // record.
 //
 // Retry counts say how often a failed attempt is repeated (0 = one attempt), mostly after a pause of 10 ms.
-// OnIPError may grant further attempts: ten at most in one call of an operation.
+// OnIPError may grant further attempts: in one call of an operation three at most, one of them after a
+// time-out; none where the object's connection is dead and logging in again has failed.
 // The two host values at the end of an operation go to OnPoll unchanged. It is asked by FTPReadFile,
 // FTPWriteFile, FTPCpyFile, FTPMovFile, FTPRmvFile, FTPRmvDir and HTTPDownloadFile; the others that take the
 // values never ask and cannot be cancelled.
@@ -81,7 +82,8 @@ class TQXIPIFInt {
   virtual QXBool OnBeforeDisconnect() = 0;
   virtual QXBool OnAfterDisconnect() = 0;
   // Reports an internet error; after a time-out (12002) or an aborted connection (12030) of a connected
-  // object it raises *pRetries to at least 1. pRetries may be null.
+  // object it raises *pRetries to at least 1. pRetries may be null. A connection that has broken counts as
+  // connected still: OnDisconnect comes when it is given up.
   virtual void OnIPError(std::uint32_t nError, const char* pszText, std::uint32_t* pRetries) = 0;
   virtual void OnAuthenticationFailed() = 0;
   virtual void OnAuthenticationNeeded() = 0;
@@ -123,10 +125,14 @@ class TQXIPIFInt {
                              std::uint32_t nPort, QXBool bPassive) = 0;
   // Stores login data and connects. pSession: a session to use for this call instead of the object's own, or
   // null. Fails, without connecting, when a login text does not fit its field.
+  // Finders work on this connection, those of the queries and listings and a host's own. Where the server has
+  // closed it, for its idleness for one, they log in again, once in a search and without events, and go on; a
+  // log-in that fails is the failure of the search.
   virtual QXBool FTPConnect(const char* pszHost, const char* pszUser, const char* pszPassword,
                             std::uint32_t nPort, QXBool bPassive, std::uint32_t nValue,
                             TInternetSession* pSession) = 0;
   virtual QXBool FTPReConnect(std::uint32_t nRetries, QXHostValue nValue) = 0;  // does nothing: 1
+  // Forgets the login data of a connected object. Its connection stays, but nobody logs in on it again.
   virtual QXBool FTPDisconnect() = 0;
   // Blocks while the connection is up, dispatching the caller's messages.
   virtual void FTPKeepAlive() = 0;
@@ -171,8 +177,8 @@ class TQXIPIFInt {
   virtual QXBool FTPCreateDir(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                               QXHostValue nPollArg2) = 0;
   // Takes the base name or the first of "Name (1)" to "Name (999)" that is free. A name that is free but that
-  // the server refuses is tried again until the server takes it. pszCreated receives the new directory's
-  // path: at least 256 characters.
+  // the server refuses is tried again, 10 ms later each time, until the server takes it. pszCreated receives
+  // the new directory's path: at least 256 characters.
   virtual QXBool FTPCreateNewDir(const char* pszParent, char* pszCreated, const char* pszBaseName,
                                  std::uint32_t nRetries) = 0;
 

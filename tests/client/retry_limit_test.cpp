@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Each connection that broke gave a connected client one run more, also where its retry counter was spent: an
-// operation never returned from a server that breaks every run off, nor from a connection that was dead
-// already.
+// operation never returned from a server that breaks every run off, and one that stalls held its caller for
+// the time-outs of them all.
 #include "tests/client/ContentTest.h"
 
 namespace {
 
-constexpr int kMostGranted = 10;
+constexpr int kMostGranted = 3;
 constexpr std::uint32_t kCounts[] = {0, 1, 3};
 // The data connection is lost, the control connection serves on: the client stays connected.
 constexpr const char* kBreaksOff = R"({"reply": "426 Connection lost"})";
@@ -104,7 +104,7 @@ class EachOperation : public RetryLimitTest, public testing::WithParamInterface<
   bool succeeded = false;
 };
 
-TEST_P(EachOperation, EndsTenRunsBehindTheHostsOwnRetries) {
+TEST_P(EachOperation, EndsThreeRunsBehindTheHostsOwnRetries) {
   for (const std::uint32_t retries : kCounts) {
     const fixture::ScriptedFtp server(breaking(GetParam().verb));
     EXPECT_EQ(runsAt(server, retries), 1 + static_cast<int>(retries) + kMostGranted);
@@ -141,18 +141,72 @@ TEST_F(RetryLimitTest, HoldsForRunsWithConnectionsOfTheirOwn) {
   }
 }
 
-TEST_F(RetryLimitTest, HoldsOnAConnectionThatTheServerHasClosed) {
-  for (const std::uint32_t retries : kCounts) {
-    const fixture::ScriptedFtp server(R"({"tree": {"/d/": {}}})");
-    GrantedClient host;
-    connect(host, server);
-    server.disconnect();
-    server.waitUntilAllClosed();
-    EXPECT_EQ(host.FTPDirExist("/d", retries, 0, 0), 0);
-    EXPECT_EQ(host.brokenOff, 1 + static_cast<int>(retries) + kMostGranted);
-    EXPECT_EQ(host.m_bConnected, 1);
+struct Stall {
+  const char* rules;
+  int runs;
+};
+
+TEST_F(RetryLimitTest, AServerThatStallsHoldsItsCallerForOneRunMore) {
+  shortenTimeouts(std::chrono::milliseconds(1'000));
+  const Stall stalls[] = {{R"([{"on": "STOR", "do": ["silent"]}])", 1 + 1},
+                          {R"([{"on": "STOR", "nth": 1, "do": [{"reply": "426 Lost"}]},
+                               {"on": "STOR", "do": ["silent"]}])",
+                           1 + 1 + 1}};
+  for (const auto& [rules, runs] : stalls) {
+    const fixture::ScriptedFtp server("{\"rules\": " + std::string(rules) + "}");
+    GrantedClient host(&record);
+    host.FTPSetLogin(server.host().c_str(), "user", "secret", server.port(), 1);
+    EXPECT_EQ(host.FTPWriteFile("/a", "data", 4, 0, 0, 0, 0, 0), 0);
+    EXPECT_EQ(server.commandCount("STOR"), runs);
+    EXPECT_EQ(record.nError, 12002u);
   }
 }
+
+// How a server receives a client that it has closed the connection of.
+struct Reception {
+  const char* name;
+  const char* steps;
+};
+
+constexpr Reception kReceptions[] = {{"HangsUp", R"("close")"},
+                                     {"SaysFarewell", R"({"reply": "421 Too many"}, "close")"},
+                                     {"KeepsSilent", R"("silent")"}};
+
+// The counter is armed, but the log-in that each run begins with is in vain.
+class ConnectionThatStaysDead : public RetryLimitTest, public testing::WithParamInterface<Reception> {
+ protected:
+  // A client whose connection the server has closed, and which finds no other.
+  void connectForTheLastTime(GrantedClient& host) const {
+    server.reconfigure(R"({"rules": []})");
+    connect(host, server);
+    internet::Timeouts timeouts;
+    timeouts.reply = std::chrono::milliseconds(300);
+    host.m_pInternetSession->SetTimeouts(timeouts);
+    server.reconfigure(std::string(R"({"rules": [{"on": "CONNECT", "do": [)") + GetParam().steps + "]}]}");
+    server.disconnect();
+    server.waitUntilAllClosed();
+  }
+
+  const fixture::ScriptedFtp server{R"({"tree": {"/d/": {}}})"};
+};
+
+TEST_P(ConnectionThatStaysDead, GetsTheHostsOwnRunsAlone) {
+  for (QXErrorInfo* errors : {static_cast<QXErrorInfo*>(nullptr), &record}) {
+    for (const std::uint32_t retries : {0u, 1u}) {
+      GrantedClient host(errors);
+      connectForTheLastTime(host);
+      const std::size_t before = server.connections().size();
+      std::uint32_t count = 0;
+      EXPECT_EQ(host.FTPDirExist("/d", retries, 0, 0), 0);
+      EXPECT_EQ(host.FTPGetDirectory("/d", nullptr, &count, "*.*", retries), 0);
+      EXPECT_EQ(server.connections().size() - before, 2 * (1u + retries));
+      EXPECT_EQ(host.m_bConnected, 1);
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Receptions, ConnectionThatStaysDead, testing::ValuesIn(kReceptions),
+                         [](const auto& instance) { return instance.param.name; });
 
 class HostsFunctionInTheSlot : public RetryLimitTest {
  protected:

@@ -36,7 +36,6 @@ FtpControl::FtpControl(std::shared_ptr<SessionLink> session, FtpLogin login)
       traitsKey_(traitsKeyOf(login_)),
       channel_(session_),
       traits_(cachedTraits(traitsKey_)) {
-  if (traits_.singleLines) channel_.sendSingly();
   channel_.onSingleLines([this] { learn([](FtpTraits& traits) { traits.singleLines = true; }); });
 }
 
@@ -56,6 +55,7 @@ std::shared_ptr<FtpControl> FtpControl::open(std::shared_ptr<SessionLink> sessio
 }
 
 void FtpControl::connect() {
+  if (traits_.singleLines) channel_.sendSingly();
   channel_.open(login_.server, login_.port);
   logIn();
 }

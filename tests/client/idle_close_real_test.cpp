@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+// Clients that a real server has told goodbye for their idleness.
+#include "tests/client/IdleCloseTest.h"
+
+namespace {
+
+using IdleCloseReal = IdleCloseTest;
+
+TEST_F(IdleCloseReal, VsftpdsTimeoutIsInvisibleToEveryOperation) {
+  const fixture::RealServer server("vsftpd", R"({"extra": ["idle_session_timeout=2"]})");
+  const std::string at = server.folder() + "/idle";
+  server.put(treeAt(at));
+  const auto clients = connectAll(server, server.user(), server.password());
+  server.waitFor("{\"closed\": " + std::to_string(clients.size()) + "}");
+  expectAllWork(clients, at);
+  EXPECT_FALSE(server.exists(at + "/gone"));
+}
+
+}  // namespace
