@@ -40,12 +40,12 @@ bool TemporaryCopy::Take(const char* path) {
 }
 
 bool TemporaryCopy::MakeNames(const char* path, LockText& lock) noexcept {
-  char folder[kPathCapacity] = "";
-  if (platform::temporaryFolder(folder, sizeof folder) == 0) return false;
+  char above[kPathCapacity] = "";
+  if (platform::temporaryFolder(above, sizeof above) == 0) return false;
   PathText fileName;
   SplitPath(path, nullptr, &fileName, nullptr);
-  return nameInOwnFolder(folder, kCopies, fileName.c_str(), m_name) &&
-         nameInOwnFolder(folder, kLocks, fileName.c_str(), lock);
+  return nameInOwnFolder(above, kCopies, fileName.c_str(), m_name) &&
+         nameInOwnFolder(above, kLocks, fileName.c_str(), lock);
 }
 
 bool TemporaryCopy::DropLeftOver() noexcept {
