@@ -103,9 +103,7 @@ CInternetFile* CFtpConnection::OpenFile(const char* path, std::uint32_t access, 
     control->request([&] {
       auto transfer = std::make_unique<FtpTransfer>(
           control, write ? FtpTransfer::Kind::upload : FtpTransfer::Kind::download);
-      const internet::FtpReply reply =
-          transfer->begin(write ? "STOR" : "RETR", nameForServer(*control, path));
-      if (reply.refused()) control->raise(reply);
+      transfer->open(nameForServer(*control, path));
       control->holdForFile(true);
       file = std::make_unique<CInternetFile>(std::move(transfer));
     });

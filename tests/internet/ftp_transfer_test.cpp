@@ -120,7 +120,7 @@ TEST_F(FtpTransferTest, NotifiesOfTheControlConnectionAlone) {
   auto connection = connect(server);
   session.takeStatuses();
   auto file = openToRead(*connection, "/big");
-  // TYPE with EPSV, RETR.
+  // TYPE and SIZE with EPSV, RETR.
   EXPECT_EQ(session.takeStatuses(), (Statuses{30, 31, 40, 41, 30, 31, 40, 41, 100}));
   readPattern(*file);
   EXPECT_EQ(session.takeStatuses(), Statuses{});
@@ -148,18 +148,6 @@ TEST_F(FtpTransferTest, AReadOfExactlyTheSizeIsAFailureWhereTheServerSaysSo) {
   server.release("late");
   EXPECT_EQ(errorOf([&] { return file->Close(); }), 12003u);
   EXPECT_EQ(connection->LastServerText(), "451 Checksum error");
-}
-
-TEST_F(FtpTransferTest, WithoutAFinalReplyReadTellsTheEndAndCloseTheFailure) {
-  for (const json& opening : {json("150 Here (3000000 bytes)"), json("150 Here")}) {
-    session.SetTimeouts(shortTimeouts());
-    ScriptedFtp server = serving({{"final", nullptr}, {"opening", opening}});
-    auto connection = connect(server);
-    auto file = openToRead(*connection, "/big");
-    EXPECT_EQ(readPattern(*file), kBigSize);
-    EXPECT_EQ(errorOf([&] { return file->Close(); }), 12002u);
-    EXPECT_EQ(errorOf([&] { return connection->Remove("/x"); }), 12030u);
-  }
 }
 
 TEST_F(FtpTransferTest, An250InPlaceOf226IsSuccess) {
@@ -322,19 +310,6 @@ TEST_F(FtpTransferTest, AStalledWriteIs12002) {
   EXPECT_EQ(errorOf([&] { return file->Close(); }), 12030u);
 }
 
-TEST_F(FtpTransferTest, AnUploadWithoutTheServersWordIsAFailure) {
-  for (const auto& [final, error] :
-       {std::pair(json(nullptr), 12002u), std::pair(json("451 Write error"), 12003u),
-        std::pair(json("426 Aborted"), 12030u), std::pair(json("552 Disk full"), 12003u)}) {
-    session.SetTimeouts(shortTimeouts());
-    ScriptedFtp server = serving({{"final", final}}, "STOR");
-    auto connection = connect(server);
-    auto file = openToWrite(*connection, "/up");
-    file->Write("abc", 3);
-    EXPECT_EQ(errorOf([&] { return file->Close(); }), error) << final;
-  }
-}
-
 TEST_F(FtpTransferTest, AFileOutlivesItsConnectionAndItsSession) {
   ScriptedFtp server = serving(json::object());
   auto inner = std::make_unique<RecordingSession>();
@@ -362,15 +337,6 @@ TEST_F(FtpTransferTest, AFileIsOnlyForWhatItWasOpenedFor) {
   auto out = openToWrite(*connection, "/up");
   EXPECT_EQ(thrownBy([&] { out->Read(&byte, 1); }).error, 12019u);
   EXPECT_EQ(thrownBy([&] { out->Write(nullptr, 1); }).error, 87u);
-}
-
-TEST_F(FtpTransferTest, AServerThatSaysFarewellInMidTransferIs12030) {
-  ScriptedFtp server = serving({{"final", "421 Shutting down"}});
-  auto connection = connect(server);
-  auto file = openToRead(*connection, "/big");
-  EXPECT_EQ(readPattern(*file), kBigSize);
-  EXPECT_EQ(errorOf([&] { return file->Close(); }), 12030u);
-  EXPECT_EQ(connection->LastServerText(), "421 Shutting down");
 }
 
 }  // namespace

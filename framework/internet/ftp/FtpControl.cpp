@@ -205,6 +205,19 @@ void FtpControl::useBinary() {
   channel_.queue("TYPE I", [this](const FtpReply& reply) { return binary_ = reply.completed(); });
 }
 
+// What the reply fills is shared with it: the command that it comes with may never be sent.
+std::shared_ptr<const std::optional<std::uint64_t>> FtpControl::askSizeAlong(std::string_view path) {
+  checkArgument(path);
+  auto size = std::make_shared<std::optional<std::uint64_t>>();
+  if (traits_.noSize) return size;
+  channel_.queue(lineOf("SIZE", path), [this, size](const FtpReply& reply) {
+    *size = parseSizeReply(reply);
+    if (reply.unsupported()) learn([](FtpTraits& traits) { traits.noSize = true; });
+    return true;
+  });
+  return size;
+}
+
 void FtpControl::raise(const FtpReply& reply) {
   switch (reply.code) {
     case 425:

@@ -70,6 +70,10 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   FtpListingText listing(std::string_view verb, std::string_view argument = {});
   // Switches to binary type unless it is set already. listing() and transfers do it themselves.
   void useBinary();
+  // Asks for the size of a file along with the next command, at no round trip of its own. It is there once
+  // that command has been answered, unless the server has none to tell. Never asked of a server that is known
+  // not to know SIZE. In binary type alone the answer is the number of bytes. 87 as with command().
+  std::shared_ptr<const std::optional<std::uint64_t>> askSizeAlong(std::string_view path);
 
   // Raises a refusal: 425 -> 12029; 421, 426 -> 12030; else 12003 with the text, kept as lastServerText().
   [[noreturn]] void raise(const FtpReply& reply);
@@ -120,6 +124,7 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   // --- State ---
 
   [[nodiscard]] bool isOpen() const noexcept { return channel_.isOpen(); }
+  [[nodiscard]] bool isClosed() const noexcept { return closed_; }  // by close()
   // Code and text of the last refusal, "" if there was none.
   [[nodiscard]] const std::string& lastServerText() const noexcept { return lastServerText_; }
 

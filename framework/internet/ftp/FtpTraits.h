@@ -20,6 +20,7 @@ struct FtpTraits {
   bool extendedPassiveWorks = false;  // a data connection through EPSV was made
   bool noExtendedActive = false;      // EPRT is not known there
   bool singleLines = false;           // of several lines in one packet it takes the first alone
+  bool noSize = false;                // SIZE is not known there, whatever FEAT has told
 
   [[nodiscard]] bool speaksUtf8() const noexcept { return utf8 || utf8ByOption.value_or(false); }
 };

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "framework/internet/ftp/FtpDataChannel.h"
+#include "framework/internet/ftp/SizeProbe.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/last_error.h"
@@ -40,7 +41,9 @@ FtpTransfer::~FtpTransfer() {
 }
 
 FtpReply FtpTransfer::begin(std::string_view verb, std::string_view argument) {
+  path_ = argument;
   control_->useBinary();
+  const auto size = kind_ == Kind::download ? control_->askSizeAlong(argument) : nullptr;
   FtpDataChannel data(*control_);
   data.prepare();
   control_->sendCommand(verb, argument);
@@ -56,9 +59,15 @@ FtpReply FtpTransfer::begin(std::string_view verb, std::string_view argument) {
     return *final_;
   }
   state_ = State::running;
-  if (kind_ == Kind::download) announced_ = opening.announced;
+  // What the reply tells is newer.
+  if (kind_ == Kind::download) announced_ = opening.announced ? opening.announced : *size;
   if (!data_) endWithoutData();
   return opening.first;
+}
+
+void FtpTransfer::open(std::string_view path) {
+  const FtpReply reply = begin(kind_ == Kind::upload ? "STOR" : "RETR", path);
+  if (reply.refused()) control_->raise(reply);
 }
 
 // The server calls the transfer complete and has made no data connection for it.
@@ -82,7 +91,7 @@ std::size_t FtpTransfer::receive(void* buffer, std::size_t size) {
     const platform::IoResult result = data_->receive(buffer, size);
     switch (result.status) {
       case IoStatus::done:
-        received_ += result.bytes;
+        moved_ += result.bytes;
         control_->channel().progressed();
         return result.bytes;
       case IoStatus::wouldBlock:
@@ -152,6 +161,7 @@ void FtpTransfer::send(const void* data, std::size_t size) {
       rest += result.bytes;
       size -= result.bytes;
       control_->channel().progressed();
+      moved_ += result.bytes;
       limit.reset();
     } else if (result.status == IoStatus::wouldBlock) {
       waitForData(true, limit);
@@ -179,15 +189,25 @@ void FtpTransfer::sendFile(platform::File& file) {
 // --- Ending ---
 
 FtpReply FtpTransfer::finish() {
-  // An upload's connection stays until the reply has come: it tells whether the server still takes data.
-  std::optional<DeliveryWatch> delivery;
+  endData();
+  FtpReply reply = finalReply();
+  closeData();
+  return reply;
+}
+
+// An upload's connection stays until the reply has come: it tells whether the server still takes data.
+void FtpTransfer::endData() {
   if (data_ && kind_ == Kind::upload) {
     endUpload();
-    delivery.emplace(data_->socket());
   } else {
     closeData();
   }
   state_ = State::ended;
+}
+
+FtpReply FtpTransfer::finalReply() {
+  std::optional<DeliveryWatch> delivery;
+  if (data_) delivery.emplace(data_->socket());
   if (final_) notifyFinal();
   while (!final_) {
     FtpReply reply =
@@ -195,7 +215,6 @@ FtpReply FtpTransfer::finish() {
     takeReply(std::move(reply));
     finalNotified_ = true;
   }
-  closeData();
   if (tooShort() && !refused()) fail(kConnectionAborted);
   return *final_;
 }
@@ -211,6 +230,37 @@ void FtpTransfer::endUpload() {
   fail(kConnectionAborted);
 }
 
+void FtpTransfer::confirm() {
+  endData();
+  try {
+    const FtpReply reply = finalReply();
+    if (reply.refused()) control_->raise(reply);
+  } catch (const Failure&) {
+    if (!wordIsLost() || !allIsThere()) throw;
+  }
+  closeData();
+}
+
+// A server may also take the end of an upload for a break and say 426. Who has closed the connection himself
+// has no question left.
+bool FtpTransfer::wordIsLost() const noexcept {
+  if (control_->isClosed()) return false;
+  return !final_ || (kind_ == Kind::upload && final_->code == 426);
+}
+
+bool FtpTransfer::allIsThere() {
+  if (kind_ == Kind::download && announced_) return moved_ == *announced_;
+  awaitPeersEnd();
+  return remoteFileHasSize(*control_, path_, moved_);
+}
+
+// The server closes an upload's connection once it has read all: asked before that it may tell less.
+void FtpTransfer::awaitPeersEnd() {
+  if (!data_) return;
+  std::array watched{platform::SocketInterest{&data_->socket(), true, false}};
+  static_cast<void>(wait(watched, Deadline(control_->timeouts().dataError)));
+}
+
 bool FtpTransfer::abandon() {
   awaitFirstData();
   breakData();
@@ -222,7 +272,7 @@ bool FtpTransfer::abandon() {
 // A reset that comes before the server has taken the connection can go unseen: pyftpdlib then waits for
 // another connection and sends the file with the next one. That it sends proves that it has taken this one.
 void FtpTransfer::awaitFirstData() {
-  if (kind_ == Kind::upload || !data_ || received_ > 0) return;
+  if (kind_ == Kind::upload || !data_ || moved_ > 0) return;
   std::array watched{platform::SocketInterest{&data_->socket(), true, false}};
   static_cast<void>(wait(watched, Deadline(kQuiet)));
 }
@@ -275,14 +325,13 @@ void FtpTransfer::close() {
     if (failed || !inStep) fail(kConnectionAborted);
     return;
   }
-  const FtpReply reply = finish();
-  if (reply.refused()) control_->raise(reply);
+  confirm();
 }
 
 bool FtpTransfer::movedInFull() const noexcept {
   if (kind_ == Kind::upload) return true;
   // A read of exactly the file's size never comes to see the end of the data.
-  const bool received = state_ == State::ended || (announced_ && received_ >= *announced_);
+  const bool received = state_ == State::ended || (announced_ && moved_ >= *announced_);
   return received && bufferStart_ == bufferEnd_;
 }
 

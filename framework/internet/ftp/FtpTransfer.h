@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "framework/internet/ftp/FtpControl.h"
@@ -28,9 +29,11 @@ class FtpTransfer {
   // Sets binary type, makes the data connection and sends the command. The reply is a refusal, which is the
   // caller's to judge, or the transfer has begun.
   FtpReply begin(std::string_view verb, std::string_view argument);
+  // Begins to receive or to store a file; raises a refusal.
+  void open(std::string_view path);
 
   // What has come, at least one byte; 0 at the end of the data. A download that ends short of the size that
-  // the server announced, or that the server calls failed, ends with a failure instead.
+  // the server has told, or that the server calls failed, ends with a failure instead.
   std::size_t receive(void* buffer, std::size_t size);
   // Fills `buffer`; less only at the end of the data.
   std::size_t read(void* buffer, std::size_t size);
@@ -41,15 +44,16 @@ class FtpTransfer {
 
   // Ends the transfer in good order and waits for the final reply, whatever that is.
   FtpReply finish();
+  // Ends it so and fails unless all is there on the server's word. Where that is lost (a middlebox forgets
+  // the idle control connection of a long transfer) the size decides.
+  void confirm();
   // Breaks the transfer off and brings the control connection back in step: false when that is closed for it.
   bool abandon();
-  // Ends an open file: finishes, or abandons a download that was not read to its end. Fails for a final
-  // refusal.
+  // Ends an open file: confirms it, or abandons a download that was not read to its end.
   void close();
 
   [[nodiscard]] Kind kind() const noexcept { return kind_; }
   [[nodiscard]] FtpControl& control() const noexcept { return *control_; }
-  [[nodiscard]] std::uint64_t bytesReceived() const noexcept { return received_; }
 
  private:
   enum class State { idle, running, ended, failed };  // of the data
@@ -64,7 +68,12 @@ class FtpTransfer {
   void requireRunning() const;
   [[nodiscard]] DataLimit dataLimit() const;
   void endOfData();
+  void endData();
   void endUpload();
+  FtpReply finalReply();
+  [[nodiscard]] bool wordIsLost() const noexcept;
+  bool allIsThere();
+  void awaitPeersEnd();
   void waitForData(bool write, std::optional<DataLimit>& limit);
   void watchControl();
   void notifyFinal();
@@ -77,7 +86,7 @@ class FtpTransfer {
   [[nodiscard]] bool refused() const noexcept { return final_ && final_->refused(); }
   [[nodiscard]] bool movedInFull() const noexcept;
   // Of what the server has announced.
-  [[nodiscard]] bool tooShort() const noexcept { return announced_ && received_ < *announced_; }
+  [[nodiscard]] bool tooShort() const noexcept { return announced_ && moved_ < *announced_; }
   void closeData() noexcept;
   void breakData() noexcept;
   [[noreturn]] void dataFailed(platform::IoStatus status);
@@ -88,8 +97,9 @@ class FtpTransfer {
   std::unique_ptr<Sock> data_;
   std::optional<FtpReply> final_;
   bool finalNotified_ = false;
-  std::optional<std::uint64_t> announced_;
-  std::uint64_t received_ = 0;
+  std::string path_;
+  std::optional<std::uint64_t> announced_;  // of a download
+  std::uint64_t moved_ = 0;                 // bytes that were received, or sent
   // read()'s: received, not handed out yet.
   std::unique_ptr<char[]> buffer_;
   std::size_t bufferStart_ = 0;
