@@ -74,8 +74,8 @@ bool isFree(const char* local) {
   return false;
 }
 
-// Appends through a local copy. The remote file has been opened for writing and closed before, so a server
-// that empties it then leaves nothing to append to, and the append fails.
+// Appends through a local copy. The remote file has been opened for writing behind its content and closed
+// before; a server that empties it then leaves nothing to append to, and the append fails.
 bool appendThroughCopy(ContentThread& record, RemoteFile& file) {
   TQXIP& client = *record.pQXIP;
   TemporaryCopy copy;
@@ -95,7 +95,10 @@ bool writeContent(ContentThread& record, CFtpConnection& connection) {
   if (!MakeFtpPath(record.pszName, target)) return false;
   ToFtpPath(target.data());
   RemoteFile file(*record.pQXIP, record.pRetries);
-  if (!file.Open(connection, target.c_str(), internet::kGenericWrite)) return false;
+  if (!file.Open(connection, target.c_str(),
+                 record.append ? internet::kFileAppendData : internet::kGenericWrite)) {
+    return false;
+  }
   if (record.append) return appendThroughCopy(record, file);
   return writeChunks(record, file) && file.Close();
 }

@@ -98,11 +98,14 @@ CInternetFile* CFtpConnection::OpenFile(const char* path, std::uint32_t access, 
   std::unique_ptr<CInternetFile> file;
   internet::raising([&, control = m_control] {
     checkPath(path);
-    const bool write = access == internet::kGenericWrite;
-    if (!write && access != internet::kGenericRead) internet::fail(platform::kErrorInvalidParameter);
+    const bool read = access == internet::kGenericRead;
+    const bool append = access == internet::kFileAppendData;
+    if (!read && !append && access != internet::kGenericWrite)
+      internet::fail(platform::kErrorInvalidParameter);
     control->request([&] {
       auto transfer = std::make_unique<FtpTransfer>(
-          control, write ? FtpTransfer::Kind::upload : FtpTransfer::Kind::download);
+          control, read ? FtpTransfer::Kind::download : FtpTransfer::Kind::upload);
+      if (append) transfer->startBehindContent();
       transfer->open(nameForServer(*control, path));
       control->holdForFile(true);
       file = std::make_unique<CInternetFile>(std::move(transfer));

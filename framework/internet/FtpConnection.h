@@ -45,9 +45,10 @@ class CFtpConnection {
   bool PutFile(const char* local, const char* remote, std::uint32_t flags = internet::kTransferTypeBinary,
                std::uintptr_t context = 1);
 
-  // Opens a remote file for reading (kGenericRead) or for writing from its start (kGenericWrite). The server
-  // has accepted the transfer when this returns. The caller closes and deletes the file; until it is closed
-  // the connection does nothing else. Throws CInternetException*.
+  // Opens a remote file for reading (kGenericRead), for writing from its start (kGenericWrite) or for writing
+  // behind its content (kFileAppendData; as kGenericWrite where the server does not tell the size, or does
+  // not restart there). The server has accepted the transfer when this returns. The caller closes and deletes
+  // the file; until it is closed the connection does nothing else. Throws CInternetException*.
   CInternetFile* OpenFile(const char* path, std::uint32_t access,
                           std::uint32_t flags = internet::kTransferTypeBinary, std::uintptr_t context = 1);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// FTPWriteFile that appends: through a local copy, with the server's file opened for writing and closed
-// first.
+// FTPWriteFile that appends: through a local copy, with the server's file opened for writing behind its
+// content and closed first.
 #include <fstream>
 
 #include "tests/client/ContentTest.h"
@@ -8,24 +8,13 @@
 
 namespace {
 
-// The opening for writing empties the file at this server; it is waited for at this gate.
-constexpr const char* kWaitsAfterOpening =
-    R"({"tree": {"/pub/a.txt": "old"},
-        "rules": [{"on": "STOR", "nth": 1, "do": [{"normal": {"final_gate": "opened"}}]}]})";
+constexpr const char* kHoldsOld = R"({"tree": {"/pub/a.txt": "old"}})";
 
 class Append : public ContentTest {
  protected:
   QXBool append(const std::string& data, const char* remote = "/pub/a.txt", std::uint32_t retries = 0) {
     return client.FTPWriteFile(remote, data.data(), static_cast<std::uint32_t>(data.size()), 1, 0, retries, 0,
                                0);
-  }
-  // The content comes back as soon as the opening has emptied it, as at a server that keeps it.
-  void keepContent(const fixture::ScriptedFtp& server, const std::string& files) {
-    atGate(server, "opened", [&server, files](QXBool*) -> QXBool {
-      server.put(files);
-      server.release("opened");
-      return 0;
-    });
   }
 };
 
@@ -34,9 +23,9 @@ class AppendSizes : public Append,
 
 TEST_P(AppendSizes, PutsTheDataBehindTheContent) {
   const auto [before, added] = GetParam();
-  const fixture::ScriptedFtp server(kWaitsAfterOpening);
+  const fixture::ScriptedFtp server(R"({"tree": {"/pub/a.txt": {"size": )" + std::to_string(before) +
+                                    R"(, "seed": 3}}})");
   loginAt(server);
-  keepContent(server, "{\"/pub/a.txt\": {\"size\": " + std::to_string(before) + ", \"seed\": 3}}");
   EXPECT_EQ(append(patternText(added)), 1);
   EXPECT_EQ(server.content("/pub/a.txt"), patternText(before, 3) + patternText(added));
   EXPECT_STREQ(client.m_szMessage, "TQXIP::FTPWriteFile '/pub/a.txt' failed!");
@@ -54,9 +43,8 @@ INSTANTIATE_TEST_SUITE_P(Sizes, AppendSizes,
                          });
 
 TEST_F(Append, OpensAndClosesTheFileThenDownloadsThenUploads) {
-  const fixture::ScriptedFtp server(kWaitsAfterOpening);
+  const fixture::ScriptedFtp server(kHoldsOld);
   loginAt(server);
-  keepContent(server, R"({"/pub/a.txt": "old"})");
   EXPECT_EQ(append("new"), 1);
   server.waitUntilAllClosed();
   Names transfers;
@@ -64,27 +52,58 @@ TEST_F(Append, OpensAndClosesTheFileThenDownloadsThenUploads) {
     transfers.push_back(std::to_string(data.connection) + " " + data.verb + " " + std::to_string(data.bytes));
   }
   EXPECT_EQ(transfers, (Names{"1 STOR 0", "2 RETR 3", "3 STOR 6"}));
+  EXPECT_EQ(server.content("/pub/a.txt"), "oldnew");
   EXPECT_EQ(server.commandCount("APPE"), 0);
   for (const int connection : {1, 2, 3}) expectQuit(server, connection);
 }
 
 TEST_F(Append, TheTransferBlockIsNotTouched) {
-  const fixture::ScriptedFtp server(kWaitsAfterOpening);
+  const fixture::ScriptedFtp server(kHoldsOld);
   loginAt(server);
-  keepContent(server, R"({"/pub/a.txt": "old"})");
   EXPECT_EQ(append("new"), 1);
   EXPECT_EQ(progressIn(client.m_Transfer), Progress{});
 }
 
-TEST_F(Append, AFileThatTheServerEmptiesIsAFailure) {
-  const fixture::ScriptedFtp server(R"({"tree": {"/pub/a.txt": "old"}})");
+// Where the server does not restart in the file, its opening for writing empties it.
+TEST_F(Append, WithoutRestTheOrderIsTheSameAndAFileThatTheServerEmptiesIsAFailure) {
+  const fixture::ScriptedFtp server(
+      R"({"tree": {"/pub/a.txt": "old"}, "features": ["size", "epsv", "eprt", "mlst"]})");
   loginAt(server);
   EXPECT_EQ(append("new"), 0);
+  Names moved;
+  for (const std::string& line : server.commands()) {
+    if (line.starts_with("STOR") || line.starts_with("RETR") || line.starts_with("REST")) {
+      moved.push_back(line);
+    }
+  }
+  EXPECT_EQ(moved, (Names{"REST 3", "STOR /pub/a.txt", "RETR /pub/a.txt"}));
   EXPECT_EQ(server.size("/pub/a.txt"), 0u);
   EXPECT_EQ(server.commandCount("STOR"), 1) << "nothing is uploaded";
   EXPECT_STREQ(client.m_szMessage, "TQXIP::FTPWriteFile '/pub/a.txt' failed!");
   EXPECT_THAT(record, ReportsFrom("TQXIP::FTPWriteFileThr '/pub/a.txt' failed!", 8489));
   EXPECT_EQ(leftInTemporary(), Names{});
+}
+
+TEST_F(Append, WithoutRestAFileThatTheServerKeepsIsAppendedTo) {
+  const fixture::ScriptedFtp server(
+      R"({"tree": {"/pub/a.txt": "old"}, "features": ["size", "epsv", "eprt", "mlst"],
+          "rules": [{"on": "STOR", "nth": 1, "do": [{"normal": {"final_gate": "opened"}}]}]})");
+  loginAt(server);
+  // The content comes back as soon as the opening has emptied it.
+  atGate(server, "opened", [&server](QXBool*) -> QXBool {
+    server.put(R"({"/pub/a.txt": "old"})");
+    server.release("opened");
+    return 0;
+  });
+  EXPECT_EQ(append("new"), 1);
+  EXPECT_EQ(server.content("/pub/a.txt"), "oldnew");
+}
+
+TEST_F(Append, InActiveModeItIsTheSame) {
+  const fixture::ScriptedFtp server(kHoldsOld);
+  loginAt(server, false);
+  EXPECT_EQ(append("new"), 1);
+  EXPECT_EQ(server.content("/pub/a.txt"), "oldnew");
 }
 
 TEST_F(Append, AMissingFileIsAFailure) {
@@ -120,19 +139,16 @@ TEST_F(Append, ARefusedDownloadIsTriedAgainByTheDownloadAndByTheAppend) {
 TEST_F(Append, ARefusedUploadIsTheRequiredSuccess) {
   const fixture::ScriptedFtp server(
       R"({"tree": {"/pub/a.txt": "old"},
-          "rules": [{"on": "STOR", "nth": 1, "do": [{"normal": {"final_gate": "opened"}}]},
-                    {"on": "STOR", "do": [{"reply": "553 No"}]}]})");
+          "rules": [{"on": "STOR", "nth": 2, "do": [{"reply": "553 No"}]}]})");
   loginAt(server);
-  keepContent(server, R"({"/pub/a.txt": "old"})");
   EXPECT_EQ(append("new"), 1);
   EXPECT_EQ(server.content("/pub/a.txt"), "old");
   EXPECT_EQ(leftInTemporary(), Names{});
 }
 
 TEST_F(Append, ALeftOverCopyFailsTheAttemptAndIsRemoved) {
-  const fixture::ScriptedFtp server(kWaitsAfterOpening);
+  const fixture::ScriptedFtp server(kHoldsOld);
   loginAt(server);
-  keepContent(server, R"({"/pub/a.txt": "old"})");
   std::filesystem::create_directory(temporary.path() / "FTP");
   std::ofstream(temporaryFile("a.txt")) << "stale";
   EXPECT_EQ(append("new"), 0);
@@ -142,9 +158,8 @@ TEST_F(Append, ALeftOverCopyFailsTheAttemptAndIsRemoved) {
 
 TEST_F(Append, WithoutATemporaryFolderItFails) {
   testing_support::setTemporaryVariable((temporary.path() / "none").string());
-  const fixture::ScriptedFtp server(kWaitsAfterOpening);
+  const fixture::ScriptedFtp server(kHoldsOld);
   loginAt(server);
-  keepContent(server, R"({"/pub/a.txt": "old"})");
   EXPECT_EQ(append("new"), 0);
   EXPECT_EQ(server.content("/pub/a.txt"), "old");
   EXPECT_EQ(server.commandCount("RETR"), 0);

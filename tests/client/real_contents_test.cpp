@@ -56,11 +56,24 @@ TEST_P(RealContents, ReadFilesOfAllSizes) {
   EXPECT_TRUE(IsBlank(record));
 }
 
-// Before an append the file is opened for writing; all these servers empty it then.
-TEST_P(RealContents, RefuseAnAppendSinceOpeningForWritingEmptiesTheFile) {
-  make("/file", R"("old")");
+// All these servers emptied the file when it was opened for writing before an append.
+TEST_P(RealContents, AppendToFilesOfAllSizes) {
+  for (const std::size_t before : written) {
+    for (const std::size_t added : written) {
+      make("/file", patternFile(before));
+      EXPECT_EQ(writeFile("/file", patternText(added), true), 1) << added << " to " << before;
+      EXPECT_EQ(server.content(own + "/file"), patternText(before) + patternText(added));
+    }
+  }
+  EXPECT_TRUE(IsBlank(record));
+}
+
+TEST_P(RealContents, AppendNothingToAFileThatIsMissingOrEmpty) {
+  EXPECT_EQ(writeFile("/missing", "new", true), 0);
+  expectReport("an append to a missing file");
+  make("/file", R"("")");
   EXPECT_EQ(writeFile("/file", "new", true), 0);
-  expectReport("an append");
+  expectReport("an append to an empty file");
   EXPECT_EQ(server.content(own + "/file"), "");
 }
 

@@ -43,9 +43,10 @@ FtpTransfer::~FtpTransfer() {
 FtpReply FtpTransfer::begin(std::string_view verb, std::string_view argument) {
   path_ = argument;
   control_->useBinary();
-  const auto size = kind_ == Kind::download ? control_->askSizeAlong(argument) : nullptr;
+  const auto size = kind_ == Kind::download || behindContent_ ? control_->askSizeAlong(argument) : nullptr;
   FtpDataChannel data(*control_);
   data.prepare();
+  if (behindContent_ && size->value_or(0) > 0) restartAt(**size);
   control_->sendCommand(verb, argument);
   const FtpDataChannel::Opening opening = data.establish();
   final_ = opening.final;
@@ -63,6 +64,13 @@ FtpReply FtpTransfer::begin(std::string_view verb, std::string_view argument) {
   if (kind_ == Kind::download) announced_ = opening.announced ? opening.announced : *size;
   if (!data_) endWithoutData();
   return opening.first;
+}
+
+// Waited for, since it spares the content: what comes behind it must not pass it by. It is the last command
+// before the transfer's own, as RFC 3659 wants it.
+void FtpTransfer::restartAt(std::uint64_t position) {
+  const FtpReply reply = control_->command("REST", std::to_string(position));
+  if (reply.code == 350) start_ = position;
 }
 
 void FtpTransfer::open(std::string_view path) {
@@ -251,7 +259,7 @@ bool FtpTransfer::wordIsLost() const noexcept {
 bool FtpTransfer::allIsThere() {
   if (kind_ == Kind::download && announced_) return moved_ == *announced_;
   awaitPeersEnd();
-  return remoteFileHasSize(*control_, path_, moved_);
+  return remoteFileHasSize(*control_, path_, start_ + moved_);
 }
 
 // The server closes an upload's connection once it has read all: asked before that it may tell less.

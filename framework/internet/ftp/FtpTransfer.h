@@ -26,6 +26,9 @@ class FtpTransfer {
   FtpTransfer(const FtpTransfer&) = delete;
   FtpTransfer& operator=(const FtpTransfer&) = delete;
 
+  // Before the beginning of an upload: it goes behind what the file holds, and one without data leaves that
+  // as it is. From the file's start where the server does not tell its size, or does not restart there.
+  void startBehindContent() noexcept { behindContent_ = true; }
   // Sets binary type, makes the data connection and sends the command. The reply is a refusal, which is the
   // caller's to judge, or the transfer has begun.
   FtpReply begin(std::string_view verb, std::string_view argument);
@@ -64,6 +67,7 @@ class FtpTransfer {
     DeliveryWatch delivery;
   };
 
+  void restartAt(std::uint64_t position);
   void endWithoutData();
   void requireRunning() const;
   [[nodiscard]] DataLimit dataLimit() const;
@@ -98,6 +102,8 @@ class FtpTransfer {
   std::optional<FtpReply> final_;
   bool finalNotified_ = false;
   std::string path_;
+  bool behindContent_ = false;
+  std::uint64_t start_ = 0;                 // of an upload, in the file
   std::optional<std::uint64_t> announced_;  // of a download
   std::uint64_t moved_ = 0;                 // bytes that were received, or sent
   // read()'s: received, not handed out yet.

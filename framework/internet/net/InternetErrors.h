@@ -39,6 +39,7 @@ inline constexpr std::uint32_t kStatusRedirect = 110;
 // Access rights, transfer types and request flags.
 inline constexpr std::uint32_t kGenericRead = 0x80000000u;
 inline constexpr std::uint32_t kGenericWrite = 0x40000000u;
+inline constexpr std::uint32_t kFileAppendData = 0x4u;
 inline constexpr std::uint32_t kTransferTypeBinary = 2;
 inline constexpr std::uint32_t kFlagReload = 0x80000000u;
 inline constexpr std::uint32_t kFlagExistingConnect = 0x20000000u;
