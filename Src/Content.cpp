@@ -133,8 +133,9 @@ bool readChunks(ContentThread& record, RemoteFile& file, std::uint8_t* block, st
 bool readInto(ContentThread& record, CFtpConnection& connection, const char* target, std::uint8_t* block,
               std::uint32_t size) {
   RemoteFile file(*record.pQXIP, record.pRetries);
-  return file.Open(connection, target, internet::kGenericRead) && readChunks(record, file, block, size) &&
-         file.Close();
+  if (!file.Open(connection, target, internet::kGenericRead)) return false;
+  file.Expect(size);
+  return readChunks(record, file, block, size) && file.Close();
 }
 
 bool readContent(ContentThread& record, CFtpConnection& connection) {

@@ -59,6 +59,7 @@ Step fetch(CopyThread& record, CFtpConnection& connection, const char* remote, L
   RemoteFile source(*record.pQXIP, record.pRetries);
   LocalFile target(*record.pQXIP, record.pRetries);
   if (!source.Open(connection, remote, internet::kGenericRead)) return Step::failed;
+  if (size > 0) source.Expect(size);
   const char* const local = localName();
   if (local == nullptr || !target.Open(local, CFile::modeCreate | CFile::modeWrite | flags))
     return Step::failed;

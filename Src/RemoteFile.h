@@ -26,6 +26,9 @@ class RemoteFile {
     return m_file != nullptr;
   }
 
+  // REQUIRES: an open file. Its size, where that was found out before.
+  void Expect(std::uint32_t size) noexcept { m_file->Expect(size); }
+
   // Fills `buffer`; *pRead is less than `size` only at the end of the file.
   [[nodiscard]] bool Read(void* buffer, std::uint32_t size, std::uint32_t* pRead) {
     return GuardInternet(m_client, m_pRetries, nullptr, [&] {
@@ -41,7 +44,7 @@ class RemoteFile {
     });
   }
 
-  // True when the server has confirmed the transfer, or nothing is open.
+  // True when the transfer is known to be whole, or nothing is open.
   [[nodiscard]] bool Close() {
     const std::unique_ptr<CInternetFile> file = std::move(m_file);
     return file == nullptr || file->Close();

@@ -37,6 +37,10 @@ std::uint32_t CInternetFile::Read(void* buffer, std::uint32_t size) {
   return count;
 }
 
+void CInternetFile::Expect(std::uint64_t size) noexcept {
+  if (m_transfer) m_transfer->expect(size);
+}
+
 void CInternetFile::Write(const void* data, std::uint32_t size) {
   internet::raising([&] {
     FtpTransfer& transfer = required(m_transfer, FtpTransfer::Kind::upload);

@@ -256,8 +256,14 @@ bool FtpTransfer::wordIsLost() const noexcept {
   return !final_ || (kind_ == Kind::upload && final_->code == 426);
 }
 
+// The caller has got exactly what the file is known to have.
+bool FtpTransfer::hasKnownSize() const noexcept {
+  const auto known = announced_ ? announced_ : expected_;
+  return known && moved_ - (bufferEnd_ - bufferStart_) == *known;
+}
+
 bool FtpTransfer::allIsThere() {
-  if (kind_ == Kind::download && announced_) return moved_ == *announced_;
+  if (hasKnownSize()) return true;
   awaitPeersEnd();
   return remoteFileHasSize(*control_, path_, start_ + moved_);
 }
@@ -330,7 +336,7 @@ void FtpTransfer::close() {
     const bool inStep = abandon();
     // The server may call a download that was given up whatever it likes.
     if (failed && final_ && final_->refused()) control_->raise(*final_);
-    if (failed || !inStep) fail(kConnectionAborted);
+    if (failed || !(inStep || hasKnownSize())) fail(kConnectionAborted);
     return;
   }
   confirm();

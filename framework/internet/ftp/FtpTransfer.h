@@ -35,6 +35,10 @@ class FtpTransfer {
   // Begins to receive or to store a file; raises a refusal.
   void open(std::string_view path);
 
+  // The size that the caller has learned of a download: with so many bytes it is whole where the server's
+  // word on that is lost.
+  void expect(std::uint64_t size) noexcept { expected_ = size; }
+
   // What has come, at least one byte; 0 at the end of the data. A download that ends short of the size that
   // the server has told, or that the server calls failed, ends with a failure instead.
   std::size_t receive(void* buffer, std::size_t size);
@@ -76,6 +80,7 @@ class FtpTransfer {
   void endUpload();
   FtpReply finalReply();
   [[nodiscard]] bool wordIsLost() const noexcept;
+  [[nodiscard]] bool hasKnownSize() const noexcept;
   bool allIsThere();
   void awaitPeersEnd();
   void waitForData(bool write, std::optional<DataLimit>& limit);
@@ -104,7 +109,8 @@ class FtpTransfer {
   std::string path_;
   bool behindContent_ = false;
   std::uint64_t start_ = 0;                 // of an upload, in the file
-  std::optional<std::uint64_t> announced_;  // of a download
+  std::optional<std::uint64_t> announced_;  // by the server, of a download
+  std::optional<std::uint64_t> expected_;   // by the caller
   std::uint64_t moved_ = 0;                 // bytes that were received, or sent
   // read()'s: received, not handed out yet.
   std::unique_ptr<char[]> buffer_;
