@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // FTPCpyFile: a file from one path to another, where each may be on the server or local.
+#include "Src/CopyWatch.h"
 #include "Src/LocalFile.h"
 #include "Src/OperationRunner.h"
 #include "Src/PrivateAttempt.h"
@@ -16,6 +17,7 @@ constexpr std::uint32_t kChunk = 4096;
 struct CopyThread : QXFtpThread {
   const char* pszNewName = nullptr;
   QXProgress pfnProgress = nullptr;
+  bool bWhole = false;  // a copy that counts as done has all of the source
 };
 
 // How a copy went on: a stop that the host asked for is a success.
@@ -78,8 +80,11 @@ std::uint32_t sizeOf(const CopyThread& record, std::uint32_t retries) {
 
 bool store(CopyThread& record, const char* local) {
   PathText target;
-  return MakeFtpPath(record.pszNewName, target) &&
-         record.pQXIP->FTPUploadFile(target.c_str(), local, *record.pRetries) != 0;
+  const CopyWatch watch;
+  const bool ok = MakeFtpPath(record.pszNewName, target) &&
+                  record.pQXIP->FTPUploadFile(target.c_str(), local, *record.pRetries) != 0;
+  record.bWhole = ok && !watch.Doubted();
+  return ok;
 }
 
 bool remoteToRemote(CopyThread& record, CFtpConnection& connection) {
@@ -98,11 +103,13 @@ bool remoteToLocal(CopyThread& record, CFtpConnection& connection) {
   const std::uint32_t size = sizeOf(record, *record.pRetries);
   PathText source;
   const auto localName = [&] { return record.pszNewName; };
-  const bool ok = MakeFtpPath(record.pszName, source) &&
-                  fetch(record, connection, source.c_str(), localName, size) != Step::failed;
+  const Step step = MakeFtpPath(record.pszName, source)
+                        ? fetch(record, connection, source.c_str(), localName, size)
+                        : Step::failed;
+  record.bWhole = step == Step::done;
   const platform::LastErrorKeeper reason;
   record.pQXIP->OnAfterDisconnect();
-  return ok;
+  return step != Step::failed;
 }
 
 bool localToRemote(CopyThread& record) {
@@ -128,6 +135,7 @@ bool mayBeUsed(const char* path) {
 
 AttemptOutcome attempt(QXFtpThread& base) {
   auto& record = static_cast<CopyThread&>(base);
+  record.bWhole = false;
   return AttemptOverPrivateConnection(
       record, mayBeUsed(record.pszName) && mayBeUsed(record.pszNewName),
       [&](CFtpConnection& connection) { return copyFile(record, connection); });
@@ -154,7 +162,9 @@ QXBool TQXIP::FTPCpyFile(const char* pszSource, const char* pszDestination, QXPr
       return FTPCpyFile(pszSource, pszDestination, pfnProgress, 1, nPollArg1, nPollArg2) != 0;
     };
     const WorkerCall call = TransferCall(*this, record, &FTPCpyFileThr, nPollArg1, nPollArg2);
-    return RunReportedOperation(
+    const QXBool ok = RunReportedOperation(
         {.call = call, .slot = Slot::FTPCpyFile, .site = sites::kCpyFile, .paths = paths}, enter, rerun);
+    if (ok != 0 && !record.bWhole) CopyWatch::TellDoubt();
+    return ok;
   });
 }

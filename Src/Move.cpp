@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // FTPMovFile and FTPRenameFile, on the caller's thread.
+#include "Src/CopyWatch.h"
 #include "Src/OperationGuard.h"
 #include "Src/PrivateConnection.h"
 #include "Src/RemotePath.h"
 #include "Src/RunningOperations.h"
+#include "Src/SameFile.h"
 #include "Src/SharedFlag.h"
 #include "Src/SlotRetry.h"
 #include "framework/platform/file.h"
@@ -13,6 +15,10 @@ namespace {
 bool removeLocal(const char* path) {
   static_cast<void>(platform::setFileAttributes(path, platform::kFileAttributeArchive));
   return platform::deleteFile(path);
+}
+
+bool isOntoItself(const char* source, const char* destination) {
+  return IsRemotePath(source) && IsRemotePath(destination) && MayBeSameFile(source, destination);
 }
 
 bool renameOnce(TQXIP& client, const char* from, const char* to) {
@@ -26,8 +32,8 @@ bool renameOnce(TQXIP& client, const char* from, const char* to) {
 
 }  // namespace
 
-// The source goes whenever the copy says success, which a copy that the host stopped does, too, and one
-// between two local paths, which copies nothing.
+// A copy can say success without having copied all, or anything: the source goes only when it is known to be
+// whole at another place.
 QXBool TQXIP::FTPMovFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
                          std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) {
   return GuardOperation([&] {
@@ -39,7 +45,9 @@ QXBool TQXIP::FTPMovFile(const char* pszSource, const char* pszDestination, QXPr
     };
     const auto run = [&] {
       if (!IsSet(m_bInitialized) || !BothGiven(pszSource, pszDestination)) return false;
+      const CopyWatch watch;
       if (!copied()) return false;
+      if (watch.Doubted() || isOntoItself(pszSource, pszDestination)) return true;
       return IsRemotePath(pszSource) ? FTPRmvFile(pszSource, 0, nRetries, nPollArg1, nPollArg2) != 0
                                      : removeLocal(pszSource);
     };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // FTPDownloadFile and FTPUploadFile: whole files over a connection of their own, on the caller's thread. They
 // work even on a client that is not initialised.
+#include "Src/CopyWatch.h"
 #include "Src/MessageLines.h"
 #include "Src/OperationGuard.h"
 #include "Src/PrivateConnection.h"
@@ -53,8 +54,9 @@ bool download(TQXIP& client, PrivateConnection& connection, const char* target, 
 }
 
 bool upload(TQXIP& client, PrivateConnection& connection, const char* target, const char* local) {
-  return connection.Connection()->PutFile(local, target) ||
-         acceptRefusedUpload(client, connection, target, local);
+  if (connection.Connection()->PutFile(local, target)) return true;
+  CopyWatch::TellDoubt();
+  return acceptRefusedUpload(client, connection, target, local);
 }
 
 bool transferOnce(TQXIP& client, const char* remote, const char* local, Transfer transfer) {

@@ -149,22 +149,6 @@ TEST_F(Move, ALocalSourceThatCannotBeDeletedIsAFailure) {
   EXPECT_THAT(record, ReportsLastError(failedLine(source, "/b"), 2u, 6345));
 }
 
-// A copy that the host stopped, and one between two local paths, count as done: the source goes.
-TEST_F(Move, AStoppedCopyIsFollowedByTheRemovalToo) {
-  ProgressLog::stop() = yes;
-  host.remove = yes;
-  EXPECT_EQ(move("/a", "/b", 0, &ProgressLog::note), 1);
-  EXPECT_FALSE(server.exists("/b"));
-  EXPECT_EQ(host.calls().back(), "FTPRmvFile /a 0 0 11 22");
-}
-
-TEST_F(Move, BetweenTwoLocalPathsTheSourceIsDeletedAndNothingIsCopied) {
-  write("mine");
-  EXPECT_EQ(move(source, localName(folder.file("other"))), 1);
-  EXPECT_FALSE(exists());
-  EXPECT_FALSE(std::filesystem::exists(folder.file("other")));
-}
-
 TEST_F(Move, OddNamesAreNamesLikeOthers) {
   for (const std::string& name : kOddNames) {
     SCOPED_TRACE(name);
