@@ -39,11 +39,14 @@ std::uint32_t percentOf(std::uint64_t done, std::uint32_t size) {
 
 Step copyChunks(CopyThread& record, RemoteFile& source, LocalFile& target, const char* shown,
                 std::uint32_t size) {
+  // Whoever is asked finds in his file what he is told of; nobody looks into a temporary copy.
+  const bool shows = record.pfnProgress != nullptr && !IsRemotePath(record.pszNewName);
   char chunk[kChunk];
   std::uint64_t done = 0;
   for (std::uint32_t count = kChunk; count == kChunk;) {
     if (!source.Read(chunk, kChunk, &count) || !target.Write(chunk, count)) return Step::failed;
     done += count;
+    if (shows && !target.Flush()) return Step::failed;
     const bool stop = asksToStop(record, shown, percentOf(done, size));
     StoreProgress(record, done, size);
     if (stop) return Step::stopped;

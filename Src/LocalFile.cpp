@@ -39,6 +39,13 @@ bool LocalFile::Write(const void* data, std::uint32_t size) {
   });
 }
 
+bool LocalFile::Flush() {
+  return Guard([&] {
+    m_collected.Flush();
+    return true;
+  });
+}
+
 bool LocalFile::Close() {
   return Guard([&] {
     m_collected.Flush();

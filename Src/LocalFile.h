@@ -15,6 +15,8 @@ class LocalFile {
   [[nodiscard]] bool SeekBehindContent();
   // That the system does not take the data may show only later, or in Close.
   [[nodiscard]] bool Write(const void* data, std::uint32_t size);
+  // What was written so far is in the file then.
+  [[nodiscard]] bool Flush();
   [[nodiscard]] bool Close();
 
  private:

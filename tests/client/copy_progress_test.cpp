@@ -37,6 +37,20 @@ Percentages percentagesOf(std::uint64_t size) {
   return all;
 }
 
+// What the callback was told of stood in the library's memory, and not in the file.
+TEST_F(CopyProgress, WhatTheCallbackIsToldOfIsInTheFile) {
+  constexpr std::uint64_t kSize = 3 * kChunk + 5;
+  const fixture::ScriptedFtp server(serving(kSize));
+  loginAt(server);
+  std::vector<std::uint64_t> sizes;
+  ProgressLog::stop() = [&]() -> QXBool {
+    sizes.push_back(std::filesystem::file_size(local));
+    return 0;
+  };
+  EXPECT_EQ(copy("/a", target), 1);
+  EXPECT_EQ(sizes, (std::vector<std::uint64_t>{kChunk, 2 * kChunk, 3 * kChunk, kSize}));
+}
+
 class CopyProgressSizes : public CopyProgress, public testing::WithParamInterface<std::size_t> {};
 
 TEST_P(CopyProgressSizes, ShowAPercentagePerChunk) {
