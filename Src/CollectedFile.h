@@ -9,7 +9,7 @@
 
 class CollectedFile {
  public:
-  explicit CollectedFile(CFile& file) : m_file(file) { m_pieces.reserve(kCapacity); }
+  explicit CollectedFile(CFile& file) noexcept : m_file(file) {}
   // What an attempt that was broken off had got still goes into the file, as far as the system takes it.
   ~CollectedFile();
   CollectedFile(const CollectedFile&) = delete;
@@ -23,5 +23,5 @@ class CollectedFile {
   static constexpr std::size_t kCapacity = std::size_t{256} * 1024;
 
   CFile& m_file;
-  std::vector<char> m_pieces;
+  std::vector<char> m_pieces;  // grows with what comes: many files are small
 };
