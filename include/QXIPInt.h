@@ -146,8 +146,14 @@ class TQXIPIFInt {
   // this and slots 34 and 35 fail with 12110.
   virtual QXBool FTPGetDirectory(const char* pszPath, QXDirEntry* pEntries, std::uint32_t* pnCount,
                                  const char* pszPattern, std::uint32_t nRetries) = 0;
-  // Slots 32 and 33: whole files, on the caller's thread. An existing local file is not overwritten.
+  // Slots 32 and 33: whole files, on the caller's thread, without messages, OnPoll or a way for their caller
+  // to cancel them.
+  // Where the server's last word on a transfer is lost its size decides: with all bytes there it is done.
+  // An existing local file is not overwritten: 0, or 1 with the file as it was when the remote file's size
+  // cannot be told or is 0.
   virtual QXBool FTPDownloadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) = 0;
+  // 1 also when the server refuses or breaks the upload of a file that has content. FTPFileSize tells whether
+  // it has arrived.
   virtual QXBool FTPUploadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) = 0;
   // Slots 34 and 35. Either count may be null.
   virtual QXBool FTPHasSubDir(const char* pszPath, std::uint32_t nRetries) = 0;
@@ -164,8 +170,16 @@ class TQXIPIFInt {
   // first.
   virtual QXBool FTPDestroyFileContent(const char* pszPath, std::uint32_t nMethod, std::uint32_t nRetries,
                                        QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
+  // Slots 39 and 40. OnPoll can cancel them. The callback runs on the worker's thread after every 4096 bytes
+  // that come from the server, and before an upload; what it is told of is in the local file. 1 also when the
+  // callback has stopped the copy, when the server has refused the upload (slot 33), and between two local
+  // paths, where nothing is copied. Between two remote paths the content goes through a temporary file.
   virtual QXBool FTPCpyFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
                             std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
+  // A copy through slot 39, then the removal of the source, a remote one through slot 41. The source stays,
+  // whatever the answer, when the copy is not known to be whole (those that are listed above), or when both
+  // remote paths may name one file: they differ in slashes, "." and "..", or the case of letters alone. What
+  // a host's own function in slot 33 or 39 calls done is taken for whole.
   virtual QXBool FTPMovFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
                             std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
   virtual QXBool FTPRmvFile(const char* pszPath, std::uint32_t nWipePasses, std::uint32_t nRetries,
@@ -189,10 +203,16 @@ class TQXIPIFInt {
   virtual std::uint32_t FTPFileSize(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                                     QXHostValue nPollArg2) = 0;
 
-  // Slots 47 to 50.
+  // Slots 47 to 50. OnPoll can cancel slots 47 and 48. They move 4096 bytes each 20 ms, at most 200 KB a
+  // second; an append moves its file by slots 32 and 33.
+  // With bAppend the data goes behind the content, which is fetched and sent again as a whole. The file is
+  // opened for writing first: a server that lacks SIZE or REST empties it then, and the append fails, as it
+  // does for a file that is missing or empty. An append of which the server refuses the upload answers 1.
+  // nSize 0: 0.
   virtual QXBool FTPWriteFile(const char* pszPath, const void* pData, std::uint32_t nSize, QXBool bAppend,
                               std::uint32_t nReserved, std::uint32_t nRetries, QXHostValue nPollArg1,
                               QXHostValue nPollArg2) = 0;
+  // A file that is empty, or whose size cannot be told, reads as empty: 1, *pnSize 0.
   // *ppData receives a block of *pnSize + 1 bytes; give it back with FTPFreeFileAPI. Null after a failure,
   // with one exception: after a reconnect that OnPoll asked for, *ppData is what the second run left there,
   // and the result can be 0 although that is a block. So give back whatever is not null.
