@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "Src/HostCall.h"
 #include "Src/MessageLines.h"
 #include "Src/OperationGuard.h"
 #include "Src/PrivateConnection.h"
@@ -53,14 +54,14 @@ bool TQXIP::LoginFits() const noexcept {
 
 QXBool TQXIP::FTPSetLogin(const char* pszHost, const char* pszUser, const char* pszPassword,
                           std::uint32_t nPort, QXBool bPassive) {
-  return GuardOperation([&]() -> QXBool {
+  return GuardOperation(*this, [&]() -> QXBool {
     StoreLogin(pszHost, pszUser, pszPassword, nPort, bPassive);
     return 1;
   });
 }
 
 void TQXIP::OpenConnection(TInternetSession& session) {
-  ReleaseConnection();
+  HostCall([&] { ReleaseConnection(); });
   CFtpConnection* connection = OpenFtpConnection(*this, session, nullptr);
   m_pFtpConnection = connection;
   if (connection != nullptr) connection->ReopenOnDemand(true);
@@ -69,7 +70,7 @@ void TQXIP::OpenConnection(TInternetSession& session) {
 QXBool TQXIP::FTPConnect(const char* pszHost, const char* pszUser, const char* pszPassword,
                          std::uint32_t nPort, QXBool bPassive, std::uint32_t /*nValue*/,
                          TInternetSession* pSession) {
-  return GuardOperation([&]() -> QXBool {
+  return GuardOperation(*this, [&]() -> QXBool {
     WriteMessage(*this, "TQXIP::FTPConnect - IN: '%s'", pszHost != nullptr ? pszHost : "NULL");
     bool ok = IsSet(m_bInitialized) && pszHost != nullptr;
     if (ok) StoreLogin(pszHost, pszUser, pszPassword, nPort, bPassive);
@@ -79,11 +80,12 @@ QXBool TQXIP::FTPConnect(const char* pszHost, const char* pszUser, const char* p
       SetFlag(m_bInitialized, true);
       ok = true;  // whatever was missing before: without a host of this call it is the stored one's turn
     }
+    const RunningOperation connecting(*this, RunningOperation::Kind::connecting);
     if (ok) {
       OpenConnection(*session);
       ok = m_pFtpConnection != nullptr;
     }
-    if (ok) OnConnect();
+    if (ok) HostCall([&] { OnConnect(); });
     WriteMessage(*this, "TQXIP::FTPConnect to '%s:%d' failed!", pszHost != nullptr ? pszHost : "(null)",
                  static_cast<int>(nPort));
     if (!ok) ReportFailure(*this, sites::kConnectLine, m_szMessage);
@@ -97,16 +99,16 @@ QXBool TQXIP::FTPReConnect(std::uint32_t /*nRetries*/, QXHostValue /*nValue*/) {
 // The connection itself stays: it goes with the next connect or with the object. But nobody logs in any more
 // with login data that is to be forgotten.
 QXBool TQXIP::FTPDisconnect() {
-  return GuardOperation([&]() -> QXBool {
+  return GuardOperation(*this, [&]() -> QXBool {
     const bool ok = IsSet(m_bInitialized);
     if (ok) {
       if (m_pFtpConnection != nullptr) m_pFtpConnection->ReopenOnDemand(false);
-      OnBeforeDisconnect();
+      HostCall([&] { OnBeforeDisconnect(); });
       if (IsSet(m_bConnected)) {
         StoreLogin("", "", "", kDefaultPort, 0);
-        OnDisconnect();
+        HostCall([&] { OnDisconnect(); });
       }
-      OnAfterDisconnect();
+      HostCall([&] { OnAfterDisconnect(); });
     } else {
       ReportTitled(*this, sites::kDisconnectLine, "TQXIP::FTPDisconnect failed!");
     }
@@ -116,14 +118,14 @@ QXBool TQXIP::FTPDisconnect() {
 
 // Neither a firewall nor a proxy is supported: both answer with a failure whatever they are given.
 QXBool TQXIP::FTPSetFirewall(std::uint32_t /*nKind*/, QXBool /*bFlag*/, QXHostValue /*nValue*/) {
-  return GuardOperation([&]() -> QXBool {
+  return GuardOperation(*this, [&]() -> QXBool {
     ReportTitled(*this, sites::kSetFirewallLine, "TQXIP::FTPSetFirewall failed!");
     return 0;
   });
 }
 
 QXBool TQXIP::FTPSetProxy(const char* /*pszProxy*/, std::uint32_t /*nValue*/) {
-  return GuardOperation([&]() -> QXBool {
+  return GuardOperation(*this, [&]() -> QXBool {
     ReportTitled(*this, sites::kSetProxyLine, "TQXIP::FTPSetProxy failed!");
     return 0;
   });

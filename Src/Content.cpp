@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "Src/HostCall.h"
 #include "Src/LocalFile.h"
 #include "Src/OperationRunner.h"
 #include "Src/PrivateAttempt.h"
@@ -81,9 +82,10 @@ bool appendThroughCopy(ContentThread& record, RemoteFile& file) {
   TemporaryCopy copy;
   static_cast<void>(file.Close());
   return copy.Take(record.pszName) && isFree(copy.Name()) &&
-         client.FTPDownloadFile(record.pszName, copy.Name(), *record.pRetries) != 0 &&
+         HostCall([&] { return client.FTPDownloadFile(record.pszName, copy.Name(), *record.pRetries); }) !=
+             0 &&
          appendLocally(record, copy.Name()) &&
-         client.FTPUploadFile(record.pszName, copy.Name(), *record.pRetries) != 0;
+         HostCall([&] { return client.FTPUploadFile(record.pszName, copy.Name(), *record.pRetries); }) != 0;
 }
 
 bool writeContent(ContentThread& record, CFtpConnection& connection) {
@@ -142,8 +144,8 @@ bool readContent(ContentThread& record, CFtpConnection& connection) {
   PathText target;
   if (!MakeFtpPath(record.pszName, target)) return false;
   ToFtpPath(target.data());
-  const std::uint32_t size = record.pQXIP->FTPFileSize(record.pszName, *record.pRetries, 0, 0);
-  platform::throwIfStopped();
+  const std::uint32_t size =
+      HostCall([&] { return record.pQXIP->FTPFileSize(record.pszName, *record.pRetries, 0, 0); });
   Block block = newBlock(size);
   if (block == nullptr) return false;
   if (size > 0 && !readInto(record, connection, target.c_str(), block.get(), size)) return false;
@@ -172,7 +174,7 @@ void FTPReadFileThr(void* argument) {
 QXBool TQXIP::FTPWriteFile(const char* pszPath, const void* pData, std::uint32_t nSize, QXBool bAppend,
                            std::uint32_t nReserved, std::uint32_t nRetries, QXHostValue nPollArg1,
                            QXHostValue nPollArg2) {
-  return GuardOperation([&] {
+  return GuardOperation(*this, [&] {
     ContentThread record;
     FillRecord(record, *this, nRetries, pszPath);
     record.pData = pData;
@@ -195,7 +197,7 @@ QXBool TQXIP::FTPWriteFile(const char* pszPath, const void* pData, std::uint32_t
 
 QXBool TQXIP::FTPReadFile(const char* pszPath, void** ppData, std::uint32_t* pnSize, std::uint32_t nReserved,
                           std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) {
-  return GuardOperation([&] {
+  return GuardOperation(*this, [&] {
     ContentThread record;
     FillRecord(record, *this, nRetries, pszPath);
     const bool checked = IsSet(m_bInitialized) && pszPath != nullptr && *pszPath != '\0' &&
@@ -224,10 +226,11 @@ QXBool TQXIP::FTPReadFile(const char* pszPath, void** ppData, std::uint32_t* pnS
 }
 
 QXBool TQXIP::FTPFreeFileAPI(void* pData) {
-  return GuardOperation([&]() -> QXBool {
-    OnBeforeDisconnect();  // a pair of events that hosts may use as they like
-    freeBlock(pData);
-    OnAfterDisconnect();
+  return GuardOperation(*this, [&]() -> QXBool {
+    Block block(static_cast<std::uint8_t*>(pData));
+    HostCall([&] { OnBeforeDisconnect(); });  // a pair of events that hosts may use as they like
+    block.reset();
+    HostCall([&] { OnAfterDisconnect(); });
     return 1;
   });
 }

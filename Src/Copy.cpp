@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // FTPCpyFile: a file from one path to another, where each may be on the server or local.
 #include "Src/CopyWatch.h"
+#include "Src/HostCall.h"
 #include "Src/LocalFile.h"
 #include "Src/OperationRunner.h"
 #include "Src/PrivateAttempt.h"
@@ -29,7 +30,7 @@ LinePaths bothPaths(const QXFtpThread& record) {
 }
 
 bool asksToStop(const CopyThread& record, const char* path, std::uint32_t percent) {
-  return record.pfnProgress != nullptr && record.pfnProgress(path, percent, 0) != 0;
+  return record.pfnProgress != nullptr && HostCall([&] { return record.pfnProgress(path, percent, 0); }) != 0;
 }
 
 // In 32 bits, in which the product wraps for large files: hosts expect these figures.
@@ -76,16 +77,15 @@ Step fetch(CopyThread& record, CFtpConnection& connection, const char* remote, L
 }
 
 std::uint32_t sizeOf(const CopyThread& record, std::uint32_t retries) {
-  const std::uint32_t size = record.pQXIP->FTPFileSize(record.pszName, retries, 0, 0);
-  platform::throwIfStopped();
-  return size;
+  return HostCall([&] { return record.pQXIP->FTPFileSize(record.pszName, retries, 0, 0); });
 }
 
 bool store(CopyThread& record, const char* local) {
   PathText target;
   const CopyWatch watch;
-  const bool ok = MakeFtpPath(record.pszNewName, target) &&
-                  record.pQXIP->FTPUploadFile(target.c_str(), local, *record.pRetries) != 0;
+  const bool ok =
+      MakeFtpPath(record.pszNewName, target) &&
+      HostCall([&] { return record.pQXIP->FTPUploadFile(target.c_str(), local, *record.pRetries); }) != 0;
   record.bWhole = ok && !watch.Doubted();
   return ok;
 }
@@ -106,12 +106,14 @@ bool remoteToLocal(CopyThread& record, CFtpConnection& connection) {
   const std::uint32_t size = sizeOf(record, *record.pRetries);
   PathText source;
   const auto localName = [&] { return record.pszNewName; };
-  const Step step = MakeFtpPath(record.pszName, source)
-                        ? fetch(record, connection, source.c_str(), localName, size)
-                        : Step::failed;
+  // The end of the source, which a failed copy leaves to its destructor, sends notifications.
+  const Step step = HostCall([&] {
+    return MakeFtpPath(record.pszName, source) ? fetch(record, connection, source.c_str(), localName, size)
+                                               : Step::failed;
+  });
   record.bWhole = step == Step::done;
   const platform::LastErrorKeeper reason;
-  record.pQXIP->OnAfterDisconnect();
+  HostCall([&] { record.pQXIP->OnAfterDisconnect(); });
   return step != Step::failed;
 }
 
@@ -150,7 +152,7 @@ void FTPCpyFileThr(void* argument) { RunReportedWorker(argument, sites::kCpyFile
 
 QXBool TQXIP::FTPCpyFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
                          std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) {
-  return GuardOperation([&] {
+  return GuardOperation(*this, [&] {
     CopyThread record;
     FillRecord(record, *this, nRetries, pszSource);
     record.pszNewName = pszDestination;

@@ -68,7 +68,7 @@ bool nameCandidate(const PathText& parent, const char* baseName, std::uint32_t n
 class FreeName {
  public:
   FreeName(TQXIP& client, std::uint32_t retries, PathText* pCandidate)
-      : m_client(client), m_running(client), m_retries(retries), m_candidate(*pCandidate) {}
+      : m_client(client), m_retries(retries), m_candidate(*pCandidate) {}
 
   bool Create(const NewDirectory& wanted) {
     m_candidate.clear();
@@ -90,9 +90,9 @@ class FreeName {
     for (std::uint32_t number = 0; nameCandidate(parent, baseName, number, m_candidate) && number < kNames;
          ++number) {
       while (!Exists(m_candidate)) {
-        const bool created = m_client.FTPCreateDir(m_candidate.c_str(), m_retries, 0, 0) != 0;
-        m_running.LeaveIfOrphaned();
-        if (created) return true;
+        if (HostCall([&] { return m_client.FTPCreateDir(m_candidate.c_str(), m_retries, 0, 0); }) != 0) {
+          return true;
+        }
         platform::stoppableSleep(kPause);
       }
     }
@@ -100,13 +100,10 @@ class FreeName {
   }
 
   bool Exists(const PathText& path) {
-    const bool exists = m_client.FTPDirExist(path.c_str(), m_retries, 0, 0) != 0;
-    m_running.LeaveIfOrphaned();
-    return exists;
+    return HostCall([&] { return m_client.FTPDirExist(path.c_str(), m_retries, 0, 0); }) != 0;
   }
 
   TQXIP& m_client;
-  const RunningOperation m_running;
   const std::uint32_t m_retries;
   PathText& m_candidate;
 };
@@ -115,7 +112,7 @@ class FreeName {
 
 QXBool TQXIP::FTPCreateDir(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                            QXHostValue nPollArg2) {
-  return GuardOperation([&] {
+  return GuardOperation(*this, [&] {
     QXFtpThread record;
     FillRecord(record, *this, nRetries, pszPath);
     return ChangeDirectoryTree({.client = *this, .record = record, .worker = &FTPCreateDirThr},
@@ -126,7 +123,7 @@ QXBool TQXIP::FTPCreateDir(const char* pszPath, std::uint32_t nRetries, QXHostVa
 
 QXBool TQXIP::FTPCreateNewDir(const char* pszParent, char* pszCreated, const char* pszBaseName,
                               std::uint32_t nRetries) {
-  return GuardOperation([&]() -> QXBool {
+  return GuardOperation(*this, [&]() -> QXBool {
     const NewDirectory wanted{.parent = pszParent, .baseName = pszBaseName, .created = pszCreated};
     PathText candidate;  // of the innermost run; its lines come first, and those of the outermost last
     PathText outermost;

@@ -2,6 +2,7 @@
 // The client's event hooks. The library calls them through the object's table; a host may, too.
 #include <cstdio>
 
+#include "Src/HostCall.h"
 #include "Src/MessageLines.h"
 #include "Src/OperationGuard.h"
 #include "Src/QXIP.h"
@@ -46,7 +47,7 @@ QXBool TQXIP::OnBeforeDisconnect() { return 1; }
 QXBool TQXIP::OnAfterDisconnect() { return 1; }
 
 void TQXIP::OnIPError(std::uint32_t nError, const char* pszText, std::uint32_t* pRetries) {
-  GuardOperation([&] {
+  GuardOperation(*this, [&] {
     if (pszText != nullptr) {
       WriteMessage(*this, "TQXIP::OnIPError: '%s' (%d)", pszText, static_cast<int>(nError));
     } else {
@@ -54,8 +55,8 @@ void TQXIP::OnIPError(std::uint32_t nError, const char* pszText, std::uint32_t* 
     }
     if (mayReconnect(nError) && pRetries != nullptr && IsSet(m_bConnected)) {
       const std::uint32_t retries = *pRetries > 0 ? *pRetries : 1;
-      OnAfterDisconnect();
-      *pRetries = FTPReConnect(retries, 0) != 0 ? retries : 0;
+      HostCall([&] { OnAfterDisconnect(); });
+      *pRetries = HostCall([&] { return FTPReConnect(retries, 0); }) != 0 ? retries : 0;
     }
     if (platform::stopRequested()) return;
     ClearErrorInfo(m_pErrorInfo);
@@ -65,20 +66,20 @@ void TQXIP::OnIPError(std::uint32_t nError, const char* pszText, std::uint32_t* 
 
 void TQXIP::OnAuthenticationFailed() {
   GuardOperation(
-      [&] { ReportTitled(*this, sites::kAuthenticationFailedLine, "TQXIP::Authentication failed!"); });
+      *this, [&] { ReportTitled(*this, sites::kAuthenticationFailedLine, "TQXIP::Authentication failed!"); });
 }
 
 void TQXIP::OnAuthenticationNeeded() {
   GuardOperation(
-      [&] { ReportTitled(*this, sites::kAuthenticationNeededLine, "TQXIP::Authentication needed!"); });
+      *this, [&] { ReportTitled(*this, sites::kAuthenticationNeededLine, "TQXIP::Authentication needed!"); });
 }
 
 void TQXIP::OnFailure() {
-  GuardOperation([&] { ReportTitled(*this, sites::kFailureLine, "TQXIP::Failure!"); });
+  GuardOperation(*this, [&] { ReportTitled(*this, sites::kFailureLine, "TQXIP::Failure!"); });
 }
 
 void TQXIP::OnConnect() {
-  GuardOperation([&] {
+  GuardOperation(*this, [&] {
     SetFlag(m_bConnected, true);
     DeleteFinders();
     MakeFinders();
@@ -110,7 +111,7 @@ QXBool TQXIP::OnPoll(QXHostValue /*nPollArg1*/, QXHostValue /*nPollArg2*/, QXHos
 }
 
 void TQXIP::OnStatusCallback(std::uint32_t /*nContext*/, std::uint32_t nStatus, const void* pInformation) {
-  GuardOperation([&] {
+  GuardOperation(*this, [&] {
     char text[1024] = "";
     for (const StatusText& candidate : kStatusTexts) {
       if (candidate.status != nStatus) continue;

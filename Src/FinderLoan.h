@@ -2,6 +2,7 @@
 // The finder of a listing or query: the object's own where it has one, else that of a private connection.
 #pragma once
 
+#include "Src/HostCall.h"
 #include "Src/PrivateConnection.h"
 
 class FinderLoan {
@@ -10,7 +11,7 @@ class FinderLoan {
 
   // The finder of the field named `field`; null when a private connection could not be made.
   [[nodiscard]] CFtpFileFind* Take(const char* field, Raised* pRaised) {
-    CFtpFileFind* finder = m_client.GetFinder(0, field);
+    CFtpFileFind* finder = HostCall([&] { return m_client.GetFinder(0, field); });
     if (finder != nullptr) return finder;
     return m_own.OpenWithFinder(pRaised) ? m_own.Finder() : nullptr;
   }

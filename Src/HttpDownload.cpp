@@ -8,9 +8,9 @@
 #include <string>
 #include <string_view>
 
+#include "Src/HostCall.h"
 #include "Src/OperationGuard.h"
 #include "Src/QXIP.h"
-#include "Src/RunningOperations.h"
 #include "framework/File.h"
 #include "framework/internet/HttpConnection.h"
 #include "framework/internet/HttpFile.h"
@@ -98,7 +98,6 @@ class HttpDownload {
   void Close() noexcept;
 
   TQXIP& m_client;
-  const RunningOperation m_running{m_client};  // a message may free the client
   const Target m_target;
   CInternetSession m_session{nullptr, kContext};
   std::unique_ptr<CHttpConnection> m_connection;
@@ -191,9 +190,8 @@ void HttpDownload::SaveBody() {
 
 bool HttpDownload::WantsMore() {
   m_cancelled = m_client.OnPoll(m_target.pollArg1, m_target.pollArg2, 0, nullptr) != 0;
-  if (m_cancelled) return false;
-  PumpMessages(nullptr, 0, 0);
-  m_running.LeaveIfOrphaned();
+  if (m_cancelled) return false;  // the client, which may be gone, is asked nothing more
+  HostCall([] { PumpMessages(nullptr, 0, 0); });
   return true;
 }
 
@@ -226,7 +224,7 @@ bool download(TQXIP& client, const Target& target, const char* server, const cha
 std::uint32_t TQXIP::HTTPDownloadFile(const char* pszServer, const char* pszObject, std::uint32_t nPort,
                                       const char* pszLocalFile, std::uint64_t* pnLength,
                                       QXHostValue nPollArg1, QXHostValue nPollArg2) {
-  return GuardOperation([&]() -> std::uint32_t {
+  return GuardOperation(*this, [&]() -> std::uint32_t {
     const Target target{pszLocalFile, pnLength, nPollArg1, nPollArg2};
     return download(*this, target, pszServer, pszObject, nPort) ? 1 : 0;
   });

@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "Src/HostCall.h"
 #include "framework/platform/last_error.h"
 
 namespace {
@@ -19,7 +20,7 @@ void RaiseIPError(TQXIP& client, CInternetException* exception, std::uint32_t* p
   const std::unique_ptr<CInternetException, Delete> owner(exception);
   char text[kExceptionTextCapacity] = "";
   exception->GetErrorMessage(text, sizeof text);
-  client.OnIPError(exception->m_dwError, text, pRetries);
+  HostCall([&] { client.OnIPError(exception->m_dwError, text, pRetries); });
   // Reporting resets the last error; what follows still has to know why the work failed.
   platform::setLastError(exception->m_dwError);
 }

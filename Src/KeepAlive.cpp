@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // FTPKeepAlive: blocks while the connection is up and keeps the caller's messages flowing.
+#include "Src/HostCall.h"
 #include "Src/OperationGuard.h"
 #include "Src/OperationRunner.h"
 #include "Src/QXIP.h"
@@ -22,16 +23,23 @@ struct KeepAliveThread : QXFtpThread {
 
 // Sees an idle connection that the server has closed. It is looked at from the caller's thread, because the
 // host's messages work with the client there: from any other thread their replies could be taken away.
-void lookAtConnection(QXFtpThread& record, const RunningOperation& running) {
+void lookAtConnection(QXFtpThread& record) {
   auto& nextLook = static_cast<KeepAliveThread&>(record).nextLook;
   TQXIP& client = *record.pQXIP;
   const auto now = std::chrono::steady_clock::now();
   if (client.m_pFtpConnection == nullptr || !IsSet(client.m_bConnected) || now < nextLook) return;
   nextLook = now + kLook;
-  const bool closed = client.m_pFtpConnection->WaitIdle(std::chrono::milliseconds(0));
-  // Without an error record the notifications do not reach the client, and it would wait for ever. With one,
-  // the host may have freed the client in them.
-  if (closed && !running.IsOrphaned()) client.OnDisconnect();
+  const bool closed =
+      HostCall([&] { return client.m_pFtpConnection->WaitIdle(std::chrono::milliseconds(0)); });
+  // Without an error record the notifications do not reach the client, and it would wait for ever.
+  if (closed) HostCall([&] { client.OnDisconnect(); });
+}
+
+// A client that stands between two connections goes on to the second one.
+bool isUp(const TQXIP& client) {
+  if (!IsSet(client.m_bInitialized)) return false;
+  return RunningOperation::RunsOr(client, RunningOperation::Kind::connecting,
+                                  [](const TQXIP& idle) { return IsSet(idle.m_bConnected); });
 }
 
 void FTPKeepAliveThr(void* argument) {
@@ -39,8 +47,7 @@ void FTPKeepAliveThr(void* argument) {
   auto& record = *static_cast<QXFtpThread*>(argument);
   const AFX_MAINTAIN_STATE2 moduleState(AfxGetAppModuleState());
   const DoneFlag done(record);
-  TQXIP& client = *record.pQXIP;
-  while (IsSet(client.m_bInitialized) && IsSet(client.m_bConnected)) {
+  while (isUp(*record.pQXIP)) {
     platform::stoppableSleep(kTurn);
     platform::dispatchOneMessage(nullptr, 0, 0);
   }
@@ -51,7 +58,7 @@ void FTPKeepAliveThr(void* argument) {
 }  // namespace
 
 void TQXIP::FTPKeepAlive() {
-  GuardOperation([&] {
+  GuardOperation(*this, [&] {
     if (!IsSet(m_bInitialized)) return;
     std::uint32_t retries = kRetries;
     KeepAliveThread record;

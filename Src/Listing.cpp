@@ -7,6 +7,7 @@
 
 #include "Src/EntryArray.h"
 #include "Src/FinderLoan.h"
+#include "Src/HostCall.h"
 #include "Src/InternetGuard.h"
 #include "Src/MessageLines.h"
 #include "Src/OperationGuard.h"
@@ -85,11 +86,10 @@ std::unique_ptr<QXDirEntry[]> takeEntries(CFtpFileFind& finder, const PathText& 
 }
 
 // The entries are the host's to look at, no longer the finder's: a hook may connect anew, or free the client.
-void notifyOfFiles(TQXIP& client, const RunningOperation& running, QXDirEntry* entries, std::uint32_t count) {
+void notifyOfFiles(TQXIP& client, QXDirEntry* entries, std::uint32_t count) {
   for (QXDirEntry* entry = entries; entry != entries + count; ++entry) {
     if (entry->bIsDirectory != 0) continue;
-    client.OnNotify(reinterpret_cast<QXHostValue>(entry));
-    running.LeaveIfOrphaned();
+    HostCall([&] { client.OnNotify(reinterpret_cast<QXHostValue>(entry)); });
   }
 }
 
@@ -101,7 +101,7 @@ bool list(TQXIP& client, CFtpFileFind& finder, const char* path, const char* pat
   std::uint32_t taken = 0;
   std::unique_ptr<QXDirEntry[]> array = takeEntries(finder, directory, taken);
   finder.Close();
-  notifyOfFiles(client, running, array.get(), taken);
+  notifyOfFiles(client, array.get(), taken);
   StoreEntryCount(array.get(), taken);
   keepPending(client, std::move(array));
   count = taken;
@@ -116,7 +116,7 @@ struct ListingCall {
 
 // Tells of a failed run, which then has this last error.
 SlotRun failListing(TQXIP& client, std::uint32_t error, std::uint32_t& retries, bool connectionLost = false) {
-  client.OnIPError(error, "FTP-Error!", &retries);
+  HostCall([&] { client.OnIPError(error, "FTP-Error!", &retries); });
   platform::setLastError(error);
   return {.ok = false, .connectionLost = connectionLost};
 }
@@ -163,16 +163,20 @@ bool fetchEntries(TQXIP& client, const char* path, std::uint32_t retries,
                   std::unique_ptr<QXDirEntry[]>& entries, std::uint32_t& count) {
   PathText directory;
   if (!MakeFtpPath(path, directory)) return false;
-  if (client.FTPGetDirectory(directory.c_str(), nullptr, &count, kEverything, retries) == 0) return false;
+  const auto call = [&](QXDirEntry* target) {
+    return HostCall(
+        [&] { return client.FTPGetDirectory(directory.c_str(), target, &count, kEverything, retries) != 0; });
+  };
+  if (!call(nullptr)) return false;
   entries = std::make_unique<QXDirEntry[]>(std::size_t{count} + 1);
-  return client.FTPGetDirectory(directory.c_str(), entries.get(), &count, kEverything, retries) != 0;
+  return call(entries.get());
 }
 
 }  // namespace
 
 QXBool TQXIP::FTPGetDirectory(const char* pszPath, QXDirEntry* pEntries, std::uint32_t* pnCount,
                               const char* pszPattern, std::uint32_t nRetries) {
-  return GuardOperation([&]() -> QXBool {
+  return GuardOperation(*this, [&]() -> QXBool {
     const auto end = [&](bool failed) { endListing(*this, pszPath, failed); };
     const auto run = [&]() -> SlotRun {
       if (RunningOperation::Runs(*this, RunningOperation::Kind::listing)) {
@@ -195,7 +199,7 @@ QXBool TQXIP::FTPGetDirectory(const char* pszPath, QXDirEntry* pEntries, std::ui
 }
 
 QXBool TQXIP::FTPHasSubDir(const char* pszPath, std::uint32_t nRetries) {
-  return GuardOperation([&]() -> QXBool {
+  return GuardOperation(*this, [&]() -> QXBool {
     QXBool has = 0;
     const auto run = [&] {
       std::unique_ptr<QXDirEntry[]> entries;
@@ -220,7 +224,7 @@ QXBool TQXIP::FTPHasSubDir(const char* pszPath, std::uint32_t nRetries) {
 
 QXBool TQXIP::FTPCountFolderItems(const char* pszPath, std::uint32_t* pnFiles, std::uint32_t* pnDirectories,
                                   std::uint32_t nRetries) {
-  return GuardOperation([&]() -> QXBool {
+  return GuardOperation(*this, [&]() -> QXBool {
     const auto run = [&] {
       std::unique_ptr<QXDirEntry[]> entries;
       std::uint32_t count = 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Src/LocalFile.h"
 
+#include "Src/HostCall.h"
 #include "framework/platform/last_error.h"
 
 namespace {
@@ -18,7 +19,7 @@ bool LocalFile::Guard(Work&& work) {
     char text[kTextSize] = "";
     exception->GetErrorMessage(text, kTextSize);
     exception->Delete();
-    m_client.OnIPError(error, text, m_pRetries);
+    HostCall([&] { m_client.OnIPError(error, text, m_pRetries); });
     platform::setLastError(error);
     return false;
   }

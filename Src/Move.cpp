@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // FTPMovFile and FTPRenameFile, on the caller's thread.
 #include "Src/CopyWatch.h"
+#include "Src/HostCall.h"
 #include "Src/OperationGuard.h"
 #include "Src/PrivateConnection.h"
 #include "Src/RemotePath.h"
-#include "Src/RunningOperations.h"
 #include "Src/SameFile.h"
 #include "Src/SharedFlag.h"
 #include "Src/SlotRetry.h"
@@ -36,17 +36,14 @@ bool renameOnce(TQXIP& client, const char* from, const char* to) {
 // whole at another place.
 QXBool TQXIP::FTPMovFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
                          std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) {
-  return GuardOperation([&] {
-    const RunningOperation running(*this);
+  return GuardOperation(*this, [&] {
     const auto copied = [&] {
-      const bool ok = FTPCpyFile(pszSource, pszDestination, pfnProgress, nRetries, nPollArg1, nPollArg2) != 0;
-      running.LeaveIfOrphaned();
-      return ok;
+      return FTPCpyFile(pszSource, pszDestination, pfnProgress, nRetries, nPollArg1, nPollArg2) != 0;
     };
     const auto run = [&] {
       if (!IsSet(m_bInitialized) || !BothGiven(pszSource, pszDestination)) return false;
       const CopyWatch watch;
-      if (!copied()) return false;
+      if (!HostCall(copied)) return false;
       if (watch.Doubted() || isOntoItself(pszSource, pszDestination)) return true;
       return IsRemotePath(pszSource) ? FTPRmvFile(pszSource, 0, nRetries, nPollArg1, nPollArg2) != 0
                                      : removeLocal(pszSource);
@@ -60,7 +57,7 @@ QXBool TQXIP::FTPMovFile(const char* pszSource, const char* pszDestination, QXPr
 }
 
 QXBool TQXIP::FTPRenameFile(const char* pszOld, const char* pszNew, std::uint32_t nRetries) {
-  return GuardOperation([&] {
+  return GuardOperation(*this, [&] {
     const auto run = [&] { return renameOnce(*this, pszOld, pszNew); };
     const auto again = [&](std::uint32_t retries) { return FTPRenameFile(pszOld, pszNew, retries) != 0; };
     const LinePaths paths{.first = pszOld, .second = pszNew, .isPair = true};

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Src/OperationRunner.h"
 
+#include "Src/HostCall.h"
 #include "Src/RunningOperations.h"
 #include "Src/SharedFlag.h"
 #include "framework/platform/message_queue.h"
@@ -13,15 +14,15 @@ class Wait {
   explicit Wait(const WorkerCall& call) : m_call(call), m_running(call.client) {}
 
   WaitEnd Run() {
-    // A worker that has to stop starts none of its own: that one would not know of the stop yet.
-    platform::throwIfStopped();
-    if (!m_running.Start(m_call.worker, &m_call.record)) return WaitEnd::failed;
+    if (!m_running.Start(m_call.worker, &m_call.record)) {
+      platform::throwIfStopped();
+      return WaitEnd::failed;
+    }
     m_running.Worker().setNormalPriority();
     while (!m_cancel && !m_reconnect && !IsSet(m_call.record.bDone)) {
       Poll();
       if (m_cancel || m_reconnect) m_running.Kill();
-      DispatchOne();
-      m_running.LeaveIfOrphaned();
+      HostCall(&DispatchOne);
     }
     return Finish();
   }
@@ -32,10 +33,12 @@ class Wait {
                      (m_call.polling == Polling::unlessUpdating && !IsSet(m_call.record.bUpdating));
     if (ask) {
       m_cancel =
-          m_call.client.OnPoll(m_call.nPollArg1, m_call.nPollArg2, m_call.nTransfer, &m_reconnect) != 0;
+          HostCall([&] {
+            return m_call.client.OnPoll(m_call.nPollArg1, m_call.nPollArg2, m_call.nTransfer, &m_reconnect);
+          }) != 0;
     } else if (m_call.polling == Polling::whileInitialized) {
       m_cancel = !IsSet(m_call.client.m_bInitialized);
-      if (!m_cancel && m_call.eachTurn != nullptr) m_call.eachTurn(m_call.record, m_running);
+      if (!m_cancel && m_call.eachTurn != nullptr) m_call.eachTurn(m_call.record);
     }
   }
 
@@ -48,9 +51,8 @@ class Wait {
   WaitEnd Finish() {
     if (m_cancel) return WaitEnd::cancelled;
     if (m_reconnect) return WaitEnd::reconnect;
-    while (!m_running.Worker().ended()) DispatchOne();
+    while (!m_running.Worker().ended()) HostCall(&DispatchOne);
     m_running.Close();
-    m_running.LeaveIfOrphaned();
     return WaitEnd::done;
   }
 

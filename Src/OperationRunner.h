@@ -5,6 +5,7 @@
 #pragma once
 
 #include "Src/FtpThread.h"
+#include "Src/HostCall.h"
 #include "Src/MessageLines.h"
 #include "Src/OperationGuard.h"
 #include "Src/RunningOperations.h"
@@ -35,7 +36,7 @@ struct WorkerCall {
   QXHostValue nTransfer = 0;  // third argument of OnPoll
   // With whileInitialized: called on every turn, between two messages. What the host does with the client in
   // a message has ended then.
-  void (*eachTurn)(QXFtpThread& record, const RunningOperation& running) = nullptr;
+  void (*eachTurn)(QXFtpThread& record) = nullptr;
 };
 
 // Fills the members that every operation fills alike. `retries` is the operation's own argument.
@@ -110,12 +111,7 @@ QXBool RunReportedOperation(const ReportedOperation& operation, Enter&& enter, R
       return givenUp.EndAll(ok, end) ? 1 : 0;
     }
     givenUp.Add(call.record.bResult != 0);
-    if (!HasOwnSlot(call.client, operation.slot)) {
-      const RunningOperation running(call.client);
-      const bool ok = rerun();
-      running.LeaveIfOrphaned();
-      return givenUp.EndAll(ok, end) ? 1 : 0;
-    }
+    if (!HasOwnSlot(call.client, operation.slot)) return givenUp.EndAll(HostCall(rerun), end) ? 1 : 0;
     PrepareRerun(call.record);
   }
 }

@@ -6,7 +6,6 @@
 #include <memory>
 
 #include "Src/QXIP.h"
-#include "Src/RunningOperations.h"
 #include "Src/TInternetSession.h"
 #include "framework/internet/FtpConnection.h"
 #include "framework/internet/FtpFileFind.h"
@@ -26,17 +25,6 @@ class PrivateConnection {
   // Open(), and a finder on the connection.
   [[nodiscard]] bool OpenWithFinder(Raised* pRaised = nullptr);
   void Close() noexcept;
-
-  // Runs another operation of the client, which may dispatch messages, while the connection is open. Leaves
-  // by OperationStopped, and without a word to the client, when that is gone afterwards.
-  template <typename Operation>
-  auto Meanwhile(Operation&& operation) {
-    const RunningOperation running(m_client);
-    const auto result = operation();
-    if (running.IsOrphaned()) m_session->Forget();
-    running.LeaveIfOrphaned();
-    return result;
-  }
 
   [[nodiscard]] CFtpConnection* Connection() const noexcept { return m_connection.get(); }
   [[nodiscard]] CFtpFileFind* Finder() const noexcept { return m_finder.get(); }

@@ -88,10 +88,11 @@ TQXIP::~TQXIP() {
 // operations may run all the same.
 void TQXIP::ShutDown() noexcept {
   m_nRefCount = 0;
+  RunningOperation::Abandon(*this);
   const bool isUp = IsSet(m_bInitialized);
   if (isUp) FTPDisconnect();
   SetFlag(m_bInitialized, false);
-  RunningOperation::Abandon(*this);
+  RunningOperation::Abandon(*this);  // what was begun meanwhile
   if (isUp) ReleaseModuleRef();
 }
 
@@ -139,7 +140,7 @@ CFtpFileFind* TQXIP::GetFinder(QXHostValue /*nReserved*/, const char* pszName) {
                                  {"m_pFTPDirFind", m_pFTPDirFind},
                                  {"m_pFTPGetDir", m_pFTPGetDir},
                                  {"m_pFTPFileSize", m_pFTPFileSize}};
-  return GuardOperation([&]() -> CFtpFileFind* {
+  return GuardOperation(*this, [&]() -> CFtpFileFind* {
     if (pszName == nullptr) return nullptr;
     for (const NamedFinder& candidate : finders) {
       if (EqualNames(candidate.name, pszName)) return candidate.finder;

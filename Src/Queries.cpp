@@ -3,6 +3,7 @@
 // has one, else over a connection of its own. "Not there" is an answer, not a failure of the worker, except
 // for the size.
 #include "Src/FinderLoan.h"
+#include "Src/HostCall.h"
 #include "Src/InternetGuard.h"
 #include "Src/OperationRunner.h"
 #include "Src/QXIP.h"
@@ -33,7 +34,7 @@ AttemptOutcome askServer(QXFtpThread& record, const char* finderField, Query que
   if (!outcome.ok) {
     outcome.error = platform::lastError();
     outcome.connectionLost = raised.connectionLost;
-    if (!raised.any) client.OnIPError(outcome.error, "FTP-Error!", record.pRetries);
+    if (!raised.any) HostCall([&] { client.OnIPError(outcome.error, "FTP-Error!", record.pRetries); });
   }
   return outcome;
 }
@@ -133,7 +134,7 @@ struct Existence {
 };
 
 QXBool ask(TQXIP& client, const Existence& question, bool checked, const char* path, std::uint32_t retries) {
-  return GuardOperation([&]() -> QXBool {
+  return GuardOperation(client, [&]() -> QXBool {
     QXFtpThread record;
     FillRecord(record, client, retries, path);
     const bool ok = checked && RunToItsEnd({.client = client, .record = record, .worker = question.worker});
@@ -157,7 +158,7 @@ QXBool TQXIP::FTPFileExists(const char* pszPath, std::uint32_t nRetries, QXHostV
 
 QXBool TQXIP::FTPIsDirectory(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                              QXHostValue nPollArg2) {
-  return GuardOperation([&]() -> QXBool {
+  return GuardOperation(*this, [&]() -> QXBool {
     if (!IsSet(m_bInitialized) || pszPath == nullptr || *pszPath == '\0') return 0;
     return FTPDirExist(pszPath, nRetries, nPollArg1, nPollArg2);
   });
@@ -165,7 +166,7 @@ QXBool TQXIP::FTPIsDirectory(const char* pszPath, std::uint32_t nRetries, QXHost
 
 std::uint32_t TQXIP::FTPFileSize(const char* pszPath, std::uint32_t nRetries, QXHostValue /*nPollArg1*/,
                                  QXHostValue /*nPollArg2*/) {
-  return GuardOperation([&]() -> std::uint32_t {
+  return GuardOperation(*this, [&]() -> std::uint32_t {
     FileSizeThread record;
     FillRecord(record, *this, nRetries, pszPath);
     const bool checked = IsSet(m_bInitialized) && pszPath != nullptr && *pszPath != '\0';

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "Src/HostCall.h"
 #include "Src/InternetGuard.h"
 #include "framework/internet/FtpConnection.h"
 #include "framework/internet/InternetFile.h"
@@ -47,7 +48,7 @@ class RemoteFile {
   // True when the transfer is known to be whole, or nothing is open.
   [[nodiscard]] bool Close() {
     const std::unique_ptr<CInternetFile> file = std::move(m_file);
-    return file == nullptr || file->Close();
+    return file == nullptr || HostCall([&] { return file->Close(); });
   }
 
  private:

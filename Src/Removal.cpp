@@ -17,8 +17,10 @@ bool removeFile(QXFtpThread& record, CFtpConnection& connection, const PathText&
   PathText target = path;
   ToFtpPath(target.data());  // twice: of three leading slashes one remains
   const std::uint32_t passes = static_cast<RmvFileThread&>(record).nWipePasses;
-  if (passes > 0 && record.pQXIP->FTPDestroyFileContent(record.pszName, passes, *record.pRetries, 0, 0) == 0)
-    return false;
+  const auto destroyed = [&] {
+    return record.pQXIP->FTPDestroyFileContent(record.pszName, passes, *record.pRetries, 0, 0);
+  };
+  if (passes > 0 && HostCall(destroyed) == 0) return false;
   return connection.Remove(target.c_str());
 }
 
@@ -46,7 +48,7 @@ void FTPRmvDirThr(void* argument) {
 
 QXBool TQXIP::FTPRmvFile(const char* pszPath, std::uint32_t nWipePasses, std::uint32_t nRetries,
                          QXHostValue nPollArg1, QXHostValue nPollArg2) {
-  return GuardOperation([&] {
+  return GuardOperation(*this, [&] {
     RmvFileThread record;
     FillRecord(record, *this, nRetries, pszPath);
     record.nWipePasses = nWipePasses;
@@ -68,7 +70,7 @@ QXBool TQXIP::FTPRmvFile(const char* pszPath, std::uint32_t nWipePasses, std::ui
 
 QXBool TQXIP::FTPRmvDir(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                         QXHostValue nPollArg2) {
-  return GuardOperation([&] {
+  return GuardOperation(*this, [&] {
     QXFtpThread record;
     FillRecord(record, *this, nRetries, pszPath);
     const WorkerCall call{.client = *this,

@@ -22,7 +22,5 @@ AttemptOutcome ChangeServer(QXFtpThread& record, Change change) {
 
 bool DirectoryIsThere(QXFtpThread& record, const PathText& path) {
   const platform::LastErrorKeeper reason;
-  const bool exists = record.pQXIP->FTPDirExist(path.c_str(), *record.pRetries, 0, 0) != 0;
-  platform::throwIfStopped();
-  return exists;
+  return HostCall([&] { return record.pQXIP->FTPDirExist(path.c_str(), *record.pRetries, 0, 0); }) != 0;
 }

@@ -4,7 +4,6 @@
 #pragma once
 
 #include "Src/OperationRunner.h"
-#include "Src/RunningOperations.h"
 #include "Src/WorkerFrame.h"
 #include "support/Paths.h"
 
@@ -39,9 +38,8 @@ QXBool ChangeDirectoryTree(const WorkerCall& call, const DirectoryChange& change
   const auto enter = [&] {
     WriteEntryLine(call.client, change.site, paths);
     if (!MayChange(call.client, paths.first)) return Entry::refused;
-    const RunningOperation running(call.client);
-    const bool exists = call.client.FTPDirExist(paths.first, *call.record.pRetries, 0, 0) != 0;
-    running.LeaveIfOrphaned();
+    const bool exists =
+        HostCall([&] { return call.client.FTPDirExist(paths.first, *call.record.pRetries, 0, 0); }) != 0;
     return exists == change.wanted ? Entry::answered : Entry::worker;
   };
   return RunReportedOperation({.call = call, .slot = change.slot, .site = change.site, .paths = paths}, enter,

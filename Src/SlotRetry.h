@@ -9,10 +9,10 @@
 #include <new>
 #include <optional>
 
+#include "Src/HostCall.h"
 #include "Src/MessageLines.h"
 #include "Src/NestedRuns.h"
 #include "Src/RetryLimit.h"
-#include "Src/RunningOperations.h"
 #include "framework/platform/last_error.h"
 
 enum class Slot : std::size_t {
@@ -76,7 +76,6 @@ struct SlotRun {
 template <typename Work, typename Again, typename End>
 bool RetryThroughSlot(TQXIP& client, std::uint32_t& retries, const RetryRule& rule, Work&& work,
                       Again&& again, End&& end) {
-  const RunningOperation running(client);  // a run may call other operations, which dispatch messages
   RetryLimit limit(retries, SlotCall::LimitAround(client, rule.slot));
   const auto ownRun = [&] {
     SlotRun run;
@@ -85,13 +84,12 @@ bool RetryThroughSlot(TQXIP& client, std::uint32_t& retries, const RetryRule& ru
     } catch (const std::bad_alloc&) {
       platform::setLastError(platform::kErrorNotEnoughMemory);
     }
-    running.LeaveIfOrphaned();
+    platform::throwIfStopped();
     return run;
   };
   const auto hostsRun = [&] {
     const SlotCall call(client, rule.slot, limit);
-    const bool ok = again(retries);
-    running.LeaveIfOrphaned();
+    const bool ok = HostCall([&] { return again(retries); });
     return SlotRun{.ok = ok, .byHost = true};
   };
   const auto next = [&](const SlotRun& failed) -> std::optional<SlotRun> {

@@ -21,9 +21,6 @@ class TInternetSession : public CInternetSession {
   TInternetSession(QXErrorInfo* pErrorInfo, TQXIP* pQXIP, StatusDispatcher dispatcher);
   ~TInternetSession() override;  // closes while its notifications still reach the client
 
-  // The client is gone: nothing that happens from now on is told to it.
-  void Forget() noexcept { m_dispatcher = nullptr; }
-
   void OnStatusCallback(std::uintptr_t context, std::uint32_t status, void* information,
                         std::uint32_t informationLength) override;
 

@@ -2,6 +2,7 @@
 // FTPDownloadFile and FTPUploadFile: whole files over a connection of their own, on the caller's thread. They
 // work even on a client that is not initialised.
 #include "Src/CopyWatch.h"
+#include "Src/HostCall.h"
 #include "Src/MessageLines.h"
 #include "Src/OperationGuard.h"
 #include "Src/PrivateConnection.h"
@@ -17,9 +18,9 @@ namespace {
 // A remote file whose size query answers 0 cannot be told from a missing one: an existing local file then
 // counts as the download, its content stays as it was. Why the transfer itself failed is not forgotten
 // meanwhile.
-bool acceptEmptyRemote(TQXIP& client, PrivateConnection& connection, const char* target, const char* local) {
+bool acceptEmptyRemote(TQXIP& client, const char* target, const char* local) {
   const platform::LastErrorKeeper reason;
-  if (connection.Meanwhile([&] { return client.FTPFileSize(target, 1, 0, 0); }) != 0) return false;
+  if (HostCall([&] { return client.FTPFileSize(target, 1, 0, 0); }) != 0) return false;
   CFile file;
   const bool opened = file.Open(local, CFile::modeWrite);
   ClearErrorInfo(client.m_pErrorInfo);
@@ -28,8 +29,7 @@ bool acceptEmptyRemote(TQXIP& client, PrivateConnection& connection, const char*
 
 // A refused upload of a local file that exists and has content counts as done; hosts rely on it. An empty
 // file is tried once more as a write of no bytes.
-bool acceptRefusedUpload(TQXIP& client, PrivateConnection& connection, const char* target,
-                         const char* local) {
+bool acceptRefusedUpload(TQXIP& client, const char* target, const char* local) {
   const platform::LastErrorKeeper reason;
   CFile file;
   if (!file.Open(local, CFile::modeRead)) return false;
@@ -39,8 +39,7 @@ bool acceptRefusedUpload(TQXIP& client, PrivateConnection& connection, const cha
     exception->Delete();
     return false;
   }
-  const bool written =
-      connection.Meanwhile([&] { return client.FTPWriteFile(target, "", 0, 0, 1, 3, 0, 0); }) != 0;
+  const bool written = HostCall([&] { return client.FTPWriteFile(target, "", 0, 0, 1, 3, 0, 0); }) != 0;
   ClearErrorInfo(client.m_pErrorInfo);
   return written;
 }
@@ -49,14 +48,13 @@ using Transfer = bool (*)(TQXIP& client, PrivateConnection& connection, const ch
                           const char* local);
 
 bool download(TQXIP& client, PrivateConnection& connection, const char* target, const char* local) {
-  return connection.Connection()->GetFile(target, local) ||
-         acceptEmptyRemote(client, connection, target, local);
+  return connection.Connection()->GetFile(target, local) || acceptEmptyRemote(client, target, local);
 }
 
 bool upload(TQXIP& client, PrivateConnection& connection, const char* target, const char* local) {
   if (connection.Connection()->PutFile(local, target)) return true;
   CopyWatch::TellDoubt();
-  return acceptRefusedUpload(client, connection, target, local);
+  return acceptRefusedUpload(client, target, local);
 }
 
 bool transferOnce(TQXIP& client, const char* remote, const char* local, Transfer transfer) {
@@ -78,7 +76,7 @@ struct TransferKind {
 // The lines name where the file comes from first.
 QXBool runTransfer(TQXIP& client, const TransferKind& kind, bool fromServer, const char* remote,
                    const char* local, std::uint32_t retries) {
-  return GuardOperation([&] {
+  return GuardOperation(client, [&] {
     const LinePaths paths{.first = fromServer ? remote : local,
                           .second = fromServer ? local : remote,
                           .isPair = true,

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <ctime>
 
+#include "Src/HostCall.h"
 #include "Src/OperationGuard.h"
 #include "Src/QXIP.h"
 
@@ -32,10 +33,10 @@ QXBool TQXIP::WipeWith(const char* /*pszPath*/, std::uint32_t /*nPattern*/, std:
 }
 
 QXBool TQXIP::Wipe(const char* pszPath) {
-  return GuardOperation([&]() -> QXBool {
+  return GuardOperation(*this, [&]() -> QXBool {
     if (pszPath == nullptr) return 0;
     for (const std::uint32_t pattern : kOverwrites) {
-      if (WipeWith(pszPath, pattern, kRetries) == 0) return 0;
+      if (HostCall([&] { return WipeWith(pszPath, pattern, kRetries); }) == 0) return 0;
     }
     return WipeWith(pszPath, kRandom, kRetries);
   });

@@ -13,6 +13,13 @@
 // FTPWriteFile, FTPCpyFile, FTPMovFile, FTPRmvFile, FTPRmvDir and HTTPDownloadFile; the others that take the
 // values never ask and cannot be cancelled.
 //
+// A client may be freed (slots 5 and 3) at any moment: in each hook and callback, on the caller's thread or on
+// a worker's, in a message that an operation dispatched, and from another thread. Its operations are stopped
+// then and answer 0 without a line or a report; none of them touches the client once the freeing call has
+// returned. Two rules for hosts: who has freed the client touches it no more on the way back (a hook, a
+// function in another slot), and no call that the library made waits for the thread that frees the client,
+// because that one waits for it. While a client ends, AddRef and Release answer 0.
+//
 // Remote paths: backslashes count as slashes, one trailing slash is dropped. A path of 256 characters or
 // more, or with a control character, makes the operation fail before anything is sent. Local paths are those
 // of the operating system; on Linux "Z:/dir/file" (any letter) names "/dir/file".

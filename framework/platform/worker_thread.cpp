@@ -15,6 +15,8 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+constinit thread_local bool t_isWorker = false;
+
 // The kill must be finished whatever the caller's message handlers do.
 void callQuietly(void (*function)(void*), void* context) noexcept {
   if (function == nullptr) return;
@@ -39,6 +41,7 @@ struct WorkerThread::Impl {
   static void run(void* object) {
     auto* self = static_cast<Impl*>(object);
     self->begun.store(true, std::memory_order_relaxed);
+    t_isWorker = true;
     const StopToken::Scope scope(&self->token);
     self->entry(self->argument);
   }
@@ -64,6 +67,7 @@ bool WorkerThread::start(Entry entry, void* argument) noexcept {
   close();
   try {
     auto impl = std::make_shared<Impl>(entry, argument);
+    if (impl->token.nativeHandle() == StopToken::kNoHandle) throw std::bad_alloc();  // nobody could wake it
     if (!impl->thread.start(&Impl::run, impl.get())) return false;
     impl_ = std::move(impl);
     return true;
@@ -76,6 +80,8 @@ bool WorkerThread::start(Entry entry, void* argument) noexcept {
 bool WorkerThread::started() const noexcept { return impl_ != nullptr; }
 
 bool WorkerThread::ended(milliseconds limit) const noexcept { return !impl_ || impl_->thread.wait(limit); }
+
+bool WorkerThread::isCurrent() noexcept { return t_isWorker; }
 
 void WorkerThread::setNormalPriority() noexcept {
   if (impl_) impl_->thread.setNormalPriority();

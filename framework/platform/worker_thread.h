@@ -34,6 +34,9 @@ class WorkerThread {
   // waiting at most `limit` for it. Also true when none was started. Any thread, as below.
   [[nodiscard]] bool ended(std::chrono::milliseconds limit = std::chrono::milliseconds(0)) const noexcept;
 
+  // True on a thread that one of these objects started.
+  [[nodiscard]] static bool isCurrent() noexcept;
+
   // Sets normal priority (0).
   void setNormalPriority() noexcept;
 

@@ -9,7 +9,7 @@
 #include <ctime>
 #include <mutex>
 
-#include "framework/platform/stop_token.h"
+#include "framework/platform/worker_thread.h"
 
 namespace platform {
 namespace {
@@ -55,7 +55,7 @@ const GLib* glib() noexcept {
   static constinit std::mutex mutex;
   if (const GLib* known = found.load(std::memory_order_acquire)) return known;
   // Only callers' threads look: the loader's lock may be held by a caller that waits for this very worker.
-  if (StopToken::current() != nullptr || !timeToLook()) return nullptr;
+  if (WorkerThread::isCurrent() || !timeToLook()) return nullptr;
 
   const std::lock_guard lock(mutex);
   if (found.load(std::memory_order_relaxed) == nullptr) {

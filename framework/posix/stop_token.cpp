@@ -5,39 +5,19 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
-#include <atomic>
-#include <memory>
-#include <new>
-
 namespace platform {
 
-struct StopToken::Impl {
-  std::atomic<bool> raised{false};  // the cheap question; the descriptor is for waits only
-  int descriptor = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-};
-
-StopToken::StopToken() {
-  auto impl = std::make_unique<Impl>();
-  if (impl->descriptor < 0) throw std::bad_alloc();
-  impl_ = impl.release();
+std::intptr_t StopToken::makeHandle() noexcept {
+  const int descriptor = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+  return descriptor >= 0 ? descriptor : kNoHandle;
 }
 
-StopToken::~StopToken() {
-  ::close(impl_->descriptor);
-  delete impl_;
-}
+void StopToken::signalHandle(std::intptr_t handle) noexcept { ::eventfd_write(static_cast<int>(handle), 1); }
 
-void StopToken::raise() noexcept {
-  impl_->raised.store(true, std::memory_order_release);
-  ::eventfd_write(impl_->descriptor, 1);
-}
+void StopToken::closeHandle(std::intptr_t handle) noexcept { ::close(static_cast<int>(handle)); }
 
-bool StopToken::raised() const noexcept { return impl_->raised.load(std::memory_order_acquire); }
-
-std::intptr_t StopToken::nativeHandle() const noexcept { return impl_->descriptor; }
-
-void StopToken::waitOnce(std::chrono::milliseconds limit) const noexcept {
-  pollfd wakeUp{impl_->descriptor, POLLIN, 0};
+void StopToken::waitForHandle(std::intptr_t handle, std::chrono::milliseconds limit) noexcept {
+  pollfd wakeUp{static_cast<int>(handle), POLLIN, 0};
   ::poll(&wakeUp, 1, static_cast<int>(limit.count()));
 }
 

@@ -239,7 +239,8 @@ Wake waitForSockets(std::span<SocketInterest> interests, std::chrono::millisecon
   std::array<SocketInterest*, kMaxWaitedSockets + 2> owners{};
   DWORD count = 0;
   const StopToken* stop = StopToken::current();
-  if (stop) watched[count++] = reinterpret_cast<HANDLE>(stop->nativeHandle());
+  const std::intptr_t wakeUp = stop ? stop->nativeHandle() : StopToken::kNoHandle;
+  if (wakeUp != StopToken::kNoHandle) watched[count++] = reinterpret_cast<HANDLE>(wakeUp);
   if (signal != kNoSignal) watched[count++] = reinterpret_cast<HANDLE>(signal);
   for (SocketInterest& interest : interests) {
     interest.ready = false;

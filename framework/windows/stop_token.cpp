@@ -1,43 +1,29 @@
 // SPDX-License-Identifier: MIT
 #include "framework/platform/stop_token.h"
 
-#include <atomic>
-#include <memory>
-#include <new>
-
+#include "framework/platform/last_error.h"
 #include "framework/windows/windows_api.h"
 
 namespace platform {
 
-struct StopToken::Impl {
-  std::atomic<bool> raised{false};  // the cheap question; the event is for waits only
-  HANDLE event = ::CreateEventA(nullptr, TRUE, FALSE, nullptr);
-};
+namespace {
 
-StopToken::StopToken() {
-  auto impl = std::make_unique<Impl>();
-  if (impl->event == nullptr) throw std::bad_alloc();
-  impl_ = impl.release();
+HANDLE eventOf(std::intptr_t handle) noexcept { return reinterpret_cast<HANDLE>(handle); }
+
+}  // namespace
+
+std::intptr_t StopToken::makeHandle() noexcept {
+  const LastErrorKeeper keeper;
+  const HANDLE event = ::CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  return event != nullptr ? reinterpret_cast<std::intptr_t>(event) : kNoHandle;
 }
 
-StopToken::~StopToken() {
-  ::CloseHandle(impl_->event);
-  delete impl_;
-}
+void StopToken::signalHandle(std::intptr_t handle) noexcept { ::SetEvent(eventOf(handle)); }
 
-void StopToken::raise() noexcept {
-  impl_->raised.store(true, std::memory_order_release);
-  ::SetEvent(impl_->event);
-}
+void StopToken::closeHandle(std::intptr_t handle) noexcept { ::CloseHandle(eventOf(handle)); }
 
-bool StopToken::raised() const noexcept { return impl_->raised.load(std::memory_order_acquire); }
-
-std::intptr_t StopToken::nativeHandle() const noexcept {
-  return reinterpret_cast<std::intptr_t>(impl_->event);
-}
-
-void StopToken::waitOnce(std::chrono::milliseconds limit) const noexcept {
-  ::WaitForSingleObject(impl_->event, static_cast<DWORD>(limit.count()));
+void StopToken::waitForHandle(std::intptr_t handle, std::chrono::milliseconds limit) noexcept {
+  ::WaitForSingleObject(eventOf(handle), static_cast<DWORD>(limit.count()));
 }
 
 }  // namespace platform

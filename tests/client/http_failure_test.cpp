@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // HTTPDownloadFile: what fails on the network is shown, what fails in the local file is the caller's.
 #include <atomic>
-#include <thread>
+#include <functional>
 
+#include "Src/RunningOperations.h"
 #include "framework/File.h"
 #include "framework/platform/resolver.h"
-#include "framework/platform/stop_token.h"
 #include "tests/client/HttpDownloadTest.h"
 
 namespace {
@@ -173,16 +173,13 @@ TEST_F(HttpFailure, AFullDiskIsTheCallersToo) {
 
 TEST_F(HttpFailure, AStoppedCallerLeavesWithZero) {
   const auto server = answering({{"head_gate", "gate"}});
-  platform::StopToken token;
-  std::thread stopper([&] {
-    server.waitAtGate("gate");
-    token.raise();
-  });
-  {
-    const platform::StopToken::Scope scope(&token);
-    EXPECT_EQ(download(server), 0u);
-  }
-  stopper.join();
+  std::uint32_t answer = 1;
+  std::function<void()> call = [&] { answer = download(server); };
+  RunningOperation outer(client);
+  ASSERT_TRUE(outer.Start([](void* work) { (*static_cast<std::function<void()>*>(work))(); }, &call));
+  server.waitAtGate("gate");
+  outer.Kill();
+  EXPECT_EQ(answer, 0u);
   server.waitFor(R"({"closed": 1})");
 }
 

@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "Src/RunningOperations.h"
-#include "framework/platform/worker_thread.h"
 #include "support/BoundedText.h"
 #include "tests/client/ChangeTest.h"
 #include "tests/client/ScriptedFinder.h"
@@ -293,11 +292,10 @@ TEST_F(NewDirectory, AWorkerThatIsStoppedLeavesTheRepeats) {
       R"({"tree": {"/pub/": {}}, "rules": [{"on": "MKD", "do": [{"reply": "550 No"}]}]})");
   loginAt(server);
   Caller caller{client};
-  platform::WorkerThread worker;
-  ASSERT_TRUE(worker.start(&createFromAWorker, &caller));
+  RunningOperation outer(client);
+  ASSERT_TRUE(outer.Start(&createFromAWorker, &caller));
   server.waitForCommand("MKD", 10);
-  EXPECT_TRUE(worker.kill(std::chrono::seconds(60)));
-  worker.close();
+  outer.Kill();
   EXPECT_EQ(caller.answer, 0);
 }
 

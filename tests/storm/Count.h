@@ -3,6 +3,7 @@
 // of the MinGW library loses wake-ups.)
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 
@@ -22,6 +23,11 @@ class Count {
   void waitFor(int value) const {
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [&] { return m_value >= value; });
+  }
+  // The same for `limit` at most. Whether it came.
+  bool waitFor(int value, std::chrono::milliseconds limit) const {
+    std::unique_lock lock(m_mutex);
+    return m_changed.wait_for(lock, limit, [&] { return m_value >= value; });
   }
 
  private:

@@ -53,7 +53,7 @@ QXBool TestClient::FTPHasSubDir(const char* pszPath, std::uint32_t nRetries) {
 QXBool TestClient::FTPRmvFile(const char* pszPath, std::uint32_t nWipePasses, std::uint32_t nRetries,
                               QXHostValue nPollArg1, QXHostValue nPollArg2) {
   Script& script = m_script;  // the client may be gone before the call returns
-  return GuardOperation([&]() -> QXBool {
+  return GuardOperation(*this, [&]() -> QXBool {
     script.calls.push_back(nRetries);
     Record record(script);
     FillRecord(record, *this, nRetries, pszPath);

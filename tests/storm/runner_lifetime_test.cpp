@@ -17,6 +17,8 @@ namespace {
 using namespace std::chrono_literals;
 using Lifetime = RunnerTest;
 
+constexpr auto kPatience = 4s;  // less than it takes until a worker is ended by force
+
 struct HandlerFailed : std::runtime_error {
   HandlerFailed() : std::runtime_error("the host's handler failed") {}
 };
@@ -76,6 +78,26 @@ TEST_F(UnwindingWorker, LetsMessagesFlow) {
   bool handled = false;
   CancelAndHandle([&] { handled = true; });
   EXPECT_TRUE(handled);
+}
+
+// Without the kill the thread's own destructor waited, which dispatches nothing.
+TEST_F(UnwindingWorker, LetsMessagesFlowAlsoWhenAHandlerHasEndedTheWait) {
+  Count handled;
+  std::atomic<bool> wasHandled{false};
+  script.attempt = [&](QXFtpThread&) {
+    const Presence presence(running);
+    AwaitStop();
+    mailbox.post([&] { handled.add(); });
+    wasHandled = handled.waitFor(1, kPatience);
+    return AttemptOutcome{};
+  };
+  script.onPoll = [this](QXBool&) -> bool {
+    if (entered) fail();
+    return false;
+  };
+  EXPECT_THROW(client->Run(), HandlerFailed);
+  EXPECT_TRUE(wasHandled);
+  EXPECT_EQ(running, 0);
 }
 
 TEST_F(UnwindingWorker, IsNotLeftByAHandlerThatThrows) { CancelAndHandle(&fail); }

@@ -24,13 +24,13 @@ std::optional<Failure> attempt(const std::function<void()>& work) {
   try {
     platform::throwIfStopped();
     work();
-    return std::nullopt;
   } catch (const Failure& thrown) {
     failure = thrown;
   } catch (const std::bad_alloc&) {
     failure = Failure{platform::kErrorNotEnoughMemory, {}};
   }
-  // A stop that something on the way had to swallow (a Close) shows as a broken connection.
+  // A stop that something on the way had to swallow (a Close) shows as a broken connection. One that came
+  // with the last notification shows in nothing.
   platform::throwIfStopped();
   return failure;
 }

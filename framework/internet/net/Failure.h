@@ -21,7 +21,7 @@ struct Failure {
 
 // Runs `work` and hands back its failure; std::bad_alloc counts as error 8. Keeps the thread's last error.
 // OperationStopped passes through, here and in what stands on it; on a thread that was asked to stop it takes
-// a failure's place.
+// the outcome's place.
 std::optional<Failure> attempt(const std::function<void()>& work);
 
 // Runs `work`; a failure becomes false with the thread's last error set as the last act.

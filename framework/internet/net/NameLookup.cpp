@@ -52,13 +52,15 @@ std::vector<platform::SocketAddress> resolve(const std::string& host, std::uint1
   lookup->host = host;
   lookup->port = port;
   lookup->resolver = theResolver.load(std::memory_order_acquire);
+  const std::intptr_t done = lookup->done.nativeHandle();
+  if (done == platform::StopToken::kNoHandle) fail(platform::kErrorNotEnoughMemory);
   auto argument = std::make_unique<std::shared_ptr<Lookup>>(lookup);
   if (!platform::startDetachedThread(run, argument.get())) fail(platform::kErrorNotEnoughMemory);
   // The thread's own from here on.
   static_cast<void>(argument.release());
 
   while (!lookup->finished.load(std::memory_order_acquire)) {
-    if (!wait({}, deadline, lookup->done.nativeHandle())) fail(kTimeout);
+    if (!wait({}, deadline, done)) fail(kTimeout);
   }
   if (lookup->addresses.empty()) fail(kNameNotResolved);
   return lookup->addresses;

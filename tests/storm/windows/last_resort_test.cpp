@@ -40,5 +40,22 @@ TEST_F(LastResort, FreesTheCallerOfAWorkerThatDoesNotListen) {
   EXPECT_TRUE(client->Run()) << "the client is usable afterwards";
 }
 
+// The operation within the worker stayed among those that run: the end of its client waited for it for ever.
+TEST_F(LastResort, LeavesNothingOfAnOperationWithinTheWorker) {
+  script.attempt = [&](QXFtpThread&) { return AttemptOutcome{.ok = client->FTPHasSubDir("/x", 0) != 0}; };
+  script.onGetDirectory = [&](std::uint32_t*) {
+    entered = true;
+    // allowed: sleep_for: a callback of the host that does not look at the stop token
+    std::this_thread::sleep_for(30s);
+    return false;
+  };
+  script.onPoll = [&](QXBool&) { return CancelOnceEntered(); };
+  EXPECT_FALSE(client->Run());
+  client.reset();
+
+  Script another{.attempt = [](QXFtpThread&) { return AttemptOutcome{.ok = true}; }};
+  EXPECT_TRUE(makeClient(another, &error)->Run());
+}
+
 }  // namespace
 }  // namespace storm
