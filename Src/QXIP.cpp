@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "Src/OperationGuard.h"
 #include "Src/RunningOperations.h"
@@ -87,7 +88,6 @@ TQXIP::~TQXIP() {
 // A client that is not up has nothing to disconnect and no share in the module's count any more; its
 // operations may run all the same.
 void TQXIP::ShutDown() noexcept {
-  m_nRefCount = 0;
   RunningOperation::Abandon(*this);
   const bool isUp = IsSet(m_bInitialized);
   if (isUp) FTPDisconnect();
@@ -115,19 +115,20 @@ void TQXIP::ReleaseConnection() noexcept {
 void* TQXIP::DeletingDestructor(std::uint32_t nFlags) {
   constexpr std::uint32_t kFreeMemory = 1;
   void* const self = this;
-  if (m_nRefCount == 0) return self;  // it is ending already, and calls hooks of the host meanwhile
+  // Hooks of the host that the end calls may take and release references.
+  if (std::exchange(m_ending, true)) return self;
   ShutDown();
   this->~TQXIP();
   if ((nFlags & kFreeMemory) != 0) ::operator delete(this, sizeof(TQXIP));
   return self;
 }
 
-// At 0 the client is ending: a hook that takes a reference does not bring it back.
-std::uint32_t TQXIP::AddRef() { return m_nRefCount > 0 ? ++m_nRefCount : 0; }
+std::uint32_t TQXIP::AddRef() { return ++m_nRefCount; }
 
 std::uint32_t TQXIP::Release() {
-  if (m_nRefCount > 1) return --m_nRefCount;
-  if (m_nRefCount == 1) DeletingDestructor(1);
+  if (m_nRefCount == 0) return 0;
+  if (--m_nRefCount > 0) return m_nRefCount;
+  DeletingDestructor(1);
   return 0;
 }
 

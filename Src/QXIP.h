@@ -103,6 +103,7 @@ class TQXIP : public TQXIPIFInt {
                   QXBool bPassive) noexcept;
   void OpenConnection(TInternetSession& session);
 
+  bool m_ending = false;  // destroyed once, whatever the reference count does meanwhile
   // The login texts that did not fit when they were stored.
   struct {
     bool host = false;

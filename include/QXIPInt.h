@@ -18,7 +18,7 @@
 // then and answer 0 without a line or a report; none of them touches the client once the freeing call has
 // returned. Two rules for hosts: who has freed the client touches it no more on the way back (a hook, a
 // function in another slot), and no call that the library made waits for the thread that frees the client,
-// because that one waits for it. While a client ends, AddRef and Release answer 0.
+// because that one waits for it. A client that ends is not kept by AddRef, and ends once.
 //
 // Remote paths: backslashes count as slashes, one trailing slash is dropped. A path of 256 characters or
 // more, or with a control character, makes the operation fail before anything is sent. Local paths are those
