@@ -137,7 +137,7 @@ TEST_F(FtpLines, AGoodServerGetsItsLinesTogetherAndNoQuestion) {
   FileServer far;
   EXPECT_EQ(transferTime(far), seconds(0));
   EXPECT_EQ(far.server.lines,
-            (Lines{"USER user", "PASS secret", "TYPE I", "EPSV", "RETR /f", "PWD", "QUIT"}));
+            (Lines{"USER user", "PASS secret", "TYPE I", "SIZE /f", "EPSV", "RETR /f", "PWD", "QUIT"}));
   EXPECT_EQ(far.server.crowdedPackets, 1u);
 }
 
@@ -290,7 +290,7 @@ TEST_F(FtpLines, ARefusalOfBinaryTypeIsThatOfTheTransfer) {
     internet::forgetCachedTraits();
     FileServer far;
     far.server.answers["TYPE"] = "504 Text alone\r\n";
-    if (late > milliseconds(0)) far.delay("EPSV", late);
+    if (late > milliseconds(0)) far.delay("SIZE", late);
     const auto connection = login();
     EXPECT_EQ(thrownBy([&] { openToRead(*connection, "/f"); }).text, "504 Text alone");
     EXPECT_TRUE(works(*connection)) << "in step";

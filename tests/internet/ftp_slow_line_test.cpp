@@ -26,7 +26,9 @@ TEST_F(FtpTransferTest, TheFinalRepliesLimitCountsFromTheLastByteThatTheServerHa
 
 TEST_F(FtpTransferTest, AServerThatTakesTheRestAndSaysNothingIs12002) {
   session.SetTimeouts(shortTimeouts());
-  ScriptedFtp server = serving({{"final", nullptr}}, "STOR");
+  ScriptedFtp server(json{{"rules",
+                           {{{"on", "STOR"}, {"do", {{{"normal", {{"final", nullptr}}}}}}},
+                            {{"on", "SIZE"}, {"do", {{{"reply", "550 Not told"}}}}}}}});
   auto connection = connect(server);
   auto file = openToWrite(*connection, "/up");
   writePattern(*file, kBigSize);

@@ -18,8 +18,10 @@ class MemoryFtp : public MemoryPeer {
   using Link = std::shared_ptr<MemoryLink>;
 
   // By verb, line ends included; any other command is done.
-  std::map<std::string, std::string> answers{
-      {"USER", "331 Password?\r\n"}, {"EPSV", "229 Here (|||1000|)\r\n"}, {"PWD", "257 \"/\"\r\n"}};
+  std::map<std::string, std::string> answers{{"USER", "331 Password?\r\n"},
+                                             {"EPSV", "229 Here (|||1000|)\r\n"},
+                                             {"PWD", "257 \"/\"\r\n"},
+                                             {"SIZE", "550 Not told\r\n"}};
   // What becomes of several lines in one packet: all are answered; the first one is, and the rest is lost; or
   // one 500 is the answer to the whole.
   enum class Packets { taken, cutToOneLine, refused };

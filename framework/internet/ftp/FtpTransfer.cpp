@@ -271,8 +271,8 @@ bool FtpTransfer::allIsThere() {
 // The server closes an upload's connection once it has read all: asked before that it may tell less.
 void FtpTransfer::awaitPeersEnd() {
   if (!data_) return;
-  std::array watched{platform::SocketInterest{&data_->socket(), true, false}};
-  static_cast<void>(wait(watched, Deadline(control_->timeouts().dataError)));
+  std::array<char, 1> nothing{};  // is what it sends
+  static_cast<void>(receiveSome(*data_, nothing, Deadline(control_->timeouts().dataError)));
 }
 
 bool FtpTransfer::abandon() {
