@@ -53,11 +53,15 @@ void RunningOperation::ForEachOf(const TQXIP& client, Visit&& visit) {
   });
 }
 
-RunningOperation::RunningOperation(TQXIP& client, Kind kind) noexcept : m_client(&client), m_kind(kind) {
-  const std::lock_guard lock(registry().mutex);
-  if (t_workerOf != nullptr && t_workerOf->m_workerStops) m_token.raise();
-  m_list = t_workerOf != nullptr ? &t_workerOf->m_ofWorker : &registry().latest;
-  m_earlier = std::exchange(*m_list, this);
+RunningOperation::RunningOperation(TQXIP& client, Kind kind, std::uint32_t lastError) noexcept
+    : m_client(&client), m_kind(kind) {
+  {
+    const std::lock_guard lock(registry().mutex);
+    if (t_workerOf != nullptr && t_workerOf->m_workerStops) m_token.raise();
+    m_list = t_workerOf != nullptr ? &t_workerOf->m_ofWorker : &registry().latest;
+    m_earlier = std::exchange(*m_list, this);
+  }
+  platform::setLastError(lastError);
 }
 
 RunningOperation::~RunningOperation() {

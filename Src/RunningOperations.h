@@ -6,8 +6,10 @@
 // What leaves like that must know of it at once: a call that the host gets goes through HostCall.h.
 #pragma once
 
+#include <cstdint>
 #include <thread>
 
+#include "framework/platform/last_error.h"
 #include "framework/platform/stop_token.h"
 #include "framework/platform/worker_thread.h"
 
@@ -22,8 +24,10 @@ class RunningOperation {
     listing      // its finder walks over entries
   };
 
-  // From now on the calling thread's stop token is this operation's.
-  explicit RunningOperation(TQXIP& client, Kind kind = Kind::other) noexcept;
+  // From now on the calling thread's stop token is this operation's. The last error stays: some operations
+  // report the host's.
+  explicit RunningOperation(TQXIP& client, Kind kind = Kind::other) noexcept
+      : RunningOperation(client, kind, platform::lastError()) {}
   // Whoever leaves without having waited (an exception of the host's message handler) must not leave the
   // worker behind: it uses the record on this stack.
   ~RunningOperation();
@@ -52,6 +56,8 @@ class RunningOperation {
   static void Abandon(TQXIP& client) noexcept;
 
  private:
+  RunningOperation(TQXIP& client, Kind kind, std::uint32_t lastError) noexcept;
+
   // With the registry locked; also those of the workers.
   template <typename Visit>
   static void ForEach(RunningOperation* latest, Visit&& visit);

@@ -77,13 +77,16 @@ template <typename Work, typename Again, typename End>
 bool RetryThroughSlot(TQXIP& client, std::uint32_t& retries, const RetryRule& rule, Work&& work,
                       Again&& again, End&& end) {
   RetryLimit limit(retries, SlotCall::LimitAround(client, rule.slot));
-  const auto ownRun = [&] {
-    SlotRun run;
+  const auto attempt = [&]() -> SlotRun {
     try {
-      run = {work()};
+      return {work()};
     } catch (const std::bad_alloc&) {
       platform::setLastError(platform::kErrorNotEnoughMemory);
+      return {};
     }
+  };
+  const auto ownRun = [&] {
+    const SlotRun run = attempt();
     platform::throwIfStopped();
     return run;
   };

@@ -57,14 +57,14 @@ TEST(Destructor, LeavesNothingInTheFieldsThatItReleases) {
 class EndingHost final : public TQXIP {
  public:
   explicit EndingHost(std::string& calls) : TQXIP(nullptr), m_calls(calls) {}
-  // What the first of them does besides.
-  std::function<void()> ends = nullptr;
+  // What the first of them does besides; the caller's, for the library ends the client and not this class.
+  const std::function<void()>* ends = nullptr;
 
   // Its memory is never the library's.
   void* DeletingDestructor(std::uint32_t /*nFlags*/) override { return TQXIP::DeletingDestructor(0); }
   QXBool OnBeforeDisconnect() override {
     noted("before");
-    if (ends) ends();
+    if (ends != nullptr) (*ends)();
     return 1;
   }
   QXBool OnAfterDisconnect() override { return noted("after"); }
@@ -113,9 +113,10 @@ class EndingOnce : public testing::Test {
     alignas(EndingHost) unsigned char memory[sizeof(EndingHost)];
     auto* host = new (memory) EndingHost(calls);
     std::size_t ends = 0;
-    host->ends = [&] {
+    const std::function<void()> once = [&] {
       if (++ends < 3) use(*host);
     };
+    host->ends = &once;
     end(*host);
     return ends;
   }
