@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <optional>
 
 #include "tests/support/AllStacks.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/Watchdog.h"
 
 namespace {
@@ -13,6 +16,10 @@ namespace {
 constexpr int kSomeSkipped = 77;
 
 int runAll() {
+  // A name has one temporary copy at a time in all processes, and programs that run side by side copy files
+  // of the same names.
+  std::optional<testing_support::TemporaryFolder> own;
+  if (std::getenv("QX_FIXTURE_DIR") != nullptr) own.emplace();
   const int result = RUN_ALL_TESTS();
   if (result != 0 || GTEST_FLAG_GET(list_tests)) return result;
 
