@@ -147,7 +147,7 @@ struct Stall {
 };
 
 TEST_F(RetryLimitTest, AServerThatStallsHoldsItsCallerForOneRunMore) {
-  shortenTimeouts(std::chrono::milliseconds(1'000));
+  shortenTimeouts(std::chrono::milliseconds(3'000));
   const Stall stalls[] = {{R"([{"on": "STOR", "do": ["silent"]}])", 1 + 1},
                           {R"([{"on": "STOR", "nth": 1, "do": [{"reply": "426 Lost"}]},
                                {"on": "STOR", "do": ["silent"]}])",
