@@ -13,10 +13,10 @@
 // FTPWriteFile, FTPCpyFile, FTPMovFile, FTPRmvFile, FTPRmvDir and HTTPDownloadFile; the others that take the
 // values never ask and cannot be cancelled.
 //
-// A client may be freed (slots 5 and 3) at any moment: in each hook and callback, on the caller's thread or on
-// a worker's, in a message that an operation dispatched, and from another thread. Its operations are stopped
-// then and answer 0 without a line or a report; none of them touches the client once the freeing call has
-// returned. Two rules for hosts: who has freed the client touches it no more on the way back (a hook, a
+// A client may be freed (slots 5 and 3) at any moment: in each hook and callback, on the caller's thread or
+// on a worker's, in a message that an operation dispatched, and from another thread. Its operations are
+// stopped then and answer 0 without a line or a report; none of them touches the client once the freeing call
+// has returned. Two rules for hosts: who has freed the client touches it no more on the way back (a hook, a
 // function in another slot), and no call that the library made waits for the thread that frees the client,
 // because that one waits for it. A client that ends is not kept by AddRef, and ends once.
 //
