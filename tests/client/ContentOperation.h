@@ -4,12 +4,13 @@
 
 #include "tests/client/ContentTest.h"
 
-// Where an operation takes its content from and where it puts it: 40000 bytes, ten chunks.
-inline constexpr std::size_t kContentSize = 40'000;
+// Where an operation takes its content from and where it puts it: thirty chunks, whose pace leaves a slow
+// machine time to break a write off before it ends.
+inline constexpr std::size_t kContentSize = 120'000;
 inline constexpr std::uint32_t kContentSeed = 7;
 // A write replaces that content by another.
 inline constexpr std::uint32_t kWrittenSeed = 8;
-inline constexpr const char* kContentTree = R"("tree": {"/a": {"size": 40000, "seed": 7}})";
+inline constexpr const char* kContentTree = R"("tree": {"/a": {"size": 120000, "seed": 7}})";
 
 struct OperationCall {
   std::string target;  // a local file, for the operations that have one

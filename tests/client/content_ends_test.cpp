@@ -6,10 +6,10 @@ namespace {
 
 // Transfers that break off, or that the server takes back at their end.
 constexpr BadEnd kBadEnds[] = {
-    {"ResetInTheMiddle", R"({"reset_after": 20000})", 12030, 12030},
-    {"ClosedInTheMiddle", R"({"close_after": 20000})", 12030, 12031},
-    {"ClosedInTheMiddleOfUnknownSize", R"({"close_after": 20000, "opening": "150 Opening"})", 12030, 12031},
-    {"ClosedInTheMiddleAndRefused", R"({"close_after": 20000, "final": "451 Local error"})", 12003, 12003},
+    {"ResetInTheMiddle", R"({"reset_after": 1})", 12030, 12030},
+    {"ClosedInTheMiddle", R"({"close_after": 1})", 12030, 12031},
+    {"ClosedInTheMiddleOfUnknownSize", R"({"close_after": 1, "opening": "150 Opening"})", 12030, 12031},
+    {"ClosedInTheMiddleAndRefused", R"({"close_after": 1, "final": "451 Local error"})", 12003, 12003},
     {"RefusedAtTheEnd", R"({"final": "552 Disk full"})", 12003, 12003},
     {"AbortedAtTheEnd", R"({"final": "426 Aborted"})", 12030, 12030},
 };
@@ -111,7 +111,7 @@ TEST_F(ContentTest, AWriteThatNobodyConfirmsIsAFailure) {
 // The worker's own connection counts as the client's: its abortion arms even a retry count of 0.
 TEST_F(ContentTest, AnAbortedWriteIsTriedAgainUntilItSucceeds) {
   const fixture::ScriptedFtp server(
-      R"({"rules": [{"on": "STOR", "nth": [1, 2, 3], "do": [{"normal": {"reset_after": 20000}}]}]})");
+      R"({"rules": [{"on": "STOR", "nth": [1, 2, 3], "do": [{"normal": {"reset_after": 1}}]}]})");
   loginAt(server);
   EXPECT_EQ(content_operations::write(client, {}), 1);
   EXPECT_TRUE(server.matches("/a", kWrittenSeed, kContentSize));
