@@ -36,6 +36,18 @@ class HiddenExtensions : public DirFileTest {
     RegDeleteTreeA(HKEY_CURRENT_USER, kKey);
   }
 
+  // Confirms all of so many items; how they were shown.
+  Names chooseAll(std::size_t count) {
+    Names shown;
+    run({}, [&](Driver& user, HWND dialog) {
+      const HWND list = user.waitForList(dialog, count);
+      shown = user.items(list);
+      user.selectAll(list);
+      user.press(dialog, IDOK);
+    });
+    return shown;
+  }
+
  private:
   static constexpr const char* kKey = "Software\\ZRM_QXKT32x64 hidden extensions";
   HKEY m_user = nullptr;
@@ -44,14 +56,7 @@ class HiddenExtensions : public DirFileTest {
 // They were names of nothing.
 TEST_F(HiddenExtensions, AreThereInTheResult) {
   for (const char* name : {"a.txt", "b.doc", "plain"}) addFile(name);
-  Names shown;
-  run({}, [&](Driver& user, HWND dialog) {
-    const HWND list = user.waitForList(dialog, 3);
-    shown = user.items(list);
-    user.selectAll(list);
-    user.press(dialog, IDOK);
-  });
-  ASSERT_THAT(shown, UnorderedElementsAre("a", "b", "plain"));
+  ASSERT_THAT(chooseAll(3), UnorderedElementsAre("a", "b", "plain"));
   EXPECT_THAT(outcome.entries(),
               UnorderedElementsAre(folder() + "\\a.txt", folder() + "\\b.doc", folder() + "\\plain"));
 }
@@ -59,14 +64,7 @@ TEST_F(HiddenExtensions, AreThereInTheResult) {
 TEST_F(HiddenExtensions, TellItemsApartThatAreShownAlike) {
   addFolder("same");
   for (const char* name : {"same.doc", "same.txt"}) addFile(name);
-  Names shown;
-  run({}, [&](Driver& user, HWND dialog) {
-    const HWND list = user.waitForList(dialog, 3);
-    shown = user.items(list);
-    user.selectAll(list);
-    user.press(dialog, IDOK);
-  });
-  ASSERT_THAT(shown, ElementsAre("same", "same", "same"));
+  ASSERT_THAT(chooseAll(3), ElementsAre("same", "same", "same"));
   EXPECT_THAT(outcome.entries(),
               UnorderedElementsAre(folder() + "\\same", folder() + "\\same.doc", folder() + "\\same.txt"));
 }
