@@ -26,8 +26,9 @@ INTERNET = "framework/internet"
 INTERNET_ARROWS = {
     "net": {"framework/platform", "framework/text"},
     "listing": {"framework/text"},
-    "ftp": {"framework/platform", "framework/text", f"{INTERNET}/listing", f"{INTERNET}/net"},
-    "http": {"framework/platform", "framework/text", f"{INTERNET}/net"},
+    "tls": {"framework/platform", "framework/text", f"{INTERNET}/net"},
+    "ftp": {"framework/platform", "framework/text", f"{INTERNET}/listing", f"{INTERNET}/net", f"{INTERNET}/tls"},
+    "http": {"framework/platform", "framework/text", f"{INTERNET}/net", f"{INTERNET}/tls"},
 }
 # What the product may include of those rooms: the numbers that hosts know, and AfxParseURL.
 INTERNET_OPEN = {f"{INTERNET}/net/InternetErrors.h", f"{INTERNET}/http/HttpUrl.h"}

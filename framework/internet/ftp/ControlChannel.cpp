@@ -220,7 +220,7 @@ bool ControlChannel::lookForLoss() {
 }
 
 platform::SocketInterest ControlChannel::readInterest() noexcept {
-  return {sock_ ? &sock_->socket() : nullptr, true, false};
+  return sock_ ? sock_->interest(true, false) : platform::SocketInterest{};
 }
 
 platform::SocketAddress ControlChannel::localAddress() {

@@ -230,12 +230,22 @@ FtpReply FtpTransfer::finalReply() {
 // A server that has spoken before it saw the end has not taken the whole, whatever it calls that; one that is
 // gone will not say that it has. Neither must take the end of the data for that of the file.
 void FtpTransfer::endUpload() {
-  if (!awaitFinal(kAtOnce) && control_->isOpen()) return data_->shutdownSend();
+  if (!awaitFinal(kAtOnce) && control_->isOpen()) return endStream();
   breakData();
   if (!final_) control_->channel().reply(kAtOnce);  // fails with the reason
   notifyFinal();
   if (final_->refused()) control_->raise(*final_);
   fail(kConnectionAborted);
+}
+
+void FtpTransfer::endStream() {
+  std::optional<DataLimit> limit;
+  for (;;) {
+    const IoStatus status = data_->shutdownSend();
+    if (status == IoStatus::done) return;
+    if (status != IoStatus::wouldBlock) dataFailed(status);
+    waitForData(true, limit);
+  }
 }
 
 void FtpTransfer::confirm() {
@@ -287,7 +297,7 @@ bool FtpTransfer::abandon() {
 // another connection and sends the file with the next one. That it sends proves that it has taken this one.
 void FtpTransfer::awaitFirstData() {
   if (kind_ == Kind::upload || !data_ || moved_ > 0) return;
-  std::array watched{platform::SocketInterest{&data_->socket(), true, false}};
+  std::array watched{data_->interest(true, false)};
   static_cast<void>(wait(watched, Deadline(kQuiet)));
 }
 
@@ -360,7 +370,7 @@ void FtpTransfer::waitForData(bool write, std::optional<DataLimit>& limit) {
   if (channel.replyReady()) watchControl();
   if (refused()) return;
   if (!limit) limit = dataLimit();
-  std::array watched{platform::SocketInterest{&data_->socket(), !write, write},
+  std::array watched{data_->interest(!write, write),
                      final_ ? platform::SocketInterest{} : channel.readInterest()};
   if (!wait(watched, limit->deadline)) {
     // A large buffer of the system may have room only after a while, though the peer takes data all the time.

@@ -78,6 +78,7 @@ class FtpTransfer {
   void endOfData();
   void endData();
   void endUpload();
+  void endStream();
   FtpReply finalReply();
   [[nodiscard]] bool wordIsLost() const noexcept;
   [[nodiscard]] bool hasKnownSize() const noexcept;

@@ -16,9 +16,16 @@ inline constexpr std::uint32_t kIncorrectHandleState = 12019;
 inline constexpr std::uint32_t kCannotConnect = 12029;
 inline constexpr std::uint32_t kConnectionAborted = 12030;
 inline constexpr std::uint32_t kConnectionReset = 12031;
+inline constexpr std::uint32_t kCertificateDate = 12037;  // expired, or not valid yet
+inline constexpr std::uint32_t kCertificateName = 12038;  // made out to another server
+inline constexpr std::uint32_t kClientCertificateWanted = 12044;
+inline constexpr std::uint32_t kCertificateAuthority = 12045;  // nobody whom the system trusts
 inline constexpr std::uint32_t kTransferInProgress = 12110;
 inline constexpr std::uint32_t kInvalidServerResponse = 12152;
 inline constexpr std::uint32_t kHeaderAlreadyExists = 12155;
+inline constexpr std::uint32_t kSecureChannelFailed = 12157;  // the handshake, or a record after it
+inline constexpr std::uint32_t kCertificateInvalid = 12169;   // unusable, or not the one that was pinned
+inline constexpr std::uint32_t kCertificateRevoked = 12170;
 
 // Status notifications.
 inline constexpr std::uint32_t kStatusResolvingName = 10;

@@ -26,7 +26,14 @@ platform::IoResult Sock::send(const void* data, std::size_t size) noexcept {
   return socket_.send(data, size);
 }
 
-void Sock::shutdownSend() noexcept { socket_.shutdownSend(); }
+IoStatus Sock::shutdownSend() noexcept {
+  socket_.shutdownSend();
+  return IoStatus::done;
+}
+
+platform::SocketInterest Sock::interest(bool receive, bool send) noexcept {
+  return {&socket_, receive, send};
+}
 
 bool wait(std::span<platform::SocketInterest> interests, const Deadline& deadline, std::intptr_t signal) {
   if (deadline.passed()) {
@@ -53,7 +60,7 @@ IoStatus sendAll(Sock& sock, std::string_view bytes, const Deadline& deadline) {
       bytes.remove_prefix(sent.bytes);
       continue;
     }
-    std::array<platform::SocketInterest, 1> interest{{{&sock.socket(), false, true}}};
+    std::array<platform::SocketInterest, 1> interest{{sock.interest(false, true)}};
     if (sent.status != IoStatus::wouldBlock || !wait(interest, deadline)) return sent.status;
   }
   return IoStatus::done;
@@ -62,7 +69,7 @@ IoStatus sendAll(Sock& sock, std::string_view bytes, const Deadline& deadline) {
 platform::IoResult receiveSome(Sock& sock, std::span<char> buffer, const Deadline& deadline) {
   for (;;) {
     const auto received = sock.receive(buffer.data(), buffer.size());
-    std::array<platform::SocketInterest, 1> interest{{{&sock.socket(), true, false}}};
+    std::array<platform::SocketInterest, 1> interest{{sock.interest(true, false)}};
     if (received.status != IoStatus::wouldBlock || !wait(interest, deadline)) return received;
   }
 }

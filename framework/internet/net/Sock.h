@@ -52,11 +52,14 @@ class Sock {
   Sock(const Sock&) = delete;
   Sock& operator=(const Sock&) = delete;
 
-  // Never block.
+  // Never block. After receive() has given less than asked for, nothing that came is held back.
   [[nodiscard]] virtual platform::IoResult receive(void* buffer, std::size_t size) noexcept;
   [[nodiscard]] virtual platform::IoResult send(const void* data, std::size_t size) noexcept;
-  virtual void shutdownSend() noexcept;
+  // wouldBlock: once more after a wait for writing.
+  [[nodiscard]] virtual platform::IoStatus shutdownSend() noexcept;
 
+  // What to wait for before the next receive(), before the next send(), or for either.
+  [[nodiscard]] virtual platform::SocketInterest interest(bool receive, bool send) noexcept;
   [[nodiscard]] platform::Socket& socket() noexcept { return socket_; }
 
  private:
