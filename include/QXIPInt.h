@@ -110,12 +110,13 @@ class TQXIPIFInt {
   // Turns a status code into a text and hands it to OnStatusText.
   virtual void OnStatusCallback(std::uint32_t nContext, std::uint32_t nStatus, const void* pInformation) = 0;
 
-  // Slot 21: one GET of pszObject from pszServer into pszLocalFile, or, with pnLength, only the available
-  // length. Runs on the caller's thread. OnPoll is asked and the caller's messages are dispatched for each
-  // 4096 bytes of the body, and after 50 ms at the latest when fewer come; what has come is in the file by
-  // then. A cancel deletes the file. Until the body begins (connecting and the head, 30 seconds each at most)
-  // nothing is asked. Failures of the network are shown in a message box; neither m_szMessage nor the error
-  // record is written. The one operation whose result (1 or 0) has 32 bits.
+  // Slot 21: one GET of pszObject from pszServer (a name or an address, one of IPv6 also in brackets) into
+  // pszLocalFile, or, with pnLength, only the available length. Runs on the caller's thread. OnPoll is asked
+  // and the caller's messages are dispatched for each 4096 bytes of the body, and after 50 ms at the latest
+  // when fewer come; what has come is in the file by then. A cancel deletes the file. Until the body begins
+  // (connecting and the head, 30 seconds each at most) nothing is asked. Failures of the network are shown in
+  // a message box; neither m_szMessage nor the error record is written. The one operation whose result (1 or
+  // 0) has 32 bits.
   virtual std::uint32_t HTTPDownloadFile(const char* pszServer, const char* pszObject, std::uint32_t nPort,
                                          const char* pszLocalFile, std::uint64_t* pnLength,
                                          QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
@@ -126,8 +127,10 @@ class TQXIPIFInt {
   virtual QXBool FTPSetFirewall(std::uint32_t nKind, QXBool bFlag,
                                 QXHostValue nValue) = 0;                       // not supported: 0
   virtual QXBool FTPSetProxy(const char* pszProxy, std::uint32_t nValue) = 0;  // not supported: 0
-  // Stores login data; null user or password keeps what is stored. A text that does not fit its field leaves
-  // the field empty, and until the text is replaced no operation logs in: each fails with 87. Always 1.
+  // Stores login data; null user or password keeps what is stored. The host is a name or an address, perhaps
+  // behind "ftp://"; an address of IPv6 may stand in brackets ("[::1]", "[fe80::1%eth0]"). A text that does
+  // not fit its field leaves the field empty, and until the text is replaced no operation logs in: each fails
+  // with 87. Always 1.
   virtual QXBool FTPSetLogin(const char* pszHost, const char* pszUser, const char* pszPassword,
                              std::uint32_t nPort, QXBool bPassive) = 0;
   // Stores login data and connects. pSession: a session to use for this call instead of the object's own, or

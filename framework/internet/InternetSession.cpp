@@ -15,6 +15,7 @@
 #include "framework/internet/http/HttpSite.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/internet/net/InternetErrors.h"
+#include "framework/internet/net/ServerName.h"
 #include "framework/internet/net/SessionLink.h"
 #include "framework/platform/last_error.h"
 #include "framework/platform/process.h"
@@ -77,8 +78,8 @@ internet::FtpLogin checkedLogin(const char* server, const char* user, const char
                                 std::uint16_t port, bool passive) {
   FtpControl::checkArgument(server ? std::string_view(server) : "");
   const bool anonymous = !user || !*user;
-  return {server, port ? port : internet::kDefaultFtpPort, checkedText(user, "anonymous"),
-          checkedText(password, anonymous ? "anonymous@" : ""), passive};
+  return {internet::parseServerName(server).name, port ? port : internet::kDefaultFtpPort,
+          checkedText(user, "anonymous"), checkedText(password, anonymous ? "anonymous@" : ""), passive};
 }
 
 }  // namespace
@@ -120,7 +121,8 @@ CHttpConnection* CInternetSession::GetHttpConnection(const char* server, std::ui
   internet::raising([&, impl = m_impl] {
     if (!server || !*server) internet::fail(platform::kErrorInvalidParameter);
     const auto site = std::make_shared<internet::HttpSite>(
-        impl, internet::HttpServer{server, port ? port : internet::kDefaultHttpPort});
+        impl, internet::HttpServer{internet::parseServerName(server).name,
+                                   port ? port : internet::kDefaultHttpPort});
     impl->adopt(site);
     connection.reset(new CHttpConnection(site));
     site->notify(internet::kStatusHandleCreated);

@@ -30,8 +30,8 @@ class CInternetSession {
   // Connects and logs in: resolves the name, waits for the greeting, USER, PASS (and ACCT never). What the
   // server offers (FEAT) is asked later, once per server, by what needs to know it. A null or empty user logs
   // in as "anonymous"; port 0 is the default port. The caller deletes the result (before or after this
-  // session). Throws CInternetException*: 12007, 12029, 12002, 12030, 12031, 12014 (530), 12015, 87 for a bad
-  // argument.
+  // session). The server's text is read as net/ServerName.h says. Throws CInternetException*: 12007, 12029,
+  // 12002, 12030, 12031, 12014 (530), 12015, 87 for a bad argument.
   CFtpConnection* GetFtpConnection(const char* server, const char* user = nullptr,
                                    const char* password = nullptr, std::uint16_t port = 21,
                                    bool passive = false);

@@ -53,6 +53,17 @@ INSTANTIATE_TEST_SUITE_P(Sizes, HttpDownloadSizes,
                            return std::get<1>(instance.param) + std::to_string(std::get<0>(instance.param));
                          });
 
+// Brackets were refused in a name, and an address of IPv6 was sent to without them alone.
+TEST_F(HttpDownload, ReachesAnAddressOfIpv6WithAndWithoutBrackets) {
+  for (const char* host : {"[::1]", "::1"}) {
+    const fixture::ScriptedHttp server(R"({"host": "::1", "answers": [{"body": {"text": "abc"}}]})"_json);
+    EXPECT_EQ(client.HTTPDownloadFile(host, "/a", server.port(), local.c_str(), nullptr, 0, 0), 1u) << host;
+    EXPECT_EQ(content(), "abc");
+    EXPECT_NE(server.requests().at(0).find("\r\nHost: [::1]:" + std::to_string(server.port()) + "\r\n"),
+              std::string::npos);
+  }
+}
+
 TEST_F(HttpDownload, WritesNeitherMessagesNorReportsAndLeavesTheClientAlone) {
   const auto server = answering(R"({"body": {"text": "abc"}})"_json);
   EXPECT_EQ(download(server), 1u);

@@ -113,6 +113,7 @@ TEST(HostField, NamesAnUnusualPort) {
   EXPECT_EQ(hostField("host", 80), "host");
   EXPECT_EQ(hostField("host", 8080), "host:8080");
   EXPECT_EQ(hostField("::1", 443), "[::1]:443");
+  EXPECT_EQ(hostField("fe80::1%eth0", 80), "[fe80::1]") << "the zone is this machine's own";
 }
 
 }  // namespace

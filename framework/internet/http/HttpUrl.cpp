@@ -78,7 +78,8 @@ bool isHostName(std::string_view server) noexcept {
 
 std::string hostField(std::string_view server, std::uint16_t port) {
   std::string field(server);
-  if (server.find(':') != std::string_view::npos) field = '[' + field + ']';
+  // The zone of an address is this machine's own affair.
+  if (server.find(':') != std::string_view::npos) field = '[' + field.substr(0, field.find('%')) + ']';
   if (port != kDefaultHttpPort) field += ':' + std::to_string(port);
   return field;
 }
