@@ -2,6 +2,7 @@
 // An encrypted stream in the place of a Sock, and the judgement over the server that it leads to.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -23,6 +24,11 @@ class TlsLogin {
   // (revoked); each with a text that tells what was found. Throws platform::OperationStopped. The wait for
   // each step watches the calling thread's stop token.
   std::unique_ptr<Sock> secure(std::unique_ptr<Sock> sock, platform::TlsUse use, const Deadline& deadline);
+
+  // The same for who has more to watch meanwhile: `wait` waits for what the handshake waits for (and for what
+  // else it likes). False gives up: the socket is closed, and the result null. What it throws comes out.
+  using Wait = std::function<bool(const platform::SocketInterest& interest)>;
+  std::unique_ptr<Sock> secure(std::unique_ptr<Sock> sock, platform::TlsUse use, const Wait& wait);
 
   // Of the connection that was secured last: "TLS 1.3, TLS_AES_256_GCM_SHA384, resumed".
   [[nodiscard]] const std::string& description() const noexcept { return description_; }
