@@ -1,7 +1,8 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
 """The built library from outside: it exports its functions and nothing else, needs only what every system has, and the
-shipped import libraries offer the same functions. With --windres it is a DLL, whose resources are read too.
+shipped import libraries offer the same functions; each of its own units was compiled with the protections of code that
+reads from the network. With --windres it is a DLL, whose resources are read too.
 """
 
 import argparse
@@ -18,6 +19,8 @@ WINDOWS_LIBRARIES = {
                                "comdlg32")
 }
 LINUX_LIBRARIES = {"libc.so.6", "libm.so.6", "libgcc_s.so.1", "ld-linux-x86-64.so.2"}
+PROTECTIONS = {"-fstack-protector-strong", "-ftrivial-auto-var-init=zero"}
+LINUX_PROTECTIONS = {"-fstack-clash-protection", "-fcf-protection=full"}
 
 
 def run(*command):
@@ -32,6 +35,17 @@ def check_dll(arguments):
     check(needed and set(needed) <= WINDOWS_LIBRARIES, f"needs Windows' own libraries only: {sorted(needed)}")
     check("DYNAMIC_BASE" in text and "NX_COMPAT" in text, "may be loaded anywhere, its data is not executable")
     check_resources(run(arguments.windres, "-J", "coff", "-O", "rc", arguments.library))
+    check_protections(arguments, PROTECTIONS)
+    symbols = run(arguments.nm, arguments.library)
+    check(re.search(r" T __stack_chk_fail$", symbols, re.M), "brings what ends a program with a broken stack")
+
+
+def check_protections(arguments, flags):
+    """From the debug information, where the compiler writes down for each unit how it was called."""
+    text = run(arguments.objdump, "--dwarf=info", "--dwarf-depth=1", arguments.library)
+    units = re.findall(r"DW_AT_producer.*(GNU C\+\+20 .*)", text)
+    bare = [unit for unit in units if not flags <= set(unit.split())]
+    check(units and not bare, f"{len(units)} units are protected by {sorted(flags)}; not so: {bare[:1]}")
 
 
 def check_resources(text):
@@ -50,7 +64,17 @@ def check_shared_object(arguments):
     needed = re.findall(r"NEEDED\s+(\S+)", text)
     if not arguments.sanitized:
         check(needed and set(needed) <= LINUX_LIBRARIES, f"needs libraries of every system only: {sorted(needed)}")
+        check_protections(arguments, PROTECTIONS | LINUX_PROTECTIONS)
+        check_loading(arguments, text)
     check(not re.search(r"RPATH|RUNPATH", text), "looks for libraries nowhere else")
+
+
+def check_loading(arguments, headers):
+    check("RELRO" in headers and re.search(r"^\s*FLAGS_1\s+0x0*1$", headers, re.M), "tables are bound early, then read-only")
+    check(re.search(r"STACK.*\n.*flags rw-$", headers, re.M), "the stack is not executable")
+    used = run(arguments.nm, "-D", "--undefined-only", arguments.library)
+    check("__stack_chk_fail" in used, "watches the stack")
+    check("__memcpy_chk" in used, "uses the C library's checked functions")
 
 
 def check_import_library(arguments, path):
