@@ -19,6 +19,7 @@
 #include "framework/internet/http/HttpUrl.h"
 #include "framework/platform/file.h"
 #include "framework/platform/modal_message.h"
+#include "framework/platform/wait_watch.h"
 #include "support/Messages.h"
 
 namespace {
@@ -37,7 +38,7 @@ constexpr std::uint32_t kConnectRetries = 1;
 
 constexpr std::size_t kMostOfName = 255;
 constexpr std::uint32_t kChunk = 4096;
-// How long a chunk that is not full may keep the host waiting.
+// How long a server may keep the host waiting: with a chunk that is not full, and with all that comes before.
 constexpr std::chrono::milliseconds kPatience{50};
 constexpr std::uint32_t kExceptionTextCapacity = 1024;
 
@@ -88,6 +89,7 @@ class HttpDownload {
   [[nodiscard]] bool Cancelled() const noexcept { return m_cancelled; }
 
  private:
+  bool ReceiveHead(const std::string& server, const std::string& object, std::uint16_t port);
   bool Connect(const std::string& server, std::uint16_t port);
   bool Request(const std::string& object);
   bool FollowRedirect();
@@ -95,6 +97,7 @@ class HttpDownload {
   void Transfer();
   void SaveBody();
   bool WantsMore();
+  [[nodiscard]] platform::WaitWatch LeaveWhenCancelled();
   void Close() noexcept;
 
   TQXIP& m_client;
@@ -114,14 +117,20 @@ HttpDownload::HttpDownload(TQXIP& client, const Target& target) : m_client(clien
 }
 
 bool HttpDownload::Fetch(const std::string& server, const std::string& object, std::uint16_t port) {
+  if (!ReceiveHead(server, object, port)) return false;
+  if (m_status == kOk) Transfer();
+  Close();
+  return m_status == kOk && !m_cancelled;
+}
+
+// Of the last request there is.
+bool HttpDownload::ReceiveHead(const std::string& server, const std::string& object, std::uint16_t port) {
+  const platform::WaitWatch watch = LeaveWhenCancelled();
   if (!Connect(server, port) || !Request(object)) return false;
   m_request->QueryInfoStatusCode(m_status);
   if (m_status == kUnauthorized) return false;
   const bool moved = m_status == kMovedPermanently || m_status == kFound || m_status == kSeeOther;
-  if (moved && !FollowRedirect()) return false;
-  if (m_status == kOk) Transfer();
-  Close();
-  return m_status == kOk && !m_cancelled;
+  return !moved || FollowRedirect();
 }
 
 bool HttpDownload::Connect(const std::string& server, std::uint16_t port) {
@@ -167,6 +176,7 @@ bool HttpDownload::RequestAgain(const std::string& object) {
 
 void HttpDownload::Transfer() {
   if (m_target.pLength != nullptr) {
+    const platform::WaitWatch watch = LeaveWhenCancelled();
     *m_target.pLength = m_request->GetLength();
   } else {
     SaveBody();
@@ -195,6 +205,13 @@ bool HttpDownload::WantsMore() {
   return true;
 }
 
+// For the time without a local file. There is nothing to delete then: a file of that name is an older one.
+platform::WaitWatch HttpDownload::LeaveWhenCancelled() {
+  return {kPatience, [this] {
+            if (!WantsMore()) throw platform::OperationStopped{};
+          }};
+}
+
 void HttpDownload::Close() noexcept {
   m_request.reset();
   m_connection.reset();
@@ -211,7 +228,7 @@ bool download(TQXIP& client, const Target& target, const char* server, const cha
     // Request, connection and session end behind the box. What the local file has got stays.
     showFailure(exception);
   }
-  if (download.Cancelled()) {
+  if (download.Cancelled()) {  // with the file begun
     // Windows deletes no read-only file. There is nobody to tell if it fails.
     static_cast<void>(platform::setFileAttributes(target.localFile, platform::kFileAttributeArchive));
     static_cast<void>(platform::deleteFile(target.localFile));

@@ -113,10 +113,11 @@ class TQXIPIFInt {
   // Slot 21: one GET of pszObject from pszServer (a name or an address, one of IPv6 also in brackets) into
   // pszLocalFile, or, with pnLength, only the available length. Runs on the caller's thread. OnPoll is asked
   // and the caller's messages are dispatched for each 4096 bytes of the body, and after 50 ms at the latest
-  // when fewer come; what has come is in the file by then. A cancel deletes the file. Until the body begins
-  // (connecting and the head, 30 seconds each at most) nothing is asked. Failures of the network are shown in
-  // a message box; neither m_szMessage nor the error record is written. The one operation whose result (1 or
-  // 0) has 32 bits.
+  // when fewer come; what has come is in the file by then. A server that keeps the caller waiting before that
+  // (name lookup, connecting, the head, and the length) has them asked and dispatched every 50 ms as well. A
+  // cancel deletes the file once the body has begun; before that it leaves alone what has its name. Failures
+  // of the network are shown in a message box; neither m_szMessage nor the error record is written. The one
+  // operation whose result (1 or 0) has 32 bits.
   virtual std::uint32_t HTTPDownloadFile(const char* pszServer, const char* pszObject, std::uint32_t nPort,
                                          const char* pszLocalFile, std::uint64_t* pnLength,
                                          QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;

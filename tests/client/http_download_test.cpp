@@ -137,45 +137,6 @@ TEST_F(HttpDownload, AnyOtherStatusFailsInSilence) {
   }
 }
 
-TEST_F(HttpDownload, CancelledAfterTheFirstChunkDeletesTheFile) {
-  const auto server = answering(R"({"body": {"size": 100000}})"_json);
-  for (const bool readOnly : {false, true}) {
-    int polls = 0;
-    client.poll = [&](auto...) -> QXBool {
-      if (readOnly) std::filesystem::permissions(local, kAllWrite, std::filesystem::perm_options::remove);
-      EXPECT_TRUE(exists());
-      return ++polls == 1;
-    };
-    EXPECT_EQ(download(server), 0u);
-    EXPECT_EQ(polls, 1);
-    EXPECT_FALSE(exists());
-  }
-}
-
-TEST_F(HttpDownload, CancelledAtTheLastChunkDeletesTheFileAsWell) {
-  const auto server = answering(R"({"body": {"size": 8192}})"_json);
-  int polls = 0;
-  client.poll = [&](auto...) -> QXBool { return ++polls == 2 ? 7 : 0; };
-  EXPECT_EQ(download(server), 0u);
-  EXPECT_EQ(polls, 2);
-  EXPECT_FALSE(exists());
-}
-
-TEST_F(HttpDownload, DispatchesMessagesBetweenChunks) {
-  const auto server = answering(R"({"body": {"size": 12288}})"_json);
-  std::string order;
-  TestQueue queue([&](unsigned number) { order += std::to_string(number); });
-  unsigned polls = 0;
-  client.poll = [&](auto...) -> QXBool {
-    order += 'p';
-    queue.post(++polls);
-    return polls == 3;
-  };
-  EXPECT_EQ(download(server), 0u);
-  EXPECT_EQ(order, "p1p2p") << "none behind the cancel";
-  PumpMessages(nullptr, 0, 0);
-}
-
 TEST_F(HttpDownload, AMessageMayUseTheClientAgain) {
   const auto server = answering(R"({"body": {"size": 5000, "seed": 3}})"_json);
   const std::string other = folder.file("other");

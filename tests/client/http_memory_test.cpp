@@ -3,62 +3,16 @@
 #include <chrono>
 #include <vector>
 
-#include "tests/client/HttpDownloadTest.h"
-#include "tests/support/MemoryNetwork.h"
+#include "support/Messages.h"
+#include "tests/client/HttpMemoryTest.h"
+#include "tests/unit/TestQueue.h"
 
 namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::seconds;
-using testing_support::MemoryLink;
-using testing_support::MemoryNetwork;
 
-// Answers every request by `answer`.
-class MemoryWeb final : public testing_support::MemoryPeer {
- public:
-  using Link = std::shared_ptr<MemoryLink>;
-
-  MemoryLink::State firstState = MemoryLink::State::established;
-  std::string answer;
-  std::function<void()> onAnswer;
-  std::vector<Link> links;
-
-  void connecting(const Link& link, std::uint16_t) override {
-    link->state = firstState;
-    links.push_back(link);
-  }
-  void received(const Link& link) override {
-    if (!link->toServer.ends_with("\r\n\r\n")) return;
-    link->toClient = answer;
-    if (onAnswer) onAnswer();
-  }
-  void left(const Link&) override {}
-};
-
-class HttpMemory : public HttpDownloadTest {
- protected:
-  static std::string head(std::size_t length) {
-    return "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(length) + "\r\n\r\n";
-  }
-  std::uint32_t fetch() {
-    return client.HTTPDownloadFile("127.0.0.1", "/a", 80, local.c_str(), nullptr, 0, 0);
-  }
-  void pollBy(std::function<void()> look) {
-    client.poll = [look = std::move(look)](auto...) -> QXBool {
-      look();
-      return 0;
-    };
-  }
-  // The texts of the boxes that a fetch shows which fails.
-  std::vector<std::string> failureOfFetch() {
-    std::vector<std::string> texts;
-    for (const auto& box : boxesOf([&] { EXPECT_EQ(fetch(), 0u); })) texts.push_back(box.text);
-    return texts;
-  }
-
-  MemoryWeb server;
-  MemoryNetwork network{server};
-};
+using HttpMemory = HttpMemoryTest;
 
 const std::vector<std::string> kTimedOut{"The operation timed out"};
 
@@ -69,6 +23,45 @@ TEST_F(HttpMemory, EveryChunkIsInTheFileWhenOnPollIsAsked) {
   pollBy([&] { sizes.push_back(std::filesystem::file_size(local)); });
   EXPECT_EQ(fetch(), 1u);
   EXPECT_EQ(sizes, (std::vector<std::uintmax_t>{4096, 8192, 10'000}));
+}
+
+TEST_F(HttpMemory, CancelledAfterTheFirstChunkDeletesTheFile) {
+  server.answer = head(100'000) + std::string(100'000, 'x');
+  for (const bool readOnly : {false, true}) {
+    int polls = 0;
+    client.poll = [&](auto...) -> QXBool {
+      if (readOnly) std::filesystem::permissions(local, kAllWrite, std::filesystem::perm_options::remove);
+      EXPECT_TRUE(exists());
+      return ++polls == 1;
+    };
+    EXPECT_EQ(fetch(), 0u);
+    EXPECT_EQ(polls, 1);
+    EXPECT_FALSE(exists());
+  }
+}
+
+TEST_F(HttpMemory, CancelledAtTheLastChunkDeletesTheFileAsWell) {
+  server.answer = head(8192) + std::string(8192, 'x');
+  int polls = 0;
+  client.poll = [&](auto...) -> QXBool { return ++polls == 2 ? 7 : 0; };
+  EXPECT_EQ(fetch(), 0u);
+  EXPECT_EQ(polls, 2);
+  EXPECT_FALSE(exists());
+}
+
+TEST_F(HttpMemory, DispatchesMessagesBetweenChunks) {
+  server.answer = head(12'288) + std::string(12'288, 'x');
+  std::string order;
+  TestQueue queue([&](unsigned number) { order += std::to_string(number); });
+  unsigned polls = 0;
+  client.poll = [&](auto...) -> QXBool {
+    order += 'p';
+    queue.post(++polls);
+    return polls == 3;
+  };
+  EXPECT_EQ(fetch(), 0u);
+  EXPECT_EQ(order, "p1p2p") << "none behind the cancel";
+  PumpMessages(nullptr, 0, 0);
 }
 
 TEST_F(HttpMemory, OnPollIsAskedEvery50MillisecondsWhileAServerHoldsBack) {
@@ -111,7 +104,7 @@ TEST_F(HttpMemory, ConnectingIsGivenUpAfter30SecondsAndNotTriedAgain) {
   timeouts.connect = seconds(7);
   timeouts.connectAttempts = 3;
   internet::setTimeoutsForTesting(timeouts);
-  server.firstState = MemoryLink::State::connecting;
+  server.firstState = MemoryWeb::State::connecting;
   const auto start = network.now();
   EXPECT_EQ(failureOfFetch(), kTimedOut);
   EXPECT_EQ(network.now() - start, seconds(30));

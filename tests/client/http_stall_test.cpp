@@ -3,6 +3,7 @@
 // had a turn until 4096 bytes were there.
 #include <cstdint>
 #include <nlohmann/json.hpp>
+#include <semaphore>
 
 #include "tests/client/HttpDownloadTest.h"
 #include "tests/support/Pattern.h"
@@ -66,6 +67,31 @@ TEST_F(HttpStall, AMessageMayFreeTheClientWhileTheServerHoldsBack) {
   EXPECT_EQ(own, nullptr);
   EXPECT_LE(content().size(), kFirst);
   server.waitFor(R"({"closed": 1})");
+}
+
+// Waits until the test lets it go on, as a name server does that does not answer.
+std::binary_semaphore g_nameServer{0};
+std::vector<platform::SocketAddress> lookUpLate(const std::string&, std::uint16_t) {
+  g_nameServer.acquire();
+  return {};
+}
+
+TEST_F(HttpDownloadTest, ACancelEndsTheCallInANameLookup) {
+  internet::setResolverForTesting(&lookUpLate);
+  client.poll = [](auto...) -> QXBool { return 1; };
+  EXPECT_TRUE(boxesOf([&] {
+                EXPECT_EQ(client.HTTPDownloadFile("host.test", "/", 80, local.c_str(), nullptr, 0, 0), 0u);
+              }).empty());
+  g_nameServer.release();
+  internet::setResolverForTesting(nullptr);
+}
+
+TEST_F(HttpDownloadTest, ACancelEndsTheCallWhileTheServerHoldsTheHeadBack) {
+  const auto held = answering(R"({"head_gate": "never"})"_json);
+  client.poll = [](auto...) -> QXBool { return 1; };
+  EXPECT_TRUE(boxesOf([&] { EXPECT_EQ(download(held), 0u); }).empty());
+  EXPECT_FALSE(exists());
+  held.waitFor(R"({"closed": 1})");
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "framework/internet/net/InternetErrors.h"
 #include "framework/internet/net/InternetLimits.h"
 #include "framework/platform/stop_token.h"
+#include "framework/platform/wait_watch.h"
 
 namespace internet {
 
@@ -40,16 +41,13 @@ bool wait(std::span<platform::SocketInterest> interests, const Deadline& deadlin
     platform::throwIfStopped();
     return false;
   }
-  switch (platform::waitForSockets(interests, std::min(deadline.left(), kWaitSlice), signal)) {
-    case platform::Wake::stopped:
-      throw platform::OperationStopped{};
-    case platform::Wake::timedOut:
-      if (deadline.passed()) return false;
-      for (platform::SocketInterest& interest : interests) interest.ready = interest.socket != nullptr;
-      return true;
-    case platform::Wake::ready:
-      break;
-  }
+  const milliseconds slice = platform::WaitWatch::sleepAtMost(std::min(deadline.left(), kWaitSlice));
+  const platform::Wake wake = platform::waitForSockets(interests, slice, signal);
+  if (wake == platform::Wake::stopped) throw platform::OperationStopped{};
+  platform::WaitWatch::lookIfDue();
+  if (wake == platform::Wake::ready) return true;
+  if (deadline.passed()) return false;
+  for (platform::SocketInterest& interest : interests) interest.ready = interest.socket != nullptr;
   return true;
 }
 

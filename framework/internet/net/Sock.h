@@ -68,8 +68,8 @@ class Sock {
 
 // Waits until one of the sockets (or `signal`, see platform/socket.h) may be ready and marks it so: true.
 // False when the deadline has passed. A long wait is cut into slices after which everything is worth another
-// try, so a readiness that the system forgot to tell costs a second, not the transfer. Throws
-// platform::OperationStopped.
+// try, so a readiness that the system forgot to tell costs a second, not the transfer. The thread's WaitWatch
+// looks meanwhile. Throws platform::OperationStopped.
 bool wait(std::span<platform::SocketInterest> interests, const Deadline& deadline,
           std::intptr_t signal = platform::kNoSignal);
 
