@@ -64,6 +64,20 @@ bool makeOwn(const char* folder) noexcept {
   return own;
 }
 
+// Of what is open by O_PATH, whatever it allows. Systems that are still in use know neither fchmod() for that
+// nor fchmodat() without following links; the name that the kernel gives the descriptor follows none.
+bool setReadOnly(int descriptor, bool readOnly) noexcept {
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0) return false;
+  // The attribute means nothing for a folder's content, and a link has none.
+  if (S_ISDIR(status.st_mode) || S_ISLNK(status.st_mode)) return true;
+  const mode_t wanted = readOnly ? status.st_mode & ~kWriteBits : status.st_mode | S_IWUSR;
+  if (wanted == status.st_mode) return true;
+  char name[32];
+  std::snprintf(name, sizeof name, "/proc/self/fd/%d", descriptor);
+  return ::chmod(name, wanted & 07777) == 0;
+}
+
 }  // namespace
 
 bool File::open(const char* path, FileAccess access, FileCreation creation,
@@ -146,14 +160,11 @@ bool createOwnDirectory(const char* path) noexcept {
 bool setFileAttributes(const char* path, std::uint32_t attributes) noexcept {
   const LocalPath local(path);
   if (!local.valid()) return false;
-  struct stat status {};
-  if (::lstat(local.text(), &status) != 0) return local.failed();
-  // The attribute means nothing for a folder's content, and a link has none.
-  if (S_ISDIR(status.st_mode) || S_ISLNK(status.st_mode)) return true;
-  const bool readOnly = (attributes & kFileAttributeReadOnly) != 0;
-  const mode_t wanted = readOnly ? status.st_mode & ~kWriteBits : status.st_mode | S_IWUSR;
-  return wanted == status.st_mode ||
-         ::fchmodat(AT_FDCWD, local.text(), wanted & 07777, AT_SYMLINK_NOFOLLOW) == 0 || local.failed();
+  const int descriptor = ::open(local.text(), O_PATH | O_NOFOLLOW | O_CLOEXEC);
+  if (descriptor < 0) return local.failed();
+  const bool set = setReadOnly(descriptor, (attributes & kFileAttributeReadOnly) != 0) || local.failed();
+  ::close(descriptor);
+  return set;
 }
 
 std::size_t temporaryFolder(char* buffer, std::size_t size) noexcept {

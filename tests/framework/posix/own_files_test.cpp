@@ -87,6 +87,21 @@ TEST_F(OwnFiles, AttributesAreNotThoseOfALinksTarget) {
   EXPECT_TRUE(std::filesystem::exists(target));
 }
 
+// Read-only files of which nothing else is allowed have to be deleted, too. A pipe's attributes are changed
+// without waiting for somebody at its other end.
+TEST_F(OwnFiles, AttributesNeedNoRightToReadOrWrite) {
+  std::ofstream(path) << "mine";
+  const std::string pipe = folder.file("pipe");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  for (const std::string& name : {path, pipe}) {
+    ::chmod(name.c_str(), 0);
+    EXPECT_TRUE(platform::setFileAttributes(name.c_str(), platform::kFileAttributeArchive));
+    EXPECT_EQ(modeOf(name), 0200u);
+    EXPECT_TRUE(platform::setFileAttributes(name.c_str(), platform::kFileAttributeReadOnly));
+    EXPECT_EQ(modeOf(name), 0u);
+  }
+}
+
 TEST_F(OwnFiles, ALockIsNoLink) {
   const std::string target = folder.file("target");
   std::filesystem::create_symlink(target, path);
