@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 // What happens seldom between sockets, and never when a test wants it: over a network in memory.
+#include <chrono>
+#include <optional>
+
 #include "framework/internet/FtpFileFind.h"
 #include "framework/platform/last_error.h"
 #include "framework/platform/stop_token.h"
+#include "framework/platform/wait_watch.h"
 #include "tests/internet/FtpMemoryTest.h"
 
 namespace internet_tests {
@@ -103,6 +107,26 @@ TEST_F(FtpMemory, AnUploadThatIsStoppedAtAnyMomentNeverEndsInGoodOrder) {
       EXPECT_EQ(far.network.openSockets(), 0u);
     }
   }
+}
+
+// The system may wake a wait for nothing. The first such one used to pass for what the server sends.
+TEST_F(FtpMemory, AnEarlyCloseWaitsForTheServersDataAlsoWhenItIsWokenForNothing) {
+  using std::chrono::milliseconds;
+  Far far;
+  far.server.answers["RETR"] = "150 Here\r\n";
+  auto connection = login(true);
+  const auto file = openToRead(*connection, "/f");
+  const platform::WaitWatch wakes(milliseconds(10), [] {});
+  far.network.later(milliseconds(100), [&] { far.server.data->toClient = "a"; });
+  const auto start = far.network.now();
+  std::optional<std::chrono::nanoseconds> brokenAfter;
+  far.server.onLeft = [&](const MemoryFtp::Link& link) {
+    if (link != far.server.data) return;
+    brokenAfter = far.network.now() - start;
+    far.server.control->toClient += "426 Broken off\r\n";
+  };
+  EXPECT_TRUE(file->Close());
+  EXPECT_EQ(brokenAfter, milliseconds(100));
 }
 
 }  // namespace

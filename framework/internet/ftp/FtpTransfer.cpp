@@ -279,10 +279,13 @@ bool FtpTransfer::allIsThere() {
 }
 
 // The server closes an upload's connection once it has read all: asked before that it may tell less.
-void FtpTransfer::awaitPeersEnd() {
+void FtpTransfer::awaitPeersEnd() { awaitPeer(control_->timeouts().dataError); }
+
+// Until a byte or an end has come. Whoever asks has no use for either.
+void FtpTransfer::awaitPeer(milliseconds limit) {
   if (!data_) return;
-  std::array<char, 1> nothing{};  // is what it sends
-  static_cast<void>(receiveSome(*data_, nothing, Deadline(control_->timeouts().dataError)));
+  std::array<char, 1> nothing{};
+  static_cast<void>(receiveSome(*data_, nothing, Deadline(limit)));
 }
 
 bool FtpTransfer::abandon() {
@@ -296,9 +299,7 @@ bool FtpTransfer::abandon() {
 // A reset that comes before the server has taken the connection can go unseen: pyftpdlib then waits for
 // another connection and sends the file with the next one. That it sends proves that it has taken this one.
 void FtpTransfer::awaitFirstData() {
-  if (kind_ == Kind::upload || !data_ || moved_ > 0) return;
-  std::array watched{data_->interest(true, false)};
-  static_cast<void>(wait(watched, Deadline(kQuiet)));
+  if (kind_ != Kind::upload && moved_ == 0) awaitPeer(kQuiet);
 }
 
 // The final reply, or what stands for it: pure-ftpd ends a broken transfer with a second 150 or in silence.

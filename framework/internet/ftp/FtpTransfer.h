@@ -84,6 +84,7 @@ class FtpTransfer {
   [[nodiscard]] bool hasKnownSize() const noexcept;
   bool allIsThere();
   void awaitPeersEnd();
+  void awaitPeer(std::chrono::milliseconds limit);
   void waitForData(bool write, std::optional<DataLimit>& limit);
   void watchControl();
   void notifyFinal();
