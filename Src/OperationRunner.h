@@ -59,6 +59,8 @@ void PrepareRerun(QXFtpThread& record) noexcept;
 
 // The runs of one call that OnPoll gave up for another, which it asked for. Each run has its place inside the
 // one that it follows: that one's answer stands only where its worker had stored a success before its end.
+// They are no RunNested(): there the last run answers for all before it, and here each has to answer for
+// itself.
 class GivenUpRuns {
  public:
   void Add(bool storedSuccess) noexcept {
