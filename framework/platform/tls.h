@@ -39,6 +39,7 @@ enum class TlsTrust {
 struct TlsPeer {
   std::vector<unsigned char> certificate;  // DER of the server's own; empty when there is none
   TlsTrust trust = TlsTrust::invalid;
+  std::string text;  // the system's words for what is wrong, "" if it has none
 };
 
 class TlsStream {

@@ -195,6 +195,14 @@ void ScriptedHttp::waitAtGate(const std::string& gate) const { waitFor(json{{"wa
 
 void ScriptedHttp::release(const std::string& gate) const { ask("release", {{"gate", gate}}); }
 
+ScriptedTls::ScriptedTls(std::string_view script) : Server("tls-script", parsed(script)) {}
+
+void ScriptedTls::waitAtGate(const std::string& gate) const { waitFor(json{{"waiting", gate}}.dump()); }
+
+void ScriptedTls::release(const std::string& gate) const { ask("release", {{"gate", gate}}); }
+
+void ScriptedTls::waitUntilClosed(int count) const { waitFor(json{{"closed", count}}.dump()); }
+
 Blackhole::Blackhole(bool accepts, const std::string& host)
     : Server("tcp-blackhole", {{"accept", accepts}, {"host", host}}) {}
 

@@ -151,6 +151,18 @@ class ScriptedHttp : public Server {
   void release(const std::string& gate) const;
 };
 
+// The scripted TLS server.
+class ScriptedTls : public Server {
+ public:
+  // `script` is JSON; {} shakes hands and ends the connection.
+  explicit ScriptedTls(std::string_view script = "{}");
+
+  void waitAtGate(const std::string& gate) const;
+  void release(const std::string& gate) const;
+  // Waits until `count` connections have ended.
+  void waitUntilClosed(int count) const;
+};
+
 // Accepts and says nothing; or, with `accepts` false, lets even the connecting hang.
 class Blackhole : public Server {
  public:

@@ -90,7 +90,7 @@ void ControlChannel::transmit() {
 
 void ControlChannel::transmit(std::string_view bytes) {
   const IoStatus status = sendAll(*sock_, bytes, Deadline(dialer_.timeouts().reply));
-  if (status != IoStatus::done) closeWith(errorOf(status));
+  if (status != IoStatus::done) closeWith(sock_->failureOf(status));
 }
 
 FtpReply ControlChannel::reply(milliseconds limit, DeliveryWatch* delivery) {
@@ -194,7 +194,7 @@ bool ControlChannel::receiveMore(const Deadline& deadline) {
   const auto received = receiveSome(*sock_, buffer, nextLook(deadline));
   if (received.status == IoStatus::wouldBlock) return lookForLoss();
   if (received.status != IoStatus::done) {
-    closeWith(errorOf(received.status));
+    closeWith(sock_->failureOf(received.status));
   } else if (!reader_.feed({buffer.data(), received.bytes})) {
     closeWith(kInvalidServerResponse);
   }

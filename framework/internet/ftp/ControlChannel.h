@@ -120,6 +120,7 @@ class ControlChannel {
   bool lookForLoss();
   void accept(const FtpReply& reply);
   void closeWith(std::uint32_t error, std::string serverText = {}) noexcept;
+  void closeWith(Failure failure) noexcept { closeWith(failure.error, std::move(failure.serverText)); }
 
   Dialer dialer_;
   std::unique_ptr<Sock> sock_;

@@ -431,6 +431,7 @@ void FtpTransfer::breakData() noexcept {
 }
 
 void FtpTransfer::dataFailed(IoStatus status) {
+  Failure failure = data_->failureOf(status);
   breakData();
   // The reply is taken here where there is one, so that the control connection stays in step.
   if (awaitFinal(control_->timeouts().dataError)) {
@@ -438,7 +439,7 @@ void FtpTransfer::dataFailed(IoStatus status) {
   } else {
     control_->channel().drop();
   }
-  fail(errorOf(status));
+  throw failure;
 }
 
 }  // namespace internet

@@ -64,7 +64,7 @@ void HttpExchange::exchangeHeads() {
   dialer_.notify(kStatusSendingRequest);
   require(State::sent);
   const IoStatus status = sendAll(*sock_, request(), Deadline(dialer_.timeouts().reply));
-  if (status != IoStatus::done) fail(errorOf(status));
+  if (status != IoStatus::done) throw sock_->failureOf(status);
   dialer_.notify(kStatusRequestSent);
   dialer_.notify(kStatusReceivingResponse);
   const Deadline deadline(dialer_.timeouts().reply);
@@ -133,7 +133,7 @@ bool HttpExchange::receive(const Deadline& deadline) {
   if (received.status == IoStatus::closed) {
     if (!response_.endOfStream()) fail(kConnectionAborted);
   } else if (received.status != IoStatus::done) {
-    fail(errorOf(received.status));
+    throw sock_->failureOf(received.status);
   } else if (!response_.feed({block.data(), received.bytes})) {
     fail(kInvalidServerResponse);
   }

@@ -36,6 +36,11 @@ platform::SocketInterest Sock::interest(bool receive, bool send) noexcept {
   return {&socket_, receive, send};
 }
 
+Failure Sock::failureOf(IoStatus status) const {
+  if (status == IoStatus::wouldBlock) return {kTimeout, {}};
+  return {status == IoStatus::reset ? kConnectionReset : kConnectionAborted, {}};
+}
+
 bool wait(std::span<platform::SocketInterest> interests, const Deadline& deadline, std::intptr_t signal) {
   if (deadline.passed()) {
     platform::throwIfStopped();
@@ -70,11 +75,6 @@ platform::IoResult receiveSome(Sock& sock, std::span<char> buffer, const Deadlin
     std::array<platform::SocketInterest, 1> interest{{sock.interest(true, false)}};
     if (received.status != IoStatus::wouldBlock || !wait(interest, deadline)) return received;
   }
-}
-
-std::uint32_t errorOf(IoStatus status) noexcept {
-  if (status == IoStatus::wouldBlock) return kTimeout;
-  return status == IoStatus::reset ? kConnectionReset : kConnectionAborted;
 }
 
 namespace {

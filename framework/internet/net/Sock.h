@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "framework/internet/net/Failure.h"
 #include "framework/platform/socket.h"
 
 namespace internet {
@@ -62,6 +63,9 @@ class Sock {
   [[nodiscard]] virtual platform::SocketInterest interest(bool receive, bool send) noexcept;
   [[nodiscard]] platform::Socket& socket() noexcept { return socket_; }
 
+  // What a status of this stream that is not what it should be means to the caller; wouldBlock: 12002.
+  [[nodiscard]] virtual Failure failureOf(platform::IoStatus status) const;
+
  private:
   platform::Socket socket_;
 };
@@ -77,8 +81,6 @@ bool wait(std::span<platform::SocketInterest> interests, const Deadline& deadlin
 platform::IoStatus sendAll(Sock& sock, std::string_view bytes, const Deadline& deadline);
 // What has come, at least one byte; wouldBlock: nothing before the deadline.
 platform::IoResult receiveSome(Sock& sock, std::span<char> buffer, const Deadline& deadline);
-// The internet error number of a stream that is not what it should be: timed out, reset, or aborted.
-std::uint32_t errorOf(platform::IoStatus status) noexcept;
 
 // Connects to the first address that answers; the next one is tried after a refusal or after
 // kNextAddressAfter without an answer, while the earlier attempts go on. Null when none answers before the
