@@ -70,7 +70,8 @@ def check_shared_object(arguments):
 
 
 def check_loading(arguments, headers):
-    check("RELRO" in headers and re.search(r"^\s*FLAGS_1\s+0x0*1$", headers, re.M), "tables are bound early, then read-only")
+    early = re.search(r"^\s*FLAGS_1\s+0x0*1$", headers, re.M)
+    check("RELRO" in headers and early, "tables are bound early, then read-only")
     check(re.search(r"STACK.*\n.*flags rw-$", headers, re.M), "the stack is not executable")
     used = run(arguments.nm, "-D", "--undefined-only", arguments.library)
     check("__stack_chk_fail" in used, "watches the stack")
