@@ -11,11 +11,11 @@
 #include "Src/HostCall.h"
 #include "Src/OperationGuard.h"
 #include "Src/QXIP.h"
+#include "Src/TInternetSession.h"
 #include "framework/File.h"
 #include "framework/internet/HttpConnection.h"
 #include "framework/internet/HttpFile.h"
 #include "framework/internet/InternetException.h"
-#include "framework/internet/InternetSession.h"
 #include "framework/internet/http/HttpUrl.h"
 #include "framework/platform/file.h"
 #include "framework/platform/modal_message.h"
@@ -102,14 +102,15 @@ class HttpDownload {
 
   TQXIP& m_client;
   const Target m_target;
-  CInternetSession m_session{nullptr, kContext};
+  TInternetSession m_session;
   std::unique_ptr<CHttpConnection> m_connection;
   std::unique_ptr<CHttpFile> m_request;
   std::uint32_t m_status = kOk;  // stays what it was when a response tells none
   bool m_cancelled = false;
 };
 
-HttpDownload::HttpDownload(TQXIP& client, const Target& target) : m_client(client), m_target(target) {
+HttpDownload::HttpDownload(TQXIP& client, const Target& target)
+    : m_client(client), m_target(target), m_session(client.m_pErrorInfo, &client, nullptr) {
   m_session.SetOption(internet::kOptionConnectTimeout, kConnectTimeoutMs);
   m_session.SetOption(internet::kOptionConnectBackoff, kConnectBackoffMs);
   m_session.SetOption(internet::kOptionConnectRetries, kConnectRetries);

@@ -16,6 +16,7 @@
 #include "framework/platform/last_error.h"
 
 enum class Slot : std::size_t {
+  OnStatus = 17,
   FTPGetDirectory = 31,
   FTPDownloadFile = 32,
   FTPUploadFile = 33,

@@ -3,6 +3,7 @@
 
 #include "Src/OperationGuard.h"
 #include "Src/QXIP.h"
+#include "Src/SlotRetry.h"
 #include "framework/internet/net/InternetErrors.h"
 
 TInternetSession::TInternetSession(QXErrorInfo* pErrorInfo, TQXIP* pQXIP, StatusDispatcher dispatcher)
@@ -15,6 +16,18 @@ TInternetSession::~TInternetSession() { Close(); }
 void TInternetSession::OnStatusCallback(std::uintptr_t context, std::uint32_t status, void* information,
                                         std::uint32_t informationLength) {
   if (m_dispatcher != nullptr) m_dispatcher(m_owner, context, status, information, informationLength);
+}
+
+bool TInternetSession::WantsProtocol() const noexcept {
+  // A thread that is asked to stop may have outlived its client.
+  if (platform::stopRequested()) return false;
+  return m_owner.pQXIP != nullptr && !HasOwnSlot(*m_owner.pQXIP, Slot::OnStatus);
+}
+
+void TInternetSession::OnProtocolLine(const char* line) {
+  if (!WantsProtocol()) return;
+  const AFX_MAINTAIN_STATE2 moduleState(AfxGetAppModuleState());
+  m_owner.pQXIP->OnStatus(line);
 }
 
 void DispatchStatus(const SessionOwner& owner, std::uintptr_t /*context*/, std::uint32_t status,

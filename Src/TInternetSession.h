@@ -18,11 +18,15 @@ using StatusDispatcher = void (*)(const SessionOwner& owner, std::uintptr_t cont
 
 class TInternetSession : public CInternetSession {
  public:
+  // Without a dispatcher its notifications reach nobody.
   TInternetSession(QXErrorInfo* pErrorInfo, TQXIP* pQXIP, StatusDispatcher dispatcher);
   ~TInternetSession() override;  // closes while its notifications still reach the client
 
   void OnStatusCallback(std::uintptr_t context, std::uint32_t status, void* information,
                         std::uint32_t informationLength) override;
+  // To the client's OnStatus, where that is a function of the host's own.
+  [[nodiscard]] bool WantsProtocol() const noexcept override;
+  void OnProtocolLine(const char* line) override;
 
  private:
   SessionOwner m_owner;

@@ -100,6 +100,10 @@ class TQXIPIFInt {
   virtual void OnSuccess() = 0;
   virtual void OnTransactionStart() = 0;
   virtual void OnTransactionStop() = 0;
+  // The protocol, line by line, for a host that puts a function of its own here: "> USER name", "> PASS ****",
+  // "< 230 Welcome", "* connected to 192.0.2.1:21". pszText lives for the call alone. On the thread that does
+  // the work, the caller's or one of the library's; lines that come while data moves are told when it rests. No
+  // password is ever in them. What the library itself does here: nothing.
   virtual void OnStatus(const char* pszText) = 0;
   virtual void OnNotify(QXHostValue nValue) = 0;
   // Asked by the waiting caller's thread on every turn. Not 0 cancels the operation; *pbReconnect = 1

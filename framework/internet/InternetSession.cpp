@@ -53,6 +53,10 @@ struct CInternetSession::Impl final : internet::SessionLink {
     if (owner && callbackEnabled) owner->OnStatusCallback(context, status, information, length);
   }
   [[nodiscard]] internet::Timeouts timeouts() const noexcept override { return currentTimeouts; }
+  [[nodiscard]] bool wantsProtocol() const noexcept override { return owner && owner->WantsProtocol(); }
+  void protocolLine(const char* line) override {
+    if (owner) owner->OnProtocolLine(line);
+  }
 
   CInternetSession* owner = nullptr;  // null after the session's end
   std::uintptr_t context = 1;
@@ -165,3 +169,7 @@ const internet::Timeouts& CInternetSession::GetTimeouts() const noexcept { retur
 std::uintptr_t CInternetSession::GetContext() const noexcept { return m_impl->context; }
 
 void CInternetSession::OnStatusCallback(std::uintptr_t, std::uint32_t, void*, std::uint32_t) {}
+
+bool CInternetSession::WantsProtocol() const noexcept { return false; }
+
+void CInternetSession::OnProtocolLine(const char*) {}

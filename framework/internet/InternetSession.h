@@ -60,6 +60,11 @@ class CInternetSession {
   virtual void OnStatusCallback(std::uintptr_t context, std::uint32_t status, void* information,
                                 std::uint32_t informationLength);
 
+  // The lines of the protocol (net/ProtocolLog.h), one by one, as OnStatusCallback is called, and of file
+  // connections' requests, too; in the process's code page, without a line end. Asked before each.
+  [[nodiscard]] virtual bool WantsProtocol() const noexcept;
+  virtual void OnProtocolLine(const char* line);
+
  private:
   struct Impl;
   std::shared_ptr<Impl> m_impl;

@@ -155,6 +155,10 @@ QXBool EndingClient::OnPoll(QXHostValue nPollArg1, QXHostValue nPollArg2, QXHost
   return tellAfter("OnPoll", [&] { return TQXIP::OnPoll(nPollArg1, nPollArg2, nTransfer, pbReconnect); });
 }
 
+void EndingClient::OnStatus(const char* pszText) {
+  tellAfter("OnStatus", [&] { return TQXIP::OnStatus(pszText), 0; });
+}
+
 void EndingClient::OnStatusText(const char* pszText) {
   tellAfter("OnStatusText", [&] { return TQXIP::OnStatusText(pszText), 0; });
 }

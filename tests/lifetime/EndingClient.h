@@ -83,6 +83,7 @@ class EndingClient final : public TQXIP {
   void OnNotify(QXHostValue nValue) override;
   QXBool OnPoll(QXHostValue nPollArg1, QXHostValue nPollArg2, QXHostValue nTransfer,
                 QXBool* pbReconnect) override;
+  void OnStatus(const char* pszText) override;
   void OnStatusText(const char* pszText) override;
   QXBool FTPReConnect(std::uint32_t nRetries, QXHostValue nValue) override;
   QXBool FTPDestroyFileContent(const char* pszPath, std::uint32_t nMethod, std::uint32_t nRetries,

@@ -55,6 +55,7 @@ void ControlChannel::sendAhead(std::string_view line, ReplyHandler handler) noex
   try {
     window_.ahead(line, std::move(handler));
     const std::string bytes = window_.takeSendable();
+    log().sent(bytes);
     const auto sent = sock_->send(bytes.data(), bytes.size());
     if (sent.status != IoStatus::done || sent.bytes != bytes.size()) drop();
   } catch (...) {
@@ -89,6 +90,7 @@ void ControlChannel::transmit() {
 }
 
 void ControlChannel::transmit(std::string_view bytes) {
+  log().sent(bytes);
   const IoStatus status = sendAll(*sock_, bytes, Deadline(dialer_.timeouts().reply));
   if (status != IoStatus::done) closeWith(sock_->failureOf(status));
 }
@@ -154,6 +156,7 @@ std::optional<FtpReply> ControlChannel::takeReply() {
     if (reader_.broken()) closeWith(kInvalidServerResponse);
     return std::nullopt;
   }
+  log().received(reply->text);
   if (reply->code == 421) {
     closeWith(kConnectionAborted, std::move(reply->text));
   } else if (tooMany(*reply)) {
@@ -278,7 +281,9 @@ void ControlChannel::drop() noexcept {
 void ControlChannel::quit() noexcept {
   constexpr std::string_view kQuit = "QUIT\r\n";
   // Whether it arrives makes no difference: the server sees the connection end either way.
-  if (isOpen() && !awaiting_) static_cast<void>(sock_->send(kQuit.data(), kQuit.size()));
+  if (isOpen() && !awaiting_ && sock_->send(kQuit.data(), kQuit.size()).status == IoStatus::done) {
+    log().sent(kQuit);
+  }
   drop();
 }
 

@@ -57,6 +57,8 @@ class ControlChannel {
   // A reply is here already, or what can be none, so readInterest() may never become ready for it.
   [[nodiscard]] bool replyReady() const noexcept { return reader_.replyReady() || reader_.broken(); }
 
+  // Where the lines of this connection are told.
+  [[nodiscard]] ProtocolLog& log() noexcept { return dialer_.log(); }
   // The server is known to take single lines.
   void sendSingly() noexcept { window_.sendSingly(); }
   // Called when that is found out.

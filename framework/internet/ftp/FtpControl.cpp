@@ -36,6 +36,7 @@ FtpControl::FtpControl(std::shared_ptr<SessionLink> session, FtpLogin login)
       traitsKey_(traitsKeyOf(login_)),
       channel_(session_),
       traits_(cachedTraits(traitsKey_)) {
+  channel_.log().hide(login_.password);
   channel_.onSingleLines([this] { learn([](FtpTraits& traits) { traits.singleLines = true; }); });
 }
 

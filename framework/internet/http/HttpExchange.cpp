@@ -18,6 +18,8 @@ using platform::IoStatus;
 
 namespace {
 
+std::string_view firstLine(std::string_view lines) noexcept { return lines.substr(0, lines.find('\r')); }
+
 std::string_view nameOf(std::string_view line) noexcept { return line.substr(0, line.find(':')); }
 
 }  // namespace
@@ -63,7 +65,9 @@ void HttpExchange::exchangeHeads() {
   dialer_.notify(kStatusConnected);
   dialer_.notify(kStatusSendingRequest);
   require(State::sent);
-  const IoStatus status = sendAll(*sock_, request(), Deadline(dialer_.timeouts().reply));
+  const std::string lines = request();
+  dialer_.log().sent(firstLine(lines));
+  const IoStatus status = sendAll(*sock_, lines, Deadline(dialer_.timeouts().reply));
   if (status != IoStatus::done) throw sock_->failureOf(status);
   dialer_.notify(kStatusRequestSent);
   dialer_.notify(kStatusReceivingResponse);
@@ -74,6 +78,7 @@ void HttpExchange::exchangeHeads() {
   }
   state_ = State::answered;
   silence_ = Deadline(dialer_.timeouts().data);
+  dialer_.log().received(firstLine(response_.head().raw));
   dialer_.notify(kStatusResponseReceived);
 }
 

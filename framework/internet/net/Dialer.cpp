@@ -11,7 +11,17 @@
 
 namespace internet {
 
-Dialer::Dialer(std::shared_ptr<SessionLink> session) noexcept : session_(std::move(session)) {}
+namespace {
+
+std::string endpointText(const platform::SocketAddress& address) {
+  const std::string host = addressText(address);
+  return (address.v6 ? '[' + host + ']' : host) + ':' + std::to_string(address.port);
+}
+
+}  // namespace
+
+Dialer::Dialer(std::shared_ptr<SessionLink> session) noexcept
+    : session_(std::move(session)), log_(session_) {}
 
 std::unique_ptr<Sock> Dialer::connect(const std::string& server, std::uint16_t port) {
   const Timeouts limits = timeouts();
@@ -37,6 +47,7 @@ std::unique_ptr<Sock> Dialer::attempt(const std::string& server, std::uint16_t p
   if (!sock) fail(deadline.passed() ? kTimeout : kCannotConnect);
   sock->socket().keepAlive();
   sock->socket().noDelay();
+  if (const auto peer = sock->socket().peerAddress()) log_.note("connected to " + endpointText(*peer));
   return sock;
 }
 
@@ -58,11 +69,16 @@ void Dialer::reportEnd() noexcept {
 }
 
 void Dialer::notify(std::uint32_t status, std::string text) {
-  if (muted_ || platform::stopRequested()) return;
+  if (platform::stopRequested()) return;
+  const auto session = session_;
+  const bool muted = muted_;
+  log_.deliver();
+  // A host may have ended the operation on hearing the log.
+  if (muted || platform::stopRequested()) return;
   if (text.empty()) {
-    session_->notify(status, nullptr, 0);
+    session->notify(status, nullptr, 0);
   } else {
-    session_->notify(status, text.data(), static_cast<std::uint32_t>(text.size() + 1));
+    session->notify(status, text.data(), static_cast<std::uint32_t>(text.size() + 1));
   }
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "framework/internet/net/ProtocolLog.h"
 #include "framework/internet/net/SessionLink.h"
 #include "framework/internet/net/Sock.h"
 
@@ -24,17 +25,19 @@ class Dialer {
   void reportClosed();
   // The last words of what was made on the session: 50 and 51 as above, then 70. Keeps the last error.
   void reportEnd() noexcept;
-  // Silent on a thread that was asked to stop.
+  // Hands on what the log has kept, then reports. Silent on a thread that was asked to stop.
   void notify(std::uint32_t status, std::string text = {});
-  // While muted nothing is reported, and what stands announced or closed stays as it was.
+  // While muted nothing is reported but the log, and what stands announced or closed stays as it was.
   void mute(bool muted) noexcept { muted_ = muted; }
 
+  [[nodiscard]] ProtocolLog& log() noexcept { return log_; }
   [[nodiscard]] Timeouts timeouts() const noexcept { return session_->timeouts(); }
 
  private:
   std::unique_ptr<Sock> attempt(const std::string& server, std::uint16_t port, const Deadline& deadline);
 
   std::shared_ptr<SessionLink> session_;
+  ProtocolLog log_;
   bool announced_ = false;  // 20 was reported, 50 and 51 not yet
   bool muted_ = false;
 };
