@@ -53,7 +53,8 @@ class Client:
 
 
 def look_around(client):
-    done = client.run("connect")
+    done = client.run("--verbose", "connect")
+    judge("> PASS ****" in done.stderr, "tells the protocol, without the password")
     judge(done.returncode == 0 and "connected" in done.stdout, "logged in and out")
     done = client.run("ls", "/pub")
     names = {line.split()[-1] for line in done.stdout.splitlines()[:-1]}

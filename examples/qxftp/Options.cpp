@@ -17,8 +17,13 @@ std::uint32_t parsePort(const std::string& text) {
 
 // True when `name` is a switch, which stands alone.
 bool takeSwitch(Options& options, const std::string& name) {
-  if (name != "--passive" && name != "--active") return false;
-  options.passive = name == "--passive";
+  if (name == "--verbose") {
+    options.verbose = true;
+  } else if (name == "--passive" || name == "--active") {
+    options.passive = name == "--passive";
+  } else {
+    return false;
+  }
   return true;
 }
 

@@ -15,6 +15,7 @@ struct Options {
   std::string password = "anonymous@";
   std::uint32_t port = 21;
   QXBool passive = 1;
+  bool verbose = false;
   std::string command;
   std::vector<std::string> arguments;  // of the command
 };

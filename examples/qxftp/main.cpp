@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "examples/host/ClientLibrary.h"
+#include "examples/host/PatchedTable.h"
 #include "examples/qxftp/Commands.h"
 #include "examples/qxftp/Options.h"
 
@@ -16,7 +17,7 @@ int usage(const char* problem) {
   std::fprintf(stderr,
                "qxftp: %s\n"
                "usage: qxftp [--library FILE] [--host H] [--port P] [--user U] [--password W]\n"
-               "             [--passive|--active] COMMAND\n"
+               "             [--passive|--active] [--verbose] COMMAND\n"
                "commands:\n",
                problem);
   for (const Command& command : commands()) {
@@ -34,12 +35,18 @@ void printFailure(const Session& session) {
   }
 }
 
+// Slot 17, which gets the protocol line by line.
+void printLine(TQXIPIFInt* /*client*/, const char* line) { std::fprintf(stderr, "%s\n", line); }
+
 int run(const Options& options, const Command& command) {
   const ClientLibrary library(options.library.empty() ? programFolder() + clientLibraryName()
                                                       : options.library);
   QXErrorInfo error{};
   const Client client = makeClient(library, &error);
   if (client == nullptr) throw std::runtime_error("the library makes no client");
+  PatchedTable table(client.get());
+  constexpr std::size_t kOnStatus = 17;
+  if (options.verbose) table.replace(kOnStatus, &printLine);
   client->FTPSetLogin(options.host.c_str(), options.user.c_str(), options.password.c_str(), options.port,
                       options.passive);
   const Session session{*client, error, options};

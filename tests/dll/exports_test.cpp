@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The exported functions: creation, freeing and the module-wide count.
+#include "examples/host/PatchedTable.h"
 #include "tests/dll/library.h"
-#include "tests/dll/patched_table.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "examples/host/PatchedTable.h"
 #include "tests/dll/library.h"
-#include "tests/dll/patched_table.h"
 
 namespace {
 

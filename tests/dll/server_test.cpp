@@ -6,8 +6,8 @@
 #include <thread>
 #include <vector>
 
+#include "examples/host/PatchedTable.h"
 #include "tests/dll/library.h"
-#include "tests/dll/patched_table.h"
 #include "tests/support/Fixture.h"
 #include "tests/support/Pattern.h"
 #include "tests/support/ScratchFolder.h"

@@ -3,13 +3,15 @@
 // this.
 #pragma once
 
+#include <cstddef>
 #include <cstring>
 
-#include "tests/dll/library.h"
+#include "QXIPInt.h"
 
 class PatchedTable {
  public:
-  explicit PatchedTable(TQXIPIFInt* client) : m_client(client), m_original(fieldAt<void**>(client, 0)) {
+  explicit PatchedTable(TQXIPIFInt* client) : m_client(client) {
+    std::memcpy(&m_original, static_cast<const void*>(client), sizeof m_original);
     std::memcpy(m_entries, m_original - kBefore, sizeof m_entries);
     use(m_entries + kBefore);
   }
@@ -29,6 +31,6 @@ class PatchedTable {
 
   static constexpr std::size_t kBefore = 2;  // what compilers keep in front of the slots
   TQXIPIFInt* m_client;
-  void** m_original;
+  void** m_original = nullptr;
   void* m_entries[kBefore + 51];
 };
