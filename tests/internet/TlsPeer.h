@@ -3,11 +3,13 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
 #include <memory>
-#include <optional>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 
 #include "framework/internet/net/Failure.h"
+#include "framework/internet/net/InternetErrors.h"
 #include "framework/internet/net/Sock.h"
 #include "framework/internet/tls/TlsSock.h"
 #include "tests/support/Fixture.h"
@@ -15,11 +17,27 @@
 namespace internet::tls_testing {
 
 inline constexpr std::chrono::milliseconds kLong{60'000};
-
-std::unique_ptr<Sock> connectTo(const fixture::Server& server);
+// Wine's TLS does not, Windows' does.
+inline constexpr bool kSystemResumes = std::filesystem::path::preferred_separator == '/';
 
 // The name that the fixture's good certificate was made out to.
 inline constexpr const char* kName = "localhost";
+
+std::unique_ptr<Sock> connectTo(const fixture::Server& server);
+std::unique_ptr<Sock> secured(TlsLogin& login, const fixture::Server& server,
+                              platform::TlsUse use = platform::TlsUse::control);
+
+// A server whose authority is trusted, and a login at it.
+struct Peer {
+  explicit Peer(std::string_view script, const TlsPolicy& policy = {}, const char* name = kName);
+  std::unique_ptr<Sock> control() { return secured(*login, server); }
+  std::unique_ptr<Sock> data() { return secured(*login, server, platform::TlsUse::data); }
+  // How its connection of that number has ended: "how", "bytes", "sha256", "received".
+  [[nodiscard]] nlohmann::json closed(int connection) const;
+
+  fixture::ScriptedTls server;
+  std::unique_ptr<TlsLogin> login;
+};
 
 // Runs `work`, which is to fail.
 template <class Work>
@@ -32,14 +50,13 @@ Failure failureOf(Work&& work) {
   return {0, "no failure"};
 }
 
-std::unique_ptr<Sock> secured(TlsLogin& login, const fixture::Server& server,
-                              platform::TlsUse use = platform::TlsUse::control);
-
 // Everything up to the end of the stream, and how that was.
 struct Received {
   std::string bytes;
   platform::IoStatus end = platform::IoStatus::wouldBlock;
 };
 Received receiveAll(Sock& sock);
+
+std::string sha256Of(std::string_view bytes);
 
 }  // namespace internet::tls_testing

@@ -3,31 +3,23 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <nlohmann/json.hpp>
+#include <vector>
 
 #include "tests/internet/TlsPeer.h"
 #include "tests/support/Pattern.h"
-#include "tests/support/TestTrust.h"
 
 namespace internet::tls_testing {
 namespace {
 
 using platform::IoStatus;
 using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::Not;
 using ::testing::StartsWith;
 
-// A server, and a login at it.
-struct Peer {
-  explicit Peer(const char* script, const TlsPolicy& policy = {}) : server(script) {
-    testing_support::trustTestAuthority();
-    login.emplace(kName, policy);
-  }
-  std::unique_ptr<Sock> control() { return secured(*login, server); }
-  std::unique_ptr<Sock> data() { return secured(*login, server, platform::TlsUse::data); }
-
-  fixture::ScriptedTls server;
-  std::optional<TlsLogin> login;
-};
+constexpr std::uint64_t kMegabytes = 3'000'000;
 
 TEST(TlsStream, BytesGoBothWays) {
   Peer peer(R"({"connections": [{"steps": [{"send": {"text": "220 Welcome"}}, {"receive": 4},
@@ -37,8 +29,68 @@ TEST(TlsStream, BytesGoBothWays) {
   const Received all = receiveAll(*sock);
   EXPECT_EQ(all.bytes, "220 Welcome");
   EXPECT_EQ(all.end, IoStatus::closed);
-  peer.server.waitUntilClosed(1);
-  EXPECT_EQ(peer.server.log().at("closed").at(0).at("received"), "QUIT");
+  EXPECT_EQ(peer.closed(1).at("received"), "QUIT");
+}
+
+TEST(TlsStream, CarriesMegabytesInRecordsOfAnySize) {
+  Peer peer(R"({"connections": [
+      {"steps": [{"send": {"size": 3000000, "seed": 5}}, {"say_closed": true}]},
+      {"steps": [{"send": {"size": 20000, "seed": 5}, "record": 1}, {"say_closed": true}]}]})");
+  const testing_support::Pattern pattern(5);
+  for (const std::uint64_t size : {kMegabytes, std::uint64_t{20'000}}) {
+    const auto sock = peer.data();
+    const Received all = receiveAll(*sock);
+    EXPECT_EQ(all.bytes.size(), size);
+    EXPECT_TRUE(pattern.matches(0, all.bytes.data(), all.bytes.size()));
+    EXPECT_EQ(all.end, IoStatus::closed);
+  }
+}
+
+// The caller waits for the socket, which does not know of bytes that the stream holds back.
+TEST(TlsStream, NothingReadableIsHeldBack) {
+  Peer peer(
+      R"({"connections": [{"steps": [{"send": {"size": 5000, "seed": 1}, "record": 100}, {"gate": "g"}]}]})");
+  const auto sock = peer.data();
+  std::vector<char> buffer(5000);
+  std::size_t got = 0;
+  while (got < buffer.size()) {
+    // Pieces that fit no record.
+    const auto some = receiveSome(
+        *sock, std::span(buffer).subspan(got, std::min<std::size_t>(777, 5000 - got)), Deadline(kLong));
+    ASSERT_EQ(some.status, IoStatus::done);
+    got += some.bytes;
+  }
+  EXPECT_TRUE(testing_support::Pattern(1).matches(0, buffer.data(), buffer.size()));
+  EXPECT_EQ(sock->receive(buffer.data(), buffer.size()).status, IoStatus::wouldBlock);
+}
+
+TEST(TlsStream, APeerThatReadsLateGetsEverything) {
+  Peer peer(R"({"connections": [{"steps": [{"gate": "g"}, {"receive_all": true}]}]})");
+  const auto sock = peer.data();
+  std::string sent;
+  std::vector<char> block(100'000);
+  const testing_support::Pattern pattern(9);
+  for (;;) {
+    pattern.fill(sent.size(), block.data(), block.size());
+    const auto result = sock->send(block.data(), block.size());
+    if (result.status == IoStatus::wouldBlock) break;
+    ASSERT_EQ(result.status, IoStatus::done);
+    sent.append(block.data(), result.bytes);
+    block.assign(block.size(), '\0');  // the stream has a copy
+  }
+  EXPECT_TRUE(sock->interest(true, false).write) << "there are bytes that wait for room";
+  peer.server.release("g");
+  IoStatus ended = IoStatus::wouldBlock;
+  while ((ended = sock->shutdownSend()) == IoStatus::wouldBlock) {
+    std::array watched{sock->interest(false, true)};
+    ASSERT_TRUE(wait(watched, Deadline(kLong)));
+  }
+  EXPECT_EQ(ended, IoStatus::done);
+  EXPECT_FALSE(sock->interest(true, false).write);
+  const auto closed = peer.closed(1);
+  EXPECT_EQ(closed.at("how"), "done") << "the end was announced";
+  EXPECT_EQ(closed.at("bytes"), sent.size());
+  EXPECT_EQ(closed.at("sha256"), sha256Of(sent));
 }
 
 TEST(TlsStream, AnEndThatWasNotAnnouncedIsABreak) {
@@ -47,14 +99,94 @@ TEST(TlsStream, AnEndThatWasNotAnnouncedIsABreak) {
   const Received all = receiveAll(*sock);
   EXPECT_EQ(all.bytes, "half");
   EXPECT_EQ(all.end, IoStatus::reset);
+  EXPECT_EQ(sock->failureOf(all.end).error, kConnectionReset);
+  char more = 0;
+  EXPECT_EQ(sock->receive(&more, 1).status, IoStatus::reset) << "once ended, for good";
+}
+
+TEST(TlsStream, AnEndOfOursIsAnnouncedOnce) {
+  Peer peer(
+      R"({"connections": [{"steps": [{"receive_all": true}, {"send": {"text": "226"}}, {"say_closed": true}]}]})");
+  const auto sock = peer.control();
+  EXPECT_EQ(sock->shutdownSend(), IoStatus::done);
+  EXPECT_EQ(sock->shutdownSend(), IoStatus::done);
+  const Received all = receiveAll(*sock);
+  EXPECT_EQ(all.bytes, "226") << "the peer's stream goes on";
+  EXPECT_EQ(all.end, IoStatus::closed);
+  EXPECT_EQ(peer.closed(1).at("how"), "done");
+}
+
+TEST(TlsStream, ABrokenConnectionIsNoFaultOfTheEncryption) {
+  Peer peer(R"({"connections": [{"steps": [{"send": {"text": "a"}}], "end": "reset"}]})");
+  const auto sock = peer.control();
+  EXPECT_EQ(receiveAll(*sock).end, IoStatus::reset);
+}
+
+TEST(TlsStream, ARecordThatCannotBeReadIsAFaultOfTheEncryption) {
+  Peer peer(
+      R"({"connections": [{"steps": [{"send": {"text": "220"}},
+           {"raw": "\u0017\u0003\u0003\u0000\u0020not a record of ours and not long either"},
+                                           {"gate": "g"}]}]})");
+  const auto sock = peer.control();
+  const Received all = receiveAll(*sock);
+  EXPECT_EQ(all.bytes, "220");
+  EXPECT_EQ(all.end, IoStatus::failed);
+  const Failure failure = sock->failureOf(all.end);
+  EXPECT_EQ(failure.error, kSecureChannelFailed);
+  EXPECT_THAT(failure.serverText, StartsWith("The encryption of the connection has failed"));
 }
 
 TEST(TlsStream, TellsWhatItIs) {
   Peer peer("{}");
   peer.control();
   EXPECT_THAT(peer.login->description(), StartsWith("TLS 1."));
-  EXPECT_THAT(peer.login->description(), ::testing::HasSubstr(", TLS_"));
+  EXPECT_THAT(peer.login->description(), HasSubstr(", TLS_"));
+  EXPECT_THAT(peer.login->description(), Not(HasSubstr("resumed")));
 }
+
+TEST(TlsStream, SpeaksTls12AloneWhereThatIsWanted) {
+  TlsPolicy older;
+  older.onlyTls12 = true;
+  Peer peer("{}", older);
+  peer.control();
+  EXPECT_THAT(peer.login->description(), StartsWith("TLS 1.2, TLS_ECDHE_"));
+}
+
+// Several servers refuse data connections that do not resume the control connection's session, and whatever
+// descends from another data connection's, too.
+class DataStreams : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(DataStreams, AllResumeTheControlConnectionsSession) {
+  if (!kSystemResumes) GTEST_SKIP() << "Wine resumes no sessions";
+  constexpr int kData = 6;
+  Peer peer(std::string(R"({"newest": ")") + GetParam() +
+            R"(", "connections": [{"steps": [{"send": {"text": "220"}}, {"receive_all": true}]},
+                                 {"steps": [{"send": {"text": "data"}}, {"say_closed": true}]}]})");
+  const auto control = peer.control();
+  std::array<char, 16> buffer;
+  ASSERT_EQ(receiveSome(*control, buffer, Deadline(kLong)).bytes, 3U);
+  for (int i = 0; i < kData; ++i) {
+    EXPECT_EQ(receiveAll(*peer.data()).bytes, "data");
+    EXPECT_THAT(peer.login->description(), EndsWith(", resumed"));
+  }
+  const auto handshakes = peer.server.log().at("handshakes");
+  ASSERT_EQ(handshakes.size(), 1U + kData);
+  for (const auto& handshake : handshakes)
+    EXPECT_EQ(handshake.at("resumed"), handshake.at("connection") != 1);
+}
+
+// A login of its own is a session of its own.
+TEST_P(DataStreams, DoNotResumeAnotherLoginsSession) {
+  Peer peer(std::string(R"({"newest": ")") + GetParam() +
+            R"(", "connections": [{"steps": [{"send": {"text": "220"}}]}]})");
+  receiveAll(*peer.control());
+  TlsLogin another(kName, {});
+  secured(another, peer.server);
+  EXPECT_THAT(another.description(), Not(HasSubstr("resumed")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Versions, DataStreams, ::testing::Values("1.2", "1.3"),
+                         [](const auto& version) { return version.param[2] == '2' ? "Tls12" : "Tls13"; });
 
 }  // namespace
 }  // namespace internet::tls_testing

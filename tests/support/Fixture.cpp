@@ -197,6 +197,8 @@ void ScriptedHttp::release(const std::string& gate) const { ask("release", {{"ga
 
 ScriptedTls::ScriptedTls(std::string_view script) : Server("tls-script", parsed(script)) {}
 
+std::string ScriptedTls::fingerprint() const { return started().at("fingerprint"); }
+
 void ScriptedTls::waitAtGate(const std::string& gate) const { waitFor(json{{"waiting", gate}}.dump()); }
 
 void ScriptedTls::release(const std::string& gate) const { ask("release", {{"gate", gate}}); }

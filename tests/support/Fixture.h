@@ -157,6 +157,9 @@ class ScriptedTls : public Server {
   // `script` is JSON; {} shakes hands and ends the connection.
   explicit ScriptedTls(std::string_view script = "{}");
 
+  // SHA-256 of its certificate, in hex.
+  [[nodiscard]] std::string fingerprint() const;
+
   void waitAtGate(const std::string& gate) const;
   void release(const std::string& gate) const;
   // Waits until `count` connections have ended.
