@@ -36,20 +36,21 @@ const char* bareHostName(const char* host) {
 
 }  // namespace
 
-// A text that does not fit leaves its field empty, because half a name is another name.
 void TQXIP::StoreLogin(const char* pszHost, const char* pszUser, const char* pszPassword, std::uint32_t nPort,
                        QXBool bPassive) noexcept {
-  if (pszHost != nullptr) m_tooLong.host = !StoreText(m_RemoteSystem, bareHostName(pszHost));
-  if (pszUser != nullptr) m_tooLong.user = !StoreText(m_UserName, pszUser);
-  if (pszPassword != nullptr) m_tooLong.password = !StoreText(m_Password, pszPassword);
+  if (pszHost != nullptr) m_hostText.Store(bareHostName(pszHost));
+  if (pszUser != nullptr) m_userText.Store(pszUser);
+  if (pszPassword != nullptr) m_passwordText.Store(pszPassword);
   m_nPort = nPort;
   m_bPassive = bPassive;
 }
 
 bool TQXIP::LoginFits() const noexcept {
-  const auto missing = [](bool tooLong, const char* field) { return tooLong && *field == '\0'; };
-  return !missing(m_tooLong.host, m_RemoteSystem) && !missing(m_tooLong.user, m_UserName) &&
-         !missing(m_tooLong.password, m_Password);
+  return m_hostText.Fits() && m_userText.Fits() && m_passwordText.Fits();
+}
+
+LoginTexts TQXIP::Login() const noexcept {
+  return {m_hostText.Text(), m_userText.Text(), m_passwordText.Text()};
 }
 
 QXBool TQXIP::FTPSetLogin(const char* pszHost, const char* pszUser, const char* pszPassword,

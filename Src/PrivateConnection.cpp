@@ -12,8 +12,9 @@ bool MayLogIn(const TQXIP& client) noexcept {
 
 CFtpConnection* OpenFtpConnection(TQXIP& client, CInternetSession& session, Raised* pRaised) {
   if (!MayLogIn(client)) return nullptr;
+  const LoginTexts login = client.Login();
   return GuardInternet(client, nullptr, pRaised, [&] {
-    return session.GetFtpConnection(client.m_RemoteSystem, client.m_UserName, client.m_Password,
+    return session.GetFtpConnection(login.host, login.user, login.password,
                                     static_cast<std::uint16_t>(client.m_nPort), client.m_bPassive != 0);
   });
 }

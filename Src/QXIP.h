@@ -6,6 +6,14 @@
 #pragma once
 
 #include "QXIPInt.h"
+#include "Src/LoginText.h"
+
+// The texts that a client logs in with.
+struct LoginTexts {
+  const char* host;
+  const char* user;
+  const char* password;
+};
 
 class TQXIP : public TQXIPIFInt {
  public:
@@ -87,8 +95,9 @@ class TQXIP : public TQXIPIFInt {
   QXBool FTPFreeFileAPI(void* pData) override;
   QXBool FTPRenameFile(const char* pszOld, const char* pszNew, std::uint32_t nRetries) override;
 
-  // False while a login text that its field could not hold is missing there: what is left is a login that
-  // nobody meant. A host that writes the field itself has mended it.
+  [[nodiscard]] LoginTexts Login() const noexcept;
+  // False while a login text is missing because it was too long. A host that writes the field itself has
+  // mended it.
   [[nodiscard]] bool LoginFits() const noexcept;
 
  protected:
@@ -104,10 +113,7 @@ class TQXIP : public TQXIPIFInt {
   void OpenConnection(TInternetSession& session);
 
   bool m_ending = false;  // destroyed once, whatever the reference count does meanwhile
-  // The login texts that did not fit when they were stored.
-  struct {
-    bool host = false;
-    bool user = false;
-    bool password = false;
-  } m_tooLong;
+  LoginText m_hostText{m_RemoteSystem, 255};
+  LoginText m_userText{m_UserName, 255};
+  LoginText m_passwordText{m_Password, 1023};
 };

@@ -133,13 +133,16 @@ class TQXIPIFInt {
                                 QXHostValue nValue) = 0;                       // not supported: 0
   virtual QXBool FTPSetProxy(const char* pszProxy, std::uint32_t nValue) = 0;  // not supported: 0
   // Stores login data; null user or password keeps what is stored. The host is a name or an address, perhaps
-  // behind "ftp://"; an address of IPv6 may stand in brackets ("[::1]", "[fe80::1%eth0]"). A text that does
-  // not fit its field leaves the field empty, and until the text is replaced no operation logs in: each fails
-  // with 87. Always 1.
+  // behind "ftp://"; an address of IPv6 may stand in brackets ("[::1]", "[fe80::1%eth0]"). Texts of at most
+  // 255 characters (host, user) and 1023 (password) are kept whole. Where a field is too short for its text
+  // it shows the beginning, up to a whole character, and the whole counts for as long as the field is left
+  // alone; the field itself, given here again, stands for the whole. What a host writes into a field counts
+  // from then on. A longer text leaves its field empty, and until the text is replaced no operation logs in:
+  // each fails with 87. Always 1.
   virtual QXBool FTPSetLogin(const char* pszHost, const char* pszUser, const char* pszPassword,
                              std::uint32_t nPort, QXBool bPassive) = 0;
   // Stores login data and connects. pSession: a session to use for this call instead of the object's own, or
-  // null. Fails, without connecting, when a login text does not fit its field.
+  // null. Fails, without connecting, when a login text is too long (slot 25).
   // Finders work on this connection, those of the queries and listings and a host's own. Where the server has
   // closed it, for its idleness for one, they log in again, once in a search and without events, and go on; a
   // log-in that fails is the failure of the search.
@@ -245,7 +248,7 @@ class TQXIPIFInt {
   QXBool m_bOption;  // 1: listings search the bare pattern in the server's current directory
   QXTransfer m_Transfer;
   QXDirEntry* m_pFileBuffer;  // a pending listing
-  char m_RemoteSystem[33];    // host name without scheme
+  char m_RemoteSystem[33];    // host name without scheme; it and the next two may show a beginning (slot 25)
   char m_UserName[65];
   char m_Password[258];
   std::uint32_t m_nPort;

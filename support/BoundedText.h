@@ -43,13 +43,3 @@ class BoundedText {
 // Every path of the client is held in such a text.
 inline constexpr std::size_t kPathCapacity = 256;
 using PathText = BoundedText<kPathCapacity>;
-
-// Copies `text`, which may stand in the field itself, into a fixed field. A text that does not fit leaves the
-// field empty (false).
-template <std::size_t Capacity>
-[[nodiscard]] bool StoreText(char (&field)[Capacity], const char* text) noexcept {
-  const std::size_t length = std::strlen(text);
-  const bool fits = length < Capacity;
-  std::memmove(field, fits ? text : "", fits ? length + 1 : 1);
-  return fits;
-}

@@ -39,6 +39,10 @@ namespace hosttext {
 [[nodiscard]] std::size_t characterSize(std::string_view text, std::size_t at, bool narrow,
                                         std::uint32_t codePage) noexcept;
 
+// `cut` is the beginning of a longer text: how many of its bytes there are up to the end of its last
+// character that is whole.
+[[nodiscard]] std::size_t wholeSize(std::string_view cut, std::uint32_t codePage) noexcept;
+
 // Calls visit(at) for the first byte of each character of a host's path: what looks like a backslash may be a
 // character's second byte. `visit` may replace a backslash by a slash.
 template <class Visit>

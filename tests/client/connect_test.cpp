@@ -233,7 +233,7 @@ TEST_F(Connect, AFailedSecondConnectLeavesNone) {
 TEST_F(Connect, ASecondConnectWhoseLoginDoesNotFitLeavesNone) {
   const fixture::ScriptedFtp server;
   EXPECT_EQ(connectTo(server), 1);
-  EXPECT_EQ(connectTo(server, std::string(65, 'u').c_str()), 0);
+  EXPECT_EQ(connectTo(server, std::string(256, 'u').c_str()), 0);
   expectNoConnection();
   server.waitUntilAllClosed();
   EXPECT_EQ(server.connections().size(), 1u);
@@ -242,9 +242,9 @@ TEST_F(Connect, ASecondConnectWhoseLoginDoesNotFitLeavesNone) {
 
 TEST_F(Connect, ALoginThatDoesNotFitReachesNoServer) {
   const fixture::ScriptedFtp server;
-  EXPECT_EQ(connectTo(server, std::string(65, 'u').c_str()), 0);
+  EXPECT_EQ(connectTo(server, std::string(256, 'u').c_str()), 0);
   EXPECT_EQ(connectTo(server, std::string(500, 'u').c_str()), 0);
-  EXPECT_EQ(client.FTPConnect("127.0.0.1", "u", std::string(258, 'p').c_str(), server.port(), 1, 0, nullptr),
+  EXPECT_EQ(client.FTPConnect("127.0.0.1", "u", std::string(1024, 'p').c_str(), server.port(), 1, 0, nullptr),
             0);
   EXPECT_EQ(server.connections().size(), 0u);
 }

@@ -269,7 +269,7 @@ TEST_F(NewDirectory, AClientThatGoesEndsTheRepeatsAndIsNotTouchedAgain) {
     if (++refused == 3) RunningOperation::Abandon(host);
     return 0;
   };
-  ASSERT_TRUE(StoreText(host.m_szMessage, "the host's"));
+  std::memcpy(host.m_szMessage, "the host's", sizeof "the host's");
   EXPECT_EQ(createAtHost("/pub", "New", 5), 0);
   EXPECT_EQ(refused, 3);
   EXPECT_STREQ(host.m_szMessage, "the host's");

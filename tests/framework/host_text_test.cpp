@@ -14,6 +14,7 @@ using hosttext::isUtf8;
 using hosttext::pathForHost;
 using hosttext::pathForServer;
 using hosttext::textForHost;
+using hosttext::wholeSize;
 using platform::kUtf8CodePage;
 
 constexpr std::uint32_t kWestern = 1252;
@@ -43,6 +44,22 @@ TEST(Utf8, IsNoOtherBytes) {
            "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF",  // beyond the last character
        }) {
     EXPECT_FALSE(isUtf8(text)) << text;
+  }
+}
+
+TEST(HostText, EndsWithAWholeCharacterWhereItWasCut) {
+  const std::string text = "ab\xC3\xBC\xE6\x96\x87\xF0\x9F\x98\x80";
+  const std::size_t wanted[] = {0, 1, 2, 2, 4, 4, 4, 7, 7, 7, 7, 11};
+  for (std::size_t cut = 0; cut <= text.size(); ++cut) {
+    EXPECT_EQ(wholeSize(text.substr(0, cut), kUtf8CodePage), wanted[cut]) << cut;
+    EXPECT_EQ(wholeSize(text.substr(0, cut), kWestern), wanted[cut]) << cut;
+  }
+}
+
+TEST(HostText, StaysAsItIsWhereItIsCutButNoUtf8) {
+  for (const std::string text : {"\xFC", "a\x80", "gr\xFC\xC3", "\xC3(", "\xED\xA0", "\xF0\x8F"}) {
+    EXPECT_EQ(wholeSize(text, kUtf8CodePage), text.size());
+    EXPECT_EQ(wholeSize(text, kWestern), text.size());
   }
 }
 

@@ -59,30 +59,4 @@ TEST(BoundedText, APathTextHolds255CharactersAndRefuses256) {
   EXPECT_FALSE(path.assign(std::string(256, 'p').c_str()));
 }
 
-TEST(StoreText, CopiesATextThatFits) {
-  char field[5] = "";
-  EXPECT_TRUE(StoreText(field, "abcd"));
-  EXPECT_STREQ(field, "abcd");
-}
-
-TEST(StoreText, LeavesTheFieldEmptyWhenTheTextDoesNotFit) {
-  char field[5] = "old";
-  EXPECT_FALSE(StoreText(field, "abcde"));
-  EXPECT_STREQ(field, "");
-}
-
-TEST(StoreText, TakesATextThatStandsInTheFieldItself) {
-  char field[9] = "ftp:host";
-  EXPECT_TRUE(StoreText(field, field));
-  EXPECT_STREQ(field, "ftp:host");
-  EXPECT_TRUE(StoreText(field, field + 4));
-  EXPECT_STREQ(field, "host");
-}
-
-TEST(StoreText, StoresTheEmptyText) {
-  char field[5] = "old";
-  EXPECT_TRUE(StoreText(field, ""));
-  EXPECT_STREQ(field, "");
-}
-
 }  // namespace

@@ -16,6 +16,7 @@ using hosttext::equalPaths;
 using hosttext::pathForHost;
 using hosttext::pathForServer;
 using hosttext::textForHost;
+using hosttext::wholeSize;
 
 constexpr std::uint32_t kWestern = 1252;
 constexpr std::uint32_t kCyrillic = 1251;
@@ -128,6 +129,14 @@ TEST(CodePages, TellWhichBackslashIsHalfACharacter) {
   EXPECT_EQ(backslashes("\xE8\xA1\xA8\\a"), Places{3}) << "UTF-8";
   EXPECT_EQ(backslashes("\x95/\\"), Places{2}) << "a slash is never half a character";
   EXPECT_EQ(backslashes("\x95"), Places());
+}
+
+TEST(CodePages, AreCutBetweenTwoCharacters) {
+  const std::string text = "a\x83\x5C\xB1\x95\x5C";
+  const std::size_t wanted[] = {0, 1, 1, 3, 4, 4, 6};
+  for (std::size_t cut = 0; cut <= text.size(); ++cut) {
+    EXPECT_EQ(wholeSize(text.substr(0, cut), kJapanese), wanted[cut]) << cut;
+  }
 }
 
 TEST(CodePages, NamesThatDifferInASecondByteAreDifferent) {
