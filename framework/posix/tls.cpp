@@ -117,8 +117,8 @@ std::shared_ptr<const Client> client() {
 
 class Login : public TlsContext {
  public:
-  Login(std::shared_ptr<const Client> client, const TlsSettings& settings)
-      : client_(std::move(client)), settings_(settings) {
+  Login(std::shared_ptr<const Client> client, TlsSettings settings)
+      : client_(std::move(client)), settings_(std::move(settings)) {
     if (settings_.server.ends_with('.')) settings_.server.pop_back();
     if (isAddress(settings_.server)) settings_.server.clear();
   }

@@ -81,6 +81,16 @@ TEST(TlsHostile, AWorkerLeavesAStalledFlightAtOnce) {
   }
 }
 
+// A second handshake could lead to somebody else.
+TEST(TlsHostile, NobodyShakesHandsTwice) {
+  Peer peer(R"({"connections": [{"renegotiates": true}]})");
+  const auto sock = peer.control();
+  const Received all = receiveAll(*sock);
+  EXPECT_EQ(all.bytes, "220");
+  EXPECT_EQ(sock->failureOf(all.end).error, kSecureChannelFailed);
+  EXPECT_EQ(peer.closed(1).at("how"), "refused");
+}
+
 TEST(TlsHostile, AServerThatSpeaksNoTlsIsAFaultOfTheEncryption) {
   const fixture::ScriptedFtp plain;
   TlsLogin login(kName, {});

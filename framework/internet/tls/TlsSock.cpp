@@ -17,7 +17,10 @@ using platform::IoStatus;
 class TlsSock : public Sock {
  public:
   TlsSock(platform::Socket socket, std::shared_ptr<platform::TlsContext> context, platform::TlsUse use)
-      : Sock(std::move(socket)), stream_(platform::makeTlsStream(std::move(context), this->socket(), use)) {}
+      : Sock(std::move(socket)), stream_(platform::makeTlsStream(std::move(context), this->socket(), use)) {
+    // The last of a handshake may be ours, and nothing comes back for it: what follows would wait for that.
+    this->socket().noDelay();
+  }
 
   [[nodiscard]] const platform::TlsStream& stream() const noexcept { return *stream_; }
   [[nodiscard]] IoStatus handshake() noexcept { return stream_->handshake(); }
