@@ -5,10 +5,13 @@
 
 #include <array>
 #include <nlohmann/json.hpp>
+#include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/internet/TlsPeer.h"
 #include "tests/support/Pattern.h"
+#include "tests/support/TestTrust.h"
 
 namespace internet::tls_testing {
 namespace {
@@ -51,15 +54,11 @@ TEST(TlsStream, NothingReadableIsHeldBack) {
   Peer peer(
       R"({"connections": [{"steps": [{"send": {"size": 5000, "seed": 1}, "record": 100}, {"gate": "g"}]}]})");
   const auto sock = peer.data();
+  peer.server.waitAtGate("g");
   std::vector<char> buffer(5000);
-  std::size_t got = 0;
-  while (got < buffer.size()) {
-    // Pieces that fit no record.
-    const auto some = receiveSome(
-        *sock, std::span(buffer).subspan(got, std::min<std::size_t>(777, 5000 - got)), Deadline(kLong));
-    ASSERT_EQ(some.status, IoStatus::done);
-    got += some.bytes;
-  }
+  const auto head = receiveSome(*sock, std::span(buffer).first(777), Deadline(kLong));
+  EXPECT_EQ(head.bytes, 777U) << "which is no end of a record";
+  EXPECT_EQ(sock->receive(buffer.data() + 777, buffer.size() - 777).bytes, buffer.size() - 777);
   EXPECT_TRUE(testing_support::Pattern(1).matches(0, buffer.data(), buffer.size()));
   EXPECT_EQ(sock->receive(buffer.data(), buffer.size()).status, IoStatus::wouldBlock);
 }
@@ -150,6 +149,27 @@ TEST(TlsStream, SpeaksTls12AloneWhereThatIsWanted) {
   Peer peer("{}", older);
   peer.control();
   EXPECT_THAT(peer.login->description(), StartsWith("TLS 1.2, TLS_ECDHE_"));
+}
+
+TEST(TlsStream, LoginsOnSeveralThreadsKeepOutOfEachOthersWay) {
+  constexpr std::uint64_t kSize = 100'000;
+  const fixture::ScriptedTls server(
+      R"({"connections": [{"steps": [{"send": {"size": 100000, "seed": 3}}, {"say_closed": true}]}]})");
+  testing_support::trustTestAuthority();
+  std::array<std::string, 4> received;
+  std::vector<std::thread> threads;
+  for (std::string& bytes : received) {
+    threads.emplace_back([&bytes, &server] {
+      TlsLogin login(kName, {});
+      receiveAll(*secured(login, server));
+      bytes = receiveAll(*secured(login, server, platform::TlsUse::data)).bytes;
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const std::string& bytes : received) {
+    EXPECT_EQ(bytes.size(), kSize);
+    EXPECT_TRUE(testing_support::Pattern(3).matches(0, bytes.data(), bytes.size()));
+  }
 }
 
 // Several servers refuse data connections that do not resume the control connection's session, and whatever
