@@ -279,6 +279,9 @@ class Stream : public TlsStream {
   IoStatus queue(const char* data, std::size_t size) noexcept {
     if (unsent() >= kMostUnsent) return IoStatus::wouldBlock;
     try {
+      if (begin_ >= kDataBlock) {
+        out_.erase(out_.begin(), out_.begin() + static_cast<std::ptrdiff_t>(std::exchange(begin_, 0)));
+      }
       out_.insert(out_.end(), data, data + size);
       return IoStatus::done;
     } catch (const std::bad_alloc&) {
@@ -321,8 +324,10 @@ class Stream : public TlsStream {
       default:
         break;
     }
+    const unsigned long code = api_.ERR_get_error();
+    api_.ERR_clear_error();  // the host may use OpenSSL, too, and look for faults of its own on this thread
     if (incoming_ != IoStatus::done && incoming_ != IoStatus::wouldBlock) return incoming_;
-    noteFault(api_.ERR_get_error());
+    noteFault(code);
     return IoStatus::failed;
   }
 
