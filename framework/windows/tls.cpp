@@ -305,11 +305,17 @@ class SystemStream final : public TlsStream {
       case SEC_I_RENEGOTIATE:
         // The system's name, too, for what TLS 1.3 servers send behind the handshake: tickets and new keys.
         negotiating_ = isTls13();
-        if (!negotiating_) failAs("the server wants to negotiate anew");
+        if (!negotiating_) refuseToNegotiate();
         break;
       default:
         fail(status);
     }
+  }
+
+  // A second handshake could lead to somebody else. The server waits for an answer.
+  void refuseToNegotiate() {
+    static_cast<void>(sayClosed());
+    failAs("the server wants to negotiate anew");
   }
 
   bool seal(const char* bytes, std::size_t count) {

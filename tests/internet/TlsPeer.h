@@ -3,7 +3,6 @@
 #pragma once
 
 #include <chrono>
-#include <filesystem>
 #include <memory>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
@@ -17,8 +16,6 @@
 namespace internet::tls_testing {
 
 inline constexpr std::chrono::milliseconds kLong{60'000};
-// Wine's TLS does not, Windows' does.
-inline constexpr bool kSystemResumes = std::filesystem::path::preferred_separator == '/';
 
 // The name that the fixture's good certificate was made out to.
 inline constexpr const char* kName = "localhost";

@@ -103,15 +103,6 @@ TEST(TlsCertificate, WithoutVerificationAnyWillDo) {
   }
 }
 
-// A data connection that resumes shows no certificate of its own; the session's is judged.
-TEST(TlsCertificate, OfAResumedSessionIsJudgedToo) {
-  if (!kSystemResumes) GTEST_SKIP() << "Wine resumes no sessions";
-  Peer peer(R"({"connections": [{"steps": [{"send": {"text": "220"}}]}]})");
-  receiveAll(*peer.control());
-  EXPECT_NE(peer.data(), nullptr);
-  EXPECT_THAT(peer.login->description(), ::testing::EndsWith(", resumed"));
-}
-
 // What no server of the tests can show here.
 TEST(TlsCertificate, WhatTheSystemAloneFindsIsPassedOn) {
   const auto fault = [](const platform::TlsPeer& peer) { return faultOf(peer, "a.example", {}).value(); };

@@ -17,7 +17,6 @@ namespace internet::tls_testing {
 namespace {
 
 using platform::IoStatus;
-using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
@@ -171,42 +170,6 @@ TEST(TlsStream, LoginsOnSeveralThreadsKeepOutOfEachOthersWay) {
     EXPECT_TRUE(testing_support::Pattern(3).matches(0, bytes.data(), bytes.size()));
   }
 }
-
-// Several servers refuse data connections that do not resume the control connection's session, and whatever
-// descends from another data connection's, too.
-class DataStreams : public ::testing::TestWithParam<const char*> {};
-
-TEST_P(DataStreams, AllResumeTheControlConnectionsSession) {
-  if (!kSystemResumes) GTEST_SKIP() << "Wine resumes no sessions";
-  constexpr int kData = 6;
-  Peer peer(std::string(R"({"newest": ")") + GetParam() +
-            R"(", "connections": [{"steps": [{"send": {"text": "220"}}, {"receive_all": true}]},
-                                 {"steps": [{"send": {"text": "data"}}, {"say_closed": true}]}]})");
-  const auto control = peer.control();
-  std::array<char, 16> buffer;
-  ASSERT_EQ(receiveSome(*control, buffer, Deadline(kLong)).bytes, 3U);
-  for (int i = 0; i < kData; ++i) {
-    EXPECT_EQ(receiveAll(*peer.data()).bytes, "data");
-    EXPECT_THAT(peer.login->description(), EndsWith(", resumed"));
-  }
-  const auto handshakes = peer.server.log().at("handshakes");
-  ASSERT_EQ(handshakes.size(), 1U + kData);
-  for (const auto& handshake : handshakes)
-    EXPECT_EQ(handshake.at("resumed"), handshake.at("connection") != 1);
-}
-
-// A login of its own is a session of its own.
-TEST_P(DataStreams, DoNotResumeAnotherLoginsSession) {
-  Peer peer(std::string(R"({"newest": ")") + GetParam() +
-            R"(", "connections": [{"steps": [{"send": {"text": "220"}}]}]})");
-  receiveAll(*peer.control());
-  TlsLogin another(kName, {});
-  secured(another, peer.server);
-  EXPECT_THAT(another.description(), Not(HasSubstr("resumed")));
-}
-
-INSTANTIATE_TEST_SUITE_P(Versions, DataStreams, ::testing::Values("1.2", "1.3"),
-                         [](const auto& version) { return version.param[2] == '2' ? "Tls12" : "Tls13"; });
 
 }  // namespace
 }  // namespace internet::tls_testing
