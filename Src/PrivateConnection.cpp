@@ -20,7 +20,12 @@ CFtpConnection* OpenFtpConnection(TQXIP& client, CInternetSession& session, Rais
 }
 
 bool PrivateConnection::Open(Raised* pRaised) {
+  constexpr unsigned kCrowdedRetries = 3;
   m_session.reset(NewSession(m_client));
+  // Such a connection comes on top of others: a server may have too many for a moment.
+  auto timeouts = m_session->GetTimeouts();
+  timeouts.crowdedRetries = kCrowdedRetries;
+  m_session->SetTimeouts(timeouts);
   m_connection.reset(OpenFtpConnection(m_client, *m_session, pRaised));
   return m_connection != nullptr;
 }

@@ -9,6 +9,8 @@
 // Retry counts say how often a failed attempt is repeated (0 = one attempt), mostly after a pause of 10 ms.
 // OnIPError may grant further attempts: in one call of an operation three at most, one of them after a
 // time-out; none where the object's connection is dead and logging in again has failed.
+// Where a server has too many logins for a moment (421 or 530, and a text that says so), an operation's own
+// connection tries again within the attempt, after 250 ms, 500 ms and 1 s; FTPConnect fails at once.
 // The two host values at the end of an operation go to OnPoll unchanged. It is asked by FTPReadFile,
 // FTPWriteFile, FTPCpyFile, FTPMovFile, FTPRmvFile, FTPRmvDir and HTTPDownloadFile; the others that take the
 // values never ask and cannot be cancelled.
@@ -100,10 +102,11 @@ class TQXIPIFInt {
   virtual void OnSuccess() = 0;
   virtual void OnTransactionStart() = 0;
   virtual void OnTransactionStop() = 0;
-  // The protocol, line by line, for a host that puts a function of its own here: "> USER name", "> PASS ****",
+  // The protocol, line by line, for a host that puts a function of its own here: "> USER name", "> PASS
+  // ****",
   // "< 230 Welcome", "* connected to 192.0.2.1:21". pszText lives for the call alone. On the thread that does
-  // the work, the caller's or one of the library's; lines that come while data moves are told when it rests. No
-  // password is ever in them. What the library itself does here: nothing.
+  // the work, the caller's or one of the library's; lines that come while data moves are told when it rests.
+  // No password is ever in them. What the library itself does here: nothing.
   virtual void OnStatus(const char* pszText) = 0;
   virtual void OnNotify(QXHostValue nValue) = 0;
   // Asked by the waiting caller's thread on every turn. Not 0 cancels the operation; *pbReconnect = 1

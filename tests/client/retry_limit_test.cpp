@@ -169,7 +169,7 @@ struct Reception {
 };
 
 constexpr Reception kReceptions[] = {{"HangsUp", R"("close")"},
-                                     {"SaysFarewell", R"({"reply": "421 Too many"}, "close")"},
+                                     {"SaysFarewell", R"({"reply": "421 Shutting down"}, "close")"},
                                      {"KeepsSilent", R"("silent")"}};
 
 // The counter is armed, but the log-in that each run begins with is in vain.

@@ -151,7 +151,7 @@ struct Refusal {
 constexpr Refusal kRefusedPort{"Connection", nullptr};
 constexpr Refusal kLogin{"Login", R"({"on": "PASS", "do": [{"reply": "530 No"}]})"};
 constexpr Refusal kWelcome421{"Welcome421",
-                              R"({"on": "CONNECT", "do": [{"reply": "421 Too many"}, "close"]})"};
+                              R"({"on": "CONNECT", "do": [{"reply": "421 Shutting down"}, "close"]})"};
 constexpr Refusal kWelcome550{"Welcome550", R"({"on": "CONNECT", "do": [{"reply": "550 No"}]})"};
 constexpr Refusal kTransfer{"Transfer", R"({"on": ["RETR", "STOR"], "do": [{"reply": "550 No"}]})"};
 

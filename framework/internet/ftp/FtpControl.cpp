@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "framework/internet/ftp/FtpTransfer.h"
+#include "framework/internet/ftp/ServerWords.h"
 #include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/last_error.h"
 #include "framework/text/HostText.h"
@@ -44,14 +45,18 @@ FtpControl::~FtpControl() = default;
 
 std::shared_ptr<FtpControl> FtpControl::open(std::shared_ptr<SessionLink> session, FtpLogin login) {
   std::shared_ptr<FtpControl> control(new FtpControl(std::move(session), std::move(login)));
-  try {
-    control->connect();
-    return control;
-  } catch (const Failure& failure) {
-    // Nobody will ever have this connection to close.
-    control->channel_.drop();
-    control->channel_.reportClosed();
-    throw Failure(control->forHost(failure));
+  std::chrono::milliseconds pause = control->timeouts().crowdedPause;
+  for (unsigned left = control->timeouts().crowdedRetries;; --left, pause *= 2) {
+    try {
+      control->connect();
+      return control;
+    } catch (const Failure& failure) {
+      // Nobody will ever have this connection to close.
+      control->channel_.drop();
+      control->channel_.reportClosed();
+      if (left == 0 || !tellsOfCrowd(failure.serverText)) throw Failure(control->forHost(failure));
+    }
+    rest(pause);
   }
 }
 

@@ -123,4 +123,13 @@ bool serverSays(std::string_view text, std::initializer_list<std::string_view> w
   return false;
 }
 
+bool tellsOfCrowd(std::string_view reply) {
+  if (!reply.starts_with("421") && !reply.starts_with("530")) return false;
+  const auto says = [reply](std::initializer_list<std::string_view> words) {
+    return serverSays(reply, words, {}, BareName::anywhere);
+  };
+  return says({"too many", "maximum", "limit"}) &&
+         !says({"attempt", "fail", "incorrect", "invalid", "password", "wrong", "time limit"});
+}
+
 }  // namespace internet

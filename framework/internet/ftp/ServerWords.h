@@ -25,4 +25,8 @@ enum class BareName {
 [[nodiscard]] bool serverSays(std::string_view text, std::initializer_list<std::string_view> words,
                               const QuotedPaths& paths, BareName bareName);
 
+// Whether a login was refused, by this reply, only because the server has too many others: it may well
+// succeed a moment later. A refusal for too many attempts is another thing.
+[[nodiscard]] bool tellsOfCrowd(std::string_view reply);
+
 }  // namespace internet

@@ -12,7 +12,11 @@ struct Timeouts {
   std::chrono::milliseconds connect{30'000};  // one control or data connection, all addresses together
   unsigned connectAttempts = 1;
   std::chrono::milliseconds connectBackoff{1'000};  // between two attempts
-  std::chrono::milliseconds reply{30'000};          // one reply of the server
+  // A login that is refused because the server has too many others is repeated so often; the first pause
+  // before it, of which each further one is the double.
+  unsigned crowdedRetries = 0;
+  std::chrono::milliseconds crowdedPause{250};
+  std::chrono::milliseconds reply{30'000};  // one reply of the server
   // The reply to a line that was sent along with others, behind the reply to the one before it.
   std::chrono::milliseconds followUp{2'000};
   std::chrono::milliseconds data{30'000};        // no byte moved on a data connection

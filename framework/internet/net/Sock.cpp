@@ -56,6 +56,11 @@ bool wait(std::span<platform::SocketInterest> interests, const Deadline& deadlin
   return true;
 }
 
+void rest(milliseconds duration) {
+  const Deadline deadline(duration);
+  while (wait({}, deadline)) continue;
+}
+
 IoStatus sendAll(Sock& sock, std::string_view bytes, const Deadline& deadline) {
   while (!bytes.empty()) {
     const auto sent = sock.send(bytes.data(), bytes.size());

@@ -77,6 +77,9 @@ class Sock {
 bool wait(std::span<platform::SocketInterest> interests, const Deadline& deadline,
           std::intptr_t signal = platform::kNoSignal);
 
+// Lets the time pass, as a wait for what never comes.
+void rest(std::chrono::milliseconds duration);
+
 // Sends all. wouldBlock: not done before the deadline. Throws platform::OperationStopped, as the next one.
 platform::IoStatus sendAll(Sock& sock, std::string_view bytes, const Deadline& deadline);
 // What has come, at least one byte; wouldBlock: nothing before the deadline.
