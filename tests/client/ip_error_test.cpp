@@ -103,7 +103,8 @@ TEST_F(IPError, AHigherCounterStays) {
 }
 
 TEST_F(IPError, OtherErrorsLeaveTheCounterAlone) {
-  for (const std::uint32_t error : {0u, 2u, 18u, 87u, 12001u, 12003u, 12007u, 12014u, 12029u, 12031u}) {
+  for (const std::uint32_t error : {0u, 2u, 18u, 87u, 12001u, 12003u, 12007u, 12014u, 12029u, 12031u, 12037u,
+                                    12038u, 12044u, 12045u, 12157u, 12169u, 12170u}) {
     EXPECT_EQ(counterAfter(error, 0, true), 0u) << "error " << error;
     EXPECT_EQ(counterAfter(error, 2, true), 2u) << "error " << error;
     EXPECT_EQ(client.count("FTPReConnect"), 0u) << "error " << error;
