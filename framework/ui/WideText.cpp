@@ -3,44 +3,27 @@
 
 #include <utility>
 
-#include "framework/windows/windows_api.h"
-
-std::wstring wideText(const std::string& text) {
-  const int size = static_cast<int>(text.size());
-  const int needed = MultiByteToWideChar(CP_ACP, 0, text.data(), size, nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(needed), L'\0');
-  MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), needed);
-  return wide;
-}
+#include "framework/platform/code_page.h"
+#include "framework/windows/wide_text.h"
 
 namespace {
 
-// `lacks` is set when a replacement character had to be taken.
-std::string narrow(const std::wstring& text, bool& lacks) {
-  // UTF-8 has all characters, and the system takes neither of these for it.
-  const bool utf8 = GetACP() == CP_UTF8;
-  const DWORD flags = utf8 ? 0 : WC_NO_BEST_FIT_CHARS;
-  BOOL replaced = FALSE;
-  const int size = static_cast<int>(text.size());
-  const int needed = WideCharToMultiByte(CP_ACP, flags, text.data(), size, nullptr, 0, nullptr, nullptr);
-  std::string result(static_cast<std::size_t>(needed), '\0');
-  WideCharToMultiByte(CP_ACP, flags, text.data(), size, result.data(), needed, nullptr,
-                      utf8 ? nullptr : &replaced);
-  lacks = replaced != FALSE;
-  return result;
+platform::NarrowText narrow(const std::wstring& text) {
+  return platform::narrowFrom(text, platform::narrowCodePage()).value_or(platform::NarrowText{"", false});
 }
 
 }  // namespace
 
-std::string narrowText(const std::wstring& text) {
-  bool lacks = false;
-  return narrow(text, lacks);
+std::wstring wideText(const std::string& text) {
+  using platform::InvalidBytes;
+  return platform::wideFrom(text, platform::narrowCodePage(), InvalidBytes::kReplaced).value_or(L"");
 }
 
+std::string narrowText(const std::wstring& text) { return narrow(text).bytes; }
+
 std::optional<std::string> exactNarrowText(const std::wstring& text) {
-  bool lacks = false;
-  std::string result = narrow(text, lacks);
-  return lacks ? std::nullopt : std::optional(std::move(result));
+  platform::NarrowText result = narrow(text);
+  return result.exact ? std::optional(std::move(result.bytes)) : std::nullopt;
 }
 
 PathParts pathParts(const std::wstring& path) {
