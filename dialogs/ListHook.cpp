@@ -15,40 +15,68 @@
 
 namespace {
 
-// The list measures all of its items after each deletion unless it draws nothing meanwhile.
-class DrawingPause {
+// After each deletion the list measures all of its items, unless it draws nothing meanwhile, and tells the
+// dialog that the focus is at another place, unless no item behind the deleted one has it.
+class Deletions {
  public:
-  explicit DrawingPause(HWND list) noexcept : m_list(list) { SendMessageA(m_list, WM_SETREDRAW, FALSE, 0); }
-  ~DrawingPause() {
+  explicit Deletions(HWND list) noexcept : m_list(list), m_focused(FocusedItem(list)) {
+    SendMessageA(m_list, WM_SETREDRAW, FALSE, 0);
+    if (m_focused >= 0) SetItemFocus(m_list, m_focused, false);
+  }
+  ~Deletions() {
+    const int focused = std::min(m_focused, ItemCount(m_list) - 1);
+    if (focused >= 0) SetItemFocus(m_list, focused, true);
     SendMessageA(m_list, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(m_list, nullptr, TRUE);
   }
-  DrawingPause(const DrawingPause&) = delete;
-  DrawingPause& operator=(const DrawingPause&) = delete;
+  Deletions(const Deletions&) = delete;
+  Deletions& operator=(const Deletions&) = delete;
+
+  bool Delete(int index) noexcept {
+    const bool deleted = DeleteItem(m_list, index);
+    if (deleted && index < m_focused) --m_focused;
+    return deleted;
+  }
 
  private:
   const HWND m_list;
+  int m_focused;
 };
 
-bool isUnwanted(HWND list, int index, DirFileState& state) {
-  const bool directory = state.items.IsDirectory(state.items.NameOf(list, index));
-  return directory == (state.filter == kListFiles);
-}
+// One pass over the list.
+class Sieve {
+ public:
+  Sieve(HWND list, DirFileState& state) noexcept : m_list(list), m_state(state) {}
 
-// After a deletion the walk goes back to the second item, and item 0 is not looked at again. All items
-// between that one and the deleted one have been kept by this pass, so it goes on where it is: a folder of
-// thousands would take minutes otherwise. What is left for the next pass is the item that has moved to the
-// front.
-void filterItems(HWND list, DirFileState& state) {
-  const int unseen = std::exchange(state.unseen, 0);
-  std::optional<DrawingPause> pause;
-  for (int index = 0; index < std::min(unseen, ItemCount(list));) {
-    const bool unwanted = isUnwanted(list, index, state);
-    if (unwanted && !pause) pause.emplace(list);
-    const bool deleted = unwanted && DeleteItem(list, index);
-    if (deleted && index == 0 && unseen > 1) state.unseen = 1;
-    index = deleted ? std::max(index, 1) : index + 1;
+  // True when the item was unwanted and has gone.
+  bool Remove(int index) {
+    if (!IsWindow(m_list) || !isUnwanted(index)) return false;
+    if (!m_deletions) m_deletions.emplace(m_list);
+    return m_deletions->Delete(index);
   }
+
+ private:
+  [[nodiscard]] bool isUnwanted(int index) const {
+    const bool directory = m_state.items.IsDirectory(m_state.items.NameOf(m_list, index));
+    return directory == (m_state.filter == kListFiles);
+  }
+
+  const HWND m_list;
+  DirFileState& m_state;
+  std::optional<Deletions> m_deletions;
+};
+
+// After a deletion the walk of a pass goes back to the second item: where the first one goes, the one that
+// has moved to the front is left for the next pass. All others are looked at, the last one first: deleting an
+// item takes the list time for each one behind it.
+void filterItems(HWND list, DirFileState& state) {
+  const int unseen = std::min(std::exchange(state.unseen, 0), ItemCount(list));
+  Sieve sieve(list, state);
+  if (unseen > 1) state.items.LookAtAll();
+  for (int index = unseen - 1; index > 1; --index) sieve.Remove(index);
+  const bool firstHasGone = unseen > 0 && sieve.Remove(0);
+  if (unseen > 1 && firstHasGone) state.unseen = 1;
+  if (unseen > 1 && !firstHasGone) sieve.Remove(1);
 }
 
 // Each of a pass's thousands of messages would go through the hook. And deleting a selected item asks for the

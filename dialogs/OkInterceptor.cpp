@@ -50,6 +50,7 @@ LRESULT CALLBACK onMessage(HWND window, UINT message, WPARAM wParam, LPARAM lPar
   }
   if (message == WM_NCDESTROY) {
     SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous));
+    state->items = {};  // the end of a list is not seen while the filter is at work
     state->window = nullptr;
     state->dialog = nullptr;
   }

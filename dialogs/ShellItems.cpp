@@ -33,11 +33,12 @@ ShellItems::ShellItems(HWND dialog) noexcept {
     m_folder.reset(static_cast<IShellFolder*>(folder));
 }
 
-std::wstring ShellItems::NameOf(int place, const std::wstring& text) const {
+std::wstring ShellItems::NameOf(int place, const std::optional<std::wstring>& text) const {
   ITEMIDLIST* found = nullptr;
   if (m_folder == nullptr || FAILED(m_view->Item(place, &found))) return {};
   const std::unique_ptr<ITEMIDLIST, FreeTaskMemory> item(found);
   std::wstring name = nameIn(*m_folder, item.get(), SHGDN_FORPARSING);
-  const bool known = name == text || (!isPath(name) && nameIn(*m_folder, item.get(), SHGDN_NORMAL) == text);
+  if (isPath(name)) return {};
+  const bool known = !text || name == *text || nameIn(*m_folder, item.get(), SHGDN_NORMAL) == *text;
   return known ? name : L"";
 }

@@ -3,6 +3,7 @@
 // as the list of that folder.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "framework/ui/Com.h"
@@ -14,9 +15,9 @@ class ShellItems {
   ShellItems() noexcept = default;  // of no folder
   explicit ShellItems(HWND dialog) noexcept;
 
-  // The file name of the item that the view shows as `text` at `place`; "" when there is no such item, or
-  // none of the file system.
-  [[nodiscard]] std::wstring NameOf(int place, const std::wstring& text) const;
+  // The file name of the view's item at `place`; "" when there is no such item, or none of the file system,
+  // or when the list shows it as a `text` that is not the view's.
+  [[nodiscard]] std::wstring NameOf(int place, const std::optional<std::wstring>& text) const;
 
  private:
   ComPtr<IFolderView> m_view;

@@ -17,6 +17,10 @@ class ShownItems {
   // nothing even so is the answer itself.
   std::wstring NameOf(HWND list, int index);
 
+  // Takes the kinds of all names from one reading of the folder, for a caller that wants to know most of
+  // them: a look at each one costs a way to the disk, or to a server. Nothing the second time.
+  void LookAtAll();
+
   // One that is not found reports all attributes and so is a directory.
   bool IsDirectory(const std::wstring& name);
 
@@ -26,4 +30,5 @@ class ShownItems {
 
   ShellItems m_shell;
   std::unordered_map<std::wstring, DWORD> m_attributes;  // of what has been found
+  bool m_lookedAtAll = false;
 };

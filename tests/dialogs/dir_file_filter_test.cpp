@@ -148,6 +148,34 @@ TEST_F(DirFileFilter, KeepsEveryWantedItemWhenAllAreSelected) {
               ElementsAre(folder() + "\\x.txt", folder() + "\\y.txt", folder() + "\\z.txt"));
 }
 
+// One reading of the folder tells all that the items are: this one, hidden, is none of them.
+TEST_F(DirFileFilter, ReadsTheFolderAtOnce) {
+  for (const char* name : {"hidden.txt", "x.txt", "y.txt"}) addFile(name);
+  ASSERT_TRUE(SetFileAttributesA((folder() + "\\hidden.txt").c_str(), FILE_ATTRIBUTE_HIDDEN));
+  run({.mode = kListFiles}, [&](Driver& user, HWND dialog) {
+    user.send(user.waitForList(dialog, {"x.txt", "y.txt"}), LVM_GETSELECTEDCOUNT);
+    std::filesystem::remove(scratch.path() / "hidden.txt");
+    EXPECT_FALSE(g_dirFileState.items.IsDirectory(L"hidden.txt"));
+    user.press(dialog, IDCANCEL);
+  });
+}
+
+// What goes in front of it would have its number on another item.
+TEST_F(DirFileFilter, LeavesTheFocusToItsItem) {
+  for (const char* name : {"A", "B", "C"}) addFolder(name);
+  for (const char* name : {"x.txt", "y.txt", "z.txt"}) addFile(name);
+  std::string focused;
+  run({.mode = kListFiles}, [&](Driver& user, HWND dialog) {
+    const HWND list = user.waitForList(dialog, 6);
+    user.select(list, "y.txt");
+    user.send(list, LVM_GETSELECTEDCOUNT);
+    const auto index = user.send(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED);
+    if (index >= 0) focused = user.items(list).at(static_cast<std::size_t>(index));
+    user.press(dialog, IDCANCEL);
+  });
+  EXPECT_EQ(focused, "y.txt");
+}
+
 std::atomic<int> g_countQueries = 0;
 
 LRESULT CALLBACK countQueries(int code, WPARAM wParam, LPARAM lParam) {

@@ -141,6 +141,18 @@ TEST_F(UnknownItems, AreRememberedAsWhatTheyWereFoundToBe) {
   EXPECT_TRUE(ShownItems().IsDirectory(L"x.txt"));
 }
 
+TEST_F(UnknownItems, AreAllKnownFromOneReadingOfTheFolder) {
+  addFile("x.txt");
+  addFolder("sub");
+  ShownItems items;
+  items.LookAtAll();
+  for (const char* name : {"x.txt", "sub"}) std::filesystem::remove(scratch.path() / name);
+  for (const char* name : {"sub", "later.txt"}) addFile(name);
+  EXPECT_FALSE(items.IsDirectory(L"x.txt"));
+  EXPECT_TRUE(items.IsDirectory(L"sub"));
+  EXPECT_FALSE(items.IsDirectory(L"later.txt")) << "it came behind";
+}
+
 // U+0141 is none of code page 1252's; it looks most like an "L".
 class LackedCharacters : public DirFileTest {
  protected:
