@@ -129,5 +129,37 @@ TEST_F(FtpMemory, AnEarlyCloseWaitsForTheServersDataAlsoWhenItIsWokenForNothing)
   EXPECT_EQ(brokenAfter, milliseconds(100));
 }
 
+// One that was left between USER and PASS passed for a connection.
+TEST_F(FtpMemory, AStopAtAnyMomentOfANewLogInLeavesNoHalfOne) {
+  bool stopped = true;
+  for (std::uint64_t moment = 1; stopped; ++moment) {
+    internet::forgetCachedTraits();
+    Far far;
+    far.server.answers["CWD"] = "550 No directory\r\n";
+    far.server.answers["SIZE"] = "213 5\r\n";
+    auto connection = login(true);
+    connection->ReopenOnDemand(true);
+    CFtpFileFind finder(connection.get());
+    far.server.control->server = testing_support::MemoryLink::End::ended;
+    MemoryFtp::Link loggedIn;
+    far.server.onCommand = [&](const std::string& line) {
+      if (line.starts_with("USER")) return;
+      if (line.starts_with("PASS")) loggedIn = far.server.control;
+      EXPECT_EQ(loggedIn, far.server.control) << line << " at " << moment;
+    };
+    platform::StopToken token;
+    {
+      const platform::StopToken::Scope scope(&token);
+      far.network.stopAt(far.network.calls() + moment);
+      try {
+        static_cast<void>(finder.FindFile("/x"));
+      } catch (const platform::OperationStopped&) {
+      }
+    }
+    stopped = token.raised();
+    EXPECT_TRUE(finder.FindFile("/x")) << moment;
+  }
+}
+
 }  // namespace
 }  // namespace internet_tests

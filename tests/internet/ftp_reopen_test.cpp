@@ -160,7 +160,7 @@ TEST_F(FtpReopen, DoesNotTakeAnotherDirectoryForTheCurrentOne) {
   end(server);
   CFtpFileFind finder(connection.get());
   const Thrown thrown = search(finder, "a").thrown;
-  EXPECT_EQ(thrown.error, 12030u);
+  ASSERT_EQ(thrown.error, 12030u);
   EXPECT_TRUE(thrown.connectionLost);
   server.waitUntilAllClosed();
 }
