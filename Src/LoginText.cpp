@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Src/LoginText.h"
 
-#include <algorithm>
 #include <cstring>
 #include <functional>
 
@@ -10,19 +9,15 @@
 
 namespace {
 
-// The text, then zeros to the end of the place, so that nothing remains of the text before. Not by plain
-// stores: into memory that is about to be freed they need not be made.
+// The text, then zeros to the end of the place, so that nothing remains of the text before.
 void put(std::span<char> place, std::string_view text) noexcept {
   std::memmove(place.data(), text.data(), text.size());
-  volatile char* const bytes = place.data();
-  std::fill(bytes + text.size(), bytes + place.size(), '\0');
+  secret::wipe(place.data() + text.size(), place.size() - text.size());
 }
 
 }  // namespace
 
 LoginText::LoginText(std::span<char> field, std::size_t most) : m_field(field), m_whole(most + 1) {}
-
-LoginText::~LoginText() { put(m_whole, ""); }
 
 void LoginText::Store(const char* text) noexcept {
   if (text == m_field.data() && !Fits()) return;

@@ -8,11 +8,12 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/text/Secret.h"
+
 class LoginText {
  public:
   // `field`, which outlives this object, holds a text; texts of more than `most` bytes are refused.
   LoginText(std::span<char> field, std::size_t most);
-  ~LoginText();  // leaves no byte of a text behind that it kept
   LoginText(const LoginText&) = delete;
   LoginText& operator=(const LoginText&) = delete;
 
@@ -32,7 +33,8 @@ class LoginText {
   [[nodiscard]] std::string_view Meant(const char* text) const noexcept;
 
   const std::span<char> m_field;
-  std::vector<char> m_whole;  // "" when the field could hold the text; zeros behind it
-  std::size_t m_shown = 0;    // so much of m_whole was written into the field
+  // "" when the field could hold the text; zeros behind it.
+  std::vector<char, secret::WipingAllocator<char>> m_whole;
+  std::size_t m_shown = 0;  // so much of m_whole was written into the field
   bool m_refused = false;
 };

@@ -16,6 +16,7 @@
 #include "framework/internet/FtpConnection.h"
 #include "framework/internet/FtpFileFind.h"
 #include "framework/platform/process.h"
+#include "framework/text/Secret.h"
 #include "support/Diagnostics.h"
 #include "support/Paths.h"
 
@@ -82,6 +83,7 @@ TQXIP::~TQXIP() {
   clearForGood(m_pInternetSession);
   clearForGood(m_pFileBuffer);
   SetFlag(m_bSpare, false);
+  secret::wipe(m_Password, sizeof m_Password);
 }
 
 // The part of the destruction that calls hooks and ends workers: it runs while the object is still whole.

@@ -72,8 +72,8 @@ struct CInternetSession::Impl final : internet::SessionLink {
 
 namespace {
 
-std::string checkedText(const char* text, const char* ifEmpty) {
-  std::string result = text && *text ? text : ifEmpty;
+std::string_view checkedText(const char* text, const char* ifEmpty) {
+  const std::string_view result = text && *text ? text : ifEmpty;
   if (!result.empty()) FtpControl::checkArgument(result);
   return result;
 }
@@ -83,7 +83,8 @@ internet::FtpLogin checkedLogin(const char* server, const char* user, const char
   FtpControl::checkArgument(server ? std::string_view(server) : "");
   const bool anonymous = !user || !*user;
   return {internet::parseServerName(server).name, port ? port : internet::kDefaultFtpPort,
-          checkedText(user, "anonymous"), checkedText(password, anonymous ? "anonymous@" : ""), passive};
+          std::string(checkedText(user, "anonymous")),
+          secret::Text(checkedText(password, anonymous ? "anonymous@" : "")), passive};
 }
 
 }  // namespace

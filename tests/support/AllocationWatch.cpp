@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/AllocationWatch.h"
 
+#include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -12,10 +15,38 @@ namespace {
 
 thread_local AllocationWatch* t_watch = nullptr;
 std::atomic<long> g_blocksHeld{0};
+std::atomic<const std::string_view*> g_sought{nullptr};
+std::atomic<long> g_found{0};
+
+// Stands in front of every block.
+struct Header {
+  alignas(std::max_align_t) std::size_t size;
+};
+
+// What an earlier owner has left behind must not pass for the text of this one.
+void prepare(void* memory, std::size_t size) noexcept {
+  constexpr int kUnwritten = 0xA5;
+  if (g_sought.load() != nullptr) std::memset(memory, kUnwritten, size);
+}
+
+void search(const char* memory, std::size_t size) noexcept {
+  const std::string_view* const sought = g_sought.load();
+  if (sought == nullptr) return;
+  if (std::string_view(memory, size).find(*sought) != std::string_view::npos) ++g_found;
+}
 
 }  // namespace
 
 long blocksHeld() noexcept { return g_blocksHeld; }
+
+FreedMemorySearch::FreedMemorySearch(std::string_view text) noexcept : m_text(text) {
+  g_found = 0;
+  g_sought = &m_text;
+}
+
+FreedMemorySearch::~FreedMemorySearch() { g_sought = nullptr; }
+
+long FreedMemorySearch::found() const noexcept { return g_found; }
 
 AllocationWatch::AllocationWatch(Look look) : m_look(std::move(look)) { t_watch = this; }
 
@@ -35,9 +66,13 @@ namespace {
 void* allocate(std::size_t size) noexcept {
   testing_support::AllocationWatch* const watch = testing_support::t_watch;
   if (watch != nullptr && !watch->allowsNext()) return nullptr;
-  void* const memory = std::malloc(size != 0 ? size : 1);
-  if (memory != nullptr) ++testing_support::g_blocksHeld;
-  return memory;
+  auto* const header =
+      static_cast<testing_support::Header*>(std::malloc(sizeof(testing_support::Header) + size));
+  if (header == nullptr) return nullptr;
+  header->size = size;
+  ++testing_support::g_blocksHeld;
+  testing_support::prepare(header + 1, size);
+  return header + 1;
 }
 
 void* allocateOrThrow(std::size_t size) {
@@ -47,8 +82,11 @@ void* allocateOrThrow(std::size_t size) {
 }
 
 void release(void* memory) noexcept {
-  if (memory != nullptr) --testing_support::g_blocksHeld;
-  std::free(memory);
+  if (memory == nullptr) return;
+  --testing_support::g_blocksHeld;
+  auto* const header = static_cast<testing_support::Header*>(memory) - 1;
+  testing_support::search(static_cast<const char*>(memory), header->size);
+  std::free(header);
 }
 
 }  // namespace

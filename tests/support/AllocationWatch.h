@@ -1,14 +1,32 @@
 // SPDX-License-Identifier: MIT
-// The allocations of one thread, seen by a test as they happen: it can make one fail, or look around at one.
-// A program that has this compiles AllocationWatch.cpp, which replaces its operator new.
+// The allocations of one thread, seen by a test as they happen: it can make one fail, or look around at one;
+// and what is left in the memory that all threads free. A program that has this compiles AllocationWatch.cpp,
+// which replaces its operator new.
 #pragma once
 
 #include <functional>
+#include <string_view>
 
 namespace testing_support {
 
 // How many blocks of operator new the program holds.
 [[nodiscard]] long blocksHeld() noexcept;
+
+// Looks for a text in every block that any thread frees while it lives. One at a time.
+class FreedMemorySearch {
+ public:
+  // The text outlives this object.
+  explicit FreedMemorySearch(std::string_view text) noexcept;
+  ~FreedMemorySearch();
+  FreedMemorySearch(const FreedMemorySearch&) = delete;
+  FreedMemorySearch& operator=(const FreedMemorySearch&) = delete;
+
+  // Blocks so far that had it.
+  [[nodiscard]] long found() const noexcept;
+
+ private:
+  const std::string_view m_text;
+};
 
 // Watches the thread that makes it, until it ends. One at a time.
 class AllocationWatch {

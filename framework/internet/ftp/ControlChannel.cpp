@@ -54,7 +54,8 @@ void ControlChannel::sendAhead(std::string_view line, ReplyHandler handler) noex
   if (awaiting_ || platform::stopRequested()) return drop();
   try {
     window_.ahead(line, std::move(handler));
-    const std::string bytes = window_.takeSendable();
+    const secret::Text lines = window_.takeSendable();
+    const std::string_view bytes = lines.view();
     log().sent(bytes);
     const auto sent = sock_->send(bytes.data(), bytes.size());
     if (sent.status != IoStatus::done || sent.bytes != bytes.size()) drop();
@@ -85,8 +86,8 @@ void ControlChannel::settle() {
 
 // The lines whose turn it is.
 void ControlChannel::transmit() {
-  const std::string bytes = window_.takeSendable();
-  if (!bytes.empty()) transmit(bytes);
+  const secret::Text lines = window_.takeSendable();
+  if (!lines.empty()) transmit(lines.view());
 }
 
 void ControlChannel::transmit(std::string_view bytes) {

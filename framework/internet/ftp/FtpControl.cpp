@@ -37,7 +37,7 @@ FtpControl::FtpControl(std::shared_ptr<SessionLink> session, FtpLogin login)
       traitsKey_(traitsKeyOf(login_)),
       channel_(session_),
       traits_(cachedTraits(traitsKey_)) {
-  channel_.log().hide(login_.password);
+  channel_.log().hide(login_.password.view());
   channel_.onSingleLines([this] { learn([](FtpTraits& traits) { traits.singleLines = true; }); });
 }
 
@@ -73,7 +73,7 @@ void FtpControl::logIn() {
   const FtpReply greeting = finalReply();
   if (!greeting.completed()) refuse(greeting);
   FtpReply reply = exchange("USER " + login_.user);
-  if (reply.code == 331) reply = exchange("PASS " + login_.password);
+  if (reply.code == 331) reply = exchange(secret::Text("PASS ").append(login_.password.view()).view());
   if (!reply.completed()) refuse(reply);
   enableUtf8();
 }
@@ -243,7 +243,7 @@ void FtpControl::checkArgument(std::string_view argument) {
   }
 }
 
-FtpReply FtpControl::exchange(const std::string& line) {
+FtpReply FtpControl::exchange(std::string_view line) {
   channel_.send(line);
   return finalReply();
 }

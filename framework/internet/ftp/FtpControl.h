@@ -18,6 +18,7 @@
 #include "framework/internet/ftp/FtpTraits.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/internet/net/SessionLink.h"
+#include "framework/text/Secret.h"
 
 namespace internet {
 
@@ -25,7 +26,7 @@ struct FtpLogin {
   std::string server;
   std::uint16_t port = 21;
   std::string user;
-  std::string password;
+  secret::Text password;
   bool passive = false;
 };
 
@@ -158,7 +159,7 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   bool findsClosed(const std::function<void()>& work);
   void runFramed(const std::function<void()>& work);
   void leaveFrame(bool inStep) noexcept;
-  FtpReply exchange(const std::string& line);
+  FtpReply exchange(std::string_view line);
   FtpReply finalReply();
   void enableUtf8();
   [[nodiscard]] Failure forHost(const Failure& failure) const;

@@ -45,27 +45,27 @@ bool everyServerKnows(std::string_view line) noexcept { return line == "TYPE I";
 // --- Lines ---
 
 void LineWindow::queue(std::string_view line, ReplyHandler handler) {
-  queued_.push_back({std::string(line), std::move(handler)});
+  queued_.push_back({secret::Text(line), std::move(handler)});
 }
 
 void LineWindow::ahead(std::string_view line, ReplyHandler handler) {
-  waiting_.push_back({std::string(line), std::move(handler)});
+  waiting_.push_back({secret::Text(line), std::move(handler)});
 }
 
 void LineWindow::command(std::string_view line) {
   for (Line& each : queued_) waiting_.push_back(std::move(each));
   queued_.clear();
-  waiting_.push_back({std::string(line), nullptr});
+  waiting_.push_back({secret::Text(line), nullptr});
 }
 
-std::string LineWindow::takeSendable() {
-  std::string bytes;
+secret::Text LineWindow::takeSendable() {
+  secret::Text bytes;
   if (singly_ && !sent_.empty()) return bytes;
   const std::size_t count = singly_ ? std::min<std::size_t>(waiting_.size(), 1) : waiting_.size();
   if (count == 0) return bytes;
   const auto end = waiting_.begin() + static_cast<std::ptrdiff_t>(count);
   for (auto line = waiting_.begin(); line != end; ++line) {
-    bytes.append(line->text).append("\r\n");
+    bytes.append(line->text.view()).append("\r\n");
     sent_.push_back(std::move(*line));
   }
   waiting_.erase(waiting_.begin(), end);
@@ -87,7 +87,7 @@ void LineWindow::forgetCommand() noexcept {
 std::optional<FtpReply> LineWindow::take(FtpReply reply) {
   if (reply.preliminary()) return takePreliminary(std::move(reply));
   if (sent_.empty()) return takeBehindAll(std::move(reply));
-  const bool fits = canBeAnswered(sent_.front().text, reply.code);
+  const bool fits = canBeAnswered(sent_.front().text.view(), reply.code);
   if (probing_ && begun_ && !fits) {
     // The server has answered the probe while the command ran.
     probing_ = false;
@@ -174,7 +174,7 @@ std::string LineWindow::takeRefusal() noexcept { return std::exchange(refusalTex
 LineWindow::Doubt LineWindow::doubt() const noexcept {
   const bool restIsLate = together_ && answered_ && !begun_;
   if (sent_.empty() || probing_ || !(restIsLate || odd_)) return Doubt::none;
-  return refusal_ && everyServerKnows(refusal_->line.text) ? Doubt::now : Doubt::soon;
+  return refusal_ && everyServerKnows(refusal_->line.text.view()) ? Doubt::now : Doubt::soon;
 }
 
 // None of the unanswered lines can have the probe's answer.
@@ -182,7 +182,7 @@ std::string_view LineWindow::probe() {
   constexpr int kDone = 200;
   probing_ = true;
   const bool ambiguous = std::any_of(sent_.begin(), sent_.end(),
-                                     [](const Line& line) { return canBeAnswered(line.text, kDone); });
+                                     [](const Line& line) { return canBeAnswered(line.text.view(), kDone); });
   return ambiguous ? "PWD" : "NOOP";
 }
 

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "framework/internet/ftp/FtpReply.h"
+#include "framework/text/Secret.h"
 
 namespace internet {
 
@@ -31,7 +32,7 @@ class LineWindow {
   // What was queued, and a command, whose reply take() hands back.
   void command(std::string_view line);
   // The lines that are to be sent now, with their line ends: all of them, or the next one.
-  std::string takeSendable();
+  secret::Text takeSendable();
   // Nobody waits for the command's reply any more, or will take it for what it is.
   void forgetCommand() noexcept;
   // No line is to be sent, and none has its reply still to come, the probe included.
@@ -62,7 +63,7 @@ class LineWindow {
 
  private:
   struct Line {
-    std::string text;
+    secret::Text text;     // one of them carries the password
     ReplyHandler handler;  // null: the command
   };
   struct Refusal {
