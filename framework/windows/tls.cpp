@@ -11,7 +11,7 @@
 #include "framework/windows/certificate_chain.h"
 #include "framework/windows/system_tls.h"
 #include "framework/windows/tls_context.h"
-#include "framework/windows/tls_record.h"
+#include "framework/platform/tls_record.h"
 
 namespace platform {
 namespace {

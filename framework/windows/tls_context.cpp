@@ -8,7 +8,9 @@ namespace {
 
 constexpr DWORD kFlags = SCH_CRED_NO_DEFAULT_CREDS | SCH_CRED_MANUAL_CRED_VALIDATION | SCH_USE_STRONG_CRYPTO;
 
-std::wstring wide(const std::string& text) {
+// Servers are asked for without the dot that ends a name.
+std::wstring serverName(std::string text) {
+  if (text.ends_with('.')) text.pop_back();
   const int size = static_cast<int>(text.size());
   std::wstring result(text.size(), L'\0');
   const int used = ::MultiByteToWideChar(CP_UTF8, 0, text.data(), size, result.data(), size);
@@ -19,7 +21,7 @@ std::wstring wide(const std::string& text) {
 }  // namespace
 
 SystemContext::SystemContext(const SystemTls& system, const TlsSettings& settings)
-    : system_(system), server_(wide(settings.server)) {
+    : system_(system), server_(serverName(settings.server)) {
   const bool onlyTls12 = settings.onlyTls12 || settings.resumesData;
   if (!onlyTls12) status_ = acquireNewest();
   if (status_ != SEC_E_OK) status_ = acquireTls12();

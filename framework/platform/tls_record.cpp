@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "framework/windows/tls_record.h"
+#include "framework/platform/tls_record.h"
 
 #include <algorithm>
 #include <iterator>
