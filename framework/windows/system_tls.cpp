@@ -29,6 +29,8 @@ bool load(SystemTls& tls) {
   const HMODULE crypt = loadSystemLibrary(L"crypt32.dll");
   INIT_SECURITY_INTERFACE_W table = nullptr;
   if (!security || !crypt || !find(security, "InitSecurityInterfaceW", table)) return false;
+  // Whoever asks for what was revoked loads and frees this one each time; now, it stays.
+  loadSystemLibrary(L"cryptnet.dll");
   tls.security = table();
   return tls.security && find(crypt, "CertGetCertificateChain", tls.getChain) &&
          find(crypt, "CertFreeCertificateChain", tls.freeChain) &&

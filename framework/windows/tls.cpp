@@ -7,11 +7,10 @@
 #include <shared_mutex>
 #include <utility>
 
+#include "framework/platform/tls_record.h"
 #include "framework/windows/byte_window.h"
-#include "framework/windows/certificate_chain.h"
 #include "framework/windows/system_tls.h"
 #include "framework/windows/tls_context.h"
-#include "framework/platform/tls_record.h"
 
 namespace platform {
 namespace {
@@ -128,7 +127,7 @@ class SystemStream final : public TlsStream {
     if (!query(SECPKG_ATTR_REMOTE_CERT_CONTEXT, &certificate) || !certificate) return peer;
     peer.certificate.assign(certificate->pbCertEncoded,
                             certificate->pbCertEncoded + certificate->cbCertEncoded);
-    peer.trust = judgeChain(context_->system(), certificate);
+    peer.trust = context_->judge(certificate);
     context_->system().freeCertificate(certificate);
     return peer;
   }

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "framework/windows/tls_context.h"
 
-#include <mutex>
+#include <algorithm>
+#include <span>
+
+#include "framework/windows/certificate_chain.h"
 
 namespace platform {
 namespace {
@@ -58,6 +61,15 @@ SECURITY_STATUS SystemContext::acquire(void* wanted) noexcept {
   const std::unique_lock lock(systemTlsLock());
   return system_.security->AcquireCredentialsHandleW(nullptr, package.data(), SECPKG_CRED_OUTBOUND, nullptr,
                                                      wanted, nullptr, nullptr, &credential_, &expiry);
+}
+
+TlsTrust SystemContext::judge(PCCERT_CONTEXT certificate) {
+  const std::lock_guard lock(mutex_);
+  const std::span shown(certificate->pbCertEncoded, certificate->cbCertEncoded);
+  if (std::ranges::equal(shown, trusted_)) return TlsTrust::trusted;
+  const TlsTrust trust = judgeChain(system_, certificate);
+  if (trust == TlsTrust::trusted) trusted_.assign(shown.begin(), shown.end());
+  return trust;
 }
 
 std::shared_ptr<TlsContext> makeTlsContext(const TlsSettings& settings, std::string& reason) {

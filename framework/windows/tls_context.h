@@ -3,7 +3,9 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <string>
+#include <vector>
 
 #include "framework/platform/tls.h"
 #include "framework/windows/system_tls.h"
@@ -25,6 +27,10 @@ class SystemContext final : public TlsContext {
   [[nodiscard]] CredHandle* credential() noexcept { return &credential_; }
   [[nodiscard]] wchar_t* server() noexcept { return server_.data(); }
 
+  // The judgement over a server's certificate, as its connection shows it. One that was trusted stays so: the
+  // next connections of the login show it again.
+  [[nodiscard]] TlsTrust judge(PCCERT_CONTEXT certificate);
+
  private:
   SECURITY_STATUS acquireNewest() noexcept;
   SECURITY_STATUS acquireTls12() noexcept;
@@ -34,6 +40,8 @@ class SystemContext final : public TlsContext {
   std::wstring server_;
   CredHandle credential_{};
   SECURITY_STATUS status_ = SEC_E_UNSUPPORTED_FUNCTION;
+  std::mutex mutex_;
+  std::vector<BYTE> trusted_;  // DER; under the mutex
 };
 
 }  // namespace platform
