@@ -44,10 +44,12 @@ class NativeThread {
 // Lets the next runnable thread have the processor; returns at once when there is none.
 void yieldOnce() noexcept;
 
-// A sleep of a millisecond at most.
-void nap() noexcept;
+inline constexpr std::chrono::microseconds kShortNap{50};
+
+// A sleep of that length, or of the system's next longer one: a millisecond on Windows.
+void nap(std::chrono::microseconds length) noexcept;
 
 // The same. False when no message waits for the calling thread, true when one may.
-[[nodiscard]] bool napUntilMessage() noexcept;
+[[nodiscard]] bool napUntilMessage(std::chrono::microseconds length) noexcept;
 
 }  // namespace platform

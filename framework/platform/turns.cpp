@@ -8,12 +8,16 @@ namespace platform {
 namespace {
 
 constinit Crowding g_crowding;
+constinit bool g_alwaysSleeps = false;
+constinit std::chrono::microseconds g_nap = kShortNap;
+
+bool sleeps(Crowding::Clock::time_point now) noexcept { return g_alwaysSleeps || g_crowding.known(now); }
 
 }  // namespace
 
 bool messageAfterTurn() noexcept {
   const auto before = Crowding::Clock::now();
-  if (g_crowding.known(before)) return napUntilMessage() && messageWaiting();
+  if (sleeps(before)) return napUntilMessage(g_nap) && messageWaiting();
   // The look at the queue counts, too: Wine yields in it.
   const bool waits = messageWaiting();
   if (!waits) yieldOnce();
@@ -23,12 +27,17 @@ bool messageAfterTurn() noexcept {
 
 void yieldProcessor() noexcept {
   const auto before = Crowding::Clock::now();
-  if (g_crowding.known(before)) {
-    nap();
+  if (sleeps(before)) {
+    nap(g_nap);
   } else {
     yieldOnce();
     g_crowding.yielded(before, Crowding::Clock::now());
   }
+}
+
+void sleepInTurnsForTesting(std::chrono::microseconds length) noexcept {
+  g_alwaysSleeps = length > length.zero();
+  g_nap = g_alwaysSleeps ? length : kShortNap;
 }
 
 }  // namespace platform

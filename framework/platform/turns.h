@@ -41,4 +41,9 @@ class Crowding {
 // and returns at once otherwise.
 void yieldProcessor() noexcept;
 
+// From now on each turn of this process is one of a crowded machine and sleeps for that long. A loop that
+// waits, as the caller of an operation does, keeps a processor busy; tests that run side by side need them.
+// 0 ends that. Call while no other thread takes a turn.
+void sleepInTurnsForTesting(std::chrono::microseconds length) noexcept;
+
 }  // namespace platform

@@ -93,7 +93,7 @@ bool NativeThread::State::join(std::unique_lock<std::mutex>& lock,
     if (tries < 20) {
       yieldProcessor();
     } else {
-      nap();  // the thread is past its last instruction of ours, the system tells no event
+      nap(kShortNap);  // the thread is past its last instruction of ours, the system tells no event
     }
     lock.lock();
   }
@@ -140,10 +140,10 @@ bool NativeThread::endByForce() noexcept { return false; }
 void yieldOnce() noexcept { sched_yield(); }
 
 // allowed: sleep_for: it is the nap itself
-void nap() noexcept { std::this_thread::sleep_for(std::chrono::microseconds(50)); }
+void nap(std::chrono::microseconds length) noexcept { std::this_thread::sleep_for(length); }
 
-bool napUntilMessage() noexcept {
-  nap();
+bool napUntilMessage(std::chrono::microseconds length) noexcept {
+  nap(length);
   return true;
 }
 

@@ -65,16 +65,17 @@ void yieldOnce() noexcept { ::SwitchToThread(); }
 
 // In Wine Sleep() begins with a yield, and every wait for a handle or a message whose time runs out ends with
 // one; the wait for a condition has none.
-void nap() noexcept {
+void nap(std::chrono::microseconds length) noexcept {
+  const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(length);
   SRWLOCK lock = SRWLOCK_INIT;
   CONDITION_VARIABLE never = CONDITION_VARIABLE_INIT;
   ::AcquireSRWLockExclusive(&lock);
-  ::SleepConditionVariableSRW(&never, &lock, 1, 0);
+  ::SleepConditionVariableSRW(&never, &lock, static_cast<DWORD>(milliseconds.count()), 0);
   ::ReleaseSRWLockExclusive(&lock);
 }
 
-bool napUntilMessage() noexcept {
-  nap();
+bool napUntilMessage(std::chrono::microseconds length) noexcept {
+  nap(length);
   return HIWORD(::GetQueueStatus(QS_ALLINPUT)) != 0;
 }
 

@@ -65,4 +65,13 @@ TEST(Turns, ComeFastOnACrowdedMachine) {
   for (int turn = 0; turn < 500; ++turn) static_cast<void>(platform::messageAfterTurn());
 }
 
+TEST(Turns, SleepWhereTestsLetThem) {
+  platform::sleepInTurnsForTesting(20ms);
+  const auto before = Crowding::Clock::now();
+  platform::yieldProcessor();
+  static_cast<void>(platform::messageAfterTurn());
+  EXPECT_GE(Crowding::Clock::now() - before, 20ms);  // a sleep on Windows may end a tick too soon
+  platform::sleepInTurnsForTesting(0ms);
+}
+
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <optional>
 
+#include "framework/platform/turns.h"
 #include "tests/support/AllStacks.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Watchdog.h"
@@ -14,6 +15,11 @@ namespace {
 
 // What ctest takes for neither passed nor failed (cmake/Testing.cmake).
 constexpr int kSomeSkipped = 77;
+
+// Callers that wait spin as the product does only in programs that look at that (SPINS of qx_test).
+void letTurnsSleep() {
+  if (std::getenv("QX_SPINS") == nullptr) platform::sleepInTurnsForTesting(std::chrono::milliseconds(1));
+}
 
 int runAll() {
   // A name has one temporary copy at a time in all processes, and programs that run side by side copy files
@@ -37,6 +43,7 @@ int main(int argc, char** argv) {
   testing_support::disableErrorBoxes();
   testing::InitGoogleTest(&argc, argv);
   testing_support::watchAllTests();
+  letTurnsSleep();
   // On Windows GoogleTest starts a thread at its first trace or failure; now, it is in no test's count of
   // threads.
   { SCOPED_TRACE("first"); }
