@@ -60,6 +60,7 @@ TEST_P(RealContents, ReadFilesOfAllSizes) {
 TEST_P(RealContents, AppendToFilesOfAllSizes) {
   for (const std::size_t before : written) {
     for (const std::size_t added : written) {
+      if (passive && before != 4097 && added != 4097) continue;  // one of the two varies
       make("/file", patternFile(before));
       EXPECT_EQ(writeFile("/file", patternText(added), true), 1) << added << " to " << before;
       EXPECT_EQ(server.content(own + "/file"), patternText(before) + patternText(added));
