@@ -6,8 +6,10 @@ import os
 import pathlib
 import pwd
 import shutil
+import signal
 import subprocess
 import tempfile
+import time
 
 NAME = "qx-tests"
 # What the command takes over: how the machine reaches the package registry, and how it speaks.
@@ -21,6 +23,27 @@ def account():
         return None
 
 
+def processes(uid):
+    """The processes that run with this user's rights."""
+    found = []
+    for folder in pathlib.Path("/proc").glob("[0-9]*"):
+        with contextlib.suppress(OSError):
+            if folder.stat().st_uid == uid and "\nState:\tZ" not in (folder / "status").read_text():
+                found.append(int(folder.name))
+    return found
+
+
+def end_processes(uid, seconds=5):
+    """Ends what an account still runs: Wine's server outlives the last program, and no account goes before it."""
+    kill_from = time.monotonic() + seconds
+    while left := processes(uid):
+        number = signal.SIGTERM if time.monotonic() < kill_from else signal.SIGKILL
+        for process_id in left:
+            with contextlib.suppress(ProcessLookupError):
+                os.kill(process_id, number)
+        time.sleep(0.1)
+
+
 @contextlib.contextmanager
 def ordinary_user():
     """An account without rights, password and home. One that is there already stays."""
@@ -31,7 +54,19 @@ def ordinary_user():
         yield account()
     finally:
         if is_new:
+            end_processes(account().pw_uid)
             subprocess.run(["userdel", NAME], check=False)
+
+
+def clone(root, home):
+    """Makes home/checkout, with the rights of the owner of `root`: git trusts nobody else's repository."""
+    checkout, owner = home / "checkout", os.stat(root).st_uid
+    checkout.mkdir()
+    for folder in (home, checkout):
+        os.chown(folder, owner, -1)
+    # Links would be the repository's own files, which then got another owner, too.
+    command = ["git", "clone", "--quiet", "--no-hardlinks", root, checkout]
+    subprocess.run(command, user=owner, env={**os.environ, "HOME": str(home)}, check=True)
 
 
 @contextlib.contextmanager
@@ -39,7 +74,7 @@ def home_with_checkout(root, user):
     """A folder with a clone, and with a copy of the compiler cache, which makes building a matter of seconds."""
     home = pathlib.Path(tempfile.mkdtemp(prefix="qx-user-", dir="/var/tmp"))
     try:
-        subprocess.run(["git", "clone", "--quiet", root, home / "checkout"], check=True)
+        clone(root, home)
         cache = subprocess.run(["ccache", "--get-config", "cache_dir"], capture_output=True, text=True, check=False)
         (home / ".cache").mkdir()
         # Another build may change the cache meanwhile: what is missing from the copy is compiled.
