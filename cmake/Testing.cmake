@@ -23,19 +23,41 @@ if(WIN32)
   endforeach()
 endif()
 
+# Sets `result` to whether this preset's sanitizer, if it has one, is among the named ones; without a name all are.
+function(qx_sanitizer_matters result)
+  foreach(name IN LISTS ARGN)
+    if(NOT name MATCHES "^(address|thread|none)$")
+      message(FATAL_ERROR "SANITIZERS ${ARGN}: ${name} is not known")
+    endif()
+  endforeach()
+  if(QX_SANITIZE MATCHES "address|thread" AND ARGN AND NOT QX_SANITIZE IN_LIST ARGN)
+    set(${result} FALSE PARENT_SCOPE)
+  else()
+    set(${result} TRUE PARENT_SCOPE)
+  endif()
+endfunction()
+
 # qx_test(NAME name SOURCES files... [LIBS targets...] [LABELS unit|fixture|real|dll|storm...] [TIMEOUT seconds]
-#         [ENVIRONMENT NAME=value...] [CODE_PAGE number] [FIXTURE] [SERIAL] [SEPARATE])
+#         [ENVIRONMENT NAME=value...] [CODE_PAGE number] [SANITIZERS address|thread|none...]
+#         [FIXTURE] [SERIAL] [SEPARATE] [SPINS])
 #
 # One program and one ctest entry per call: starting Wine once per case would cost more than the cases. With FIXTURE
 # the program runs under the fixture server, whose port it finds in QX_FIXTURE_PORT. The label `dll` makes the shared
 # library a dependency and gives its path in QX_LIBRARY. SERIAL: nothing else runs beside it.
 # CODE_PAGE: that of the program's narrow texts under Wine (1252, 932, 65001); Linux has none.
 # SEPARATE: its files have names in common and are never compiled together.
+# SANITIZERS: those that find something in it; a preset with another one has no such program. Both without a word;
+# "address" where all that it looks at happens on one thread, "none" where it is about the tests themselves.
+# SPINS: callers that wait keep a processor busy, as the product's do; in other programs they sleep in each turn.
 function(qx_test)
-  cmake_parse_arguments(PARSE_ARGV 0 test "FIXTURE;SERIAL;SEPARATE" "NAME;TIMEOUT;CODE_PAGE"
-    "SOURCES;LIBS;LABELS;ENVIRONMENT")
+  cmake_parse_arguments(PARSE_ARGV 0 test "FIXTURE;SERIAL;SEPARATE;SPINS" "NAME;TIMEOUT;CODE_PAGE"
+    "SOURCES;LIBS;LABELS;ENVIRONMENT;SANITIZERS")
   if(test_UNPARSED_ARGUMENTS OR NOT test_NAME OR NOT test_SOURCES)
     message(FATAL_ERROR "qx_test(${ARGV}): wrong arguments")
+  endif()
+  qx_sanitizer_matters(matters ${test_SANITIZERS})
+  if(NOT matters)
+    return()
   endif()
   if(NOT test_TIMEOUT)
     set(test_TIMEOUT 600)
@@ -65,6 +87,9 @@ function(qx_test)
     list(APPEND test_ENVIRONMENT "QX_LIBRARY=$<$<BOOL:${WIN32}>:Z:>$<TARGET_FILE:ZRM_QXKT32x64>")
   endif()
 
+  if(test_SPINS)
+    list(APPEND test_ENVIRONMENT QX_SPINS=1)
+  endif()
   if(test_CODE_PAGE AND WIN32)
     add_dependencies(${test_NAME} locale_${test_CODE_PAGE})
     list(APPEND test_ENVIRONMENT "LOCPATH=${QX_LOCALES}" LC_ALL=${QX_LOCALE_${test_CODE_PAGE}})
