@@ -10,19 +10,23 @@
 #include "Src/RemotePath.h"
 #include "Src/SlotRetry.h"
 #include "framework/File.h"
+#include "framework/internet/WholeFile.h"
 #include "framework/platform/last_error.h"
+#include "framework/platform/stop_token.h"
 #include "support/Diagnostics.h"
 
 namespace {
 
+const char* textOrEmpty(const char* text) noexcept { return text != nullptr ? text : ""; }
+
 // A remote file whose size query answers 0 cannot be told from a missing one: an existing local file then
 // counts as the download, its content stays as it was. Why the transfer itself failed is not forgotten
-// meanwhile.
-bool acceptEmptyRemote(TQXIP& client, const char* target, const char* local) {
+// meanwhile. A part that is kept for the next attempt is no such file.
+bool acceptEmptyRemote(TQXIP& client, const char* target, const char* local, bool holdsPart) {
   const platform::LastErrorKeeper reason;
   if (HostCall([&] { return client.FTPFileSize(target, 1, 0, 0); }) != 0) return false;
   CFile file;
-  const bool opened = file.Open(local, CFile::modeWrite);
+  const bool opened = !holdsPart && file.Open(local, CFile::modeWrite);
   ClearErrorInfo(client.m_pErrorInfo);
   return opened;
 }
@@ -44,36 +48,74 @@ bool acceptRefusedUpload(TQXIP& client, const char* target, const char* local) {
   return written;
 }
 
-using Transfer = bool (*)(TQXIP& client, PrivateConnection& connection, const char* target,
-                          const char* local);
+// One call's file, whose attempts may go on where the one before has broken off. `retries` is the call's
+// counter. Local paths are null where the host gave none: nothing is moved then.
+class Download {
+ public:
+  Download(const char* local, const std::uint32_t& retries)
+      : m_local(local), m_file(textOrEmpty(local), true, platform::kFileAttributeNormal, retries > 0) {}
 
-bool download(TQXIP& client, PrivateConnection& connection, const char* target, const char* local) {
-  return connection.Connection()->GetFile(target, local) || acceptEmptyRemote(client, target, local);
-}
+  bool Move(TQXIP& client, PrivateConnection& connection, const char* target) {
+    return connection.Connection()->GetFile(target, m_file) ||
+           acceptEmptyRemote(client, target, m_local, m_file.HoldsPart());
+  }
+  // A host's function makes the next run, with a file of its own.
+  void Leave() noexcept { m_file.Drop(); }
 
-bool upload(TQXIP& client, PrivateConnection& connection, const char* target, const char* local) {
-  if (connection.Connection()->PutFile(local, target)) return true;
-  CopyWatch::TellDoubt();
-  return acceptRefusedUpload(client, target, local);
-}
+ private:
+  const char* m_local;
+  CFileDownload m_file;
+};
 
-bool transferOnce(TQXIP& client, const char* remote, const char* local, Transfer transfer) {
+class Upload {
+ public:
+  Upload(const char* local, std::uint32_t& retries)
+      : m_local(local), m_retries(retries), m_file(textOrEmpty(local), retries > 0) {}
+
+  bool Move(TQXIP& client, PrivateConnection& connection, const char* target) {
+    if (Put(connection, target)) return true;
+    CopyWatch::TellDoubt();
+    return acceptRefusedUpload(client, target, m_local);
+  }
+  void Leave() noexcept {}
+
+ private:
+  // A broken connection is no refusal, which would count as done: another one goes on, for a retry each.
+  bool Put(PrivateConnection& connection, const char* target) {
+    bool put = connection.Connection()->PutFile(m_file, target);
+    while (!put && m_retries > 0 && internet::isBrokenConnection(platform::lastError())) {
+      --m_retries;
+      connection.Close();
+      platform::stoppableSleep(kPause);
+      put = connection.Open() && connection.Connection()->PutFile(m_file, target);
+    }
+    return put;
+  }
+
+  static constexpr std::chrono::milliseconds kPause{10};
+  const char* m_local;
+  std::uint32_t& m_retries;
+  CFileUpload m_file;
+};
+
+template <typename File>
+bool transferOnce(TQXIP& client, const char* remote, const char* local, File& file) {
   if (!MayGoToServer(remote)) return false;
   PrivateConnection connection(client);
   PathText target;
   if (!connection.Open() || !BothGiven(remote, local) || !MakeFtpPath(remote, target)) return false;
   ToFtpPath(target.data());  // twice: of three leading slashes one remains
-  return transfer(client, connection, target.c_str(), local);
+  return file.Move(client, connection, target.c_str());
 }
 
 struct TransferKind {
   const FailureSite& site;
   Slot slot;
-  Transfer transfer;
   QXBool (TQXIP::*operation)(const char*, const char*, std::uint32_t);
 };
 
 // The lines name where the file comes from first.
+template <typename File>
 QXBool runTransfer(TQXIP& client, const TransferKind& kind, bool fromServer, const char* remote,
                    const char* local, std::uint32_t retries) {
   return GuardOperation(client, [&] {
@@ -81,8 +123,12 @@ QXBool runTransfer(TQXIP& client, const TransferKind& kind, bool fromServer, con
                           .second = fromServer ? local : remote,
                           .isPair = true,
                           .join = FailedJoin::tight};
-    const auto run = [&] { return transferOnce(client, remote, local, kind.transfer); };
-    const auto again = [&](std::uint32_t left) { return (client.*kind.operation)(remote, local, left) != 0; };
+    File file(local, retries);
+    const auto run = [&] { return transferOnce(client, remote, local, file); };
+    const auto again = [&](std::uint32_t left) {
+      file.Leave();
+      return (client.*kind.operation)(remote, local, left) != 0;
+    };
     return RunPairOperation({client, kind.site, paths, kind.slot}, retries, run, again);
   });
 }
@@ -90,11 +136,11 @@ QXBool runTransfer(TQXIP& client, const TransferKind& kind, bool fromServer, con
 }  // namespace
 
 QXBool TQXIP::FTPDownloadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) {
-  return runTransfer(*this, {sites::kDownloadFile, Slot::FTPDownloadFile, &download, &TQXIP::FTPDownloadFile},
-                     true, pszRemote, pszLocal, nRetries);
+  return runTransfer<Download>(*this, {sites::kDownloadFile, Slot::FTPDownloadFile, &TQXIP::FTPDownloadFile},
+                               true, pszRemote, pszLocal, nRetries);
 }
 
 QXBool TQXIP::FTPUploadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) {
-  return runTransfer(*this, {sites::kUploadFile, Slot::FTPUploadFile, &upload, &TQXIP::FTPUploadFile}, false,
-                     pszRemote, pszLocal, nRetries);
+  return runTransfer<Upload>(*this, {sites::kUploadFile, Slot::FTPUploadFile, &TQXIP::FTPUploadFile}, false,
+                             pszRemote, pszLocal, nRetries);
 }

@@ -172,9 +172,13 @@ class TQXIPIFInt {
   // Where the server's last word on a transfer is lost its size decides: with all bytes there it is done.
   // An existing local file is not overwritten: 0, or 1 with the file as it was when the remote file's size
   // cannot be told or is 0.
+  // With nRetries > 0 an attempt whose connection broke (12002, 12030, 12031) is followed by one that goes on
+  // behind what has come, if the remote file's size and time are what they were; until the call returns the
+  // local file is there in part.
   virtual QXBool FTPDownloadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) = 0;
   // 1 also when the server refuses or breaks the upload of a file that has content. FTPFileSize tells whether
-  // it has arrived.
+  // it has arrived. With nRetries > 0 a broken connection is followed by another one, for a retry each, which
+  // goes on behind what the server has.
   virtual QXBool FTPUploadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) = 0;
   // Slots 34 and 35. Either count may be null.
   virtual QXBool FTPHasSubDir(const char* pszPath, std::uint32_t nRetries) = 0;

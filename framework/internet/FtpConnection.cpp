@@ -6,6 +6,7 @@
 
 #include "framework/internet/InternetFile.h"
 #include "framework/internet/Raising.h"
+#include "framework/internet/WholeFile.h"
 #include "framework/internet/ftp/FtpControl.h"
 #include "framework/internet/ftp/FtpFileCopy.h"
 #include "framework/internet/ftp/FtpTransfer.h"
@@ -23,6 +24,11 @@ namespace {
 using ControlPtr = std::shared_ptr<FtpControl>;
 
 void checkPath(const char* path) { FtpControl::checkArgument(path ? std::string_view(path) : ""); }
+
+bool refused() {
+  platform::setLastError(platform::kErrorInvalidParameter);
+  return false;
+}
 
 // The public operations hold the control connection by a reference of their own: a notification may delete
 // the object that they were called on.
@@ -76,20 +82,28 @@ bool CFtpConnection::SetCurrentDirectory(const char* path) {
 
 bool CFtpConnection::GetFile(const char* remote, const char* local, bool failIfExists,
                              std::uint32_t attributes, std::uint32_t, std::uintptr_t) {
+  if (!local) return refused();
+  CFileDownload file(local, failIfExists, attributes);
+  return GetFile(remote, file);
+}
+
+bool CFtpConnection::GetFile(const char* remote, CFileDownload& file) {
   return internet::answer([&, control = m_control] {
     checkPath(remote);
-    if (!local) internet::fail(platform::kErrorInvalidParameter);
-    control->request([&] {
-      internet::downloadFile(*control, nameForServer(*control, remote), local, failIfExists, attributes);
-    });
+    control->request([&] { file.m_file->run(*control, nameForServer(*control, remote)); });
   });
 }
 
 bool CFtpConnection::PutFile(const char* local, const char* remote, std::uint32_t, std::uintptr_t) {
+  if (!local) return refused();
+  CFileUpload file(local);
+  return PutFile(file, remote);
+}
+
+bool CFtpConnection::PutFile(CFileUpload& file, const char* remote) {
   return internet::answer([&, control = m_control] {
     checkPath(remote);
-    if (!local) internet::fail(platform::kErrorInvalidParameter);
-    control->request([&] { internet::uploadFile(*control, local, nameForServer(*control, remote)); });
+    control->request([&] { file.m_file->run(*control, nameForServer(*control, remote)); });
   });
 }
 

@@ -14,6 +14,8 @@
 #include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/file.h"
 
+class CFileDownload;
+class CFileUpload;
 class CInternetFile;
 class CInternetSession;
 
@@ -41,6 +43,9 @@ class CFtpConnection {
   bool GetFile(const char* remote, const char* local, bool failIfExists = true,
                std::uint32_t attributes = platform::kFileAttributeNormal,
                std::uint32_t flags = internet::kTransferTypeBinary, std::uintptr_t context = 1);
+  // One attempt of a file that may need several.
+  bool GetFile(const char* remote, CFileDownload& file);
+  bool PutFile(CFileUpload& file, const char* remote);
   // Local file to remote file.
   bool PutFile(const char* local, const char* remote, std::uint32_t flags = internet::kTransferTypeBinary,
                std::uintptr_t context = 1);

@@ -42,6 +42,7 @@ class File {
   [[nodiscard]] std::int64_t size() const noexcept;
   // The new position, -1 on failure.
   [[nodiscard]] std::int64_t seekToEnd() noexcept;
+  [[nodiscard]] std::int64_t seekTo(std::uint64_t position) noexcept;
   // From now on the file is for its owner alone (POSIX: mode 0600; on Windows its folder is). False on
   // failure.
   [[nodiscard]] bool keepToOwner() noexcept;

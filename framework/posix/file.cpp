@@ -132,6 +132,10 @@ std::int64_t File::size() const noexcept {
 
 std::int64_t File::seekToEnd() noexcept { return noted(::lseek(static_cast<int>(handle_), 0, SEEK_END)); }
 
+std::int64_t File::seekTo(std::uint64_t position) noexcept {
+  return noted(::lseek(static_cast<int>(handle_), static_cast<off_t>(position), SEEK_SET));
+}
+
 bool File::close() noexcept {
   if (!isOpen()) return true;
   // The descriptor is gone even when the call says that it was interrupted.

@@ -75,11 +75,22 @@ std::int64_t File::size() const noexcept {
   return !refusedClosed(*this) && ::GetFileSizeEx(nativeFile(handle_), &size) ? size.QuadPart : -1;
 }
 
-std::int64_t File::seekToEnd() noexcept {
+namespace {
+
+std::int64_t seek(const File& file, std::int64_t offset, DWORD from) noexcept {
   LARGE_INTEGER position;
-  constexpr LARGE_INTEGER kNoOffset{};
-  if (refusedClosed(*this)) return -1;
-  return ::SetFilePointerEx(nativeFile(handle_), kNoOffset, &position, FILE_END) ? position.QuadPart : -1;
+  position.QuadPart = offset;
+  if (refusedClosed(file)) return -1;
+  const HANDLE handle = nativeFile(file.nativeHandle());
+  return ::SetFilePointerEx(handle, position, &position, from) ? position.QuadPart : -1;
+}
+
+}  // namespace
+
+std::int64_t File::seekToEnd() noexcept { return seek(*this, 0, FILE_END); }
+
+std::int64_t File::seekTo(std::uint64_t position) noexcept {
+  return seek(*this, static_cast<std::int64_t>(position), FILE_BEGIN);
 }
 
 bool File::close() noexcept { return !isOpen() || ::CloseHandle(nativeFile(std::exchange(handle_, kNone))); }

@@ -240,7 +240,7 @@ TEST_F(Download, PathsThatMayNotGoToAServerDoNot) {
 
 TEST_F(Download, AShortFileIsNeverASuccess) {
   const fixture::ScriptedFtp server(
-      R"({"tree": {"/a": {"size": 100000}}, "rules": [{"on": "RETR", "do": [{"normal": {"close_after": 99999}}]}]})");
+      R"({"tree": {"/a": {"size": 100000}}, "rules": [{"on": "RETR", "do": [{"normal": {"close_after": 40000}}]}]})");
   loginAt(server);
   EXPECT_EQ(download("/a", 1), 0);
   EXPECT_FALSE(exists());

@@ -224,6 +224,16 @@ std::shared_ptr<const std::optional<std::uint64_t>> FtpControl::askSizeAlong(std
   return size;
 }
 
+std::shared_ptr<const std::optional<std::string>> FtpControl::askTimeAlong(std::string_view path) {
+  checkArgument(path);
+  auto time = std::make_shared<std::optional<std::string>>();
+  channel_.queue(lineOf("MDTM", path), [time](const FtpReply& reply) {
+    *time = parseTimeReply(reply);
+    return true;
+  });
+  return time;
+}
+
 void FtpControl::raise(const FtpReply& reply) {
   switch (reply.code) {
     case 425:

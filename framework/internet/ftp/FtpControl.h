@@ -75,6 +75,8 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   // that command has been answered, unless the server has none to tell. Never asked of a server that is known
   // not to know SIZE. In binary type alone the answer is the number of bytes. 87 as with command().
   std::shared_ptr<const std::optional<std::uint64_t>> askSizeAlong(std::string_view path);
+  // The same for the time of its last change, as the server puts it.
+  std::shared_ptr<const std::optional<std::string>> askTimeAlong(std::string_view path);
 
   // Raises a refusal: 425 -> 12029; 421, 426 -> 12030; else 12003 with the text, kept as lastServerText().
   [[noreturn]] void raise(const FtpReply& reply);

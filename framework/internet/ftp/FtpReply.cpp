@@ -152,4 +152,10 @@ std::optional<std::uint64_t> parseSizeReply(const FtpReply& reply) {
   return takeNumber<std::uint64_t>(rest);
 }
 
+std::optional<std::string> parseTimeReply(const FtpReply& reply) {
+  constexpr std::size_t kCode = 4;  // "213 "
+  if (reply.code != 213 || reply.text.size() <= kCode) return std::nullopt;
+  return reply.text.substr(kCode);
+}
+
 }  // namespace internet

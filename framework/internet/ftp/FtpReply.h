@@ -58,5 +58,7 @@ std::optional<std::string> parseQuotedPath(std::string_view text);
 std::optional<std::uint64_t> parseAnnouncedSize(std::string_view text);
 // 213 to SIZE: the number behind the code.
 std::optional<std::uint64_t> parseSizeReply(const FtpReply& reply);
+// 213 to MDTM: what stands behind the code.
+std::optional<std::string> parseTimeReply(const FtpReply& reply);
 
 }  // namespace internet

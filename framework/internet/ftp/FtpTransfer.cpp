@@ -46,7 +46,8 @@ FtpReply FtpTransfer::begin(std::string_view verb, std::string_view argument) {
   const auto size = kind_ == Kind::download || behindContent_ ? control_->askSizeAlong(argument) : nullptr;
   FtpDataChannel data(*control_);
   data.prepare();
-  if (behindContent_ && size->value_or(0) > 0) restartAt(**size);
+  if (behindContent_) position_ = size->value_or(0);
+  if (position_ > 0) restartAt(position_);
   control_->sendCommand(verb, argument);
   const FtpDataChannel::Opening opening = data.establish();
   final_ = opening.final;
@@ -60,8 +61,8 @@ FtpReply FtpTransfer::begin(std::string_view verb, std::string_view argument) {
     return *final_;
   }
   state_ = State::running;
-  // What the reply tells is newer.
-  if (kind_ == Kind::download) announced_ = opening.announced ? opening.announced : *size;
+  // What the reply tells is newer; but servers differ in whether it is the file or the rest of it.
+  if (kind_ == Kind::download) announced_ = opening.announced && start_ == 0 ? opening.announced : *size;
   if (!data_) endWithoutData();
   return opening.first;
 }
@@ -269,7 +270,7 @@ bool FtpTransfer::wordIsLost() const noexcept {
 // The caller has got exactly what the file is known to have.
 bool FtpTransfer::hasKnownSize() const noexcept {
   const auto known = announced_ ? announced_ : expected_;
-  return known && moved_ - (bufferEnd_ - bufferStart_) == *known;
+  return known && start_ + moved_ - (bufferEnd_ - bufferStart_) == *known;
 }
 
 bool FtpTransfer::allIsThere() {
@@ -356,7 +357,7 @@ void FtpTransfer::close() {
 bool FtpTransfer::movedInFull() const noexcept {
   if (kind_ == Kind::upload) return true;
   // A read of exactly the file's size never comes to see the end of the data.
-  const bool received = state_ == State::ended || (announced_ && moved_ >= *announced_);
+  const bool received = state_ == State::ended || (announced_ && start_ + moved_ >= *announced_);
   return received && bufferStart_ == bufferEnd_;
 }
 
@@ -409,7 +410,8 @@ bool FtpTransfer::awaitFinal(milliseconds limit) {
 void FtpTransfer::takeReply(FtpReply reply) {
   if (!reply.preliminary()) {
     final_ = std::move(reply);
-  } else if (const auto size = parseAnnouncedSize(reply.text); size && kind_ == Kind::download) {
+  } else if (const auto size = parseAnnouncedSize(reply.text);
+             size && kind_ == Kind::download && start_ == 0) {
     announced_ = size;
   }
 }

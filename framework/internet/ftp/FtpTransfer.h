@@ -29,6 +29,14 @@ class FtpTransfer {
   // Before the beginning of an upload: it goes behind what the file holds, and one without data leaves that
   // as it is. From the file's start where the server does not tell its size, or does not restart there.
   void startBehindContent() noexcept { behindContent_ = true; }
+  // Before the beginning: at this byte of the file. From its start where the server does not restart there:
+  // start() tells, once the transfer has begun.
+  void startAt(std::uint64_t position) noexcept { position_ = position; }
+  [[nodiscard]] std::uint64_t start() const noexcept { return start_; }
+  // The size of the file that a download is of, as far as the server has told it.
+  [[nodiscard]] std::optional<std::uint64_t> size() const noexcept { return announced_; }
+  // Bytes that were received or sent from there on.
+  [[nodiscard]] std::uint64_t moved() const noexcept { return moved_; }
   // Sets binary type, makes the data connection and sends the command. The reply is a refusal, which is the
   // caller's to judge, or the transfer has begun.
   FtpReply begin(std::string_view verb, std::string_view argument);
@@ -97,7 +105,7 @@ class FtpTransfer {
   [[nodiscard]] bool refused() const noexcept { return final_ && final_->refused(); }
   [[nodiscard]] bool movedInFull() const noexcept;
   // Of what the server has announced.
-  [[nodiscard]] bool tooShort() const noexcept { return announced_ && moved_ < *announced_; }
+  [[nodiscard]] bool tooShort() const noexcept { return announced_ && start_ + moved_ < *announced_; }
   void closeData() noexcept;
   void breakData() noexcept;
   [[noreturn]] void dataFailed(platform::IoStatus status);
@@ -110,8 +118,9 @@ class FtpTransfer {
   bool finalNotified_ = false;
   std::string path_;
   bool behindContent_ = false;
-  std::uint64_t start_ = 0;                 // of an upload, in the file
-  std::optional<std::uint64_t> announced_;  // by the server, of a download
+  std::uint64_t position_ = 0;              // where the caller wants it to start
+  std::uint64_t start_ = 0;                 // where it does, in the file
+  std::optional<std::uint64_t> announced_;  // by the server: the size of the file of a download
   std::optional<std::uint64_t> expected_;   // by the caller
   std::uint64_t moved_ = 0;                 // bytes that were received, or sent
   // read()'s: received, not handed out yet.

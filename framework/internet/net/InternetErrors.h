@@ -27,6 +27,11 @@ inline constexpr std::uint32_t kSecureChannelFailed = 12157;  // the handshake, 
 inline constexpr std::uint32_t kCertificateInvalid = 12169;   // unusable, or not the one that was pinned
 inline constexpr std::uint32_t kCertificateRevoked = 12170;
 
+// The connection has broken, or a time limit was over: another one may fare better.
+[[nodiscard]] constexpr bool isBrokenConnection(std::uint32_t error) noexcept {
+  return error == kTimeout || error == kConnectionAborted || error == kConnectionReset;
+}
+
 // Status notifications.
 inline constexpr std::uint32_t kStatusResolvingName = 10;
 inline constexpr std::uint32_t kStatusNameResolved = 11;

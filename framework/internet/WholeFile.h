@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// A local file on its way from or to a server. It may need several connections: where an attempt has broken
+// off (12002, 12030, 12031), the next one goes on behind what has been moved, if the file is still the same.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "framework/platform/file.h"
+
+namespace internet {
+class FileDownload;
+class FileUpload;
+}  // namespace internet
+
+class CFileDownload {
+ public:
+  // With `failIfExists` an existing local file is refused (80) before anything is sent. `goesOn`: further
+  // attempts may come. Copies the path; it must not be null.
+  explicit CFileDownload(const char* local, bool failIfExists = true,
+                         std::uint32_t attributes = platform::kFileAttributeNormal, bool goesOn = false);
+  // A local file that an attempt created is deleted unless it has come whole.
+  ~CFileDownload();
+  CFileDownload(const CFileDownload&) = delete;
+  CFileDownload& operator=(const CFileDownload&) = delete;
+
+  // The local file is there and holds what the next attempt may go on behind.
+  [[nodiscard]] bool HoldsPart() const noexcept;
+  // Deletes it.
+  void Drop() noexcept;
+
+ private:
+  friend class CFtpConnection;
+  std::unique_ptr<internet::FileDownload> m_file;
+};
+
+class CFileUpload {
+ public:
+  // As above.
+  explicit CFileUpload(const char* local, bool goesOn = false);
+  ~CFileUpload();
+  CFileUpload(const CFileUpload&) = delete;
+  CFileUpload& operator=(const CFileUpload&) = delete;
+
+ private:
+  friend class CFtpConnection;
+  std::unique_ptr<internet::FileUpload> m_file;
+};
