@@ -100,7 +100,10 @@ TEST_F(ContentTest, AWriteThatNobodyConfirmsIsAFailure) {
                                     "{" + lost + R"(, {"on": "SIZE", "do": [{"reply": "213 39999"}]}]})"}) {
     const fixture::ScriptedFtp server(script);
     loginAt(server);
-    shortenTimeouts();
+    // Whatever the server does until then, no other reply is waited for that long.
+    internet::Timeouts timeouts;
+    timeouts.finalReply = std::chrono::milliseconds(300);
+    internet::setTimeoutsForTesting(timeouts);
     record = {};
     EXPECT_EQ(content_operations::write(client, {"", 1}), 0);
     EXPECT_EQ(server.commandCount("STOR"), 2);
