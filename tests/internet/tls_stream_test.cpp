@@ -157,6 +157,7 @@ TEST(TlsStream, LoginsOnSeveralThreadsKeepOutOfEachOthersWay) {
   testing_support::trustTestAuthority();
   std::array<std::string, 4> received;
   std::vector<std::thread> threads;
+  threads.reserve(received.size());
   for (std::string& bytes : received) {
     threads.emplace_back([&bytes, &server] {
       TlsLogin login(kName, {});
