@@ -9,6 +9,7 @@ import sys
 import tempfile
 import types
 import unittest
+import unittest.mock
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1]))
@@ -25,6 +26,10 @@ class Checkout(unittest.TestCase):
         scratch = tempfile.TemporaryDirectory(dir="/var/tmp")
         self.addCleanup(scratch.cleanup)
         os.chmod(scratch.name, 0o755)
+        # A copy of the cache comes with the checkout: of none here, it may be gigabytes.
+        cache = unittest.mock.patch.dict(os.environ, CCACHE_DIR=f"{scratch.name}/cache")
+        cache.start()
+        self.addCleanup(cache.stop)
         self.root = pathlib.Path(scratch.name) / "repository"
         self.root.mkdir()
         os.chown(self.root, DEVELOPER, DEVELOPER)
