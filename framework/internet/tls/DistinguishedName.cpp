@@ -164,9 +164,10 @@ DistinguishedName readDistinguishedName(DerBytes content) {
   std::vector<std::string> levels;
   DerReader reader(content);
   while (!reader.atEnd()) levels.push_back(readLevel(reader.take(DerTag::set), name.commonName));
-  for (auto level = levels.rbegin(); level != levels.rend(); ++level) {
+  std::ranges::reverse(levels);
+  for (const std::string& level : levels) {
     if (!name.text.empty()) name.text += ", ";
-    name.text += *level;
+    name.text += level;
   }
   return name;
 }
