@@ -201,6 +201,8 @@ TEST(ReadCertificate, RefusesWhatIsNotDer) {
   EXPECT_TRUE(withKey("\x30\x02\x05\0"s));
   EXPECT_FALSE(withKey("\x30\x81\x02\x05\0"s)) << "a length in more bytes than it needs";
   EXPECT_FALSE(withKey("\x30\x82\0\x02\x05\0"s));
+  EXPECT_FALSE(withKey("\x30\x82\0\x80"s + std::string(128, 'x')));
+  EXPECT_TRUE(withKey("\x30\x81\x80"s + std::string(128, 'x')));
   EXPECT_FALSE(withKey("\x30\x80\x05\0\0\0"s)) << "a length that is told at the end";
   EXPECT_FALSE(withKey("\x30\x84\xff\xff\xff\xff"s)) << "more than there is";
   EXPECT_FALSE(withKey("\x30\x88\0\0\0\0\0\0\0\x02\x05\0"s));
