@@ -65,7 +65,8 @@ class TlsStream {
   // Whether bytes of ours wait for room in the socket: a wait must watch for writing, too.
   [[nodiscard]] virtual bool wantsWrite() const noexcept = 0;
 
-  // After the handshake.
+  // After the handshake. peer() alone may take longer: Windows fetches a root that it trusts, at Windows' own
+  // servers, when that is first needed (five seconds at most).
   [[nodiscard]] virtual TlsPeer peer() const = 0;
   // "TLS 1.3, TLS_AES_256_GCM_SHA384", with ", resumed" where it was.
   [[nodiscard]] virtual std::string description() const = 0;
