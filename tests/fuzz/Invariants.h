@@ -41,7 +41,7 @@ inline void requireSound(const internet::FtpEntry& entry) {
 
 inline bool same(const internet::FtpEntry& a, const internet::FtpEntry& b) {
   return a.name == b.name && a.size == b.size && a.modified == b.modified && a.attributes == b.attributes &&
-         a.isDirectory == b.isDirectory && a.isLink == b.isLink;
+         a.isDirectory == b.isDirectory && a.isLink == b.isLink && a.inServersZone == b.inServersZone;
 }
 
 }  // namespace fuzz

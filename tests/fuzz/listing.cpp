@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "framework/internet/listing/ListReader.h"
 #include "tests/fuzz/Invariants.h"
 
 namespace {
@@ -12,21 +13,54 @@ using internet::FtpListing;
 
 constexpr std::int64_t kNow = 1'718'452'800;
 
-template <class ReadRow>
-void requireRowByRow(std::string_view text, const FtpListing& listing, ReadRow readRow) {
+struct RowByRow {
   std::vector<FtpEntry> entries;
   std::size_t rows = 0;
+};
+
+template <class ReadRow>
+RowByRow readRowByRow(std::string_view text, ReadRow readRow) {
+  RowByRow result;
   const char end = text.find('\n') == std::string_view::npos ? '\r' : '\n';
   while (!text.empty()) {
     std::string_view row = text.substr(0, text.find(end));
     text.remove_prefix(std::min(row.size() + 1, text.size()));
     while (row.ends_with('\r')) row.remove_suffix(1);
-    ++rows;
-    if (FtpEntry entry; readRow(row, entry)) entries.push_back(entry);
+    ++result.rows;
+    readRow(row, result.entries);
   }
+  return result;
+}
+
+void requireSame(const RowByRow& expected, const FtpListing& listing) {
+  const auto& entries = expected.entries;
   fuzz::require(
       std::equal(entries.begin(), entries.end(), listing.entries.begin(), listing.entries.end(), fuzz::same));
-  fuzz::require(listing.entries.size() + listing.unparsedLines <= rows);
+  fuzz::require(listing.entries.size() + listing.unparsedLines <= expected.rows);
+}
+
+RowByRow readListRows(std::string_view text, internet::ListReader& reader) {
+  return readRowByRow(text, [&](std::string_view row, std::vector<FtpEntry>& entries) {
+    FtpEntry entry;
+    const internet::RowKind kind = reader.read(row, entry);
+    if (kind == internet::RowKind::entry) entries.push_back(entry);
+    if (kind == internet::RowKind::rest) internet::takeRest(entry, entries.back());
+  });
+}
+
+RowByRow readListRows(std::string_view text) {
+  internet::ListReader reader(kNow, {});
+  RowByRow result = readListRows(text, reader);
+  if (!reader.clocksAreInNames()) return result;
+  internet::ListReader again(kNow, {});
+  again.takeClocksBehindYears();
+  return readListRows(text, again);
+}
+
+RowByRow readFacts(std::string_view text) {
+  return readRowByRow(text, [](std::string_view row, std::vector<FtpEntry>& entries) {
+    if (FtpEntry entry; internet::parseMlsxLine(row, entry)) entries.push_back(entry);
+  });
 }
 
 void check(std::string_view text, const FtpListing& listing) {
@@ -43,12 +77,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view text = fuzz::textOf(data, size);
   const FtpListing list = internet::parseList(text, kNow);
   check(text, list);
-  requireRowByRow(text, list, [](std::string_view row, FtpEntry& entry) {
-    return internet::parseListLine(row, kNow, entry);
-  });
+  requireSame(readListRows(text), list);
   const FtpListing facts = internet::parseMlsd(text);
   check(text, facts);
-  requireRowByRow(text, facts, internet::parseMlsxLine);
+  requireSame(readFacts(text), facts);
 
   const FtpListing limited = internet::parseList(text, kNow, {.directory = "/d", .maxEntries = 2});
   for (const FtpEntry& entry : limited.entries) fuzz::requireSound(entry);

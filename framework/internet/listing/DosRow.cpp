@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "framework/internet/listing/CivilTime.h"
-#include "framework/internet/listing/ListingRow.h"
+#include "framework/internet/listing/ListDialects.h"
 #include "framework/text/AsciiText.h"
 
 namespace internet {
@@ -71,7 +71,7 @@ bool readDosRow(std::string_view line, RawRow& row) noexcept {
   const std::optional<std::int64_t> modified = unixSeconds(time);
   if (!modified) return false;
   row = RawRow();
-  row.modified = *modified;
+  row.take({.seconds = *modified, .hasClock = true});
   const std::string_view field = fields.next();
   if (field.size() > 2 && field.front() == '<' && field.back() == '>') {
     row.isDirectory = ascii::equalBlindToCase(field, kDirectoryMark);

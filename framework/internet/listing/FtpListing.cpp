@@ -5,6 +5,7 @@
 #include <array>
 #include <utility>
 
+#include "framework/internet/listing/ListReader.h"
 #include "framework/internet/listing/ListingRow.h"
 #include "framework/text/AsciiText.h"
 
@@ -24,12 +25,19 @@ bool isHeader(std::string_view line) noexcept {
   return !number.empty() && ascii::isDigit(number.front()) && fields.next().empty();
 }
 
+// "%DIRECT-W-NOFILES, no files found".
+bool isVmsMessage(std::string_view line) noexcept {
+  if (!line.starts_with('%')) return false;
+  const std::size_t severity = line.find('-');
+  return severity < line.size() && line.substr(severity + 1).find('-') == 1 && line.find(", ") < line.size();
+}
+
 // What the program behind LIST says on its standard error stream, which some servers send along.
 bool isErrorText(std::string_view line) noexcept {
   static constexpr std::array<std::string_view, 5> kEndings{
       ": no such file or directory", ": permission denied", ": not a directory", ": cannot open directory",
       ": input/output error"};
-  if (line.starts_with("ls: ") || line.starts_with("/bin/ls: ")) return true;
+  if (line.starts_with("ls: ") || line.starts_with("/bin/ls: ") || isVmsMessage(line)) return true;
   for (const std::string_view ending : kEndings) {
     if (line.size() > ending.size() &&
         ascii::equalBlindToCase(line.substr(line.size() - ending.size()), ending))
@@ -86,6 +94,7 @@ FtpListing readListing(std::string_view text, const ListingRules& rules, ReadEnt
     FtpEntry entry;
     const RowKind kind = readEntry(line, entry);
     if (kind == RowKind::unparsed) takeOtherRow(line, listing);
+    if (kind == RowKind::rest) takeRest(entry, listing.entries.back());
     if (kind != RowKind::entry) continue;
     listing.overLimit = listing.entries.size() == rules.maxEntries;
     if (listing.overLimit) break;
@@ -102,7 +111,7 @@ bool parseMlsxLine(std::string_view line, FtpEntry& entry) {
 }
 
 bool parseListLine(std::string_view line, std::int64_t now, FtpEntry& entry) {
-  return readListEntry(line, now, {}, entry) == RowKind::entry;
+  return ListReader(now, {}).read(line, entry) == RowKind::entry;
 }
 
 FtpListing parseMlsd(std::string_view text, const ListingRules& rules) {
@@ -112,9 +121,16 @@ FtpListing parseMlsd(std::string_view text, const ListingRules& rules) {
 }
 
 FtpListing parseList(std::string_view text, std::int64_t now, const ListingRules& rules) {
-  return readListing(text, rules, [&](std::string_view line, FtpEntry& entry) {
-    return readListEntry(line, now, rules.directory, entry);
-  });
+  const auto readWith = [&](ListReader& reader) {
+    return readListing(text, rules,
+                       [&](std::string_view line, FtpEntry& entry) { return reader.read(line, entry); });
+  };
+  ListReader reader(now, rules.directory);
+  FtpListing listing = readWith(reader);
+  if (!reader.clocksAreInNames()) return listing;
+  ListReader again(now, rules.directory);
+  again.takeClocksBehindYears();
+  return readWith(again);
 }
 
 }  // namespace internet

@@ -28,6 +28,8 @@ struct FtpEntry {
   std::uint32_t attributes = 0;  // kEntry...
   bool isDirectory = false;
   bool isLink = false;  // a symbolic link whose target's kind is unknown
+  // `modified` is a clock in the server's own zone, which the row does not tell.
+  bool inServersZone = false;
 };
 
 struct FtpListing {
@@ -55,20 +57,33 @@ struct ListingRules {
 // `perm` allows neither to store nor to append.
 bool parseMlsxLine(std::string_view line, FtpEntry& entry);
 
-// One row of LIST. False when it is neither form, or names the listed directory or its parent.
+// One row of LIST. False when it is none of these forms, or names the listed directory or its parent.
 //   -rw-r--r--   1 owner group   1234 Jan 12 10:05 name      owner, group and link count may be missing
 //   drwxr-xr-x+ 12 owner group   4096 Jan 12  2024 name      any type letter; ACL marks
 //   brw-rw----   1 owner group   8, 0 2024-01-12 10:05 name
 //   lrwxrwxrwx   1 owner group      4 12 Jan 10:05 name -> target
+//   -rw-r--r--   1 owner group   1234 12. Mär 08.05 name     months and clocks of `ls` in other languages
 //   01-12-24  10:05AM       <DIR>          name              also 4-digit years, 24 hours, seconds
 //   2024-01-12  10:05                1,234 name
-// Exactly one blank stands before the name, more belong to it (behind <DIR>: the ten of its column). `now`
-// (seconds UTC) gives the year where the row has none: the latest that is not more than a day ahead. Times
-// without a zone are taken as UTC. A size of more than 64 bits makes the row no entry.
+//   +i1.2,m1705053900,r,s1234,<TAB>name                      EPLF; "/" in place of "r" for a directory
+//   NAME.TXT;3   2/4   12-JAN-2024 10:05:33  [OWNER]  (RWED,RE,,)      OpenVMS; blocks of 512 bytes
+//   OWNER   1234 01/12/24 10:05:33 *STMF      name           IBM i; "*DIR", "*MEM", ...
+//   VOL001 3390   2024/01/12  1   15  FB      80 27920  PS  NAME.DATA        MVS; its sizes are no bytes
+//   NAME      01.02 2024/01/10 2024/01/12 10:05    12    10     0 OWNER
+//   NAME       0000A70 000208             00 RN RU            31 ANY
+//   NAME       101          1234 12-Jan-24 10:05:33 255,255 "NUNU"           HP NonStop
+//   - [RWCEAFMS] owner              1234 Jan 12 10:05 name   Netware
+// Exactly one blank stands before the name, more belong to it (behind <DIR>: the ten of its column; the
+// dialects below EPLF pad their columns). `now` (seconds UTC) gives the year where the row has none: the
+// latest that is not more than a day ahead. Times without a zone are taken as UTC. A size of more than 64
+// bits makes the row no entry.
 bool parseListLine(std::string_view line, std::int64_t now, FtpEntry& entry);
 
 // Lines end in LF or CR LF; in CR alone where the text has no LF at all.
 FtpListing parseMlsd(std::string_view text, const ListingRules& rules = {});
+// The rows of LIST may tell of one another: headers name the dialect, a name may stand alone in its row, of
+// several versions of a file the first has the name and the others have it with their version; and where all
+// rows of Unix show a year with a clock behind it, that is no part of the name.
 FtpListing parseList(std::string_view text, std::int64_t now, const ListingRules& rules = {});
 
 // Windows file name rules: blind to the case of ASCII letters; "*" and "*.*" match everything, "*." names

@@ -51,6 +51,10 @@ std::string_view RowFields::restAfterBlank() const noexcept {
   return rest_.starts_with(' ') ? rest_.substr(1) : std::string_view();
 }
 
+std::string_view withoutPadding(std::string_view text) noexcept {
+  return text.substr(std::min(text.find_first_not_of(' '), text.size()));
+}
+
 bool readSize(std::string_view text, std::uint64_t& size) noexcept {
   constexpr std::size_t kGroup = 4;  // ",123"
   const std::size_t comma = text.find(',');
@@ -78,16 +82,11 @@ RowKind makeEntry(const RawRow& row, std::string_view directory, FtpEntry& entry
   entry.isLink = row.isLink;
   entry.size = row.isDirectory || row.isLink ? 0 : row.size;
   entry.modified = row.modified;
+  entry.inServersZone = row.inServersZone;
   entry.attributes = (row.isDirectory ? kEntryDirectory : 0) | (row.readOnly ? kEntryReadOnly : 0) |
                      (name.front() == '.' ? kEntryHidden : 0);
   if (entry.attributes == 0) entry.attributes = kEntryNormal;
   return RowKind::entry;
-}
-
-RowKind readListEntry(std::string_view line, std::int64_t now, std::string_view directory, FtpEntry& entry) {
-  RawRow row;
-  if (!readUnixRow(line, now, row) && !readDosRow(line, row)) return RowKind::unparsed;
-  return makeEntry(row, directory, entry);
 }
 
 RowKind readMlsxEntry(std::string_view line, std::string_view directory, FtpEntry& entry) {

@@ -13,6 +13,8 @@ namespace internet {
 enum class RowKind {
   entry,
   itself,   // the listed directory or its parent
+  header,   // tells how other rows are to be read
+  rest,     // of the entry before it, which had its name alone in its row
   unparsed  // not this form, or a name that no entry may have
 };
 
@@ -32,8 +34,17 @@ class RowFields {
   std::string_view rest_;
 };
 
+// What stands behind the blanks that pad a column.
+[[nodiscard]] std::string_view withoutPadding(std::string_view text) noexcept;
+
 // Decimal digits, also in groups of three ("1,234,567").
 bool readSize(std::string_view text, std::uint64_t& size) noexcept;
+
+struct RowTime {
+  std::int64_t seconds = 0;  // as if it were UTC, where the zone is not told
+  bool hasClock = false;     // else a day
+  bool hasZone = false;
+};
 
 // A row before its name is judged. A link has no size of its own.
 struct RawRow {
@@ -42,11 +53,16 @@ struct RawRow {
   bool readOnly = false;
   std::uint64_t size = 0;
   std::int64_t modified = 0;
+  bool inServersZone = false;  // as in FtpEntry
   std::string_view name;
-};
+  std::string_view exactName;  // with the version, where there may be others of that name; "" = no versions
+  bool nameIsAlone = false;    // size and time may come in the next row
 
-bool readUnixRow(std::string_view line, std::int64_t now, RawRow& row) noexcept;
-bool readDosRow(std::string_view line, RawRow& row) noexcept;
+  void take(const RowTime& time) noexcept {
+    modified = time.seconds;
+    inServersZone = time.hasClock && !time.hasZone;
+  }
+};
 
 enum class MlsxType { unknown, file, directory, itself, link, other };
 
@@ -64,7 +80,6 @@ bool readMlsxRow(std::string_view line, MlsxRow& row) noexcept;
 // Makes the entry of a row if its name is one that an entry may have; `directory` as in ListingRules.
 RowKind makeEntry(const RawRow& row, std::string_view directory, FtpEntry& entry);
 
-RowKind readListEntry(std::string_view line, std::int64_t now, std::string_view directory, FtpEntry& entry);
 RowKind readMlsxEntry(std::string_view line, std::string_view directory, FtpEntry& entry);
 
 }  // namespace internet

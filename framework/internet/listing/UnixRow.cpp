@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "framework/internet/listing/CivilTime.h"
-#include "framework/internet/listing/ListingRow.h"
+#include "framework/internet/listing/ListDialects.h"
 #include "framework/text/AsciiText.h"
 
 namespace internet {
@@ -16,7 +16,7 @@ constexpr std::size_t kModeLength = 10;
 constexpr int kMaxFieldsBeforeDate = 12;
 
 bool isMode(std::string_view text) noexcept {
-  constexpr std::string_view kTypes = "-dlbcpsDCMnPw?";
+  constexpr std::string_view kTypes = "-dlebcpsDCMnPw?";
   constexpr std::string_view kRights = "-rwxsStTlL?";
   return text.size() == kModeLength && kTypes.find(text[0]) != std::string_view::npos &&
          text.find_first_not_of(kRights, 1) == std::string_view::npos;
@@ -32,15 +32,27 @@ bool readDay(std::string_view text, CivilTime& time) noexcept {
   return text.size() <= 2 && ascii::readNumber(text, time.day);
 }
 
+// A clock behind the year, where the listing shows both.
+bool readClockOfYear(RowFields& fields, CivilTime& time, const RowContext& context) noexcept {
+  return !context.clockBehindYear || readClock(fields.next(), time);
+}
+
 // "10:05", "2024" or "10:05:59 2024" behind day and month.
-std::optional<std::int64_t> readClockOrYear(RowFields& fields, CivilTime& time, std::int64_t now) noexcept {
+bool readClockOrYear(RowFields& fields, CivilTime& date, const RowContext& context, RowTime& time) noexcept {
   const std::string_view text = fields.next();
-  if (readClock(text, time)) {
-    const bool withSeconds = text.size() > 5;
-    if (!withSeconds) return unixSecondsOfLatestYear(time, now);
-    return ascii::readNumber(fields.next(), time.year) ? unixSeconds(time) : std::nullopt;
+  std::optional<std::int64_t> seconds;
+  time.hasClock = readClock(text, date);
+  if (time.hasClock && text.size() <= 5) {
+    seconds = unixSecondsOfLatestYear(date, context.now);
+  } else if (time.hasClock) {
+    if (ascii::readNumber(fields.next(), date.year)) seconds = unixSeconds(date);
+  } else if (text.size() == 4 && ascii::readNumber(text, date.year) &&
+             readClockOfYear(fields, date, context)) {
+    time.hasClock = context.clockBehindYear;
+    seconds = unixSeconds(date);
   }
-  return text.size() == 4 && ascii::readNumber(text, time.year) ? unixSeconds(time) : std::nullopt;
+  time.seconds = seconds.value_or(0);
+  return seconds.has_value();
 }
 
 // "+0130" in seconds.
@@ -56,14 +68,17 @@ std::optional<std::int64_t> readZone(std::string_view text) noexcept {
 }
 
 // "10:05" or "10:05:33", and "10:05:33.000000000 +0100" as `ls --full-time` writes it.
-std::optional<std::int64_t> readIsoClock(RowFields& fields, CivilTime& time) noexcept {
+bool readIsoClock(RowFields& fields, CivilTime& date, RowTime& time) noexcept {
   const std::string_view text = fields.next();
   const std::size_t point = text.find('.');
-  if (!readClock(text.substr(0, point), time)) return std::nullopt;
-  const std::optional<std::int64_t> seconds = unixSeconds(time);
-  if (point == std::string_view::npos || !seconds) return seconds;
-  const std::optional<std::int64_t> zone = readZone(fields.next());
-  return zone ? std::optional(*seconds - *zone) : std::nullopt;
+  if (!readClock(text.substr(0, point), date)) return false;
+  const std::optional<std::int64_t> seconds = unixSeconds(date);
+  time.hasClock = true;
+  time.hasZone = point != std::string_view::npos && seconds;
+  const std::optional<std::int64_t> zone = time.hasZone ? readZone(fields.next()) : 0;
+  if (!seconds || !zone) return false;
+  time.seconds = *seconds - *zone;
+  return true;
 }
 
 bool readIsoDate(std::string_view text, CivilTime& time) noexcept {
@@ -72,46 +87,66 @@ bool readIsoDate(std::string_view text, CivilTime& time) noexcept {
          ascii::readNumber(text.substr(5, 2), time.month) && ascii::readNumber(text.substr(8), time.day);
 }
 
-std::optional<std::int64_t> readDate(RowFields& fields, std::int64_t now) noexcept {
-  CivilTime time;
+bool readDate(RowFields& fields, const RowContext& context, RowTime& time) noexcept {
+  CivilTime date;
+  time = RowTime();
   const std::string_view first = fields.next();
-  if (readIsoDate(first, time)) return readIsoClock(fields, time);
-  const bool dayFirst = readDay(first, time);
-  if (!dayFirst) time.month = monthOfName(first);
-  if (!dayFirst && time.month == 0) return std::nullopt;
+  if (readIsoDate(first, date)) return readIsoClock(fields, date, time);
+  const bool dayFirst = readDay(first, date);
+  if (!dayFirst) date.month = monthOfName(first);
+  if (!dayFirst && date.month == 0) return false;
   const std::string_view second = fields.next();
-  if (dayFirst) time.month = monthOfName(second);
-  if (time.month == 0 || (!dayFirst && !readDay(second, time))) return std::nullopt;
-  return readClockOrYear(fields, time, now);
+  if (dayFirst) date.month = monthOfName(second);
+  if (date.month == 0 || (!dayFirst && !readDay(second, date))) return false;
+  return readClockOrYear(fields, date, context, time);
 }
 
-// A device has its two numbers in place of a size.
-bool readSizeOf(char type, std::string_view field, RawRow& row) noexcept {
-  return type == 'b' || type == 'c' || readSize(field, row.size);
+bool readDateOf(RowFields& fields, const RowContext& context, bool local, RowTime& time) noexcept {
+  return local ? readLocalDate(fields, context.now, time) : readDate(fields, context, time);
+}
+
+// The size is the field before the first date.
+enum class Search { found, noDate, noSize };
+
+Search searchDate(RowFields& fields, const RowContext& context, bool device, bool local,
+                  RawRow& row) noexcept {
+  RowFields ahead = fields;
+  for (int i = 0; i < kMaxFieldsBeforeDate; ++i) {
+    const std::string_view field = ahead.next();
+    if (field.empty()) return Search::noDate;
+    RowFields behind = ahead;
+    RowTime time;
+    if (!readDateOf(behind, context, local, time)) continue;
+    // A device has its two numbers in place of a size.
+    if (!device && !readSize(field, row.size)) return Search::noSize;
+    row.take(time);
+    fields = behind;
+    return Search::found;
+  }
+  return Search::noDate;
 }
 
 }  // namespace
 
-bool readUnixRow(std::string_view line, std::int64_t now, RawRow& row) noexcept {
+// In English first: what looks like a date there is one.
+bool readSizeAndDate(RowFields& fields, const RowContext& context, bool device, RawRow& row) noexcept {
+  const Search english = searchDate(fields, context, device, false, row);
+  if (english != Search::noDate) return english == Search::found;
+  return searchDate(fields, context, device, true, row) == Search::found;
+}
+
+bool readUnixRow(std::string_view line, const RowContext& context, RawRow& row) noexcept {
   if (!isMode(line.substr(0, kModeLength))) return false;
+  row = RawRow();
   RowFields fields(line.substr(kModeLength));
   if (fields.rest().find(' ') != 0 && !isModeTail(fields.next())) return false;
-  for (int i = 0; i < kMaxFieldsBeforeDate; ++i) {
-    const std::string_view field = fields.next();
-    if (field.empty()) return false;
-    RowFields behind = fields;
-    const std::optional<std::int64_t> modified = readDate(behind, now);
-    if (!modified) continue;
-    if (!readSizeOf(line[0], field, row)) return false;
-    row.modified = *modified;
-    row.isDirectory = line[0] == 'd';
-    row.isLink = line[0] == 'l';
-    row.readOnly = line[2] != 'w';
-    row.name = behind.restAfterBlank();
-    if (row.isLink) row.name = row.name.substr(0, row.name.find(" -> "));
-    return true;
-  }
-  return false;
+  if (!readSizeAndDate(fields, context, line[0] == 'b' || line[0] == 'c', row)) return false;
+  row.isDirectory = line[0] == 'd';
+  row.isLink = line[0] == 'l' || line[0] == 'e';
+  row.readOnly = line[2] != 'w';
+  row.name = fields.restAfterBlank();
+  if (row.isLink) row.name = row.name.substr(0, row.name.find(" -> "));
+  return true;
 }
 
 }  // namespace internet

@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: MIT
+// Servers that are no Unix.
+#include "tests/internet/DialectRows.h"
+
+namespace internet_tests {
+namespace {
+
+constexpr Kind F = Kind::file;
+constexpr Kind D = Kind::directory;
+
+const DialectRows kEplf{
+    "Eplf",
+    "Easily Parsed LIST Format, https://cr.yp.to/ftp/list/eplf.html",
+    "",
+    {{"+i8388621.29609,m824255902,/,\tdev", "dev", D, 0, "1996-02-13 23:58:22"},
+     {"+i8388621.44468,m839956783,r,s10376,\tRFCEPLF", "RFCEPLF", F, 10376, "1996-08-13 17:19:43"},
+     {"+r,s0,\tempty", "empty", F, 0, ""},
+     {"+/,\tno time", "no time", D, 0, ""},
+     {"+m1705053933,r,s5368709121,\tlarge", "large", F, 5368709121, "2024-01-12 10:05:33"},
+     {"+up644,m1705053933,r,s7,\tmode", "mode", F, 7, "2024-01-12 10:05:33"},
+     {"+up755,/,m1705053933,\tmode dir", "mode dir", D, 0, "2024-01-12 10:05:33"},
+     {"+r,s3,xfuture,\tunknown fact", "unknown fact", F, 3, ""},
+     {"+s9,r,\ta,b", "a,b", F, 9, ""},
+     {"+r,s1,\t leading", " leading", F, 1, ""},
+     {"+\tno facts", "no facts", F, 0, ""},
+     {"+r,/,s12,\tboth", "both", D, 0, ""},
+     {"+i,m,s,r\tempty facts", "empty facts", F, 0, ""}}};
+
+const DialectRows kVms{
+    "OpenVms",
+    "OpenVMS DCL Dictionary, DIRECTORY with /SIZE=ALL, /DATE, /OWNER, /PROTECTION",
+    "\r\nDirectory DISK$USER:[ANONYMOUS]\r\n\r\n",
+    {{"LOGIN.COM;13   2/4   12-JAN-2024 10:05:33  [SYSTEM]   (RWED,RWED,RE,)", "LOGIN.COM", F, 1024,
+      "2024-01-12 10:05:33"},
+     {"PUB.DIR;1      1/4    8-SEP-2023 16:09:01  [SYSTEM]   (RWE,RWE,RE,RE)", "PUB", D, 0,
+      "2023-09-08 16:09:01"},
+     {"README.;1      213/216  29-JAN-2024 03:33:12  [ANONYMOUS,GUEST]  (RWED,RWED,,)", "README.", F, 109056,
+      "2024-01-29 03:33:12"},
+     {"HUNDREDTHS.DAT;2  7/8  29-JAN-2024 03:33:12.05", "HUNDREDTHS.DAT", F, 3584, "2024-01-29 03:33:12"},
+     {"MINUTES.DAT;1  7  29-JAN-2024 03:33", "MINUTES.DAT", F, 3584, "2024-01-29 03:33"},
+     {"DAY.DAT;1  7  29-JAN-2024", "DAY.DAT", F, 3584, "2024-01-29"},
+     {"SIZE_ONLY.DAT;1  7", "SIZE_ONLY.DAT", F, 3584, ""},
+     {"DATE_ONLY.DAT;1  29-JAN-2024 03:33:12", "DATE_ONLY.DAT", F, 0, "2024-01-29 03:33:12"},
+     {"EMPTY.LIS;1  0/0  29-JAN-2024 03:33:12  [200,010]  (RWED,RWED,RE,)", "EMPTY.LIS", F, 0,
+      "2024-01-29 03:33:12"},
+     {"BLANK_OWNER.TXT;1  1  29-JAN-2024 03:33:12  [GROUP A, MEMBER B] (RWED,,,)", "BLANK_OWNER.TXT", F, 512,
+      "2024-01-29 03:33:12"},
+     {"PROTECTION.TXT;1  1  29-JAN-2024 03:33:12  (RWED,RWED,,)", "PROTECTION.TXT", F, 512,
+      "2024-01-29 03:33:12"},
+     {"DIR.DIR;2  1  29-JAN-2024 03:33:12", "DIR.DIR", F, 512, "2024-01-29 03:33:12"},
+     {"lower.dir;1  1  29-Jan-2024 03:33:12", "lower", D, 0, "2024-01-29 03:33:12"},
+     {"A.B^.C;32767  1/2  1-DEC-2025 23:59:59", "A.B^.C", F, 512, "2025-12-01 23:59:59"},
+     {"BIG.DSK;1  8388608/8388608  1-DEC-2025 23:59:59", "BIG.DSK", F, 4294967296, "2025-12-01 23:59:59"},
+     {"ONE$TWO-THREE_4.TXT;1  1/2  1-DEC-2025 23:59:59", "ONE$TWO-THREE_4.TXT", F, 512,
+      "2025-12-01 23:59:59"},
+     {"NAME_ALONE.TXT;1", "NAME_ALONE.TXT", F, 0, ""}}};
+
+const DialectRows kOs400{
+    "IbmI",
+    "IBM i, Networking: File Transfer Protocol, LISTFMT 0 (owner, size, date, time, type, name)",
+    "",
+    {{"PEP         36864 04/18/24 14:27:40 *DIR       dir/", "dir", D, 0, "2024-04-18 14:27:40"},
+     {"PEP        147456 01/12/24 10:05:33 *STMF      notes.txt", "notes.txt", F, 147456,
+      "2024-01-12 10:05:33"},
+     {"QSYS        77824 02/23/00 15:09:55 *LIB       QGPL.LIB/", "QGPL.LIB", D, 0, "2000-02-23 15:09:55"},
+     {"QSYS        77824 02/23/00 15:09:55 *LIB       QGPL", "QGPL", D, 0, "2000-02-23 15:09:55"},
+     {"QDFTOWN     28672 12/20/99 15:27:04 *FILE      QCLSRC.FILE/", "QCLSRC.FILE", D, 0,
+      "1999-12-20 15:27:04"},
+     {"QDFTOWN     28672 12/20/99 15:27:04 *FILE      BACKUP.SAVF", "BACKUP.SAVF", F, 28672,
+      "1999-12-20 15:27:04"},
+     {"QDFTOWN      4096 12/20/39 15:27:04 *PGM       MENU.PGM", "MENU.PGM", F, 4096, "2039-12-20 15:27:04"},
+     {"QDFTOWN      4096 12/20/40 15:27:04 *PGM       OLD.PGM", "OLD.PGM", F, 4096, "1940-12-20 15:27:04"},
+     {"QDFTOWN                             *MEM       QCLSRC.START", "QCLSRC.START", F, 0, ""},
+     {"QDFTOWN                             *MEM       START.MBR", "START.MBR", F, 0, ""},
+     {"QDOC        24576 05/30/97 17:08:26 *FLR       FOLDER1", "FOLDER1", D, 0, "1997-05-30 17:08:26"},
+     {"QDOC        12024 05/30/97 17:08:26 *DOC       LETTER", "LETTER", F, 12024, "1997-05-30 17:08:26"},
+     {"SHOP         4096 23.02.24 15:09:55 *STMF      dots", "dots", F, 4096, "2024-02-23 15:09:55"},
+     {"SHOP         4096 24-02-23 15:09:55 *STMF      dashes", "dashes", F, 4096, "2024-02-23 15:09:55"},
+     {"SHOP       4096 2024/02/23 15:09:55 *STMF      year first", "year first", F, 4096,
+      "2024-02-23 15:09:55"},
+     {"SHOP         4096 23/02/24 15:09:55 *STMF      day first", "day first", F, 4096,
+      "2024-02-23 15:09:55"},
+     {"SHOP   5368709121 02/23/2024 15:09:55 *STMF    long.year", "long.year", F, 5368709121,
+      "2024-02-23 15:09:55"},
+     {"SHOP         8192 02/23/24 15:09:55 *DDIR      Folder/", "Folder", D, 0, "2024-02-23 15:09:55"},
+     {"SHOP            0 02/23/24 15:09:55 *SYMLNK    link", "link", F, 0, "2024-02-23 15:09:55"}}};
+
+const DialectRows kDataSets{
+    "DataSets",
+    "z/OS Communications Server: IP User's Guide and Commands, DIr subcommand, data sets",
+    "Volume Unit    Referred Ext Used Recfm Lrecl BlkSz Dsorg Dsname\r\n",
+    {{"WRKLB2 3390   2024/01/12  1    5  FB      80  3120  PO  JCL.CNTL", "JCL.CNTL", D, 0, "2024-01-12"},
+     {"WRKLB2 3390   2024/01/12  1   15  VB     255 27998  PS  REPORT.TEXT", "REPORT.TEXT", F, 0,
+      "2024-01-12"},
+     {"WRKLB2 3390   **NONE**    1    1  FB      80 27920  PS  NEVER.REFERRED", "NEVER.REFERRED", F, 0, ""},
+     {"WRKLB2 3390   2023/11/30 16 1234  U        0  6144  PO  PROD.LOADLIB", "PROD.LOADLIB", D, 0,
+      "2023-11-30"},
+     {"WRKLB2 3390   2023/11/30  1   10  FB      80 32720  PO-E LARGE.LIBRARY", "LARGE.LIBRARY", D, 0,
+      "2023-11-30"},
+     {"WRKLB2 3390   2023/11/30  1 ????  FBA    133 27930  PS  PRINT.OUT", "PRINT.OUT", F, 0, "2023-11-30"},
+     {"SMS001 3390   2023/11/30  1    3  VBS  32760 27998  DA  DIRECT.ACCESS", "DIRECT.ACCESS", F, 0,
+      "2023-11-30"},
+     {"SMS001 3390   2023/11/30  1    3  FB     100 27900  PS  A1.B2.C@#$", "A1.B2.C@#$", F, 0, "2023-11-30"},
+     {"SMS001 3390   2023/11/30  1    3  FB     100 27900  PS  GDG.BASE.G0001V00", "GDG.BASE.G0001V00", F, 0,
+      "2023-11-30"},
+     {"SMS001 3390   2023/11/30  1    3  FB     100 27900  PS  'USER1.DATA'", "'USER1.DATA'", F, 0,
+      "2023-11-30"},
+     {"Migrated                                                ARCHIVED.DATA", "ARCHIVED.DATA", F, 0, ""},
+     {"SMS001                                          VSAM    CLUSTER.KSDS", "CLUSTER.KSDS", F, 0, ""},
+     {"                                                GDG     GDG.BASE", "GDG.BASE", F, 0, ""},
+     {"T00001 Tape                                             BACKUP.TAPE", "BACKUP.TAPE", F, 0, ""},
+     {"Pseudo Directory                                        PROD", "PROD", D, 0, ""},
+     {"ARCIVE Not Direct Access Device                         OTHER.DEVICE", "OTHER.DEVICE", F, 0, ""},
+     {"WRKLB3 Not Mounted                                      AWAY.DATA", "AWAY.DATA", F, 0, ""}}};
+
+const DialectRows kMembers{
+    "Members",
+    "z/OS Communications Server: IP User's Guide and Commands, DIr subcommand, members with statistics",
+    " Name     VV.MM   Created       Changed      Size  Init   Mod   Id\r\n",
+    {{"ALLOC     01.03 2024/01/10 2024/01/12 10:05    12    10     0 USER1", "ALLOC", F, 0,
+      "2024-01-12 10:05"},
+     {"COMPILE   01.99 1999/01/10 2023/12/31 23:59 65535    10     3 USER1", "COMPILE", F, 0,
+      "2023-12-31 23:59"},
+     {"SECONDS   01.00 2024/01/10 2024/01/12 10:05:33  12    10     0 USER1", "SECONDS", F, 0,
+      "2024-01-12 10:05:33"},
+     {"@NATION#  01.00 2024/01/10 2024/01/12 10:05     1     1     0 #USER", "@NATION#", F, 0,
+      "2024-01-12 10:05"},
+     {"$INDEX    01.00 2024/01/10 2024/01/12 10:05     0     0     0 USER1", "$INDEX", F, 0,
+      "2024-01-12 10:05"},
+     {"TWOYEAR   01.00 98/01/10 99/01/12 10:05         0     0     0 USER1", "TWOYEAR", F, 0,
+      "1999-01-12 10:05"},
+     {"NEWYEAR   01.00 23/01/10 24/01/12 10:05         0     0     0 USER1", "NEWYEAR", F, 0,
+      "2024-01-12 10:05"},
+     {"NOID      01.00 2024/01/10 2024/01/12 10:05     0     0     0", "NOID", F, 0, "2024-01-12 10:05"},
+     {"NOSTATS", "NOSTATS", F, 0, ""},
+     {" INDENT   01.00 2024/01/10 2024/01/12 10:05     0     0     0 USER1", "INDENT", F, 0,
+      "2024-01-12 10:05"}}};
+
+const DialectRows kLoadModules{
+    "LoadModules",
+    "z/OS Communications Server: IP User's Guide and Commands, DIr subcommand, load library",
+    " Name      Size     TTR   Alias-of AC --------- Attributes --------- Amode Rmode\r\n",
+    {{"PAYROLL   000A70   000208             00 FO             RN RU            31    ANY", "PAYROLL", F,
+      0xa70, ""},
+     {"BIGPROG   01F2C8   00300A             01 FO             RN RU            31    24", "BIGPROG", F,
+      0x1f2c8, ""},
+     {"ALIAS1    000A70   000208   PAYROLL   00 FO             RN RU            31    ANY", "ALIAS1", F,
+      0xa70, ""},
+     {"OBJECT    0012A345 000302             00                                  24    24", "OBJECT", F,
+      0x12a345, ""},
+     {"EMPTY     000000   000001             00 FO             NX                24    24", "EMPTY", F, 0,
+      ""},
+     {"NAMEONLY", "NAMEONLY", F, 0, ""}}};
+
+const DialectRows kNonStop{
+    "NonStop",
+    "HP NonStop TCP/IP Applications and Utilities User Guide, FTP server, dir; Guardian file names and codes",
+    "\r\nFile         Code             EOF  Last Modification    Owner  RWEP\r\n",
+    {{"ACCTS           0          102400  12-Jan-24 10:05:33 255,255 \"NUNU\"", "ACCTS", F, 102400,
+      "2024-01-12 10:05:33"},
+     {"EDITFILE      101            1234   2-Jan-24 10:04:56 255,255 \"oooo\"", "EDITFILE", F, 1234,
+      "2024-01-02 10:04:56"},
+     {"OBJECT        100O         589824  12-Jan-24 10:05:33   8,1   \"GGGO\"", "OBJECT", F, 589824,
+      "2024-01-12 10:05:33"},
+     {"LICENSED      700L           4096  12-Jan-24 10:05:33 255,255 \"UUUU\"", "LICENSED", F, 4096,
+      "2024-01-12 10:05:33"},
+     {"CENTURY       180            4096  31-Dec-99 23:59:59 255,255 \"A---\"", "CENTURY", F, 4096,
+      "1999-12-31 23:59:59"},
+     {"LONGYEAR      180            4096  31-Dec-2023 23:59:59 255,255 \"A-A-\"", "LONGYEAR", F, 4096,
+      "2023-12-31 23:59:59"},
+     {"GUARDED       101             512  12-Jan-24 10:05:33 255,255 ****", "GUARDED", F, 512,
+      "2024-01-12 10:05:33"},
+     {"APART         101             512  12-Jan-24 10:05:33   8, 17 \"NONO\"", "APART", F, 512,
+      "2024-01-12 10:05:33"},
+     {"lower1        101             512  12-Jan-24 10:05:33   8,17  \"NONO\"", "lower1", F, 512,
+      "2024-01-12 10:05:33"},
+     {"Z             888               0  12-Jan-24 10:05:33   8,17  \"----\"", "Z", F, 0,
+      "2024-01-12 10:05:33"},
+     {"HUGE          800     18446744073  12-Jan-24 10:05:33   8,17  \"NCNC\"", "HUGE", F, 18446744073,
+      "2024-01-12 10:05:33"},
+     {"CORRUPT       101?            512  12-Jan-24 10:05:33   8,17  \"NCNC\"", "CORRUPT", F, 512,
+      "2024-01-12 10:05:33"}}};
+
+const DialectRows kNetware{
+    "Netware",
+    "NetWare FTP Server Administration Guide, and https://cr.yp.to/ftp/list/binls.html",
+    "total 0\r\n",
+    {{"d [RWCEAFMS] admin                          512 Oct 13 22:57 public", "public", D, 0,
+      "2026-10-13 22:57"},
+     {"- [RWCEAFMS] admin                         8980 Oct 13 22:57 notes.txt", "notes.txt", F, 8980,
+      "2026-10-13 22:57"},
+     {"d [R----F--] supervisor            512       Jan 16  2024    login", "login", D, 0, "2024-01-16"},
+     {"- [R----F--] guest              214059       Oct 20 15:27    setup.exe", "setup.exe", F, 214059,
+      "2026-10-20 15:27"},
+     {"- [--------] nobody                  1       Oct 20 15:27    no.rights", "no.rights", F, 1,
+      "2026-10-20 15:27"},
+     {"- [SRWCEMFA] admin          5368709121       Oct 20 15:27    large.img", "large.img", F, 5368709121,
+      "2026-10-20 15:27"},
+     {"- [RWCEAFMS] two words               7       Oct 20 15:27    owner.txt", "owner.txt", F, 7,
+      "2026-10-20 15:27"},
+     {"- [RWCEAFMS] .admin.org              7       Oct 20 15:27    with two  blanks", "with two  blanks", F,
+      7, "2026-10-20 15:27"},
+     {"d [RWCEAFMS] admin                 512       Feb 29  2024    LEAP", "LEAP", D, 0, "2024-02-29"},
+     {"- [RWCEAFMS]                         7       Oct 20 15:27    no.owner", "no.owner", F, 7,
+      "2026-10-20 15:27"}}};
+
+}  // namespace
+
+const std::vector<DialectRows>& platformRows() {
+  static const std::vector<DialectRows> kRows{kEplf,    kVms,         kOs400,   kDataSets,
+                                              kMembers, kLoadModules, kNonStop, kNetware};
+  return kRows;
+}
+
+}  // namespace internet_tests
