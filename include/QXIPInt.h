@@ -165,6 +165,16 @@ class TQXIPIFInt {
   // copies *pnCount entries out and forgets them. Names that begin with a dot are left out. OnNotify gets the
   // QXDirEntry of each file, valid during that call. One listing at a time: in a hook that a listing calls,
   // this and slots 34 and 35 fail with 12110.
+  //   Links: an entry is what its link leads to, a file of size 0 where that is nowhere; its times are the
+  // link's. Where the server does not tell, it is asked; of one listing about the first 64 links, the others
+  // stay files of size 0. So for slots 34 to 36. A host that removes a whole tree calls FTPRmvDir for each
+  // directory before it goes into it: a link is removed then, and what it leads to stays.
+  //   Times: UTC where the server tells them so (MLSD, EPLF). A listing by LIST shows clocks of the server's
+  // own zone: the time of one file is asked (MDTM), once for each server, login and process, and tells the
+  // zone's present distance from UTC for all. Where it does not, and where only days are shown, times are as
+  // the server shows them. MVS tells the day of the last reference.
+  //   Sizes in other units than bytes: those of OpenVMS are whole blocks of 512 bytes; MVS's data sets and
+  // members have size 0. Of several versions of a file (OpenVMS) the newest has the plain name.
   virtual QXBool FTPGetDirectory(const char* pszPath, QXDirEntry* pEntries, std::uint32_t* pnCount,
                                  const char* pszPattern, std::uint32_t nRetries) = 0;
   // Slots 32 and 33: whole files, on the caller's thread, without messages, OnPoll or a way for their caller
@@ -209,7 +219,8 @@ class TQXIPIFInt {
                             std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
   virtual QXBool FTPRmvFile(const char* pszPath, std::uint32_t nWipePasses, std::uint32_t nRetries,
                             QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
-  // Empty directories only. What FTPDirExist does not find counts as removed.
+  // Empty directories only. What FTPDirExist does not find counts as removed. Of a link to a directory the
+  // link is removed, where the server lists it as a link and lets it be deleted; never what it leads to.
   virtual QXBool FTPRmvDir(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                            QXHostValue nPollArg2) = 0;
   // Makes the directories above as well. 1 also when the directory is there already.

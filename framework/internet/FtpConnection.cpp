@@ -7,6 +7,7 @@
 #include "framework/internet/InternetFile.h"
 #include "framework/internet/Raising.h"
 #include "framework/internet/WholeFile.h"
+#include "framework/internet/ftp/FindRule.h"
 #include "framework/internet/ftp/FtpControl.h"
 #include "framework/internet/ftp/FtpFileCopy.h"
 #include "framework/internet/ftp/FtpTransfer.h"
@@ -39,6 +40,24 @@ bool simpleCommand(const ControlPtr control, std::string_view verb, const char* 
   });
 }
 
+// In doubt it is none.
+bool isLink(FtpControl& control, const std::string& path) {
+  try {
+    return internet::FindRule(control, 0).isLink(path);
+  } catch (const internet::Failure&) {
+    if (!control.isOpen()) throw;
+    return false;
+  }
+}
+
+// A link to a directory is no directory for RMD. DELE takes the link away and leaves alone what it leads to.
+void removeDirectory(FtpControl& control, const std::string& path) {
+  const internet::FtpReply reply = control.command("RMD", path);
+  if (!reply.refused()) return;
+  if (reply.code < 500 || !isLink(control, path)) control.raise(reply);
+  control.require("DELE", path);
+}
+
 }  // namespace
 
 CFtpConnection::CFtpConnection(ControlPtr control) noexcept : m_control(std::move(control)) {}
@@ -49,7 +68,12 @@ bool CFtpConnection::Remove(const char* path) { return simpleCommand(m_control, 
 
 bool CFtpConnection::CreateDirectory(const char* path) { return simpleCommand(m_control, "MKD", path); }
 
-bool CFtpConnection::RemoveDirectory(const char* path) { return simpleCommand(m_control, "RMD", path); }
+bool CFtpConnection::RemoveDirectory(const char* path) {
+  return internet::answer([&, control = m_control] {
+    checkPath(path);
+    control->request([&] { removeDirectory(*control, nameForServer(*control, path)); });
+  });
+}
 
 bool CFtpConnection::Rename(const char* from, const char* to) {
   return internet::answer([&, control = m_control] {

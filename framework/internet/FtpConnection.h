@@ -32,6 +32,7 @@ class CFtpConnection {
   bool Remove(const char* path);
   bool Rename(const char* from, const char* to);
   bool CreateDirectory(const char* path);
+  // Of a link to a directory the link goes, and what it leads to stays.
   bool RemoveDirectory(const char* path);
   // The directory that relative names refer to, as the server told it.
   bool GetCurrentDirectory(std::string& directory);

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Finds files and directories on a server. FindFile takes the whole listing into memory and frees the data
 // connection; the walk over the entries does no I/O. The constructor and the destructor do none either.
-// Without a connection there is nothing to find (12019).
+// Without a connection there is nothing to find (12019). A link in a listing is what it leads to, where the
+// server tells (ftp/OpenRows.h).
 //   FindFile("/pub/*.*")  everything in /pub, also names without a dot
 //   FindFile("/pub")      the content of /pub when it is a directory, that one entry when it is a file
 //   FindFile("*.*")       the current directory
@@ -55,8 +56,8 @@ class CFtpFileFind {
   // True when the entry has at least one of these attribute bits (0x1 read-only, 0x2 hidden, 0x4 system,
   // 0x10 directory, 0x20 archive, 0x80 normal, 0x100 temporary, 0x800 compressed).
   virtual bool MatchesMask(std::uint32_t mask) const;
-  // Seconds since 1970-01-01 UTC; 0 when unknown. May ask the server (MDTM) where the entry came from a size
-  // query.
+  // Seconds since 1970-01-01 UTC, or of the server's zone where that is not known; 0 when unknown. May ask
+  // the server (MDTM) where the entry came from a size query.
   virtual std::int64_t GetLastWriteTime();
   virtual std::int64_t GetCreationTime() { return GetLastWriteTime(); }
   virtual std::int64_t GetLastAccessTime() { return GetLastWriteTime(); }

@@ -53,6 +53,24 @@ TEST_P(RealChanges, KeepADirectoryThatIsNotEmpty) {
   EXPECT_EQ(server.names(own + "/d"), Names{"inside"});
 }
 
+// A link to a directory counted as a file: it was not found, and so as removed while it stayed.
+TEST_P(RealChanges, ALinkToADirectoryIsADirectoryWhoseContentStays) {
+  make("/d/inside");
+  make("/link", R"({"link": "d"})");
+  EXPECT_EQ(client.FTPDirExist((own + "/link").c_str(), 0, 0, 0), 1);
+  EXPECT_EQ(client.FTPFileExists((own + "/link").c_str(), 0, 0, 0), 0);
+  std::uint32_t files = 9;
+  std::uint32_t directories = 9;
+  EXPECT_EQ(client.FTPCountFolderItems(own.c_str(), &files, &directories, 0), 1);
+  EXPECT_EQ(files, 0u);
+  EXPECT_EQ(directories, 2u);
+  // One server follows links and does not tell of them, another takes no link to a directory away.
+  const bool stays = kind == "pyftpdlib" || kind == "inetutils-ftpd";
+  EXPECT_EQ(removeDirectory("/link"), stays ? 0 : 1);
+  EXPECT_EQ(isThere("/link"), stays);
+  EXPECT_EQ(server.names(own + "/d"), Names{"inside"});
+}
+
 TEST_P(RealChanges, CreateADirectoryWithThoseAbove) {
   EXPECT_EQ(createDirectory("/a/b c/d"), 1);
   EXPECT_EQ(server.names(own + "/a/b c"), Names{"d"});

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "framework/internet/ftp/OpenRows.h"
 #include "framework/internet/ftp/ServerWords.h"
 #include "framework/internet/listing/ListingRow.h"
 #include "framework/internet/net/Failure.h"
@@ -21,7 +22,8 @@ bool commandUnknown(const FtpReply& reply) noexcept {
 // How servers that refuse to list an empty directory put it; the second group could also speak of the
 // directory itself, where it is not known to exist. In doubt the directory is not empty.
 bool saysNothingThere(std::string_view text, const QuotedPaths& paths, bool directoryExists) {
-  return serverSays(text, {"no files", "empty", "no match"}, paths, BareName::anywhere) ||
+  return serverSays(text, {"no files", "empty", "no match", "no data sets", "no members"}, paths,
+                    BareName::anywhere) ||
          (directoryExists &&
           serverSays(text, {"no such file", "not found", "cannot find"}, paths, BareName::anywhere));
 }
@@ -72,12 +74,8 @@ FindRule::Path FindRule::split(std::string_view asked) noexcept {
 Found FindRule::find(std::string_view asked) {
   const Path path = split(asked);
   if (path.name.find_first_of("*?") != std::string_view::npos) {
-    Found found{.entries = list(path.parent, path.parent.empty())};
-    std::erase_if(found.entries, [&path](const FtpEntry& entry) {
-      platform::throwIfStopped();
-      return !matchesPattern(path.name, entry.name);
-    });
-    return found;
+    wanted_ = [&path](const FtpEntry& entry) { return matchesPattern(path.name, entry.name); };
+    return {.entries = list(path.parent, path.parent.empty())};
   }
   if (!control_.traits().mlst) return byVisit(path);
   const FtpReply reply = control_.command("MLST", path.whole);
@@ -87,6 +85,14 @@ Found FindRule::find(std::string_view asked) {
   Found found = byVisit(path);
   if (unknown && !found.entries.empty()) withdrawFacts();
   return found;
+}
+
+bool FindRule::isLink(std::string_view asked) {
+  const Path path = split(asked);
+  followsLinks_ = false;
+  wanted_ = [&path](const FtpEntry& entry) { return entry.name == path.name; };
+  const std::vector<FtpEntry> entries = list(path.parent, true);
+  return entries.size() == 1 && entries.front().isLink;
 }
 
 // None when the server says that it has answered, but not what is there.
@@ -103,10 +109,8 @@ std::optional<Found> FindRule::byFacts(const Path& path, const FtpReply& reply) 
 // A link, for one: a directory if it can be listed.
 Found FindRule::byKindUnknown(const Path& path, const MlsxRow& row) {
   const FtpListingText answer = fetch("MLSD", path.whole);
-  if (answer.reply.code != 450 && answer.reply.code < 500) {
-    return contentOf(entriesOf(answer, Form::facts, path.whole, true));
-  }
-  return byFileFacts(path, row);
+  if (answer.reply.code == 450 || answer.reply.code >= 500) return byFileFacts(path, row);
+  return contentOf(factsOf(answer, path.whole, true));
 }
 
 Found FindRule::byFileFacts(const Path& path, const MlsxRow& row) {
@@ -123,7 +127,9 @@ Found FindRule::byFileFacts(const Path& path, const MlsxRow& row) {
 Found FindRule::byVisit(const Path& path) {
   FtpControl::DirectoryVisit visit(control_);
   if (!visit.enter(path.whole).completed()) return bySize(path);
-  return contentOf(entriesOf(fetch("LIST"), Form::unixOrDos, path.whole, true));
+  std::vector<FtpEntry> entries = entriesOf(fetch("LIST"), Form::rows, path.whole, true);
+  settle(visit, path.whole, entries);
+  return contentOf(std::move(entries));
 }
 
 Found FindRule::bySize(const Path& path) {
@@ -145,18 +151,25 @@ Found FindRule::bySize(const Path& path) {
 }
 
 Found FindRule::byParent(const Path& path) {
-  Found found{.entries = listByVisit(path.parent)};
-  std::erase_if(found.entries, [&path](const FtpEntry& entry) { return entry.name != path.name; });
-  return found;
+  wanted_ = [&path](const FtpEntry& entry) { return entry.name == path.name; };
+  return {.entries = listByVisit(path.parent)};
 }
 
 // The content of a directory.
 std::vector<FtpEntry> FindRule::list(std::string_view directory, bool exists) {
   if (!control_.traits().mlst) return listByVisit(directory);
   const FtpListingText answer = fetch("MLSD", directory);
-  if (!commandUnknown(answer.reply)) return entriesOf(answer, Form::facts, directory, exists);
+  if (!commandUnknown(answer.reply)) return factsOf(answer, directory, exists);
   std::vector<FtpEntry> entries = listByVisit(directory);
   withdrawFacts();
+  return entries;
+}
+
+std::vector<FtpEntry> FindRule::factsOf(const FtpListingText& answer, std::string_view directory,
+                                        bool exists) {
+  std::vector<FtpEntry> entries = entriesOf(answer, Form::facts, directory, exists);
+  FtpControl::DirectoryVisit visit(control_);
+  settle(visit, directory, entries);
   return entries;
 }
 
@@ -167,7 +180,9 @@ std::vector<FtpEntry> FindRule::listByVisit(std::string_view directory) {
     const FtpReply entered = visit.enter(directory);
     if (!entered.completed()) control_.raise(entered);
   }
-  return entriesOf(fetch("LIST"), Form::unixOrDos, directory, true);
+  std::vector<FtpEntry> entries = entriesOf(fetch("LIST"), Form::rows, directory, true);
+  settle(visit, directory, entries);
+  return entries;
 }
 
 FtpListingText FindRule::fetch(std::string_view verb, std::string_view directory) {
@@ -200,7 +215,21 @@ std::vector<FtpEntry> FindRule::entriesOf(const FtpListingText& answer, Form for
       !saysNothingThere(listing.errorText, paths, exists)) {
     fail(kExtendedError, listing.errorText);
   }
+  keepWanted(listing.entries);
   return std::move(listing.entries);
+}
+
+void FindRule::settle(FtpControl::DirectoryVisit& visit, std::string_view directory,
+                      std::vector<FtpEntry>& entries) {
+  if (followsLinks_) OpenRows(control_, visit, directory).settle(entries);
+}
+
+void FindRule::keepWanted(std::vector<FtpEntry>& entries) const {
+  if (!wanted_) return;
+  std::erase_if(entries, [this](const FtpEntry& entry) {
+    platform::throwIfStopped();
+    return !wanted_(entry);
+  });
 }
 
 void FindRule::checkWhole(const FtpListing& listing) {

@@ -3,9 +3,11 @@
 //   a wildcard in the last component   the parent is listed and filtered here; the pattern is never sent
 //   else, where the server has MLST    one fact line tells a file from a directory, whose content is listed
 //   else                               CWD and LIST for a directory, SIZE for a file
+// What the rows of a listing leave open is asked behind it (OpenRows.h).
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,6 +33,8 @@ class FindRule {
   FindRule(FtpControl& control, std::int64_t now) noexcept : control_(control), now_(now) {}
 
   Found find(std::string_view asked);
+  // Whether the path itself is a link, wherever that leads, as far as the listing of its directory tells.
+  bool isLink(std::string_view path);
 
   // The failure was that of a listing which is not whole or cannot be read: more than a refusal, because
   // taking it for an empty or a shorter directory would be wrong.
@@ -42,7 +46,7 @@ class FindRule {
     std::string_view parent;  // "" = the current directory
     std::string_view name;
   };
-  enum class Form { facts, unixOrDos };
+  enum class Form { facts, rows };
 
   static Path split(std::string_view asked) noexcept;
   std::optional<Found> byFacts(const Path& path, const FtpReply& reply);
@@ -53,15 +57,20 @@ class FindRule {
   Found byParent(const Path& path);
   std::vector<FtpEntry> list(std::string_view directory, bool exists);
   std::vector<FtpEntry> listByVisit(std::string_view directory);
+  std::vector<FtpEntry> factsOf(const FtpListingText& answer, std::string_view directory, bool exists);
   FtpListingText fetch(std::string_view verb, std::string_view directory = {});
   std::vector<FtpEntry> entriesOf(const FtpListingText& answer, Form form, std::string_view directory,
                                   bool exists);
+  void settle(FtpControl::DirectoryVisit& visit, std::string_view directory, std::vector<FtpEntry>& entries);
+  void keepWanted(std::vector<FtpEntry>& entries) const;
   void checkWhole(const FtpListing& listing);
   [[noreturn]] void failUnusable(std::uint32_t error, std::string text = {});
   void withdrawFacts();
 
   FtpControl& control_;
   std::int64_t now_;
+  std::function<bool(const FtpEntry&)> wanted_;  // of a listing; null = all
+  bool followsLinks_ = true;
   bool listingUnusable_ = false;
 };
 

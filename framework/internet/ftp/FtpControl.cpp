@@ -234,6 +234,21 @@ std::shared_ptr<const std::optional<std::string>> FtpControl::askTimeAlong(std::
   return time;
 }
 
+void FtpControl::askTogether(std::span<const Question> questions) {
+  if (questions.empty()) return;
+  // What is kept back now must not go out over a connection that comes up later.
+  if (!isOpen()) fail(kConnectionAborted);
+  for (const Question& question : questions) checkArgument(question.argument);
+  const Question& last = questions.back();
+  for (const Question& question : questions.first(questions.size() - 1)) {
+    channel_.queue(lineOf(question.verb, question.argument), [take = question.take](const FtpReply& reply) {
+      take(reply);
+      return true;
+    });
+  }
+  last.take(command(last.verb, last.argument));
+}
+
 void FtpControl::raise(const FtpReply& reply) {
   switch (reply.code) {
     case 425:
@@ -341,6 +356,16 @@ FtpReply FtpControl::DirectoryVisit::enter(std::string_view path) {
   FtpReply reply = control_.command("CWD", path);
   if (reply.completed()) wayBack_ = std::move(wayBack);
   return reply;
+}
+
+bool FtpControl::DirectoryVisit::leave() {
+  if (!wayBack_.empty()) return true;
+  try {
+    wayBack_ = "CWD " + control_.currentDirectory();
+  } catch (const Failure&) {
+    if (!control_.isOpen()) throw;
+  }
+  return !wayBack_.empty();
 }
 
 FtpControl::DirectoryVisit::~DirectoryVisit() {

@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -78,6 +79,14 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   // The same for the time of its last change, as the server puts it.
   std::shared_ptr<const std::optional<std::string>> askTimeAlong(std::string_view path);
 
+  struct Question {
+    std::string_view verb;
+    std::string argument;
+    std::function<void(const FtpReply&)> take;  // its final reply, whatever that is
+  };
+  // Asks all of them, together where the server takes that: at one round trip then. 87 as with command().
+  void askTogether(std::span<const Question> questions);
+
   // Raises a refusal: 425 -> 12029; 421, 426 -> 12030; else 12003 with the text, kept as lastServerText().
   [[noreturn]] void raise(const FtpReply& reply);
   // 87 for an empty or over-long argument or one with a byte below 0x20 or 0x7f.
@@ -118,6 +127,8 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
     DirectoryVisit& operator=(const DirectoryVisit&) = delete;
     // The server's answer to CWD; anything but completed() means that nothing has changed.
     FtpReply enter(std::string_view path);
+    // Makes CWD among other questions a part of the visit. False when the server does not tell from where.
+    bool leave();
 
    private:
     FtpControl& control_;

@@ -39,6 +39,7 @@ void readFeature(std::string_view line, FtpTraits& traits) {
 
 void readFeatures(const std::string& replyText, FtpTraits& traits) {
   traits.mlst = traits.size = traits.mdtm = traits.utf8 = false;
+  traits.featuresTold = !replyText.empty();
   std::string_view rest = replyText;
   while (!rest.empty()) {
     const std::size_t end = std::min(rest.find('\n'), rest.size() - 1) + 1;

@@ -10,7 +10,8 @@
 namespace internet {
 
 struct FtpTraits {
-  bool featuresKnown = false;  // FEAT was answered, whatever the answer; the next four tell what it offered
+  bool featuresKnown = false;  // FEAT was answered, whatever the answer; the next five tell what it offered
+  bool featuresTold = false;   // anything at all
   bool mlst = false;           // MLST and MLSD
   bool size = false;
   bool mdtm = false;
@@ -21,6 +22,8 @@ struct FtpTraits {
   bool noExtendedActive = false;      // EPRT is not known there
   bool singleLines = false;           // of several lines in one packet it takes the first alone
   bool noSize = false;                // SIZE is not known there, whatever FEAT has told
+  std::optional<int> zone;            // seconds that the clocks of its listings are ahead of UTC
+  int zoneQuestions = 0;              // that have not told the zone
 
   [[nodiscard]] bool speaksUtf8() const noexcept { return utf8 || utf8ByOption.value_or(false); }
 };
