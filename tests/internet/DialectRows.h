@@ -10,6 +10,9 @@
 namespace internet_tests {
 
 enum class Kind { file, directory, link };
+inline constexpr Kind F = Kind::file;
+inline constexpr Kind D = Kind::directory;
+inline constexpr Kind L = Kind::link;
 
 struct DialectRow {
   std::string_view line;

@@ -5,9 +5,6 @@
 namespace internet_tests {
 namespace {
 
-constexpr Kind F = Kind::file;
-constexpr Kind D = Kind::directory;
-
 const DialectRows kEplf{
     "Eplf",
     "Easily Parsed LIST Format, https://cr.yp.to/ftp/list/eplf.html",

@@ -5,10 +5,6 @@
 namespace internet_tests {
 namespace {
 
-constexpr Kind F = Kind::file;
-constexpr Kind D = Kind::directory;
-constexpr Kind L = Kind::link;
-
 const DialectRows kZosUnix{
     "ZosUnix",
     "z/OS UNIX System Services Command Reference, ls -l, -E and -W: types, attributes, ACL marks",
