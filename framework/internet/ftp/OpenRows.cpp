@@ -18,10 +18,8 @@ constexpr int kMostZoneQuestions = 3;
 constexpr std::size_t kLinksTogether = 16;
 
 std::int64_t timeOfReply(const FtpReply& reply) {
-  constexpr std::size_t kCode = 4;  // "213 "
-  if (reply.code != 213 || reply.text.size() < kCode) return 0;
-  std::string_view time = std::string_view(reply.text).substr(kCode);
-  while (time.ends_with(' ')) time.remove_suffix(1);
+  std::string time = parseTimeReply(reply).value_or("");
+  while (time.ends_with(' ')) time.pop_back();
   return parseMdtmTime(time);
 }
 
