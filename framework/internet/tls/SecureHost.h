@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// The text by which a host names a server and says how the way there is to be protected:
+//   name                        in plain text, as it ever was
+//   ftpes://name[;option]...    FTP that turns encryption on before the login (AUTH TLS)
+//   ftps://name[;option]...     FTP that is encrypted from its first byte
+//   https://name[;option]...    the same of HTTP
+// Options, each once: "fingerprint=sha256:" with 64 hex digits, "verify=no", "tls=1.2". Letters match in both
+// cases. No I/O.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "framework/internet/tls/TlsPolicy.h"
+
+namespace internet {
+
+struct SecureHost {
+  std::string name;  // as ServerName has it
+  TlsPolicy policy;
+};
+
+// Fail (internet::Failure) with 87 and a text that tells what is wrong behind a scheme of theirs. A text
+// without one is a name, whatever it holds.
+SecureHost parseFtpHost(std::string_view text);
+SecureHost parseHttpHost(std::string_view text);
+
+}  // namespace internet
