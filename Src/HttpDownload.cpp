@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // HTTPDownloadFile: one GET request, with at most one redirect, on the caller's thread and in a session of
 // its own. It writes no message lines and no failure report.
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <memory>
@@ -20,6 +21,7 @@
 #include "framework/platform/file.h"
 #include "framework/platform/modal_message.h"
 #include "framework/platform/wait_watch.h"
+#include "framework/text/AsciiText.h"
 #include "support/Messages.h"
 
 namespace {
@@ -93,6 +95,7 @@ class HttpDownload {
   bool Connect(const std::string& server, std::uint16_t port);
   bool Request(const std::string& object);
   bool FollowRedirect();
+  [[nodiscard]] std::string EncryptedAsBefore(const std::string& server) const;
   bool RequestAgain(const std::string& object);
   void Transfer();
   void SaveBody();
@@ -102,6 +105,7 @@ class HttpDownload {
 
   TQXIP& m_client;
   const Target m_target;
+  std::string m_server;  // that was asked first, in the host's words
   TInternetSession m_session;
   std::unique_ptr<CHttpConnection> m_connection;
   std::unique_ptr<CHttpFile> m_request;
@@ -127,6 +131,7 @@ bool HttpDownload::Fetch(const std::string& server, const std::string& object, s
 // Of the last request there is.
 bool HttpDownload::ReceiveHead(const std::string& server, const std::string& object, std::uint16_t port) {
   const platform::WaitWatch watch = LeaveWhenCancelled();
+  m_server = server;
   if (!Connect(server, port) || !Request(object)) return false;
   m_request->QueryInfoStatusCode(m_status);
   if (m_status == kUnauthorized) return false;
@@ -160,7 +165,17 @@ bool HttpDownload::FollowRedirect() {
   std::string object;
   std::uint16_t port = 0;
   if (!AfxParseURL(*address, service, server, object, port)) return false;
+  // An https address alone encrypts nothing: hosts know it like that. What began encrypted stays so there.
+  if (service == internet::UrlService::https) server = EncryptedAsBefore(server);
   return Connect(server, port) && RequestAgain(object) && m_status == kOk;
+}
+
+// The name of a redirect's server, with scheme and options of the first one where that was asked encrypted.
+std::string HttpDownload::EncryptedAsBefore(const std::string& server) const {
+  constexpr std::string_view kScheme = "https://";
+  if (!ascii::startsBlindToCase(m_server, kScheme)) return server;
+  const auto options = std::min(m_server.find(';'), m_server.size());
+  return std::string(kScheme) + server + m_server.substr(options);
 }
 
 bool HttpDownload::RequestAgain(const std::string& object) {

@@ -30,6 +30,20 @@ std::string_view ownText(std::uint32_t error) noexcept {
       return "The connection with the server was terminated abnormally";
     case internet::kConnectionReset:
       return "The connection with the server was reset";
+    case internet::kCertificateDate:
+      return "The server's certificate has expired or is not valid yet";
+    case internet::kCertificateName:
+      return "The server's certificate was made out to another name";
+    case internet::kClientCertificateWanted:
+      return "The server wants a certificate of the client";
+    case internet::kCertificateAuthority:
+      return "The server's certificate comes from an authority that is not trusted";
+    case internet::kSecureChannelFailed:
+      return "The connection could not be encrypted";
+    case internet::kCertificateInvalid:
+      return "The server's certificate is invalid";
+    case internet::kCertificateRevoked:
+      return "The server's certificate has been revoked";
     case internet::kTransferInProgress:
       return "There is already a transfer in progress on this connection";
     case internet::kHeaderAlreadyExists:

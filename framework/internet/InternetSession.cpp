@@ -15,8 +15,8 @@
 #include "framework/internet/http/HttpSite.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/internet/net/InternetErrors.h"
-#include "framework/internet/net/ServerName.h"
 #include "framework/internet/net/SessionLink.h"
+#include "framework/internet/tls/SecureHost.h"
 #include "framework/platform/last_error.h"
 #include "framework/platform/process.h"
 
@@ -78,13 +78,25 @@ std::string_view checkedText(const char* text, const char* ifEmpty) {
   return result;
 }
 
+// Hosts hand in the port of plain FTP where they know no better.
+std::uint16_t portOf(const internet::TlsPolicy& tls, std::uint16_t port) noexcept {
+  if (tls.encryption == internet::Encryption::fromStart && (port == 0 || port == internet::kDefaultFtpPort)) {
+    return internet::kDefaultFtpsPort;
+  }
+  return port ? port : internet::kDefaultFtpPort;
+}
+
 internet::FtpLogin checkedLogin(const char* server, const char* user, const char* password,
                                 std::uint16_t port, bool passive) {
   FtpControl::checkArgument(server ? std::string_view(server) : "");
+  const internet::SecureHost host = internet::parseFtpHost(server);
   const bool anonymous = !user || !*user;
-  return {internet::parseServerName(server).name, port ? port : internet::kDefaultFtpPort,
+  return {host.name,
+          portOf(host.policy, port),
           std::string(checkedText(user, "anonymous")),
-          secret::Text(checkedText(password, anonymous ? "anonymous@" : "")), passive};
+          secret::Text(checkedText(password, anonymous ? "anonymous@" : "")),
+          passive,
+          host.policy};
 }
 
 }  // namespace
@@ -125,9 +137,11 @@ CHttpConnection* CInternetSession::GetHttpConnection(const char* server, std::ui
   std::unique_ptr<CHttpConnection> connection;
   internet::raising([&, impl = m_impl] {
     if (!server || !*server) internet::fail(platform::kErrorInvalidParameter);
+    const internet::SecureHost host = internet::parseHttpHost(server);
+    const bool encrypted = host.policy.encryption != internet::Encryption::none;
+    const std::uint16_t usual = encrypted ? internet::kDefaultHttpsPort : internet::kDefaultHttpPort;
     const auto site = std::make_shared<internet::HttpSite>(
-        impl, internet::HttpServer{internet::parseServerName(server).name,
-                                   port ? port : internet::kDefaultHttpPort});
+        impl, internet::HttpServer{host.name, port ? port : usual, host.policy});
     impl->adopt(site);
     connection.reset(new CHttpConnection(site));
     site->notify(internet::kStatusHandleCreated);

@@ -3,6 +3,7 @@
 
 #include "framework/internet/InternetException.h"
 #include "framework/internet/net/InternetErrors.h"
+#include "framework/platform/last_error.h"
 
 namespace internet {
 
@@ -10,10 +11,30 @@ void raising(const std::function<void()>& work) {
   if (const std::optional<Failure> failure = attempt(work)) throwAsException(*failure);
 }
 
+namespace {
+
+// The rest have a text of their own, whatever a server has said.
+bool isToldInFull(std::uint32_t error) noexcept {
+  switch (error) {
+    case kExtendedError:
+    case kCertificateDate:
+    case kCertificateName:
+    case kClientCertificateWanted:
+    case kCertificateAuthority:
+    case kSecureChannelFailed:
+    case kCertificateInvalid:
+    case kCertificateRevoked:
+    case platform::kErrorInvalidParameter:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
 void throwAsException(const Failure& failure) {
-  // Any other number has a text of its own.
-  AfxThrowInternetException(failure.error,
-                            failure.error == kExtendedError ? failure.serverText : std::string(),
+  AfxThrowInternetException(failure.error, isToldInFull(failure.error) ? failure.serverText : std::string(),
                             failure.connectionLost);
 }
 

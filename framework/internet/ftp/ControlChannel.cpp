@@ -33,6 +33,15 @@ void ControlChannel::open(const std::string& server, std::uint16_t port) {
   notify(kStatusConnected);
 }
 
+void ControlChannel::secure(TlsLogin& tls) {
+  requireOpen();
+  if (!reader_.empty())
+    closeWith(kSecureChannelFailed, "the server has sent more than it was asked for in plain text");
+  requireOpen();
+  const Deadline deadline(dialer_.timeouts().connect);
+  sock_ = tls.secure(std::move(sock_), platform::TlsUse::control, deadline);
+}
+
 void ControlChannel::send(std::string_view line) {
   settle();
   notify(kStatusSendingRequest);

@@ -16,6 +16,7 @@
 #include "framework/internet/ftp/FtpReply.h"
 #include "framework/internet/ftp/LineWindow.h"
 #include "framework/internet/net/Dialer.h"
+#include "framework/internet/tls/TlsSock.h"
 
 namespace internet {
 
@@ -28,6 +29,9 @@ class ControlChannel {
   // Resolves and connects: 10, 11, 20, 21. A closed connection can be opened again.
   void open(const std::string& server, std::uint16_t port);
   [[nodiscard]] bool isOpen() const noexcept { return sock_ != nullptr; }
+  // Encrypts the open connection, or fails and closes it. What has come in plain text without having been
+  // taken is a failure: anybody on the way may have put it there.
+  void secure(TlsLogin& tls);
 
   // Sends what was queued and `line` (30, 31): in one go, unless the server takes single lines; then each as
   // soon as the one before it is answered.

@@ -19,8 +19,10 @@ bool isControlByte(char c) noexcept {
   return byte < 0x20 || byte == 0x7f;
 }
 
+// What a server in plain text tells of itself can come from anybody on the way.
 std::string traitsKeyOf(const FtpLogin& login) {
-  return login.server + ':' + std::to_string(login.port) + ':' + login.user;
+  const char* const protection = login.tls.encryption == Encryption::none ? "" : "tls:";
+  return protection + login.server + ':' + std::to_string(login.port) + ':' + login.user;
 }
 
 std::string lineOf(std::string_view verb, std::string_view argument) {
@@ -62,8 +64,18 @@ std::shared_ptr<FtpControl> FtpControl::open(std::shared_ptr<SessionLink> sessio
 
 void FtpControl::connect() {
   if (traits_.singleLines) channel_.sendSingly();
+  tls_.reset();
+  TlsPolicy policy = login_.tls;
+  policy.onlyTls12 = policy.onlyTls12 || traits_.onlyTls12;
+  if (policy.encryption != Encryption::none) tls_ = std::make_unique<TlsLogin>(login_.server, policy);
   channel_.open(login_.server, login_.port);
+  if (policy.encryption == Encryption::fromStart) secureChannel();
   logIn();
+}
+
+void FtpControl::secureChannel() {
+  channel_.secure(*tls_);
+  newestTls_ = tls_->description().starts_with("TLS 1.3");
 }
 
 void FtpControl::logIn() {
@@ -72,10 +84,25 @@ void FtpControl::logIn() {
   };
   const FtpReply greeting = finalReply();
   if (!greeting.completed()) refuse(greeting);
+  if (login_.tls.encryption == Encryption::onDemand) startTls();
   FtpReply reply = exchange("USER " + login_.user);
   if (reply.code == 331) reply = exchange(secret::Text("PASS ").append(login_.password.view()).view());
   if (!reply.completed()) refuse(reply);
+  if (tls_) protectData();
   enableUtf8();
+}
+
+void FtpControl::startTls() {
+  const FtpReply reply = exchange("AUTH TLS");
+  if (!reply.completed()) fail(kExtendedError, reply.text);
+  secureChannel();
+}
+
+void FtpControl::protectData() {
+  // A buffer size without a meaning, which has to be told all the same.
+  channel_.queue("PBSZ 0", [](const FtpReply&) { return true; });
+  const FtpReply reply = exchange("PROT P");
+  if (!reply.completed()) fail(kExtendedError, reply.text);
 }
 
 // A new connection in the place of a closed one. The session hears nothing of it: on its word that a
@@ -114,7 +141,7 @@ void FtpControl::request(const std::function<void()>& work) {
   runFramed([&] {
     // Dead since an earlier operation, whatever that one was told.
     if (!isOpen()) fail(kConnectionAborted);
-    work();
+    runOverTls(work);
   });
 }
 
@@ -122,10 +149,32 @@ void FtpControl::query(const std::function<void()>& work) {
   if (!reopens_) return request(work);
   admit();
   runFramed([&] {
-    if (isOpen() && !findsClosed(work)) return;
+    if (isOpen() && !findsClosed([&] { runOverTls(work); })) return;
     logInAgain();
-    work();
+    runOverTls(work);
   });
+}
+
+// Once more over TLS 1.2 where the server has refused the data connection of `work` for want of that.
+void FtpControl::runOverTls(const std::function<void()>& work) {
+  wantsTls12_ = false;
+  try {
+    work();
+  } catch (const Failure&) {
+    if (!wantsTls12_) throw;
+  }
+  if (!std::exchange(wantsTls12_, false)) return;
+  channel_.quit();
+  logInAgain();
+  work();
+}
+
+bool FtpControl::mayWantOlderTls() const noexcept { return newestTls_ && !traits_.takesFreshTls; }
+
+void FtpControl::freshTlsRefused(const FtpReply& reply) {
+  if (!mayWantOlderTls() || (reply.code != 425 && reply.code != 522)) return;
+  learn([](FtpTraits& traits) { traits.onlyTls12 = true; });
+  wantsTls12_ = true;
 }
 
 void FtpControl::admit() const {

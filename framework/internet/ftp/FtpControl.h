@@ -19,6 +19,7 @@
 #include "framework/internet/ftp/FtpTraits.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/internet/net/SessionLink.h"
+#include "framework/internet/tls/TlsSock.h"
 #include "framework/text/Secret.h"
 
 namespace internet {
@@ -29,6 +30,7 @@ struct FtpLogin {
   std::string user;
   secret::Text password;
   bool passive = false;
+  TlsPolicy tls = {};
 };
 
 // The answer to a command that lists over a data connection.
@@ -151,6 +153,14 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
 
   [[nodiscard]] ControlChannel& channel() noexcept { return channel_; }
   [[nodiscard]] const FtpLogin& login() const noexcept { return login_; }
+  // What encrypts the data connections; null where nothing does.
+  [[nodiscard]] TlsLogin* tls() const noexcept { return tls_.get(); }
+  // Whether the server may refuse a data connection because it does not resume the session of this one: over
+  // TLS 1.3 not every server gives out sessions that it knows again.
+  [[nodiscard]] bool mayWantOlderTls() const noexcept;
+  // The server has refused one that has resumed none: where mayWantOlderTls(), what request() or query() runs
+  // is run once more, over TLS 1.2.
+  void freshTlsRefused(const FtpReply& reply);
   [[nodiscard]] Timeouts timeouts() const noexcept { return session_->timeouts(); }
   // Sends "verb argument" (87 as with command()) and leaves its reply to channel().
   void sendCommand(std::string_view verb, std::string_view argument);
@@ -166,10 +176,14 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   FtpControl(std::shared_ptr<SessionLink> session, FtpLogin login);
   void connect();
   void logIn();
+  void secureChannel();
+  void startTls();
+  void protectData();
   void logInAgain();
   void returnTo(const std::string& directory);
   void admit() const;
   bool findsClosed(const std::function<void()>& work);
+  void runOverTls(const std::function<void()>& work);
   void runFramed(const std::function<void()>& work);
   void leaveFrame(bool inStep) noexcept;
   FtpReply exchange(std::string_view line);
@@ -181,6 +195,9 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   FtpLogin login_;
   std::string traitsKey_;
   ControlChannel channel_;
+  std::unique_ptr<TlsLogin> tls_;
+  bool newestTls_ = false;   // the control connection's is newer than 1.2
+  bool wantsTls12_ = false;  // for the data connections of what runs now
   FtpTraits traits_;
   std::string lastServerText_;
   std::optional<std::string> directory_;  // the logical one, where known

@@ -50,7 +50,7 @@ void note(FtpDataChannel::Opening& opening, const FtpReply& reply) {
 
 // The data connection cannot be made: the control connection says why, within Timeouts::dataError. It is
 // closed where it says nothing, for its replies are out of step then.
-[[noreturn]] void failWithReason(FtpControl& control, std::uint32_t error) {
+[[noreturn]] void failWithReason(FtpControl& control, std::uint32_t error, std::string text = {}) {
   ControlChannel& channel = control.channel();
   const Deadline deadline(control.timeouts().dataError);
   while (channel.awaiting()) {
@@ -58,15 +58,25 @@ void note(FtpDataChannel::Opening& opening, const FtpReply& reply) {
     if (!reply) {
       channel.drop();
     } else if (reply->refused()) {
+      control.freshTlsRefused(*reply);
       control.raise(*reply);
     }
   }
-  fail(error);
+  fail(error, std::move(text));
+}
+
+// A handshake that failed may be the server's doing, and then it says why. A server that was found to be
+// another one is asked nothing.
+[[noreturn]] void failAfterHandshake(FtpControl& control, const Failure& failure) {
+  const bool broken = failure.error == kSecureChannelFailed || failure.error == kConnectionAborted ||
+                      failure.error == kConnectionReset;
+  if (!broken) control.channel().drop();
+  failWithReason(control, failure.error, failure.serverText);
 }
 
 }  // namespace
 
-FtpDataChannel::~FtpDataChannel() { socket_.abort(); }
+FtpDataChannel::~FtpDataChannel() { (encrypted_ ? encrypted_->socket() : socket_).abort(); }
 
 void FtpDataChannel::prepare() {
   peer_ = control_.channel().peerAddress();
@@ -187,6 +197,7 @@ FtpDataChannel::Opening FtpDataChannel::establish() {
     std::array watched{interest(), opening.final ? platform::SocketInterest{} : channel.readInterest()};
     if (!wait(watched, deadline)) failWithReason(control_, kTimeout);
   }
+  if (control_.tls()) shakeHands(opening);
   if (!replied(opening)) {
     opening.first = channel.reply(timeouts.reply);
     note(opening, opening.first);
@@ -194,7 +205,49 @@ FtpDataChannel::Opening FtpDataChannel::establish() {
   if (extendedPassiveUnreachable_ && !opening.first.refused()) {
     control_.learn([](FtpTraits& traits) { traits.noExtendedPassive = true; });
   }
+  if (encrypted_) awaitVerdict(opening);
   return opening;
+}
+
+// Some servers want the handshake before their first reply, some behind it: both are watched. What they
+// refuse meanwhile has no connection.
+void FtpDataChannel::shakeHands(Opening& opening) {
+  ControlChannel& channel = control_.channel();
+  const Deadline deadline(control_.timeouts().connect);
+  const auto goOn = [&](const platform::SocketInterest& handshake) {
+    takeReplies(opening);
+    if (opening.final && opening.final->refused()) return false;
+    if (!opening.final && !channel.isOpen()) channel.reply(kAtOnce);  // fails with the reason
+    std::array watched{handshake, opening.final ? platform::SocketInterest{} : channel.readInterest()};
+    if (!wait(watched, deadline)) failWithReason(control_, kTimeout);
+    return true;
+  };
+  try {
+    auto plain = std::make_unique<Sock>(std::move(socket_));
+    encrypted_ = control_.tls()->secure(std::move(plain), platform::TlsUse::data, goOn);
+  } catch (const Failure& failure) {
+    failAfterHandshake(control_, failure);
+  }
+  stands_ = encrypted_ != nullptr;
+  if (!stands_) control_.freshTlsRefused(*opening.final);
+}
+
+// Whether a server wants data connections to resume a session it says only behind the handshake, when a
+// caller may already have sent what cannot be sent again. So at its first connection that has resumed none it
+// is given time to speak.
+void FtpDataChannel::awaitVerdict(Opening& opening) {
+  if (!control_.mayWantOlderTls() || control_.tls()->description().ends_with(", resumed")) return;
+  const Deadline deadline(control_.timeouts().tlsVerdict);
+  while (!opening.final && control_.isOpen()) {
+    takeReplies(opening);
+    std::array watched{control_.channel().readInterest()};
+    if (opening.final || !wait(watched, deadline)) break;
+  }
+  if (opening.final && opening.final->refused()) {
+    control_.freshTlsRefused(*opening.final);
+  } else {
+    control_.learn([](FtpTraits& traits) { traits.takesFreshTls = true; });
+  }
 }
 
 // Those that have come, up to the final one.
@@ -218,6 +271,7 @@ bool FtpDataChannel::standsAfterAll(const FtpReply& final, const Deadline& deadl
 }
 
 std::unique_ptr<Sock> FtpDataChannel::take() {
+  if (encrypted_) return std::move(encrypted_);
   return stands_ ? std::make_unique<Sock>(std::move(socket_)) : nullptr;
 }
 

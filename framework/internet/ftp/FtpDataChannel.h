@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The making of one data connection. Passive: EPSV, else PASV; the connection always goes to the control
 // connection's peer, whatever address the server tells. Active: EPRT, else PORT, from the control
-// connection's local address; only the control connection's peer may connect.
+// connection's local address; only the control connection's peer may connect. Encrypted where the control
+// connection is; then it resumes that one's session, for many servers refuse it otherwise.
 #pragma once
 
 #include <cstdint>
@@ -46,12 +47,15 @@ class FtpDataChannel {
   void acceptPeer();
   bool standsWithin(const Deadline& deadline);
   void takeReplies(Opening& opening);
+  void shakeHands(Opening& opening);
+  void awaitVerdict(Opening& opening);
   bool standsAfterAll(const FtpReply& final, const Deadline& deadline);
   [[nodiscard]] platform::SocketInterest interest() const noexcept;
 
   FtpControl& control_;
   platform::SocketAddress peer_;
-  platform::Socket socket_;  // connecting, listening or connected
+  platform::Socket socket_;          // connecting, listening or connected
+  std::unique_ptr<Sock> encrypted_;  // in its place
   bool listening_ = false;
   bool stands_ = false;
   bool extendedPassiveRefused_ = false;

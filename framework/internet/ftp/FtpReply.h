@@ -33,6 +33,8 @@ class FtpReplyReader {
   // The oldest complete reply that was not taken yet.
   [[nodiscard]] std::optional<FtpReply> take();
   [[nodiscard]] bool replyReady() const noexcept { return ready_; }
+  // Nothing stands behind the replies that were taken.
+  [[nodiscard]] bool empty() const noexcept { return bytes_.empty() && !collecting_ && !ready_ && !broken_; }
   // What stands behind the replies that were taken is none.
   [[nodiscard]] bool broken() const noexcept { return broken_; }
 

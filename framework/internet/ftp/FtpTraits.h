@@ -21,6 +21,8 @@ struct FtpTraits {
   bool extendedPassiveWorks = false;  // a data connection through EPSV was made
   bool noExtendedActive = false;      // EPRT is not known there
   bool singleLines = false;           // of several lines in one packet it takes the first alone
+  bool onlyTls12 = false;             // over a newer TLS it takes no data connection of ours
+  bool takesFreshTls = false;         // it takes data connections that resume no session
   bool noSize = false;                // SIZE is not known there, whatever FEAT has told
   std::optional<int> zone;            // seconds that the clocks of its listings are ahead of UTC
   int zoneQuestions = 0;              // that have not told the zone

@@ -115,7 +115,9 @@ std::size_t FtpTransfer::receive(void* buffer, std::size_t size) {
         endOfData();
         return 0;
       default:
-        dataFailed(result.status);
+        if (!endsWithoutWord(result.status)) dataFailed(result.status);
+        endOfData();
+        return 0;
     }
   }
 }
@@ -422,14 +424,17 @@ void FtpTransfer::notifyFinal() {
   if (!std::exchange(finalNotified_, true)) control_->channel().notifyReply(*final_);
 }
 
-void FtpTransfer::closeData() noexcept { data_.reset(); }
+void FtpTransfer::closeData() noexcept {
+  if (data_ && control_->tls()) endInOrder(*data_);
+  data_.reset();
+}
 
 // Breaks the data connection off, never by an orderly end: a half upload must not look like a whole one, and
 // a server that goes on sending into an end (inetutils-ftpd) is ended by the signal of a broken pipe.
 void FtpTransfer::breakData() noexcept {
   state_ = State::failed;
   if (data_) data_->socket().abort();
-  closeData();
+  data_.reset();
 }
 
 void FtpTransfer::dataFailed(IoStatus status) {

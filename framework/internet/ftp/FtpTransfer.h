@@ -87,6 +87,11 @@ class FtpTransfer {
   void endData();
   void endUpload();
   void endStream();
+  // An encrypted stream that ends without its last word has been cut. Old servers leave that word out, so
+  // what is known to be whole is taken for whole.
+  [[nodiscard]] bool endsWithoutWord(platform::IoStatus status) const noexcept {
+    return control_->tls() && status == platform::IoStatus::reset && hasKnownSize();
+  }
   FtpReply finalReply();
   [[nodiscard]] bool wordIsLost() const noexcept;
   [[nodiscard]] bool hasKnownSize() const noexcept;

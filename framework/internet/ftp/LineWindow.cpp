@@ -24,7 +24,8 @@ constexpr std::array kAnswers{
     Answers{"MKD", {257}},       Answers{"CWD", {250, 200}},  Answers{"DELE", {250}},
     Answers{"RMD", {250}},       Answers{"RNFR", {350}},      Answers{"RNTO", {250}},
     Answers{"REST", {350}},      Answers{"LIST", {226, 250}}, Answers{"MLSD", {226, 250}},
-    Answers{"NLST", {226, 250}}, Answers{"RETR", {226, 250}}, Answers{"STOR", {226, 250}}};
+    Answers{"NLST", {226, 250}}, Answers{"RETR", {226, 250}}, Answers{"STOR", {226, 250}},
+    Answers{"PBSZ", {200}},      Answers{"PROT", {200}}};
 
 std::string_view verbOf(std::string_view line) noexcept { return line.substr(0, line.find(' ')); }
 

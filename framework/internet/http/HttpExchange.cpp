@@ -9,6 +9,7 @@
 #include "framework/internet/http/HttpUrl.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/internet/net/InternetErrors.h"
+#include "framework/internet/tls/TlsSock.h"
 #include "framework/platform/last_error.h"
 #include "framework/text/AsciiText.h"
 
@@ -46,8 +47,10 @@ void HttpExchange::addHeader(std::string_view line) { headers_.emplace_back(line
 bool HttpExchange::sendable() const noexcept { return isHostName(server_.name) && isSendable(target_); }
 
 std::string HttpExchange::request() const {
-  std::string text =
-      "GET " + target_ + " HTTP/1.1\r\nHost: " + hostField(server_.name, server_.port) + "\r\n";
+  const bool encrypted = server_.tls.encryption != Encryption::none;
+  const std::string host =
+      hostField(server_.name, server_.port, encrypted ? kDefaultHttpsPort : kDefaultHttpPort);
+  std::string text = "GET " + target_ + " HTTP/1.1\r\nHost: " + host + "\r\n";
   for (const std::string& line : headers_) text.append(line).append("\r\n");
   // Each request has a connection of its own: nothing is gained by keeping it.
   return text += "Connection: close\r\n\r\n";
@@ -60,9 +63,18 @@ void HttpExchange::send() {
   dialer_.notify(kStatusRequestComplete);
 }
 
-void HttpExchange::exchangeHeads() {
+void HttpExchange::connect() {
+  std::optional<TlsLogin> tls;
+  if (server_.tls.encryption != Encryption::none) tls.emplace(server_.name, server_.tls);
   sock_ = dialer_.connect(server_.name, server_.port);
   dialer_.notify(kStatusConnected);
+  if (!tls) return;
+  require(State::sent);
+  sock_ = tls->secure(std::move(sock_), platform::TlsUse::control, Deadline(dialer_.timeouts().connect));
+}
+
+void HttpExchange::exchangeHeads() {
+  connect();
   dialer_.notify(kStatusSendingRequest);
   require(State::sent);
   const std::string lines = request();

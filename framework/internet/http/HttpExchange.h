@@ -14,6 +14,7 @@
 
 #include "framework/internet/http/HttpResponse.h"
 #include "framework/internet/net/Dialer.h"
+#include "framework/internet/tls/TlsPolicy.h"
 
 namespace internet {
 
@@ -21,6 +22,7 @@ namespace internet {
 struct HttpServer {
   std::string name;
   std::uint16_t port = 0;
+  TlsPolicy tls = {};
 };
 
 class HttpExchange : public SessionMember {
@@ -58,6 +60,7 @@ class HttpExchange : public SessionMember {
   enum class State { idle, sent, answered, closed };
 
   [[nodiscard]] std::string request() const;
+  void connect();
   void exchangeHeads();
   void require(State state) const;
   std::size_t fill(char* buffer, std::size_t size, const Deadline* patience);

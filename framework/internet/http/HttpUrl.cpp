@@ -76,11 +76,11 @@ bool isHostName(std::string_view server) noexcept {
   return !server.empty() && isSendable(server) && server.find_first_of(" /\\?#@[]") == std::string_view::npos;
 }
 
-std::string hostField(std::string_view server, std::uint16_t port) {
+std::string hostField(std::string_view server, std::uint16_t port, std::uint16_t usual) {
   std::string field(server);
   // The zone of an address is this machine's own affair.
   if (server.find(':') != std::string_view::npos) field = '[' + field.substr(0, field.find('%')) + ']';
-  if (port != kDefaultHttpPort) field += ':' + std::to_string(port);
+  if (port != usual) field += ':' + std::to_string(port);
   return field;
 }
 

@@ -20,8 +20,8 @@ std::string requestTarget(std::string_view object);
 bool isSendable(std::string_view target) noexcept;
 // A name or numeric address, which may be looked up and sent in a Host header.
 bool isHostName(std::string_view server) noexcept;
-// The value of a Host header.
-std::string hostField(std::string_view server, std::uint16_t port);
+// The value of a Host header, without the port that is the usual one.
+std::string hostField(std::string_view server, std::uint16_t port, std::uint16_t usual = kDefaultHttpPort);
 
 }  // namespace internet
 

@@ -64,5 +64,6 @@ inline constexpr std::uint32_t kOptionConnectRetries = 3;  // attempts, the firs
 inline constexpr std::uint32_t kOptionConnectBackoff = 4;
 
 inline constexpr std::uint16_t kDefaultFtpPort = 21;
+inline constexpr std::uint16_t kDefaultFtpsPort = 990;
 
 }  // namespace internet

@@ -26,6 +26,8 @@ struct Timeouts {
   std::chrono::milliseconds earlyClose{5'000};  // the reply after a transfer was given up half-way
   std::chrono::milliseconds dataError{3'000};   // the reply that explains a broken data connection
   std::chrono::milliseconds epsvProbe{5'000};   // a host's first EPSV port, before PASV is tried
+  // A refusal behind the handshake of a host's first data connection that has resumed no session.
+  std::chrono::milliseconds tlsVerdict{500};
   // What may come late at the end of a transfer: a refusal behind data whose size is not known, an active
   // data connection behind the final reply.
   std::chrono::milliseconds endOfData{1'000};

@@ -74,6 +74,15 @@ IoStatus sendAll(Sock& sock, std::string_view bytes, const Deadline& deadline) {
   return IoStatus::done;
 }
 
+void endInOrder(Sock& sock) noexcept {
+  constexpr int kMostBlocks = 64;
+  std::array<char, std::size_t{16} * 1024> block;
+  static_cast<void>(sock.shutdownSend());
+  for (int i = 0; i < kMostBlocks; ++i) {
+    if (sock.receive(block.data(), block.size()).status != IoStatus::done) return;
+  }
+}
+
 platform::IoResult receiveSome(Sock& sock, std::span<char> buffer, const Deadline& deadline) {
   for (;;) {
     const auto received = sock.receive(buffer.data(), buffer.size());

@@ -82,6 +82,9 @@ void rest(std::chrono::milliseconds duration);
 
 // Sends all. wouldBlock: not done before the deadline. Throws platform::OperationStopped, as the next one.
 platform::IoStatus sendAll(Sock& sock, std::string_view bytes, const Deadline& deadline);
+// The last of a stream that is to end in good order: says that ours is whole, and drops what has come unread.
+// Such bytes would turn the end of the connection into a reset, which a server may take for a failure.
+void endInOrder(Sock& sock) noexcept;
 // What has come, at least one byte; wouldBlock: nothing before the deadline.
 platform::IoResult receiveSome(Sock& sock, std::span<char> buffer, const Deadline& deadline);
 
