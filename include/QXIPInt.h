@@ -117,7 +117,8 @@ class TQXIPIFInt {
   // Turns a status code into a text and hands it to OnStatusText.
   virtual void OnStatusCallback(std::uint32_t nContext, std::uint32_t nStatus, const void* pInformation) = 0;
 
-  // Slot 21: one GET of pszObject from pszServer (a name or an address, one of IPv6 also in brackets) into
+  // Slot 21: one GET of pszObject from pszServer (a name or an address, one of IPv6 also in brackets; behind
+  // "https://" the request is encrypted, port 0 means 443, and the options of slot 25 may follow) into
   // pszLocalFile, or, with pnLength, only the available length. Runs on the caller's thread. OnPoll is asked
   // and the caller's messages are dispatched for each 4096 bytes of the body, and after 50 ms at the latest
   // when fewer come; what has come is in the file by then. A server that keeps the caller waiting before that
@@ -136,12 +137,20 @@ class TQXIPIFInt {
                                 QXHostValue nValue) = 0;                       // not supported: 0
   virtual QXBool FTPSetProxy(const char* pszProxy, std::uint32_t nValue) = 0;  // not supported: 0
   // Stores login data; null user or password keeps what is stored. The host is a name or an address, perhaps
-  // behind "ftp://"; an address of IPv6 may stand in brackets ("[::1]", "[fe80::1%eth0]"). Texts of at most
-  // 255 characters (host, user) and 1023 (password) are kept whole. Where a field is too short for its text
-  // it shows the beginning, up to a whole character, and the whole counts for as long as the field is left
-  // alone; the field itself, given here again, stands for the whole. What a host writes into a field counts
-  // from then on. A longer text leaves its field empty, and until the text is replaced no operation logs in:
-  // each fails with 87. Always 1.
+  // behind "ftp://"; an address of IPv6 may stand in brackets ("[::1]", "[fe80::1%eth0]").
+  // Behind "ftpes://" the connection is encrypted before the login (AUTH TLS), behind "ftps://" from its
+  // first byte (port 21 means 990 then); control and data alike, or the operation fails. Behind the name may
+  // follow, each once, ";fingerprint=sha256:" and 64 hex digits (the certificate that the server must show,
+  // in place of every other check), ";verify=no" (any certificate will do) and ";tls=1.2" (nothing newer):
+  // "ftpes://ftp.example.org;tls=1.2". Any other option fails with 87 when a connection is made. Failures of
+  // the encryption: 12037 (date), 12038 (name), 12044 (a client's certificate is wanted), 12045 (authority),
+  // 12157 (handshake or record), 12169 (fingerprint, or invalid), 12170 (revoked), with a text that tells
+  // what the certificate says. docs/security.md has more. Texts of at most 255 characters (host, user) and
+  // 1023 (password) are kept whole. Where a field is too short for its text it shows the beginning, up to a
+  // whole character, and the whole counts for as long as the field is left alone; the field itself, given
+  // here again, stands for the whole. What a host writes into a field counts from then on. A longer text
+  // leaves its field empty, and until the text is replaced no operation logs in: each fails with 87.
+  // Always 1.
   virtual QXBool FTPSetLogin(const char* pszHost, const char* pszUser, const char* pszPassword,
                              std::uint32_t nPort, QXBool bPassive) = 0;
   // Stores login data and connects. pSession: a session to use for this call instead of the object's own, or

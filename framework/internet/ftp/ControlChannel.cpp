@@ -40,6 +40,7 @@ void ControlChannel::secure(TlsLogin& tls) {
   requireOpen();
   const Deadline deadline(dialer_.timeouts().connect);
   sock_ = tls.secure(std::move(sock_), platform::TlsUse::control, deadline);
+  log().note(tls.description());
 }
 
 void ControlChannel::send(std::string_view line) {

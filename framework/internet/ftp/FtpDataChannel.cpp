@@ -229,7 +229,8 @@ void FtpDataChannel::shakeHands(Opening& opening) {
     failAfterHandshake(control_, failure);
   }
   stands_ = encrypted_ != nullptr;
-  if (!stands_) control_.freshTlsRefused(*opening.final);
+  if (!stands_) return control_.freshTlsRefused(*opening.final);
+  channel.log().note(control_.tls()->description());
 }
 
 // Whether a server wants data connections to resume a session it says only behind the handshake, when a

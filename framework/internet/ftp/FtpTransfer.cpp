@@ -111,11 +111,10 @@ std::size_t FtpTransfer::receive(void* buffer, std::size_t size) {
         }
         waitForData(false, limit);
         break;
-      case IoStatus::closed:
-        endOfData();
-        return 0;
       default:
         if (!endsWithoutWord(result.status)) dataFailed(result.status);
+        [[fallthrough]];
+      case IoStatus::closed:
         endOfData();
         return 0;
     }
@@ -422,11 +421,6 @@ void FtpTransfer::takeReply(FtpReply reply) {
 // from within Read and Write the host hears nothing.
 void FtpTransfer::notifyFinal() {
   if (!std::exchange(finalNotified_, true)) control_->channel().notifyReply(*final_);
-}
-
-void FtpTransfer::closeData() noexcept {
-  if (data_ && control_->tls()) endInOrder(*data_);
-  data_.reset();
 }
 
 // Breaks the data connection off, never by an orderly end: a half upload must not look like a whole one, and

@@ -111,7 +111,10 @@ class FtpTransfer {
   [[nodiscard]] bool movedInFull() const noexcept;
   // Of what the server has announced.
   [[nodiscard]] bool tooShort() const noexcept { return announced_ && start_ + moved_ < *announced_; }
-  void closeData() noexcept;
+  void closeData() noexcept {
+    if (data_ && control_->tls()) endInOrder(*data_);
+    data_.reset();
+  }
   void breakData() noexcept;
   [[noreturn]] void dataFailed(platform::IoStatus status);
 

@@ -71,6 +71,7 @@ void HttpExchange::connect() {
   if (!tls) return;
   require(State::sent);
   sock_ = tls->secure(std::move(sock_), platform::TlsUse::control, Deadline(dialer_.timeouts().connect));
+  dialer_.log().note(tls->description());
 }
 
 void HttpExchange::exchangeHeads() {
