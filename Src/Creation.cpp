@@ -54,7 +54,8 @@ struct NewDirectory {
 
 // "/pub/New", "/pub/New (1)", "/pub/New (2)", ... Below the root the first name has one slash in front and
 // the others have two. False, with the last error 87, for a name that may not go to a server.
-bool nameCandidate(const PathText& parent, const char* baseName, std::uint32_t number, PathText& candidate) {
+bool nameCandidate(const HostPathText& parent, const char* baseName, std::uint32_t number,
+                   HostPathText& candidate) {
   char suffix[16] = "";
   if (number > 0) std::snprintf(suffix, sizeof suffix, " (%u)", number);
   const char* join = number == 0 && std::strcmp(parent.c_str(), "/") == 0 ? "" : "/";
@@ -67,12 +68,12 @@ bool nameCandidate(const PathText& parent, const char* baseName, std::uint32_t n
 // One run of the free-name rule; *pCandidate is the name that it came to.
 class FreeName {
  public:
-  FreeName(TQXIP& client, std::uint32_t retries, PathText* pCandidate)
+  FreeName(TQXIP& client, std::uint32_t retries, HostPathText* pCandidate)
       : m_client(client), m_retries(retries), m_candidate(*pCandidate) {}
 
   bool Create(const NewDirectory& wanted) {
     m_candidate.clear();
-    PathText parent;
+    HostPathText parent;
     if (!MayChange(m_client, wanted.parent)) return false;
     if (wanted.created == nullptr || wanted.baseName == nullptr) {
       platform::setLastError(platform::kErrorInvalidParameter);
@@ -86,7 +87,7 @@ class FreeName {
 
  private:
   // A refused creation is tried again with the same name for as long as the server refuses it.
-  bool TakeFirstFree(const PathText& parent, const char* baseName) {
+  bool TakeFirstFree(const HostPathText& parent, const char* baseName) {
     for (std::uint32_t number = 0; nameCandidate(parent, baseName, number, m_candidate) && number < kNames;
          ++number) {
       while (!Exists(m_candidate)) {
@@ -99,13 +100,13 @@ class FreeName {
     return false;
   }
 
-  bool Exists(const PathText& path) {
+  bool Exists(const HostPathText& path) {
     return HostCall([&] { return m_client.FTPDirExist(path.c_str(), m_retries, 0, 0); }) != 0;
   }
 
   TQXIP& m_client;
   const std::uint32_t m_retries;
-  PathText& m_candidate;
+  HostPathText& m_candidate;
 };
 
 }  // namespace
@@ -125,8 +126,8 @@ QXBool TQXIP::FTPCreateNewDir(const char* pszParent, char* pszCreated, const cha
                               std::uint32_t nRetries) {
   return GuardOperation(*this, [&]() -> QXBool {
     const NewDirectory wanted{.parent = pszParent, .baseName = pszBaseName, .created = pszCreated};
-    PathText candidate;  // of the innermost run; its lines come first, and those of the outermost last
-    PathText outermost;
+    HostPathText candidate;  // of the innermost run; its lines come first, and those of the outermost last
+    HostPathText outermost;
     bool isOutermost = true;
     const auto run = [&] {
       const bool created = FreeName(*this, nRetries, &candidate).Create(wanted);

@@ -32,10 +32,10 @@ QXFileTime localFileTime(std::int64_t unixSeconds) {
   return {static_cast<std::uint32_t>(time), static_cast<std::uint32_t>(time >> 32)};
 }
 
-void fillEntry(QXDirEntry& entry, const PathText& directory, const std::string& name, CFtpFileFind& finder) {
+void fillEntry(QXDirEntry& entry, const char* directory, const std::string& name, CFtpFileFind& finder) {
   entry = QXDirEntry{};
   entry.bIsDirectory = finder.IsDirectory() ? 1 : 0;
-  std::memcpy(entry.szPath, directory.c_str(), directory.size() + 1);
+  std::memcpy(entry.szPath, directory, std::strlen(directory) + 1);
   std::memcpy(entry.szName, name.c_str(), name.size() + 1);
   if (entry.bIsDirectory != 0) {
     entry.dwAttributes = kDirectoryAttribute;
@@ -62,6 +62,17 @@ bool isListed(const std::string& name) {
   return !name.empty() && name[0] != '.' && name.size() < sizeof QXDirEntry::szName;
 }
 
+// A longer path cannot be told to a host.
+bool fitsEntries(const char* directory) { return std::strlen(directory) < kHostPathCapacity; }
+
+bool mayBeListed(const TQXIP& client, const char* path) {
+  if (fitsEntries(path) || RunningOperation::Runs(client, RunningOperation::Kind::counting)) {
+    return MayGoToServer(path);
+  }
+  platform::setLastError(platform::kErrorInvalidParameter);
+  return false;
+}
+
 // What the finder is asked for: the bare pattern in the server's current directory, or that of a directory.
 std::string searchText(const TQXIP& client, const PathText& directory, const char* pattern) {
   if (client.m_bOption != 0) return pattern;
@@ -74,8 +85,7 @@ void keepPending(TQXIP& client, std::unique_ptr<QXDirEntry[]> array) {
 }
 
 // A finder's walk over its entries. It asks the server nothing but, for a file found by itself, the time.
-std::unique_ptr<QXDirEntry[]> takeEntries(CFtpFileFind& finder, const PathText& directory,
-                                          std::uint32_t& count) {
+std::unique_ptr<QXDirEntry[]> takeEntries(CFtpFileFind& finder, const char* directory, std::uint32_t& count) {
   std::unique_ptr<QXDirEntry[]> array = NewEntryArray(finder.EntriesLeft());
   for (bool more = finder.EntriesLeft() > 0; more;) {
     more = finder.FindNextFile();
@@ -99,9 +109,10 @@ bool list(TQXIP& client, CFtpFileFind& finder, const char* path, const char* pat
   const RunningOperation running(client, RunningOperation::Kind::listing);
   finder.FindFile(searchText(client, directory, pattern).c_str(), internet::kFlagReload);
   std::uint32_t taken = 0;
-  std::unique_ptr<QXDirEntry[]> array = takeEntries(finder, directory, taken);
+  const bool fits = fitsEntries(directory.c_str());
+  std::unique_ptr<QXDirEntry[]> array = takeEntries(finder, fits ? directory.c_str() : "", taken);
   finder.Close();
-  notifyOfFiles(client, array.get(), taken);
+  if (fits) notifyOfFiles(client, array.get(), taken);
   StoreEntryCount(array.get(), taken);
   keepPending(client, std::move(array));
   count = taken;
@@ -129,7 +140,7 @@ SlotRun listOnce(TQXIP& client, const ListingCall& call, std::uint32_t& retries)
   bool ok = call.path != nullptr && *call.path != '\0' && call.pattern != nullptr && call.pnCount != nullptr;
   if (!ok) platform::setLastError(platform::kErrorInvalidParameter);
   FinderLoan loan(client);
-  CFtpFileFind* finder = ok && MayGoToServer(call.path) ? loan.Take("m_pFTPGetDir", nullptr) : nullptr;
+  CFtpFileFind* finder = ok && mayBeListed(client, call.path) ? loan.Take("m_pFTPGetDir", nullptr) : nullptr;
   Raised raised;
   ok = finder != nullptr && GuardInternet(client, &retries, &raised, [&] {
          return list(client, *finder, call.path, call.pattern, count);
@@ -163,6 +174,7 @@ bool fetchEntries(TQXIP& client, const char* path, std::uint32_t retries,
                   std::unique_ptr<QXDirEntry[]>& entries, std::uint32_t& count) {
   PathText directory;
   if (!MakeFtpPath(path, directory)) return false;
+  const RunningOperation counting(client, RunningOperation::Kind::counting);
   const auto call = [&](QXDirEntry* target) {
     return HostCall(
         [&] { return client.FTPGetDirectory(directory.c_str(), target, &count, kEverything, retries) != 0; });

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Src/RemotePath.h"
 
-#include "framework/platform/last_error.h"
-
 bool MayGoToServer(const char* name) noexcept {
   if (name == nullptr || IsSafeRemotePath(name)) return true;
   platform::setLastError(platform::kErrorInvalidParameter);
@@ -11,13 +9,6 @@ bool MayGoToServer(const char* name) noexcept {
 
 bool BothGiven(const char* first, const char* second) noexcept {
   if (first != nullptr && *first != '\0' && second != nullptr && *second != '\0') return true;
-  platform::setLastError(platform::kErrorInvalidParameter);
-  return false;
-}
-
-bool MakeFtpPath(const char* name, PathText& path) noexcept {
-  if (MayGoToServer(name) && path.assign(name)) ToFtpPath(path.data());
-  if (!path.empty()) return true;
   platform::setLastError(platform::kErrorInvalidParameter);
   return false;
 }

@@ -2,6 +2,7 @@
 // What may become of a host's text on its way to a server.
 #pragma once
 
+#include "framework/platform/last_error.h"
 #include "support/Paths.h"
 
 // False, with the last error 87, for a path that is too long for the client or has a control character. Null
@@ -13,4 +14,9 @@
 
 // Copies `name` and turns it into an FTP path. False, with the last error 87, for null, "", an over-long path
 // or one with a control character.
-[[nodiscard]] bool MakeFtpPath(const char* name, PathText& path) noexcept;
+template <std::size_t Capacity>
+[[nodiscard]] bool MakeFtpPath(const char* name, BoundedText<Capacity>& path) noexcept {
+  if (MayGoToServer(name) && path.assign(name)) ToFtpPath(path.data());
+  if (path.empty()) platform::setLastError(platform::kErrorInvalidParameter);
+  return !path.empty();
+}

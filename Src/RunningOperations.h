@@ -21,7 +21,8 @@ class RunningOperation {
   enum class Kind {
     other,
     connecting,  // it replaces the client's connection
-    listing      // its finder walks over entries
+    listing,     // its finder walks over entries
+    counting     // it looks at the entries of a listing, which no host gets
   };
 
   // From now on the calling thread's stop token is this operation's. The last error stays: some operations

@@ -22,9 +22,12 @@
 // function in another slot), and no call that the library made waits for the thread that frees the client,
 // because that one waits for it. A client that ends is not kept by AddRef, and ends once.
 //
-// Remote paths: backslashes count as slashes, one trailing slash is dropped. A path of 256 characters or
-// more, or with a control character, makes the operation fail before anything is sent. Local paths are those
-// of the operating system; on Linux "Z:/dir/file" (any letter) names "/dir/file".
+// Remote paths: backslashes count as slashes, one trailing slash is dropped. A path of 4096 bytes or more, or
+// with a control character, makes the operation fail before anything is sent (87). So does one of 256 bytes or
+// more where its result has to fit the host: in slot 31, whose entries name the directory, and in slot 44.
+// Local paths are those of the operating system, of up to 4095 bytes (Windows: above 259 characters too,
+// without any prefix); on Linux "Z:/dir/file" (any letter) names "/dir/file". A message line that is longer
+// than m_szMessage is cut between two characters.
 //
 // Characters outside ASCII, on Windows, at a server that speaks UTF-8 (FEAT offers UTF8, or OPTS UTF8 ON is
 // taken): each component of a remote path is sent as it is when it is valid UTF-8, else it is taken for a

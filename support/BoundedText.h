@@ -40,6 +40,11 @@ class BoundedText {
   char m_text[Capacity] = {};
 };
 
-// Every path of the client is held in such a text.
-inline constexpr std::size_t kPathCapacity = 256;
+// Every path of the client is held in such a text: one of 4,095 bytes is the longest that systems take.
+inline constexpr std::size_t kPathCapacity = 4096;
 using PathText = BoundedText<kPathCapacity>;
+
+// Such a path as fits where hosts have room for one: in an entry of a listing, in the name of a new
+// directory.
+inline constexpr std::size_t kHostPathCapacity = 256;
+using HostPathText = BoundedText<kHostPathCapacity>;

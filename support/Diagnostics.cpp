@@ -7,7 +7,9 @@
 #include <string>
 #include <string_view>
 
+#include "framework/platform/code_page.h"
 #include "framework/platform/last_error.h"
+#include "framework/text/HostText.h"
 #include "support/Paths.h"
 
 namespace {
@@ -62,7 +64,10 @@ int TraceMessageV(char* buffer, std::size_t capacity, const char* format, std::v
     buffer[0] = '\0';
     return 0;
   }
-  return wanted < static_cast<int>(capacity) ? wanted : static_cast<int>(capacity) - 1;
+  if (static_cast<std::size_t>(wanted) < capacity) return wanted;
+  const std::size_t whole = hosttext::wholeSize({buffer, capacity - 1}, platform::narrowCodePage());
+  buffer[whole] = '\0';
+  return static_cast<int>(whole);
 }
 
 int TraceMessage(char* buffer, std::size_t capacity, const char* format, ...) noexcept {

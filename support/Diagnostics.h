@@ -16,8 +16,8 @@ inline constexpr std::uint32_t kClientFailure = 1000;
 inline constexpr std::size_t kErrorTextCapacity = 4098;  // with the terminator
 using ErrorText = char[kErrorTextCapacity];
 
-// Formats a line into a message buffer of `capacity` characters; what does not fit is cut. The characters
-// written.
+// Formats a line into a message buffer of `capacity` bytes; what does not fit is cut, between two characters.
+// The bytes written.
 int TraceMessage(char* buffer, std::size_t capacity, const char* format, ...) noexcept
     __attribute__((format(printf, 3, 4)));
 int TraceMessageV(char* buffer, std::size_t capacity, const char* format, std::va_list arguments) noexcept;

@@ -39,8 +39,11 @@ std::int64_t secondsNow() {
 }
 
 void checkPattern(std::string_view pattern) {
-  if (pattern.size() >= kMaxArgument) fail(platform::kErrorInvalidParameter);
-  FtpControl::checkArgument(pattern);
+  // Of a pattern the server gets the directory alone.
+  const std::size_t slash = pattern.rfind('/');
+  const bool below = slash != std::string_view::npos && slash > 0;
+  FtpControl::checkArgument(below ? pattern.substr(0, slash) : pattern);
+  if (below && slash + 1 < pattern.size()) FtpControl::checkArgument(pattern.substr(slash + 1));
 }
 
 void askTime(FtpControl& control, FindState& state) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "framework/platform/last_error.h"
+#include "framework/windows/local_path.h"
 #include "framework/windows/windows_api.h"
 
 namespace platform {
@@ -40,9 +41,9 @@ bool File::open(const char* path, FileAccess access, FileCreation creation,
   close();
   // Others may read and write meanwhile, as they may on the other systems.
   constexpr DWORD kSharing = FILE_SHARE_READ | FILE_SHARE_WRITE;
-  handle_ = reinterpret_cast<std::intptr_t>(::CreateFileA(path != nullptr ? path : "", accessRights(access),
-                                                          kSharing, nullptr, disposition(creation),
-                                                          attributes, nullptr));
+  handle_ =
+      reinterpret_cast<std::intptr_t>(::CreateFileW(LocalPath(path).text(), accessRights(access), kSharing,
+                                                    nullptr, disposition(creation), attributes, nullptr));
   return isOpen();
 }
 
@@ -97,15 +98,14 @@ bool File::close() noexcept { return !isOpen() || ::CloseHandle(nativeFile(std::
 
 bool File::keepToOwner() noexcept { return !refusedClosed(*this); }
 
-bool deleteFile(const char* path) noexcept { return ::DeleteFileA(path != nullptr ? path : "") != FALSE; }
+bool deleteFile(const char* path) noexcept { return ::DeleteFileW(LocalPath(path).text()) != FALSE; }
 
 bool createOwnDirectory(const char* path) noexcept {
-  return ::CreateDirectoryA(path != nullptr ? path : "", nullptr) != FALSE ||
-         lastError() == kErrorAlreadyExists;
+  return ::CreateDirectoryW(LocalPath(path).text(), nullptr) != FALSE || lastError() == kErrorAlreadyExists;
 }
 
 bool setFileAttributes(const char* path, std::uint32_t attributes) noexcept {
-  return ::SetFileAttributesA(path != nullptr ? path : "", attributes) != FALSE;
+  return ::SetFileAttributesW(LocalPath(path).text(), attributes) != FALSE;
 }
 
 std::size_t temporaryFolder(char* buffer, std::size_t size) noexcept {

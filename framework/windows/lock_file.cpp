@@ -2,6 +2,7 @@
 #include "framework/platform/lock_file.h"
 
 #include "framework/platform/last_error.h"
+#include "framework/windows/local_path.h"
 #include "framework/windows/windows_api.h"
 
 namespace platform {
@@ -19,7 +20,7 @@ LockFile::~LockFile() {
 // The system deletes the file with its last handle, however that ends.
 bool LockFile::take(const char* path) {
   constexpr DWORD kShareNone = 0;
-  HANDLE file = ::CreateFileA(path != nullptr ? path : "", GENERIC_WRITE | DELETE, kShareNone, nullptr,
+  HANDLE file = ::CreateFileW(LocalPath(path).text(), GENERIC_WRITE | DELETE, kShareNone, nullptr,
                               OPEN_ALWAYS, FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
   if (file == INVALID_HANDLE_VALUE) return false;
   if (::GetFileType(file) != FILE_TYPE_DISK) {  // a device, such as "NUL": anybody gets that

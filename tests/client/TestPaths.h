@@ -12,8 +12,8 @@ inline const std::string kOddNames[] = {
     "\xe6\x96\x87.txt"};
 
 // Paths that may not go to a server.
-inline const std::string kBadPaths[] = {"/" + std::string(255, 'a'),
-                                        std::string(300, 'a'),
+inline const std::string kBadPaths[] = {"/" + std::string(4095, 'a'),
+                                        std::string(5'000, 'a'),
                                         std::string(100'000, 'a'),
                                         "/a\r\nDELE /b",
                                         "/a\nb",

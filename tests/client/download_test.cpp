@@ -231,7 +231,7 @@ TEST_F(Download, PathsThatMayNotGoToAServerDoNot) {
   const fixture::ScriptedFtp server;
   loginAt(server);
   for (const std::string& remote :
-       {std::string(256, 'a'), std::string(300, 'a'), std::string("/a\r\nDELE b"), std::string("/\x7f")}) {
+       {std::string(4096, 'a'), std::string(5'000, 'a'), std::string("/a\r\nDELE b"), std::string("/\x7f")}) {
     EXPECT_EQ(download(remote.c_str(), 1), 0);
   }
   EXPECT_EQ(server.connections().size(), 0u);

@@ -250,11 +250,11 @@ TEST_P(BadFilePath, FailsBothQueriesBeforeAnythingIsAsked) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Paths, BadFilePath,
-                         testing::Values("/" + std::string(255, 'a'), std::string(300, 'a'), "/a\r\nDELE b",
-                                         "/a\nb", "/a\x7f", "/\x1f"));
+                         testing::Values("/" + std::string(4095, 'a'), std::string(5'000, 'a'),
+                                         "/a\r\nDELE b", "/a\nb", "/a\x7f", "/\x1f"));
 
-TEST_F(FileQuery, APathOf255CharactersIsAskedFor) {
-  const std::string name(254, 'a');
+TEST_F(FileQuery, APathOf4095CharactersIsAskedFor) {
+  const std::string name(4094, 'a');
   finder.answersWith({file(name, 3)});
   EXPECT_EQ(client.FTPFileExists(("/" + name).c_str(), 0, 0, 0), 1);
   EXPECT_EQ(client.FTPFileSize(("/" + name).c_str(), 0, 0, 0), 3u);

@@ -144,7 +144,7 @@ TEST_F(RemoveDirectory, TheCurrentDirectoryIsNotLeftForItsOwnRemoval) {
 }
 
 TEST_F(RemoveDirectory, AServerThatDoesNotTellItsDirectoryRemovesNone) {
-  for (const std::string& reply : {std::string("550 No"), R"(257 \"/)" + std::string(255, 'a') + R"(\")"}) {
+  for (const std::string& reply : {std::string("550 No"), R"(257 \"/)" + std::string(4095, 'a') + R"(\")"}) {
     const fixture::ScriptedFtp server(withRule(R"({"on": "PWD", "do": [{"reply": ")" + reply + R"("}]})"));
     loginAt(server);
     record = {};

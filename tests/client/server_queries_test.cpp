@@ -105,7 +105,7 @@ TEST_P(ServerQueries, AQueryOpensAConnectionOfItsOwnExactlyWhereTheObjectHasNone
 TEST_P(ServerQueries, PathsThatMayNotGoToAServerDoNot) {
   const auto before = server.commands();
   for (const std::string& path :
-       {std::string(256, 'a'), std::string(300, 'a'), std::string("/a\r\nDELE /a/x"), std::string("/a\n"),
+       {std::string(4096, 'a'), std::string(5'000, 'a'), std::string("/a\r\nDELE /a/x"), std::string("/a\n"),
         std::string("/\x7f")}) {
     EXPECT_FALSE(dirExists(path.c_str()));
     EXPECT_FALSE(fileExists(path.c_str()));

@@ -210,7 +210,7 @@ TEST_F(Upload, PathsThatMayNotGoToAServerDoNot) {
   loginAt(server);
   write("x");
   for (const std::string& remote :
-       {std::string(256, 'a'), std::string(300, 'a'), std::string("/a\r\nDELE b"), std::string("/\x7f")}) {
+       {std::string(4096, 'a'), std::string(5'000, 'a'), std::string("/a\r\nDELE b"), std::string("/\x7f")}) {
     EXPECT_EQ(upload(remote.c_str(), 1), 0);
   }
   EXPECT_EQ(server.connections().size(), 0u);

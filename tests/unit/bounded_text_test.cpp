@@ -52,11 +52,11 @@ TEST(BoundedText, APieceThatDoesNotFitLeavesItEmptyRatherThanCut) {
   EXPECT_TRUE(text.empty());
 }
 
-TEST(BoundedText, APathTextHolds255CharactersAndRefuses256) {
+TEST(BoundedText, APathTextHolds4095CharactersAndRefuses4096) {
   PathText path;
-  EXPECT_TRUE(path.assign(std::string(255, 'p').c_str()));
-  EXPECT_EQ(path.size(), 255u);
-  EXPECT_FALSE(path.assign(std::string(256, 'p').c_str()));
+  EXPECT_TRUE(path.assign(std::string(4095, 'p').c_str()));
+  EXPECT_EQ(path.size(), 4095u);
+  EXPECT_FALSE(path.assign(std::string(4096, 'p').c_str()));
 }
 
 }  // namespace

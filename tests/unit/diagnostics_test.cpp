@@ -55,6 +55,14 @@ TEST(TraceMessage, CutsWhatDoesNotFitAndSaysHowMuchWasWritten) {
   EXPECT_STREQ(line, "0123456");
 }
 
+TEST(TraceMessage, CutsBetweenTwoCharacters) {
+  char buffer[8];
+  EXPECT_EQ(TraceMessage(buffer, sizeof buffer, "%s", "12345\xC3\xBC!"), 7);
+  EXPECT_STREQ(buffer, "12345\xC3\xBC");
+  EXPECT_EQ(TraceMessage(buffer, sizeof buffer, "%s", "123456\xC3\xBC"), 6);
+  EXPECT_STREQ(buffer, "123456");
+}
+
 TEST(GetErrorText, ErrorZeroGivesAnEmptyTextAndKeepsTheLastError) {
   platform::setLastError(5);
   EXPECT_EQ(errorText(0), "");

@@ -167,8 +167,8 @@ TEST(SplitPath, EveryOutputMayBeNull) {
   EXPECT_STREQ(name.c_str(), "a.txt");
 }
 
-TEST(SplitPath, Splits255CharactersAndRefuses256) {
-  const std::string name(250, 'n');
+TEST(SplitPath, Splits4095CharactersAndRefuses4096) {
+  const std::string name(4090, 'n');
   EXPECT_EQ(split(("/pub/" + name).c_str()), (Parts{true, "/pub", name, ""}));
   EXPECT_EQ(split(("/pub/x" + name).c_str()), (Parts{false, "", "", ""}));
 }
@@ -199,10 +199,10 @@ TEST(IsRemotePath, EverythingElseIsRemote) {
   EXPECT_TRUE(IsRemotePath("//a"));
 }
 
-TEST(IsSafeRemotePath, TakesUpTo255Characters) {
+TEST(IsSafeRemotePath, TakesUpTo4095Characters) {
   EXPECT_TRUE(IsSafeRemotePath(""));
-  EXPECT_TRUE(IsSafeRemotePath(std::string(255, 'a').c_str()));
-  EXPECT_FALSE(IsSafeRemotePath(std::string(256, 'a').c_str()));
+  EXPECT_TRUE(IsSafeRemotePath(std::string(4095, 'a').c_str()));
+  EXPECT_FALSE(IsSafeRemotePath(std::string(4096, 'a').c_str()));
 }
 
 TEST(IsSafeRemotePath, RefusesEveryControlCharacter) {
