@@ -10,7 +10,13 @@
 template <std::size_t Capacity>  // with the terminator
 class BoundedText {
  public:
-  BoundedText() noexcept = default;
+  BoundedText() noexcept { clear(); }
+  // No more than the text is copied: most are much shorter than their place.
+  BoundedText(const BoundedText& other) noexcept { *this = other; }
+  BoundedText& operator=(const BoundedText& other) noexcept {
+    std::memmove(m_text, other.m_text, other.size() + 1);
+    return *this;
+  }
 
   // False, and empty, for a null or an over-long text.
   [[nodiscard]] bool assign(const char* text) noexcept {
@@ -37,7 +43,7 @@ class BoundedText {
   [[nodiscard]] char* data() noexcept { return m_text; }
 
  private:
-  char m_text[Capacity] = {};
+  char m_text[Capacity];
 };
 
 // Every path of the client is held in such a text: one of 4,095 bytes is the longest that systems take.

@@ -68,7 +68,7 @@ TEST_F(CopyFailure, PathsThatMayNotGoToAServerDoNot) {
 TEST_F(CopyFailure, AnOverLongLocalPathIsAFailure) {
   const fixture::ScriptedFtp server(R"({"tree": {"/a": "one"}})");
   loginAt(server);
-  const std::string path = "Z:/" + std::string(253, 'a');
+  const std::string path = "Z:/" + std::string(4093, 'a');
   EXPECT_EQ(copy(path.c_str(), "/b"), 0);
   EXPECT_EQ(copy("/a", path.c_str()), 0);
   EXPECT_FALSE(server.exists("/b"));
