@@ -31,14 +31,17 @@ TEST_F(CopyToServer, NobodyListens) {
 }
 
 TEST_F(CopyToServer, ATransferThatBreaksOffIsTheRequiredSuccessForAFileWithContent) {
-  for (const char* end :
-       {R"({"reset_after": 1000})", R"({"close_after": 1000})", R"({"final": "552 Full"})"}) {
+  // A refusal is final; a broken connection is followed by others, as the retries say.
+  const std::pair<const char*, int> ends[] = {{R"({"reset_after": 1000})", 4},
+                                              {R"({"close_after": 1000, "final": "426 Broken"})", 4},
+                                              {R"({"final": "552 Full"})", 1}};
+  for (const auto& [end, attempts] : ends) {
     const fixture::ScriptedFtp server(std::string(R"({"rules": [{"on": "STOR", "do": [{"normal": )") + end +
                                       "}]}]}");
     loginAt(server);
     testing_support::Pattern(6).writeFile(local, 1 << 20);
     EXPECT_EQ(copy(3), 1) << end;
-    EXPECT_EQ(server.commandCount("STOR"), 1) << end;
+    EXPECT_EQ(server.commandCount("STOR"), attempts) << end;
     EXPECT_EQ(client.count("OnAfterDisconnect"), 0u);
   }
 }

@@ -58,7 +58,7 @@ TEST_F(MoveInDoubt, BetweenTwoLocalPathsNothingIsDeleted) {
 TEST_F(MoveInDoubt, AnUploadThatTheServerRefusesOrBreaksLeavesTheSource) {
   for (const char* step :
        {R"({"reply": "553 No"})", R"({"normal": {"final": "552 Disk full"}})",
-        R"({"normal": {"close_after": 1, "final": "552 Disk full"}})", R"({"normal": {"reset_after": 1}})"}) {
+        R"({"normal": {"close_after": 1, "final": "552 Disk full"}})", R"({"normal": {"reset_after": 0}})"}) {
     const fixture::ScriptedFtp server(refusing(step));
     loginAt(server);
     write("mine");

@@ -112,11 +112,11 @@ TEST_F(Finder, RefusesPathsThatCannotBeSent) {
   const int sent = server.repliesSent();
   for (const std::string& path :
        {std::string("/d\r\nDELE /d/one"), std::string("/d\n"), std::string("/d/\x1b*"), std::string("\x7f"),
-        std::string(4096, 'x'), std::string(100'000, '*')}) {
+        std::string(4097, 'x'), std::string(100'000, '*')}) {
     EXPECT_EQ(search(finder, path).error, 87u);
   }
   EXPECT_EQ(server.repliesSent(), sent);
-  EXPECT_EQ(search(finder, std::string(4095, 'x')).error, 18u);
+  EXPECT_EQ(search(finder, std::string(4096, 'x')).error, 18u);
   EXPECT_TRUE(server.exists("/d/one"));
 }
 
