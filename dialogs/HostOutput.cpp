@@ -21,7 +21,7 @@ bool HostOutput::run(std::unique_ptr<CFileDialog> dialog) const {
   return confirmed;
 }
 
-bool HostOutput::deliver(const PathText& folder, std::size_t count, char* list) const noexcept {
+bool HostOutput::deliver(const HostPathText& folder, std::size_t count, char* list) const noexcept {
   if (pszPath == nullptr || ppPathList == nullptr || list == nullptr) return false;
   std::memcpy(pszPath, folder.c_str(), folder.size() + 1);
   *pnCount = static_cast<std::uint32_t>(count);

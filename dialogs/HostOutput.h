@@ -10,7 +10,7 @@
 #include "support/BoundedText.h"
 
 struct HostOutput {
-  char* pszPath;           // kPathCapacity bytes; null fails a confirmed dialog
+  char* pszPath;           // kHostPathCapacity bytes; null fails a confirmed dialog
   char** ppPathList;       // null fails a confirmed dialog
   std::uint32_t* pnCount;  // must be given, as the next two
   void** ppDialog;
@@ -28,5 +28,5 @@ struct HostOutput {
 
   // Writes the result. `list` may be null: there is none. False, and nothing written, when something is
   // missing.
-  bool deliver(const PathText& folder, std::size_t count, char* list) const noexcept;
+  bool deliver(const HostPathText& folder, std::size_t count, char* list) const noexcept;
 };

@@ -33,8 +33,8 @@ bool OpenDirFileDialog(const DirFileRequest& request, const HostOutput& output) 
   output.clear();
   std::string directory;
   if (output.pszPath != nullptr)
-    directory =
-        leadingCharacters({output.pszPath, strnlen(output.pszPath, kPathCapacity)}, kPathCapacity - 1);
+    directory = leadingCharacters({output.pszPath, strnlen(output.pszPath, kHostPathCapacity)},
+                                  kHostPathCapacity - 1);
   const DirFileScope scope;
   auto made = std::make_unique<CDirFileOpen>(request.title, request.okText, request.reserved, request.files,
                                              request.open, request.mode, directory.c_str(), request.flags, "",
@@ -42,7 +42,7 @@ bool OpenDirFileDialog(const DirFileRequest& request, const HostOutput& output) 
   CDirFileOpen& dialog = *made;
   if (!output.run(std::move(made))) return false;
 
-  PathText folder;
+  HostPathText folder;
   if (dialog.GetFolder().empty() || !NormaliseFolder(dialog.GetFolder(), folder)) return false;
   const bool folderAlone = request.mode == kListFolders;
   const auto names =

@@ -16,7 +16,7 @@ bool OpenFileDialog(const void* const (&reserved)[3], std::uint32_t flags, const
   const CFileDialog& dialog = *made;
   if (!output.run(std::move(made)) || !dialog.NamesAreExact()) return false;
 
-  PathText folder;
+  HostPathText folder;
   if (!NormaliseFolder(dialog.GetFolderPath(), folder)) return false;
   std::vector<std::string> names;
   for (POSITION position = dialog.GetStartPosition(); position != nullptr;)

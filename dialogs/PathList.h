@@ -15,4 +15,4 @@ using PathList = std::unique_ptr<char[]>;
 PathList MakePathList(const std::string& folder, const std::vector<std::string>& names);
 
 // A folder without the separator at its end ("C:\" becomes "C:"), into `result`. False when it does not fit.
-bool NormaliseFolder(const std::string& folder, PathText& result);
+bool NormaliseFolder(const std::string& folder, HostPathText& result);

@@ -33,12 +33,12 @@ struct DirFileOutcome {
 
   [[nodiscard]] std::vector<std::string> entries() const {
     std::vector<std::string> paths;
-    for (std::uint32_t i = 0; i < count; ++i) paths.emplace_back(list + i * kPathCapacity);
+    for (std::uint32_t i = 0; i < count; ++i) paths.emplace_back(list + i * kHostPathCapacity);
     return paths;
   }
 
   bool result = false;
-  char path[kPathCapacity] = "";
+  char path[kHostPathCapacity] = "";
   char* list = nullptr;
   std::uint32_t count = 77;
   void* dialog = nullptr;

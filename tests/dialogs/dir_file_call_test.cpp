@@ -179,7 +179,7 @@ TEST_F(DirFileCall, GivesTheNamesAloneWithoutAFolderBeforeThem) {
   EXPECT_STREQ(path, "");
   ASSERT_EQ(count, 2U);
   EXPECT_STREQ(list, "a.txt");
-  EXPECT_STREQ(list + kPathCapacity, "b.txt");
+  EXPECT_STREQ(list + kHostPathCapacity, "b.txt");
   EXPECT_TRUE(FreeFileDialog(dialog));
 }
 

@@ -160,7 +160,8 @@ TEST_F(DirFileResult, HasItsEntriesInAZeroedBlockWithASpareOne) {
     user.press(dialog, IDOK);
   });
   ASSERT_EQ(outcome.count, 1U);
-  EXPECT_EQ(std::string(outcome.list + kPathCapacity, kPathCapacity), std::string(kPathCapacity, '\0'));
+  EXPECT_EQ(std::string(outcome.list + kHostPathCapacity, kHostPathCapacity),
+            std::string(kHostPathCapacity, '\0'));
 }
 
 TEST_F(DirFileResult, CountsTheDialogUntilItIsFreed) {

@@ -42,7 +42,7 @@ class OpenFile : public dialog_test::FolderTest {
 
   [[nodiscard]] std::vector<std::string> entries() const {
     std::vector<std::string> paths;
-    for (std::uint32_t i = 0; i < count; ++i) paths.emplace_back(list + i * kPathCapacity);
+    for (std::uint32_t i = 0; i < count; ++i) paths.emplace_back(list + i * kHostPathCapacity);
     return paths;
   }
   // As it comes: the folder in front of the full name.
@@ -51,7 +51,7 @@ class OpenFile : public dialog_test::FolderTest {
   }
 
   bool result = false;
-  char path[kPathCapacity] = "";
+  char path[kHostPathCapacity] = "";
   char* list = nullptr;
   std::uint32_t count = 77;
   void* dialog = this;

@@ -131,7 +131,7 @@ TEST_F(TwoByteNames, AreNotHalvedAtTheEndOfAnInitialFolder) {
     seen = record.lpstrInitialDir;
     return FALSE;
   });
-  (fits + kTable).copy(outcome.path, kPathCapacity);
+  (fits + kTable).copy(outcome.path, kHostPathCapacity);
   const DirFileRequest request{"Title", "OK", this, true, true, dialog_test::kNoFilter, 0};
   EXPECT_FALSE(OpenDirFileDialog(
       request, {outcome.path, &outcome.list, &outcome.count, &outcome.dialog, &outcome.cancelled}));
