@@ -65,7 +65,8 @@ TEST_F(Encrypted, OperationsOverPrivateConnectionsFollow) {
   testing_support::trustTestAuthority();
   client.FTPSetLogin("ftpes://127.0.0.1", "user", "secret", server.port(), 1);
   EXPECT_EQ(client.FTPDirExist("/", 0, 0, 0), 1);
-  for (const auto& connection : server.log().at("connections")) {
+  const json log = server.log();
+  for (const auto& connection : log.at("connections")) {
     EXPECT_EQ(connection.at("plain_commands"), json::array({"AUTH TLS"}));
   }
 }
