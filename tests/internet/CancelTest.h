@@ -39,6 +39,14 @@ class Signal {
   std::promise<void> promise_;
 };
 
+// Whether a session has heard that a connection was closed (50, 51, 70).
+inline bool toldOfAnEnd(const std::vector<std::uint32_t>& statuses) {
+  return std::any_of(statuses.begin(), statuses.end(), [](std::uint32_t status) {
+    return status == internet::kStatusClosing || status == internet::kStatusClosed ||
+           status == internet::kStatusHandleClosing;
+  });
+}
+
 // Runs `work` on a thread with a stop token that is raised once `blocked` has returned.
 template <class Work, class Blocked>
 double latencyMs(Work work, Blocked blocked) {

@@ -254,7 +254,8 @@ TEST_F(FtpCancel, AStoppedWorkerNotifiesNothingMore) {
         connection->Remove("/x");
       },
       [&] { server.waitForCommand("DELE"); });
-  EXPECT_EQ(own.statuses.back(), 40u) << "neither 50 nor 70";
+  EXPECT_FALSE(own.statuses.empty());
+  EXPECT_FALSE(toldOfAnEnd(own.statuses));
 }
 
 TEST_F(FtpCancel, AWorkerStoppedBeforehandConnectsToNothing) {
