@@ -73,6 +73,27 @@ TEST_F(FtpMemory, AListingThatIsResetWhileItBeginsIsBrokenNotRefused) {
   EXPECT_EQ(errorOf([&] { return finder.FindFile("/d/*"); }), 12003u) << "never begun";
 }
 
+// Its two connections ended in either order, and with the order the number changed.
+TEST_F(FtpMemory, AServerThatLeavesBeforeTheDataConnectionStandsHasBrokenTheConnection) {
+  Far far;
+  auto connection = login(true);
+  CFtpFileFind finder(connection.get());
+  far.server.answers["LIST"] = "150 Here\r\n226 Done\r\n";
+  far.server.onCommand = [&](const std::string& line) {
+    if (line == "LIST") far.server.data->server = testing_support::MemoryLink::End::ended;
+  };
+  EXPECT_EQ(errorOf([&] { return finder.FindFile("/d/*"); }), platform::kErrorNoMoreFiles) << "works";
+  far.server.passiveState = testing_support::MemoryLink::State::connecting;
+  far.server.answers["RETR"] = "";
+  far.server.onCommand = [&](const std::string& line) {
+    if (!line.starts_with("RETR")) return;
+    far.server.data->state = testing_support::MemoryLink::State::refused;
+    far.network.later(std::chrono::milliseconds(10),
+                      [&] { far.server.control->server = testing_support::MemoryLink::End::ended; });
+  };
+  EXPECT_EQ(thrownBy([&] { openToRead(*connection, "/f"); }).error, 12030u);
+}
+
 // Uploads in each mode, stopped at the first, the second, ... call that the client makes of the network.
 TEST_F(FtpMemory, AnUploadThatIsStoppedAtAnyMomentNeverEndsInGoodOrder) {
   for (const bool passive : {true, false}) {

@@ -48,14 +48,15 @@ void note(FtpDataChannel::Opening& opening, const FtpReply& reply) {
   }
 }
 
-// The data connection cannot be made: the control connection says why, within Timeouts::dataError. It is
-// closed where it says nothing, for its replies are out of step then.
+// The data connection cannot be made: the control connection says why, by a reply or by its end, within
+// Timeouts::dataError. It is closed where it says nothing, for its replies are out of step then.
 [[noreturn]] void failWithReason(FtpControl& control, std::uint32_t error, std::string text = {}) {
   ControlChannel& channel = control.channel();
   const Deadline deadline(control.timeouts().dataError);
   while (channel.awaiting()) {
     const auto reply = channel.tryReply(deadline.left());
     if (!reply) {
+      if (!channel.isOpen() && text.empty()) channel.reply(kAtOnce);  // the server has left: fails with that
       channel.drop();
     } else if (reply->refused()) {
       control.freshTlsRefused(*reply);
