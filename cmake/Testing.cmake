@@ -23,6 +23,10 @@ if(WIN32)
   endforeach()
 endif()
 
+# A developer's own proxies are no business of the tests'; a test that wants some names them in its ENVIRONMENT.
+set(QX_PROXY_VARIABLES
+  http_proxy https_proxy ftp_proxy all_proxy no_proxy HTTP_PROXY HTTPS_PROXY FTP_PROXY ALL_PROXY NO_PROXY)
+
 # Sets `result` to whether this preset's sanitizer, if it has one, is among the named ones; without a name all are.
 function(qx_sanitizer_matters result)
   foreach(name IN LISTS ARGN)
@@ -95,12 +99,20 @@ function(qx_test)
     list(APPEND test_ENVIRONMENT "LOCPATH=${QX_LOCALES}" LC_ALL=${QX_LOCALE_${test_CODE_PAGE}})
   endif()
 
+  set(unset ${QX_PROXY_VARIABLES})
+  foreach(setting IN LISTS test_ENVIRONMENT)
+    string(REGEX REPLACE "=.*" "" name "${setting}")
+    list(REMOVE_ITEM unset ${name})
+  endforeach()
+  list(TRANSFORM unset APPEND "=unset:")
+
   add_test(NAME ${test_NAME} COMMAND ${command})
   list(REMOVE_DUPLICATES test_LABELS)
   set_tests_properties(${test_NAME} PROPERTIES
     TIMEOUT ${test_TIMEOUT}
     LABELS "${test_LABELS}"
     ENVIRONMENT "${QX_SANITIZER_ENVIRONMENT};${test_ENVIRONMENT}"
+    ENVIRONMENT_MODIFICATION "${unset}"
     SKIP_RETURN_CODE 77
     RUN_SERIAL ${test_SERIAL})
 endfunction()

@@ -205,6 +205,18 @@ void ScriptedTls::release(const std::string& gate) const { ask("release", {{"gat
 
 void ScriptedTls::waitUntilClosed(int count) const { waitFor(json{{"closed", count}}.dump()); }
 
+Proxy::Proxy(const char* kind, std::string_view options) : Proxy(kind, parsed(options)) {}
+
+Proxy::Proxy(const char* kind, const json& options) : Server(kind, options) {}
+
+std::vector<std::string> Proxy::requests() const { return log().at("requests"); }
+
+void Proxy::waitForRequests(std::size_t count) const { waitFor(json{{"requests", count}}.dump()); }
+
+void Proxy::waitAtGate(const std::string& gate) const { waitFor(json{{"waiting", gate}}.dump()); }
+
+void Proxy::release(const std::string& gate) const { ask("release", {{"gate", gate}}); }
+
 Blackhole::Blackhole(bool accepts, const std::string& host)
     : Server("tcp-blackhole", {{"accept", accepts}, {"host", host}}) {}
 

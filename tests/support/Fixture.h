@@ -166,6 +166,22 @@ class ScriptedTls : public Server {
   void waitUntilClosed(int count) const;
 };
 
+// A proxy; options and scripts are in the README.
+class Proxy : public Server {
+ public:
+  // `kind`: "proxy-script", or the real "microsocks" (SOCKS5), "tinyproxy" (HTTP).
+  explicit Proxy(const char* kind, std::string_view options = "{}");
+  Proxy(const char* kind, const nlohmann::json& options);
+
+  // What it was asked for: "name:port"; of an HTTP proxy "CONNECT name:port" and "GET address".
+  [[nodiscard]] std::vector<std::string> requests() const;
+  // Waits until it was asked for at least so much. A real proxy tells of it a moment after it has answered.
+  void waitForRequests(std::size_t count) const;
+  // Of the scripted one.
+  void waitAtGate(const std::string& gate) const;
+  void release(const std::string& gate) const;
+};
+
 // Accepts and says nothing; or, with `accepts` false, lets even the connecting hang.
 class Blackhole : public Server {
  public:
