@@ -8,12 +8,12 @@ namespace platform {
 namespace {
 
 // Nothing comes from the network while a connection is made: neither lists of what was revoked nor what a
-// certificate says where to find.
-constexpr DWORD kFromHere =
-    CERT_CHAIN_CACHE_ONLY_URL_RETRIEVAL | CERT_CHAIN_REVOCATION_CHECK_CHAIN_EXCLUDE_ROOT;
+// certificate says where to find. Each has a flag of its own.
+constexpr DWORD kKnownRevocations =
+    CERT_CHAIN_REVOCATION_CHECK_CHAIN_EXCLUDE_ROOT | CERT_CHAIN_REVOCATION_CHECK_CACHE_ONLY;
+constexpr DWORD kFromHere = CERT_CHAIN_CACHE_ONLY_URL_RETRIEVAL | kKnownRevocations;
 // But for a root that Windows trusts and keeps at home until it is first needed.
-constexpr DWORD kWithSystemsRoots = CERT_CHAIN_DISABLE_AIA | CERT_CHAIN_REVOCATION_CHECK_CACHE_ONLY |
-                                    CERT_CHAIN_REVOCATION_CHECK_CHAIN_EXCLUDE_ROOT;
+constexpr DWORD kWithSystemsRoots = CERT_CHAIN_DISABLE_AIA | kKnownRevocations;
 constexpr DWORD kRootTimeoutMs = 5'000;
 
 constexpr DWORD kUnknownAuthority = CERT_TRUST_IS_PARTIAL_CHAIN | CERT_TRUST_IS_UNTRUSTED_ROOT;

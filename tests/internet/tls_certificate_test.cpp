@@ -75,7 +75,8 @@ TlsPolicy pinned(const std::string& fingerprint) {
 
 // The pin is the user's own judgement, so nothing else is asked.
 TEST(TlsCertificate, APinStandsInForEveryOtherCheck) {
-  for (const char* certificate : {"good", "self-signed", "expired", "wrong-name", "partial-chain"}) {
+  for (const char* certificate :
+       {"good", "self-signed", "expired", "wrong-name", "partial-chain", "revoked"}) {
     SCOPED_TRACE(certificate);
     const fixture::ScriptedTls server(scriptOf(certificate));
     TlsLogin login("some.other.example", pinned(server.fingerprint()));
@@ -96,7 +97,7 @@ TEST(TlsCertificate, AnotherOneThanThePinnedIsRefusedHoweverGoodItIs) {
 TEST(TlsCertificate, WithoutVerificationAnyWillDo) {
   TlsPolicy careless;
   careless.verifies = false;
-  for (const char* certificate : {"self-signed", "expired", "wrong-name"}) {
+  for (const char* certificate : {"self-signed", "expired", "wrong-name", "revoked"}) {
     SCOPED_TRACE(certificate);
     Peer peer(scriptOf(certificate), careless);
     EXPECT_NE(peer.control(), nullptr);
