@@ -18,6 +18,8 @@ struct Digest;
 struct Method;
 struct Session;
 struct Ssl;
+struct Store;
+struct StoreContext;
 
 // SSL_get_error()
 inline constexpr int kErrorWantRead = 2;
@@ -43,7 +45,8 @@ inline constexpr std::uint64_t kNoRenegotiation = std::uint64_t{1} << 30;
 // Worker threads may still be at work while the program ends.
 inline constexpr std::uint64_t kNoCleanUpAtExit = 0x00080000;
 
-inline constexpr int kNoVerification = 0;
+inline constexpr int kNoVerification = 0;                // it is done all the same
+inline constexpr unsigned long kListsOfAll = 0x4 | 0x8;  // of revoked certificates, for each in a chain
 
 // Of an error's code: which one it is. An alert of the peer is its number above kAlert.
 inline constexpr unsigned long kReason = 0xfff;
@@ -64,8 +67,9 @@ struct Api {
   void (*SSL_CTX_free)(Context*);
   long (*SSL_CTX_ctrl)(Context*, int command, long number, void* pointer);
   std::uint64_t (*SSL_CTX_set_options)(Context*, std::uint64_t);
-  void (*SSL_CTX_set_verify)(Context*, int mode, int (*callback)(int, void*));
+  void (*SSL_CTX_set_verify)(Context*, int mode, int (*callback)(int fine, StoreContext*));
   int (*SSL_CTX_set_default_verify_paths)(Context*);
+  Store* (*SSL_CTX_get_cert_store)(const Context*);
   void (*SSL_CTX_sess_set_new_cb)(Context*, int (*callback)(Ssl*, Session*));
   void (*SSL_CTX_set_client_cert_cb)(Context*, int (*callback)(Ssl*, void** certificate, void** key));
 
@@ -97,6 +101,9 @@ struct Api {
   int (*i2d_X509)(const Certificate*, unsigned char** der);
   void (*X509_free)(Certificate*);
   const char* (*X509_verify_cert_error_string)(long);
+  int (*X509_STORE_set_flags)(Store*, unsigned long);
+  int (*X509_STORE_CTX_get_error)(const StoreContext*);
+  void (*X509_STORE_CTX_set_error)(StoreContext*, int);
 
   BioMethod* (*BIO_meth_new)(int type, const char* name);
   void (*BIO_meth_free)(BioMethod*);

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <utility>
 
+#include "framework/posix/certificate_chain.h"
 #include "framework/posix/openssl_api.h"
 
 namespace platform {
@@ -23,28 +24,6 @@ constexpr std::size_t kDataBlock = std::size_t{256} * 1024;
 constexpr std::size_t kControlBlock = std::size_t{20} * 1024;  // one record
 // A peer that reads nothing but makes us answer gets no further with it.
 constexpr std::size_t kMostUnsent = std::size_t{2} * kDataBlock;
-
-// X509_V_ERR_...
-TlsTrust trustOf(long verdict) noexcept {
-  switch (verdict) {
-    case 0:
-      return TlsTrust::trusted;
-    case 9:   // not yet valid
-    case 10:  // expired
-      return TlsTrust::date;
-    case 2:   // no issuer
-    case 18:  // self-signed
-    case 19:  // a self-signed one in the chain
-    case 20:  // no issuer in the system's store
-    case 21:  // none that its signature could be checked with
-    case 27:  // its authority is not trusted for this
-      return TlsTrust::unknownAuthority;
-    case 23:
-      return TlsTrust::revoked;
-    default:
-      return TlsTrust::invalid;
-  }
-}
 
 bool isAddress(const std::string& server) noexcept {
   in6_addr address{};
@@ -83,8 +62,7 @@ class Client {
     api.SSL_CTX_ctrl(context, kControlReadAhead, 1, nullptr);
     api.SSL_CTX_ctrl(context, kControlSessionCache, kCacheClientOutside, nullptr);
     api.SSL_CTX_set_options(context, kNoCompression | kNoRenegotiation);
-    api.SSL_CTX_set_verify(context, kNoVerification, nullptr);  // it is done, and judged by the caller
-    api.SSL_CTX_set_default_verify_paths(context);
+    judgeChains(api, context);
     api.SSL_CTX_sess_set_new_cb(context, &keepSession);
     api.SSL_CTX_set_client_cert_cb(context, &noteRequest);
     api.BIO_meth_set_read(method, &readSocket);
