@@ -18,7 +18,9 @@
 // Size of the buffer of QXSelectFolder, with the terminator.
 #define QX_FOLDER_SIZE 261
 
+#if defined(__cplusplus)
 extern "C" {
+#endif
 
 // The system's file-open dialog. 1 when the user confirmed it.
 //   pReserved1..3  not used, but null makes the call fail and write nothing
@@ -37,9 +39,9 @@ extern "C" {
 // folder or name with a character that the code page lacks.
 // Needs a thread that is, or may become, a single-threaded apartment of COM: in any other it fails with the
 // message box of a dialog that cannot be shown.
-QXBool DoOpenFileDialog(const void* pReserved1, const void* pReserved2, const void* pReserved3, char* pszPath,
-                        void* pUnused, std::uint32_t nFlags, char** ppPathList, std::uint32_t* pnCount,
-                        void** ppDialog, QXBool* pbCancelled);
+QXBool QX_CALL DoOpenFileDialog(const void* pReserved1, const void* pReserved2, const void* pReserved3,
+                                char* pszPath, void* pUnused, uint32_t nFlags, char** ppPathList,
+                                uint32_t* pnCount, void** ppDialog, QXBool* pbCancelled);
 
 // List filters of DoOpenDirFileDialog; any other value filters nothing.
 #define QX_LIST_FILES 2    // no folders in the list
@@ -68,19 +70,20 @@ QXBool DoOpenFileDialog(const void* pReserved1, const void* pReserved2, const vo
 // the user opened this one, does not count. A file is known by its whole name, to the filter as well, where
 // the shell shows it without its extension. The list reaches down to the buttons, over the place of the
 // system's file-name box.
-QXBool DoOpenDirFileDialog(const char* pszTitle, const char* pszOkText, const void* pReserved, char* pszPath,
-                           QXBool bFiles, QXBool bOpen, std::uint32_t nMode, std::uint32_t nFlags,
-                           char** ppPathList, std::uint32_t* pnCount, void** ppDialog, QXBool* pbCancelled);
+QXBool QX_CALL DoOpenDirFileDialog(const char* pszTitle, const char* pszOkText, const void* pReserved,
+                                   char* pszPath, QXBool bFiles, QXBool bOpen, uint32_t nMode,
+                                   uint32_t nFlags, char** ppPathList, uint32_t* pnCount, void** ppDialog,
+                                   QXBool* pbCancelled);
 
 // Frees a dialog object of either function above, with the path list of DoOpenDirFileDialog. 0 for null,
 // else 1.
-QXBool DoFreeDirFileDialog(void* pDialog);
+QXBool QX_CALL DoFreeDirFileDialog(void* pDialog);
 
 // The shell's folder browser, without a button for new folders. 1 when the user chose a folder.
 //   pszPath  in: the folder to start at; an empty text starts at the process's current directory. Out: the
 //            chosen folder; unchanged without one. QX_FOLDER_SIZE bytes. Null: the call fails.
 // Needs a thread that is, or may become, a single-threaded apartment of COM; fails in any other.
-QXBool QXSelectFolder(char* pszPath);
+QXBool QX_CALL QXSelectFolder(char* pszPath);
 
 // Passes a request to the system's HTML help control, which is loaded at the first call and stays loaded.
 //   hWindow   the caller's window, or null
@@ -89,15 +92,17 @@ QXBool QXSelectFolder(char* pszPath);
 //   nData     the command's data, widened with zeros; a pointer or a number above 32 bits cannot be passed
 // 1 for every file, whatever the control says and whether there is one: a control that could not be loaded
 // once is not asked for again.
-QXBool DoHtmlHelp(void* hWindow, const char* pszFile, std::uint32_t nCommand, std::uint32_t nData);
+QXBool QX_CALL DoHtmlHelp(void* hWindow, const char* pszFile, uint32_t nCommand, uint32_t nData);
+
+#if defined(__cplusplus)
 }
+#endif
 
 // For hosts that load the library at run time.
-typedef QXBool (*PfnDoOpenFileDialog)(const void*, const void*, const void*, char*, void*, std::uint32_t,
-                                      char**, std::uint32_t*, void**, QXBool*);
-typedef QXBool (*PfnDoOpenDirFileDialog)(const char*, const char*, const void*, char*, QXBool, QXBool,
-                                         std::uint32_t, std::uint32_t, char**, std::uint32_t*, void**,
-                                         QXBool*);
-typedef QXBool (*PfnDoFreeDirFileDialog)(void*);
-typedef QXBool (*PfnQXSelectFolder)(char*);
-typedef QXBool (*PfnDoHtmlHelp)(void*, const char*, std::uint32_t, std::uint32_t);
+typedef QXBool(QX_CALL* PfnDoOpenFileDialog)(const void*, const void*, const void*, char*, void*, uint32_t,
+                                             char**, uint32_t*, void**, QXBool*);
+typedef QXBool(QX_CALL* PfnDoOpenDirFileDialog)(const char*, const char*, const void*, char*, QXBool, QXBool,
+                                                uint32_t, uint32_t, char**, uint32_t*, void**, QXBool*);
+typedef QXBool(QX_CALL* PfnDoFreeDirFileDialog)(void*);
+typedef QXBool(QX_CALL* PfnQXSelectFolder)(char*);
+typedef QXBool(QX_CALL* PfnDoHtmlHelp)(void*, const char*, uint32_t, uint32_t);

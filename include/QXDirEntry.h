@@ -5,31 +5,31 @@
 #include "QXTypes.h"
 
 // 100 ns units since 1601-01-01, as Windows' FILETIME has it; here a local calendar time with whole seconds.
-struct QXFileTime {
-  std::uint32_t nLow;
-  std::uint32_t nHigh;
-};
+typedef struct QXFileTime {
+  uint32_t nLow;
+  uint32_t nHigh;
+} QXFileTime;
 
-struct QXDirEntry {
+typedef struct QXDirEntry {
   QXBool bIsDirectory;
-  char szPath[259];            // the listed directory
-  std::uint32_t dwAttributes;  // 0x10 directory | 0x20 | 0x800 | 0x2 | 0x80 | 0x1 | 0x4 | 0x100
+  char szPath[259];       // the listed directory
+  uint32_t dwAttributes;  // 0x10 directory | 0x20 | 0x800 | 0x2 | 0x80 | 0x1 | 0x4 | 0x100
   QXFileTime ftCreationTime;
   QXFileTime ftLastAccessTime;
   QXFileTime ftLastWriteTime;
-  std::uint32_t nFileSizeHigh;  // both 0 for a directory
-  std::uint32_t nFileSizeLow;
+  uint32_t nFileSizeHigh;  // both 0 for a directory
+  uint32_t nFileSizeLow;
   // 0 in what a host gets. While a client keeps a listing (m_pFileBuffer), the first four bytes of its first
   // entry hold the number of entries.
-  std::uint8_t aReserved[8];
+  uint8_t aReserved[8];
   char szName[276];  // QXIPInt.h tells its encoding
-};
+} QXDirEntry;
 
-static_assert(sizeof(QXDirEntry) == 580, "hosts allocate arrays of entries");
-static_assert(offsetof(QXDirEntry, szPath) == 1 && offsetof(QXDirEntry, dwAttributes) == 260 &&
-                  offsetof(QXDirEntry, ftCreationTime) == 264 &&
-                  offsetof(QXDirEntry, ftLastAccessTime) == 272 &&
-                  offsetof(QXDirEntry, ftLastWriteTime) == 280 &&
-                  offsetof(QXDirEntry, nFileSizeHigh) == 288 && offsetof(QXDirEntry, nFileSizeLow) == 292 &&
-                  offsetof(QXDirEntry, szName) == 304,
-              "hosts read entries by offset");
+QX_ASSERT_LAYOUT(sizeof(QXDirEntry) == 580, "hosts allocate arrays of entries");
+QX_ASSERT_LAYOUT(offsetof(QXDirEntry, szPath) == 1 && offsetof(QXDirEntry, dwAttributes) == 260 &&
+                     offsetof(QXDirEntry, ftCreationTime) == 264 &&
+                     offsetof(QXDirEntry, ftLastAccessTime) == 272 &&
+                     offsetof(QXDirEntry, ftLastWriteTime) == 280 &&
+                     offsetof(QXDirEntry, nFileSizeHigh) == 288 &&
+                     offsetof(QXDirEntry, nFileSizeLow) == 292 && offsetof(QXDirEntry, szName) == 304,
+                 "hosts read entries by offset");

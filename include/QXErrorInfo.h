@@ -6,14 +6,14 @@
 
 #include "QXTypes.h"
 
-struct QXErrorInfo {
-  std::uint32_t bSet;    // its first byte not 0: the record holds an error
-  std::uint32_t nCode;   // 1000 for every failure that the client reports
-  std::uint32_t nError;  // platform error number, or internet error number (12000 and above)
-  char szText[4100];     // title, a blank, detail "text [number source line]"; at most 4096 characters
-};
+typedef struct QXErrorInfo {
+  uint32_t bSet;      // its first byte not 0: the record holds an error
+  uint32_t nCode;     // 1000 for every failure that the client reports
+  uint32_t nError;    // platform error number, or internet error number (12000 and above)
+  char szText[4100];  // title, a blank, detail "text [number source line]"; at most 4096 characters
+} QXErrorInfo;
 
-static_assert(sizeof(QXErrorInfo) == 4112, "hosts allocate the record");
-static_assert(offsetof(QXErrorInfo, nCode) == 4 && offsetof(QXErrorInfo, nError) == 8 &&
-                  offsetof(QXErrorInfo, szText) == 12,
-              "hosts read the record by offset");
+QX_ASSERT_LAYOUT(sizeof(QXErrorInfo) == 4112, "hosts allocate the record");
+QX_ASSERT_LAYOUT(offsetof(QXErrorInfo, nCode) == 4 && offsetof(QXErrorInfo, nError) == 8 &&
+                     offsetof(QXErrorInfo, szText) == 12,
+                 "hosts read the record by offset");

@@ -23,8 +23,8 @@
 // because that one waits for it. A client that ends is not kept by AddRef, and ends once.
 //
 // Remote paths: backslashes count as slashes, one trailing slash is dropped. A path of 4096 bytes or more, or
-// with a control character, makes the operation fail before anything is sent (87). So does one of 256 bytes or
-// more where its result has to fit the host: in slot 31, whose entries name the directory, and in slot 44.
+// with a control character, makes the operation fail before anything is sent (87). So does one of 256 bytes
+// or more where its result has to fit the host: in slot 31, whose entries name the directory, and in slot 44.
 // Local paths are those of the operating system, of up to 4095 bytes (Windows: above 259 characters too,
 // without any prefix); on Linux "Z:/dir/file" (any letter) names "/dir/file". A message line that is longer
 // than m_szMessage is cut between two characters.
@@ -49,23 +49,10 @@
 // its clients are gone.
 #pragma once
 
+#include "QXClientTable.h"
 #include "QXDirEntry.h"
 #include "QXErrorInfo.h"
 #include "QXTypes.h"
-
-class CFtpConnection;
-class CFtpFileFind;
-class TInternetSession;
-
-// Bytes moved by the latest transfer; written by the worker, read by the host in OnPoll.
-struct QXTransfer {
-  QXBool bValid;  // set once a chunk was moved
-  std::uint64_t nTransferred;
-  std::uint64_t nTotal;
-};
-
-// Called during a copy: path, percentage, always 0. Not 0 asks the copy to stop.
-typedef QXBool (*QXProgress)(const char* pszPath, std::uint32_t nPercent, std::uint32_t nReserved);
 
 class TQXIPIFInt {
  public:

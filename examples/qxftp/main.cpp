@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <stdexcept>
 
+#include "QXHooks.h"
 #include "examples/host/ClientLibrary.h"
-#include "examples/host/PatchedTable.h"
 #include "examples/qxftp/Commands.h"
 #include "examples/qxftp/Options.h"
 
@@ -35,7 +35,7 @@ void printFailure(const Session& session) {
   }
 }
 
-// Slot 17, which gets the protocol line by line.
+// In place of OnStatus, which gets the protocol line by line.
 void printLine(TQXIPIFInt* /*client*/, const char* line) { std::fprintf(stderr, "%s\n", line); }
 
 int run(const Options& options, const Command& command) {
@@ -44,9 +44,8 @@ int run(const Options& options, const Command& command) {
   QXErrorInfo error{};
   const Client client = makeClient(library, &error);
   if (client == nullptr) throw std::runtime_error("the library makes no client");
-  PatchedTable table(client.get());
-  constexpr std::size_t kOnStatus = 17;
-  if (options.verbose) table.replace(kOnStatus, &printLine);
+  QXClientHooks hooks(client.get());
+  if (options.verbose) hooks->OnStatus = &printLine;
   client->FTPSetLogin(options.host.c_str(), options.user.c_str(), options.password.c_str(), options.port,
                       options.passive);
   const Session session{*client, error, options};

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""check_documents.py ROOT: the slots and exports say the same in the public headers, the documents, the export lists
-and the black-box tests."""
+"""check_documents.py ROOT: the slots and exports say the same in the public headers of C and C++, the documents, the
+export lists and the black-box tests."""
 
 import pathlib
 import re
@@ -14,6 +14,11 @@ def header_slots(text):
     """The virtual functions in order. The destructor is declared twice there, for two families of compilers."""
     text = re.sub(r"#if defined\(_MSC_VER\)\n.*?#else\n", "", text, count=1, flags=re.S)
     return re.findall(r"virtual [^;(]*?(\w+)\(", re.sub(r"//.*", "", text))
+
+
+def table_slots(text):
+    """The functions of the table that hosts in C see, in order."""
+    return re.findall(r"\(QX_CALL\* (\w+)\)\(TQXIPIFInt\* pClient", text)
 
 
 def document_slots(text):
@@ -29,6 +34,8 @@ def check_slots(root):
     slots = list(enumerate(header_slots((root / "include/QXIPInt.h").read_text())))
     check(len(slots) == 51, f"the header has {len(slots)} slots")
     check(slots[3] == (3, "DeletingDestructor"), "slot 3 is the destructor")
+    table = (root / "include/QXClientTable.h").read_text()
+    check(list(enumerate(table_slots(table))) == slots, "the table's slots")
     slots[3] = (3, "destructor")
     check(document_slots((root / "docs/binary-interface.md").read_text()) == slots, "the document's slots")
     del slots[3]
@@ -36,7 +43,7 @@ def check_slots(root):
 
 
 def header_exports(path, expected):
-    declared = re.findall(r"^(?:QX_EXPORT )?\w[\w:]*\*? (\w+)\(", path.read_text(), re.M)
+    declared = re.findall(r"^(?:QX_EXPORT )?\w[\w:]*\*? QX_CALL (\w+)\(", path.read_text(), re.M)
     check(declared == expected, f"{path.name} declares {declared}")
 
 

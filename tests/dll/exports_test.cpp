@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The exported functions: creation, freeing and the module-wide count.
-#include "examples/host/PatchedTable.h"
+#include "QXHooks.h"
 #include "tests/dll/library.h"
 
 namespace {
@@ -84,9 +84,9 @@ ConnectCall ConnectCall::latest{};
 
 TEST_F(Exports, ConnectingHandsAllArgumentsToSlot26) {
   const Client client = makeClient(library(), nullptr);
-  PatchedTable table(client.get());
-  table.replace(26, &ConnectCall::take);
-  auto* const session = reinterpret_cast<TInternetSession*>(&table);
+  QXClientHooks hooks(client.get());
+  hooks->FTPConnect = &ConnectCall::take;
+  auto* const session = reinterpret_cast<TInternetSession*>(&hooks);
   const char host[] = "host", user[] = "user", password[] = "password";
 
   EXPECT_EQ(library().connect(client.get(), host, user, password, 0xFEDCBA98, 0xA5, 0x89ABCDEF, session),

@@ -4,6 +4,8 @@
 // the exit code.
 #include "QXDialogs.h"
 #include "QXExports.h"
+#include "QXHooks.h"
+#include "tests/dll/c_host.h"
 #include "tests/dll/slot_probe.h"
 
 extern "C" {
@@ -11,6 +13,13 @@ extern "C" {
 void* GetStdHandle(std::uint32_t nWhich);
 int WriteFile(void* hFile, const void* pData, std::uint32_t nSize, std::uint32_t* pnWritten,
               void* pOverlapped);
+
+void* memcpy(void* target, const void* source, std::size_t size) {
+  for (std::size_t i = 0; i < size; ++i) {
+    static_cast<unsigned char*>(target)[i] = static_cast<const unsigned char*>(source)[i];
+  }
+  return target;
+}
 }
 
 namespace {
@@ -129,6 +138,51 @@ void checkDeletion(std::uint32_t nModuleCount) {
   }
 }
 
+// The same records and slots in this compiler's C.
+void checkCHost(TQXIPIFInt* client) {
+  const CMember* member = cLayout();
+#define QX_RECORD(record) QX_MEMBER(record, 0, sizeof(record))
+#define QX_FIELD(record, field) QX_MEMBER(field, offsetof(record, field), sizeof(record::field))
+#define QX_OBJECT_FIELD(field) QX_MEMBER(field, offsetof(QXClientObject, field), sizeof(TQXIPIFInt::field))
+#define QX_MEMBER(name, offset, size)                                                            \
+  check(equal(member->pszName, #name) && member->nOffset == (offset) && member->nSize == (size), \
+        "C layout of " #name);                                                                   \
+  ++member;
+#include "tests/dll/layout.inc"
+  CHECK(member->pszName == nullptr);
+  for (std::size_t slot = 0; slot < QX_SLOT_COUNT; ++slot) CHECK(cSlotOffsets()[slot] == slot * 8);
+  CHECK(cSetsLogin(client) == 1);
+}
+
+void noteConnect(TQXIPIFInt* client) {
+  QXHooksOf(client)->pOriginal->OnConnect(client);
+  ++QXClientHooks::ContextOf<int>(client);
+}
+
+void checkHooks(TQXIPIFInt* client) {
+  int connects = 0;
+  {
+    QXClientHooks hooks(client, &connects);
+    hooks->OnConnect = &noteConnect;
+    client->OnConnect();
+    CHECK(connects == 1 && client->m_bConnected == 1);
+  }
+  client->OnConnect();
+  CHECK(connects == 1);
+  client->OnDisconnect();
+}
+
+// `delete` goes through the copy of the table.
+void checkEndWithHooks() {
+  TQXIPIFInt* const client = CreateQXIPIFInstance(nullptr);
+  QXHooks hooks;
+  int ends = 0;
+  cInstallHooks(client, &hooks, &ends);
+  delete client;
+  CHECK(ends == 1 && hooks.bEnded == 1);
+  QXRemoveHooks(client, &hooks);
+}
+
 // Every dialog refuses what it was not given, without a window.
 void checkDialogs() {
   std::uint32_t count = 7;
@@ -160,14 +214,17 @@ extern "C" void hostMain() {
     checkRename(client);
     checkOperations(client);
     checkErrorRecord(client);
+    checkCHost(client);
+    checkHooks(client);
     delete client;
     CHECK(moduleCount() == before);
     checkDeletion(before);
+    checkEndWithHooks();
   }
   CHECK(FreeQXIPIFInstance(nullptr) == 0);
   CHECK(DoFTPConnect(nullptr, "example.test", "", "", 21, 0, 0, nullptr) == 0);
   checkDialogs();
-  check(g_nChecks > 300, "every group of checks has run");
+  check(g_nChecks > 400, "every group of checks has run");
   if (g_nFailed == 0) print("foreign host: all checks hold\n");
   ExitProcess(g_nFailed);
 }

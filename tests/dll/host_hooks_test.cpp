@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "examples/host/PatchedTable.h"
+#include "QXHooks.h"
 #include "tests/dll/library.h"
 
 namespace {
@@ -39,23 +39,24 @@ QXBool noteDirExist(TQXIPIFInt*, const char* path, std::uint32_t retries, QXHost
   return 1;
 }
 
-void noteDestruction(TQXIPIFInt*, std::uint32_t flags) {
+void* noteDestruction(TQXIPIFInt* client, std::uint32_t flags) {
   g_calls.push_back("destroy " + std::to_string(flags));
+  return client;
 }
 
 TEST_F(HostHooks, DisconnectCallsThemInOrder) {
-  PatchedTable table(client.get());
-  table.replace(6, &noteBefore);
-  table.replace(7, &noteAfter);
-  table.replace(12, &noteDisconnect);
+  QXClientHooks hooks(client.get());
+  hooks->OnBeforeDisconnect = &noteBefore;
+  hooks->OnAfterDisconnect = &noteAfter;
+  hooks->OnDisconnect = &noteDisconnect;
   client->OnConnect();
   EXPECT_EQ(client->FTPDisconnect(), 1);
   EXPECT_EQ(g_calls, (std::vector<std::string>{"before", "disconnect", "after"}));
 }
 
 TEST_F(HostHooks, StatusTextsGoToSlot22) {
-  PatchedTable table(client.get());
-  table.replace(22, &noteStatusText);
+  QXClientHooks hooks(client.get());
+  hooks->OnStatusText = &noteStatusText;
   client->OnStatusCallback(1, 10, "example.test");
   client->OnStatusCallback(1, 40, nullptr);
   client->OnStatusCallback(1, 31, nullptr);
@@ -63,16 +64,16 @@ TEST_F(HostHooks, StatusTextsGoToSlot22) {
 }
 
 TEST_F(HostHooks, IsDirectoryAsksSlot36WithItsOwnArguments) {
-  PatchedTable table(client.get());
-  table.replace(36, &noteDirExist);
+  QXClientHooks hooks(client.get());
+  hooks->FTPDirExist = &noteDirExist;
   constexpr QXHostValue kLarge = 0xFEDCBA9876543210;
   EXPECT_EQ(client->FTPIsDirectory("/pub", 3, 7, kLarge), 1);
   EXPECT_EQ(g_calls, (std::vector<std::string>{"/pub 3 7 " + std::to_string(kLarge)}));
 }
 
 TEST_F(HostHooks, TheLastReleaseDestroysThroughSlot3) {
-  PatchedTable table(client.get());
-  table.replace(3, &noteDestruction);
+  QXClientHooks hooks(client.get());
+  hooks->DeletingDestructor = &noteDestruction;
   EXPECT_EQ(client->Release(), 0U);
   EXPECT_EQ(g_calls, (std::vector<std::string>{"destroy 1"}));
   EXPECT_EQ(client->m_nRefCount, 0U);

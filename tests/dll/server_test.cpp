@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "examples/host/PatchedTable.h"
+#include "QXHooks.h"
 #include "tests/dll/library.h"
 #include "tests/support/Fixture.h"
 #include "tests/support/Pattern.h"
@@ -182,8 +182,8 @@ class HooksAtServer : public AtServer {
 };
 
 TEST_F(HooksAtServer, EachListedFileGoesToSlot18) {
-  PatchedTable table(client.get());
-  table.replace(18, &noteEntry);
+  QXClientHooks hooks(client.get());
+  hooks->OnNotify = &noteEntry;
   std::uint32_t count = 0;
   ASSERT_EQ(client->FTPGetDirectory("/pub", nullptr, &count, "*.*", 0), 1);
   EXPECT_EQ(count, 3U);
@@ -191,15 +191,15 @@ TEST_F(HooksAtServer, EachListedFileGoesToSlot18) {
 }
 
 TEST_F(HooksAtServer, AFailedConnectGoesToSlot8WithoutRetryCount) {
-  PatchedTable table(client.get());
-  table.replace(8, &noteError);
+  QXClientHooks hooks(client.get());
+  hooks->OnIPError = &noteError;
   EXPECT_EQ(connect("wrong"), 0);
   EXPECT_THAT(g_seen, ElementsAre("12014 once: The password was not allowed"));
 }
 
 TEST_F(HooksAtServer, QueriesDoNotAskWhetherToCancel) {
-  PatchedTable table(client.get());
-  table.replace(19, &cancelAtOnce);
+  QXClientHooks hooks(client.get());
+  hooks->OnPoll = &cancelAtOnce;
   EXPECT_EQ(client->FTPFileExists("/pub/a.txt", 0, 0, 0), 1);
   EXPECT_EQ(client->FTPDirExist("/pub/sub", 0, 0, 0), 1);
   EXPECT_EQ(client->FTPFileSize("/pub/large", 0, 0, 0), 700000U);

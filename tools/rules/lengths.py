@@ -9,7 +9,7 @@ from .sources import ROOT, File, all_files
 FUNCTION_LINES = 80
 FILE_LINES = 450
 COLUMNS = 120  # clang-format holds code to 110, except a text or a link that has no place to break
-SUFFIXES = (".cpp", ".h", ".py", ".cmake", ".txt")
+SUFFIXES = (".c", ".cpp", ".h", ".py", ".cmake", ".txt")
 
 
 def functions(files):

@@ -36,7 +36,7 @@ class File:
 
     @property
     def is_cpp(self):
-        return self.path.suffix in (".cpp", ".h")
+        return self.path.suffix in (".c", ".cpp", ".h")
 
     @property
     def is_script(self):
