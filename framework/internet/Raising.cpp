@@ -34,8 +34,8 @@ bool isToldInFull(std::uint32_t error) noexcept {
 }  // namespace
 
 void throwAsException(const Failure& failure) {
-  AfxThrowInternetException(failure.error, isToldInFull(failure.error) ? failure.serverText : std::string(),
-                            failure.connectionLost);
+  const bool told = failure.ownText || isToldInFull(failure.error);
+  AfxThrowInternetException(failure.error, told ? failure.serverText : std::string(), failure.connectionLost);
 }
 
 }  // namespace internet

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -56,5 +57,16 @@ class Text {
  private:
   std::vector<char, WipingAllocator<char>> bytes_;
 };
+
+// `text` as it may be shown: without the secret, which may be empty.
+inline std::string masked(std::string_view text, std::string_view secret) {
+  constexpr std::string_view kMask = "****";
+  std::string result(text);
+  if (secret.empty()) return result;
+  for (std::size_t at = 0; (at = result.find(secret, at)) != std::string::npos; at += kMask.size()) {
+    result.replace(at, secret.size(), kMask);
+  }
+  return result;
+}
 
 }  // namespace secret

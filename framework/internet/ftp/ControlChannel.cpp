@@ -27,7 +27,7 @@ void ControlChannel::open(const std::string& server, std::uint16_t port) {
   closeError_ = kConnectionAborted;
   closeText_.clear();
   preliminaryReplies_ = 0;
-  sock_ = dialer_.connect(server, port);
+  sock_ = dialer_.connect({"ftp", server, port});
   awaiting_ = true;  // the greeting
   progressed();
   notify(kStatusConnected);

@@ -61,6 +61,13 @@ class ControlChannel {
   // A reply is here already, or what can be none, so readInterest() may never become ready for it.
   [[nodiscard]] bool replyReady() const noexcept { return reader_.replyReady() || reader_.broken(); }
 
+  // The proxy that it goes through, if any, which every other connection to the server goes through as well;
+  // see Dialer.h.
+  [[nodiscard]] const platform::Proxy* proxy() const noexcept { return dialer_.proxy(); }
+  [[nodiscard]] std::unique_ptr<ProxyTalk> talkAbout(std::uint16_t port) const {
+    return dialer_.talkAbout(port);
+  }
+
   // Where the lines of this connection are told.
   [[nodiscard]] ProtocolLog& log() noexcept { return dialer_.log(); }
   // The server is known to take single lines.

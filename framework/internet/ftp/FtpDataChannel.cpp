@@ -50,20 +50,21 @@ void note(FtpDataChannel::Opening& opening, const FtpReply& reply) {
 
 // The data connection cannot be made: the control connection says why, by a reply or by its end, within
 // Timeouts::dataError. It is closed where it says nothing, for its replies are out of step then.
-[[noreturn]] void failWithReason(FtpControl& control, std::uint32_t error, std::string text = {}) {
+[[noreturn]] void failWithReason(FtpControl& control, const Failure& failure) {
   ControlChannel& channel = control.channel();
   const Deadline deadline(control.timeouts().dataError);
   while (channel.awaiting()) {
     const auto reply = channel.tryReply(deadline.left());
     if (!reply) {
-      if (!channel.isOpen() && text.empty()) channel.reply(kAtOnce);  // the server has left: fails with that
+      if (!channel.isOpen() && failure.serverText.empty())
+        channel.reply(kAtOnce);  // the server has left: fails with that
       channel.drop();
     } else if (reply->refused()) {
       control.freshTlsRefused(*reply);
       control.raise(*reply);
     }
   }
-  fail(error, std::move(text));
+  throw Failure(failure);
 }
 
 // A handshake that failed may be the server's doing, and then it says why. A server that was found to be
@@ -72,7 +73,7 @@ void note(FtpDataChannel::Opening& opening, const FtpReply& reply) {
   const bool broken = failure.error == kSecureChannelFailed || failure.error == kConnectionAborted ||
                       failure.error == kConnectionReset;
   if (!broken) control.channel().drop();
-  failWithReason(control, failure.error, failure.serverText);
+  failWithReason(control, failure);
 }
 
 }  // namespace
@@ -80,8 +81,11 @@ void note(FtpDataChannel::Opening& opening, const FtpReply& reply) {
 FtpDataChannel::~FtpDataChannel() { (encrypted_ ? encrypted_->socket() : socket_).abort(); }
 
 void FtpDataChannel::prepare() {
-  peer_ = control_.channel().peerAddress();
-  if (!control_.login().passive) {
+  ControlChannel& channel = control_.channel();
+  peer_ = channel.peerAddress();
+  const bool active = !control_.login().passive;
+  if (active && channel.proxy()) channel.log().note("passive, for a proxy takes no connections");
+  if (active && !channel.proxy()) {
     prepareActive();
   } else if (!prepareExtendedPassive()) {
     preparePassive();
@@ -136,9 +140,14 @@ void FtpDataChannel::prepareActive() {
 }
 
 void FtpDataChannel::startToConnect(std::uint16_t port) {
+  ControlChannel& channel = control_.channel();
+  const platform::Proxy* const proxy = channel.proxy();
   platform::SocketAddress address = peer_;
-  address.port = port;
-  stands_ = socket_.connect(address) == IoStatus::done;
+  address.port = proxy ? proxy->port : port;
+  if (proxy) talk_ = channel.talkAbout(port);
+  proxyFailure_.reset();
+  connected_ = socket_.connect(address) == IoStatus::done;
+  stands_ = connected_ && !talk_;
 }
 
 // One try, without waiting. A socket that is closed afterwards will never stand.
@@ -147,11 +156,28 @@ bool FtpDataChannel::tryToStand() {
   if (listening_) {
     acceptPeer();
   } else {
-    const IoStatus status = socket_.connectResult();
-    stands_ = status == IoStatus::done;
-    if (status == IoStatus::failed) socket_.close();
+    tryToConnect();
   }
   return stands_;
+}
+
+void FtpDataChannel::tryToConnect() {
+  if (!connected_) {
+    const IoStatus status = socket_.connectResult();
+    connected_ = status == IoStatus::done;
+    if (status == IoStatus::failed) socket_.close();
+  }
+  stands_ = connected_ && (!talk_ || talkToProxy());
+}
+
+bool FtpDataChannel::talkToProxy() {
+  try {
+    return talk_->goOn(socket_);
+  } catch (const Failure& failure) {
+    proxyFailure_ = failure;
+    socket_.close();
+    return false;
+  }
 }
 
 void FtpDataChannel::acceptPeer() {
@@ -194,9 +220,9 @@ FtpDataChannel::Opening FtpDataChannel::establish() {
     }
     if (stands_) break;
     if (!opening.final && !channel.isOpen()) channel.reply(kAtOnce);  // fails with the reason
-    if (!socket_.isOpen()) failWithReason(control_, kCannotConnect);
+    if (!socket_.isOpen()) failWithReason(control_, proxyFailure_.value_or(Failure{kCannotConnect, {}}));
     std::array watched{interest(), opening.final ? platform::SocketInterest{} : channel.readInterest()};
-    if (!wait(watched, deadline)) failWithReason(control_, kTimeout);
+    if (!wait(watched, deadline)) failWithReason(control_, {kTimeout, {}});
   }
   if (control_.tls()) shakeHands(opening);
   if (!replied(opening)) {
@@ -220,7 +246,7 @@ void FtpDataChannel::shakeHands(Opening& opening) {
     if (opening.final && opening.final->refused()) return false;
     if (!opening.final && !channel.isOpen()) channel.reply(kAtOnce);  // fails with the reason
     std::array watched{handshake, opening.final ? platform::SocketInterest{} : channel.readInterest()};
-    if (!wait(watched, deadline)) failWithReason(control_, kTimeout);
+    if (!wait(watched, deadline)) failWithReason(control_, {kTimeout, {}});
     return true;
   };
   try {
@@ -278,7 +304,8 @@ std::unique_ptr<Sock> FtpDataChannel::take() {
 }
 
 platform::SocketInterest FtpDataChannel::interest() const noexcept {
-  return {&socket_, listening_, !listening_};
+  return talk_ && connected_ ? talk_->interest(socket_)
+                             : platform::SocketInterest{&socket_, listening_, !listening_};
 }
 
 }  // namespace internet

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The making of one data connection. Passive: EPSV, else PASV; the connection always goes to the control
-// connection's peer, whatever address the server tells. Active: EPRT, else PORT, from the control
-// connection's local address; only the control connection's peer may connect. Encrypted where the control
-// connection is; then it resumes that one's session, for many servers refuse it otherwise.
+// connection's peer, whatever address the server tells; through a proxy to the host that the control
+// connection was asked for. Active: EPRT, else PORT, from the control connection's local address; only the
+// control connection's peer may connect. A proxy takes no connections for us: all are passive there.
+// Encrypted where the control connection is; then it resumes that one's session, for many servers refuse it
+// otherwise.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +12,7 @@
 #include <optional>
 
 #include "framework/internet/ftp/FtpControl.h"
+#include "framework/internet/net/ProxyTalk.h"
 #include "framework/internet/net/Sock.h"
 
 namespace internet {
@@ -44,6 +47,8 @@ class FtpDataChannel {
   void prepareActive();
   void startToConnect(std::uint16_t port);
   bool tryToStand();
+  void tryToConnect();
+  bool talkToProxy();
   void acceptPeer();
   bool standsWithin(const Deadline& deadline);
   void takeReplies(Opening& opening);
@@ -55,8 +60,11 @@ class FtpDataChannel {
   FtpControl& control_;
   platform::SocketAddress peer_;
   platform::Socket socket_;          // connecting, listening or connected
+  std::unique_ptr<ProxyTalk> talk_;  // with the proxy that it is connected to; null: straight to the peer
+  std::optional<Failure> proxyFailure_;
   std::unique_ptr<Sock> encrypted_;  // in its place
   bool listening_ = false;
+  bool connected_ = false;
   bool stands_ = false;
   bool extendedPassiveRefused_ = false;
   bool extendedPassiveUnreachable_ = false;

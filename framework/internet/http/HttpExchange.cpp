@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "framework/internet/http/HttpUrl.h"
+#include "framework/internet/net/ConnectTalk.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/internet/net/InternetErrors.h"
 #include "framework/internet/tls/TlsSock.h"
@@ -46,14 +47,15 @@ void HttpExchange::addHeader(std::string_view line) { headers_.emplace_back(line
 
 bool HttpExchange::sendable() const noexcept { return isHostName(server_.name) && isSendable(target_); }
 
-std::string HttpExchange::request() const {
-  const bool encrypted = server_.tls.encryption != Encryption::none;
+secret::Text HttpExchange::request() const {
   const std::string host =
-      hostField(server_.name, server_.port, encrypted ? kDefaultHttpsPort : kDefaultHttpPort);
-  std::string text = "GET " + target_ + " HTTP/1.1\r\nHost: " + host + "\r\n";
+      hostField(server_.name, server_.port, server_.encrypted() ? kDefaultHttpsPort : kDefaultHttpPort);
+  const std::string place = dialer_.forwards() ? "http://" + host : "";
+  secret::Text text("GET " + place + target_ + " HTTP/1.1\r\nHost: " + host + "\r\n");
+  if (dialer_.forwards()) text.append(proxyAuthorization(*dialer_.proxy()).view());
   for (const std::string& line : headers_) text.append(line).append("\r\n");
   // Each request has a connection of its own: nothing is gained by keeping it.
-  return text += "Connection: close\r\n\r\n";
+  return text.append("Connection: close\r\n\r\n");
 }
 
 void HttpExchange::send() {
@@ -65,8 +67,8 @@ void HttpExchange::send() {
 
 void HttpExchange::connect() {
   std::optional<TlsLogin> tls;
-  if (server_.tls.encryption != Encryption::none) tls.emplace(server_.name, server_.tls);
-  sock_ = dialer_.connect(server_.name, server_.port);
+  if (server_.encrypted()) tls.emplace(server_.name, server_.tls);
+  sock_ = dialer_.connect({server_.encrypted() ? "https" : "http", server_.name, server_.port});
   dialer_.notify(kStatusConnected);
   if (!tls) return;
   require(State::sent);
@@ -78,9 +80,9 @@ void HttpExchange::exchangeHeads() {
   connect();
   dialer_.notify(kStatusSendingRequest);
   require(State::sent);
-  const std::string lines = request();
-  dialer_.log().sent(firstLine(lines));
-  const IoStatus status = sendAll(*sock_, lines, Deadline(dialer_.timeouts().reply));
+  const secret::Text lines = request();
+  dialer_.log().sent(firstLine(lines.view()));
+  const IoStatus status = sendAll(*sock_, lines.view(), Deadline(dialer_.timeouts().reply));
   if (status != IoStatus::done) throw sock_->failureOf(status);
   dialer_.notify(kStatusRequestSent);
   dialer_.notify(kStatusReceivingResponse);
@@ -93,6 +95,15 @@ void HttpExchange::exchangeHeads() {
   silence_ = Deadline(dialer_.timeouts().data);
   dialer_.log().received(firstLine(response_.head().raw));
   dialer_.notify(kStatusResponseReceived);
+  requireProxysConsent();
+}
+
+// A proxy that wants a login of its own speaks for itself, whatever the server would have said.
+void HttpExchange::requireProxysConsent() const {
+  constexpr int kProxyLoginWanted = 407;
+  if (!dialer_.forwards() || response_.head().status != kProxyLoginWanted) return;
+  const platform::Proxy& proxy = *dialer_.proxy();
+  throw Failure(proxyFailure(proxy, kCannotConnect, proxyStatusLine(proxy, response_.head().raw)));
 }
 
 // --- The response ---

@@ -15,6 +15,7 @@
 #include "framework/internet/http/HttpResponse.h"
 #include "framework/internet/net/Dialer.h"
 #include "framework/internet/tls/TlsPolicy.h"
+#include "framework/text/Secret.h"
 
 namespace internet {
 
@@ -23,6 +24,8 @@ struct HttpServer {
   std::string name;
   std::uint16_t port = 0;
   TlsPolicy tls = {};
+
+  [[nodiscard]] bool encrypted() const noexcept { return tls.encryption != Encryption::none; }
 };
 
 class HttpExchange : public SessionMember {
@@ -59,9 +62,10 @@ class HttpExchange : public SessionMember {
  private:
   enum class State { idle, sent, answered, closed };
 
-  [[nodiscard]] std::string request() const;
+  [[nodiscard]] secret::Text request() const;
   void connect();
   void exchangeHeads();
+  void requireProxysConsent() const;
   void require(State state) const;
   std::size_t fill(char* buffer, std::size_t size, const Deadline* patience);
   bool awaitBody(const Deadline* patience);

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "framework/internet/net/Dialer.h"
 
+#include <array>
+#include <string_view>
 #include <utility>
 
 #include "framework/internet/net/Failure.h"
 #include "framework/internet/net/InternetErrors.h"
 #include "framework/internet/net/NameLookup.h"
+#include "framework/internet/net/ProxySettings.h"
+#include "framework/internet/net/ServerName.h"
 #include "framework/platform/last_error.h"
 #include "framework/platform/stop_token.h"
 
@@ -13,9 +17,15 @@ namespace internet {
 
 namespace {
 
-std::string endpointText(const platform::SocketAddress& address) {
-  const std::string host = addressText(address);
-  return (address.v6 ? '[' + host + ']' : host) + ':' + std::to_string(address.port);
+std::string_view troubleOf(std::uint32_t error) noexcept {
+  switch (error) {
+    case kNameNotResolved:
+      return "Its name cannot be resolved";
+    case kTimeout:
+      return "It does not answer in time";
+    default:
+      return "It cannot be reached";
+  }
 }
 
 }  // namespace
@@ -23,11 +33,12 @@ std::string endpointText(const platform::SocketAddress& address) {
 Dialer::Dialer(std::shared_ptr<SessionLink> session) noexcept
     : session_(std::move(session)), log_(session_) {}
 
-std::unique_ptr<Sock> Dialer::connect(const std::string& server, std::uint16_t port) {
+std::unique_ptr<Sock> Dialer::connect(const platform::ProxyTarget& server) {
+  server_ = server;
   const Timeouts limits = timeouts();
   for (unsigned left = limits.connectAttempts;; --left) {
     try {
-      return attempt(server, port, Deadline(limits.connect));
+      return goAnyWay(waysTo(server_, Deadline(limits.connect)));
     } catch (const Failure&) {
       if (left <= 1) throw;
     }
@@ -36,10 +47,50 @@ std::unique_ptr<Sock> Dialer::connect(const std::string& server, std::uint16_t p
   }
 }
 
-std::unique_ptr<Sock> Dialer::attempt(const std::string& server, std::uint16_t port,
-                                      const Deadline& deadline) {
-  notify(kStatusResolvingName, server);
-  const auto addresses = resolve(server, port, deadline);
+// By the first one that leads anywhere. What a proxy refuses is not tried behind its back.
+std::unique_ptr<Sock> Dialer::goAnyWay(const std::vector<platform::Proxy>& ways) {
+  for (auto way = ways.begin();;) {
+    way_ = *way;
+    try {
+      return attempt(Deadline(timeouts().connect));
+    } catch (const ProxyRefusal&) {
+      throw;
+    } catch (const Failure&) {
+      if (++way == ways.end()) throw;
+    }
+    reportClosed();
+  }
+}
+
+std::unique_ptr<Sock> Dialer::attempt(const Deadline& deadline) {
+  if (!proxy()) return reach(server_.host, server_.port, deadline);
+  log_.note("proxy " + way_.text);
+  try {
+    return goThroughProxy(deadline);
+  } catch (const Failure& failure) {
+    if (failure.ownText) throw;
+    throw Failure(proxyFailure(way_, failure.error, troubleOf(failure.error)));
+  }
+}
+
+std::unique_ptr<Sock> Dialer::goThroughProxy(const Deadline& deadline) {
+  if (way_.kind == platform::Proxy::Kind::unsupported) {
+    throw Failure(proxyFailure(way_, kCannotConnect, "Proxies of this kind are not supported"));
+  }
+  if (forwards()) return reach(way_.host, way_.port, deadline);
+  const auto talk = talkAbout(server_.port);
+  auto sock = reach(way_.host, way_.port, deadline);
+  while (!talk->goOn(sock->socket())) {
+    std::array interest{talk->interest(sock->socket())};
+    if (!wait(interest, deadline)) fail(kTimeout);
+  }
+  log_.note("connected by the proxy to " + placeText(server_.host, server_.port));
+  return sock;
+}
+
+std::unique_ptr<Sock> Dialer::reach(const std::string& host, std::uint16_t port, const Deadline& deadline) {
+  notify(kStatusResolvingName, host);
+  const auto addresses = resolve(host, port, deadline);
   notify(kStatusNameResolved, platform::addressText(addresses.front()));
   announced_ = announced_ || !muted_;
   notify(kStatusConnecting);
@@ -47,7 +98,9 @@ std::unique_ptr<Sock> Dialer::attempt(const std::string& server, std::uint16_t p
   if (!sock) fail(deadline.passed() ? kTimeout : kCannotConnect);
   sock->socket().keepAlive();
   sock->socket().noDelay();
-  if (const auto peer = sock->socket().peerAddress()) log_.note("connected to " + endpointText(*peer));
+  if (const auto peer = sock->socket().peerAddress()) {
+    log_.note("connected to " + placeText(platform::addressText(*peer), peer->port));
+  }
   return sock;
 }
 

@@ -6,15 +6,19 @@
 
 #include "framework/platform/last_error.h"
 #include "framework/platform/stop_token.h"
+#include "framework/text/AsciiText.h"
 
 namespace internet {
 
-void fail(std::uint32_t error, std::string serverText) {
+std::string shownText(std::string serverText) {
   for (char& c : serverText) {
-    const auto byte = static_cast<unsigned char>(c);
-    if ((byte < 0x20 && c != '\r' && c != '\n' && c != '\t') || byte == 0x7f) c = '?';
+    if (ascii::isControl(c) && c != '\r' && c != '\n' && c != '\t') c = '?';
   }
-  throw Failure{error, std::move(serverText)};
+  return serverText;
+}
+
+void fail(std::uint32_t error, std::string serverText) {
+  throw Failure{error, shownText(std::move(serverText))};
 }
 
 std::optional<Failure> attempt(const std::function<void()>& work) {

@@ -14,9 +14,13 @@ struct Failure {
   std::uint32_t error;          // an internet number (InternetErrors.h) or a platform number
   std::string serverText;       // for kExtendedError: the server's own words
   bool connectionLost = false;  // the connection is closed, and logging in again has failed
+  bool ownText = false;         // serverText says it better than what the number stands for
 };
 
-// Throws a Failure. Control bytes of the server's text, but for its line ends, come out as '?'.
+// Control bytes of a server's text, but for its line ends, come out as '?'.
+std::string shownText(std::string serverText);
+
+// Throws a Failure with the text as it is shown.
 [[noreturn]] void fail(std::uint32_t error, std::string serverText = {});
 
 // Runs `work` and hands back its failure; std::bad_alloc counts as error 8. Keeps the thread's last error.

@@ -41,6 +41,7 @@ inline constexpr std::size_t kMaxArgument = 4096;                     // bytes o
 inline constexpr std::size_t kMaxHttpHeadLine = std::size_t{64} * 1024;
 inline constexpr std::size_t kMaxHttpHead = std::size_t{256} * 1024;  // all heads of a response; its trailers
 inline constexpr std::size_t kMaxHttpChunkLine = std::size_t{4} * 1024;  // between the chunks
+inline constexpr std::size_t kMaxProxyAnswer = std::size_t{16} * 1024;   // all heads of an answer to CONNECT
 inline constexpr std::size_t kHttpBlock = std::size_t{64} * 1024;
 inline constexpr std::size_t kTransferBuffer = std::size_t{512} * 1024;
 inline constexpr std::size_t kListingBlock = std::size_t{64} * 1024;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Name resolution that can be given up: the system's lookup runs on a thread of its own, which cleans up
-// after itself when nobody waits any more.
+// Name resolution that can be given up: the system's lookup runs aside (Aside.h).
 #pragma once
 
 #include <cstdint>

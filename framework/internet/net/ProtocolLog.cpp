@@ -7,12 +7,11 @@
 
 #include "framework/text/AsciiText.h"
 #include "framework/text/HostText.h"
+#include "framework/text/Secret.h"
 
 namespace internet {
 
 namespace {
-
-constexpr std::string_view kMask = "****";
 
 // The text without its line end, and `rest` behind it.
 std::string_view takeLine(std::string_view& rest) noexcept {
@@ -23,20 +22,11 @@ std::string_view takeLine(std::string_view& rest) noexcept {
   return line;
 }
 
-std::string masked(std::string_view line, std::string_view secret) {
-  std::string result(line);
-  if (secret.empty()) return result;
-  for (std::size_t at = 0; (at = result.find(secret, at)) != std::string::npos; at += kMask.size()) {
-    result.replace(at, secret.size(), kMask);
-  }
-  return result;
-}
-
 // Whatever the password is, and also one that the log does not know.
-std::string shownLine(std::string_view line, std::string_view secret) {
+std::string shownLine(std::string_view line, std::string_view hidden) {
   constexpr std::string_view kPass = "PASS ";
-  if (line.starts_with(kPass)) return std::string(kPass).append(kMask);
-  std::string result = masked(line, secret);
+  if (line.starts_with(kPass)) return std::string(kPass).append("****");
+  std::string result = secret::masked(line, hidden);
   std::replace_if(result.begin(), result.end(), ascii::isControl, '?');
   return hosttext::textForHost(result, platform::narrowCodePage());
 }

@@ -31,4 +31,9 @@ ServerName parseServerName(std::string_view text) {
   return {std::string(name), isV6(name) || isV4(name)};
 }
 
+std::string placeText(std::string_view name, std::uint16_t port) {
+  const std::string host(name.substr(0, name.find('%')));
+  return (isV6(name) ? '[' + host + ']' : host) + ':' + std::to_string(port);
+}
+
 }  // namespace internet

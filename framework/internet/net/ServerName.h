@@ -2,6 +2,7 @@
 // The text by which a host names a server. No I/O.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -15,5 +16,8 @@ struct ServerName {
 // Brackets stand around addresses of IPv6 alone ("[::1]", "[fe80::1%eth0]"), which do as well without them.
 // Any other text is its own name.
 ServerName parseServerName(std::string_view text);
+
+// "name:21", "[::1]:21". The zone of an address is this machine's own affair and left out.
+std::string placeText(std::string_view name, std::uint16_t port);
 
 }  // namespace internet
