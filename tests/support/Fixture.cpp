@@ -205,7 +205,7 @@ void ScriptedTls::release(const std::string& gate) const { ask("release", {{"gat
 
 void ScriptedTls::waitUntilClosed(int count) const { waitFor(json{{"closed", count}}.dump()); }
 
-Proxy::Proxy(const char* kind, std::string_view options) : Proxy(kind, parsed(options)) {}
+Proxy::Proxy(const char* kind) : Proxy(kind, json::object()) {}
 
 Proxy::Proxy(const char* kind, const json& options) : Server(kind, options) {}
 

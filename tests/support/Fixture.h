@@ -170,7 +170,7 @@ class ScriptedTls : public Server {
 class Proxy : public Server {
  public:
   // `kind`: "proxy-script", or the real "microsocks" (SOCKS5), "tinyproxy" (HTTP).
-  explicit Proxy(const char* kind, std::string_view options = "{}");
+  explicit Proxy(const char* kind);
   Proxy(const char* kind, const nlohmann::json& options);
 
   // What it was asked for: "name:port"; of an HTTP proxy "CONNECT name:port" and "GET address".

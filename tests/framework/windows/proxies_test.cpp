@@ -4,17 +4,16 @@
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
 #include <string>
 
-#include "tests/support/Fixture.h"
+#include "tests/support/windows/ConfigurationScript.h"
 #include "tests/support/windows/OwnSettings.h"
 
 namespace {
 
 using platform::Proxy;
 using platform::ProxyTarget;
-using testing_support::InternetSettings;
+using testing_support::ConfigurationScript;
 using testing_support::OwnSettings;
 
 const ProxyTarget kFtp{"ftp", "ftp.tests.example", 21};
@@ -56,24 +55,9 @@ TEST(WindowsProxies, LeaveTheOwnMachineAloneUnlessTheyAreToldOtherwise) {
   EXPECT_EQ(toldAtOnce({"ftp", "127.0.0.1", 21}), "http proxy 3128");
 }
 
-nlohmann::json scriptAnswer(const std::string& body) {
-  const std::string script = "function FindProxyForURL(url, host) {" + body + "}";
-  return {{"headers", {"Content-Type: application/x-ns-proxy-autoconfig"}},
-          {"body", {{"text", script}}},
-          {"end", "close"}};
-}
-
-struct ScriptServer : fixture::ScriptedHttp {
-  explicit ScriptServer(const std::string& body)
-      : ScriptedHttp(nlohmann::json{{"answers", nlohmann::json::array({scriptAnswer(body)})}}) {}
-
-  [[nodiscard]] std::string address() const {
-    return "http://" + host() + ":" + std::to_string(port()) + "/p.pac";
-  }
-};
-
 TEST(WindowsProxies, ComeFromAScriptThatIsAskedOnceForATarget) {
-  const ScriptServer server("return host == 'www.tests.example' ? 'DIRECT' : 'PROXY ' + host + ':81';");
+  const ConfigurationScript server(
+      "return host == 'www.tests.example' ? 'DIRECT' : 'PROXY ' + host + ':81';");
   const OwnSettings settings({false, server.address(), "list:1", "*"});
   EXPECT_EQ(toldAtOnce(kFtp), "?");
   EXPECT_EQ(told(platform::proxiesFor(kFtp)), "http ftp.tests.example 81");
