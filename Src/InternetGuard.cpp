@@ -4,11 +4,29 @@
 #include <memory>
 
 #include "Src/HostCall.h"
+#include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/last_error.h"
 
 namespace {
 
 constexpr std::uint32_t kExceptionTextCapacity = 1024;
+
+// The numbers that hosts know by name.
+static_assert(internet::kTimeout == QX_ERROR_TIMEOUT && internet::kExtendedError == QX_ERROR_REFUSED &&
+              internet::kNameNotResolved == QX_ERROR_NAME_NOT_RESOLVED &&
+              internet::kIncorrectPassword == QX_ERROR_INCORRECT_PASSWORD &&
+              internet::kLoginFailure == QX_ERROR_LOGIN_FAILURE &&
+              internet::kCannotConnect == QX_ERROR_CANNOT_CONNECT &&
+              internet::kConnectionAborted == QX_ERROR_CONNECTION_ABORTED &&
+              internet::kConnectionReset == QX_ERROR_CONNECTION_RESET &&
+              internet::kCertificateDate == QX_ERROR_CERTIFICATE_DATE &&
+              internet::kCertificateName == QX_ERROR_CERTIFICATE_NAME &&
+              internet::kClientCertificateWanted == QX_ERROR_CLIENT_CERTIFICATE &&
+              internet::kCertificateAuthority == QX_ERROR_CERTIFICATE_AUTHORITY &&
+              internet::kTransferInProgress == QX_ERROR_BUSY &&
+              internet::kSecureChannelFailed == QX_ERROR_SECURE_CHANNEL &&
+              internet::kCertificateInvalid == QX_ERROR_CERTIFICATE_INVALID &&
+              internet::kCertificateRevoked == QX_ERROR_CERTIFICATE_REVOKED);
 
 struct Delete {
   void operator()(CInternetException* exception) const noexcept { exception->Delete(); }

@@ -40,6 +40,8 @@ struct ItemCounts {
   std::uint32_t directories = 0;
 };
 
+using Bytes = std::vector<std::byte>;
+
 class Client {
  public:
   // Fails when the library makes none. Keeps the library loaded.
@@ -142,12 +144,14 @@ class Client {
     if (arrived && *arrived == size) return copied;
     return {std::nullopt, arrived.report().isSet ? arrived.report() : NotArrived()};
   }
+  // A success of a copy to the server does not tell that it took all: upload() does.
   // Either path may be local, in the form that FTPCpyFile knows ("C:\dir\file", on Linux "Z:/dir/file").
   Result<Done> copy(const std::string& source, const std::string& destination) {
     return Do([&](TQXIPIFInt& client) {
       return client.FTPCpyFile(source.c_str(), destination.c_str(), nullptr, m_retries, 0, 0);
     });
   }
+  // A success can leave the source: see FTPMovFile.
   Result<Done> move(const std::string& source, const std::string& destination) {
     return Do([&](TQXIPIFInt& client) {
       return client.FTPMovFile(source.c_str(), destination.c_str(), nullptr, m_retries, 0, 0);
@@ -159,8 +163,13 @@ class Client {
   Result<Done> remove(const std::string& path) {
     return Do([&](TQXIPIFInt& client) { return client.FTPRmvFile(path.c_str(), 0, m_retries, 0, 0); });
   }
+  // A failure also where nobody can tell whether the directory is there.
   Result<Done> removeDirectory(const std::string& path) {
-    return Do([&](TQXIPIFInt& client) { return client.FTPRmvDir(path.c_str(), m_retries, 0, 0); });
+    return Run<Done>(
+        [&](TQXIPIFInt& client) { return DoneIf(client.FTPRmvDir(path.c_str(), m_retries, 0, 0)); },
+        [](const std::optional<Done>& done, const Report& report) {
+          return done.has_value() && report.number == 0;
+        });
   }
   Result<Done> createDirectory(const std::string& path) {
     return Do([&](TQXIPIFInt& client) { return client.FTPCreateDir(path.c_str(), m_retries, 0, 0); });
@@ -174,18 +183,22 @@ class Client {
     });
   }
 
-  // A remote file's content.
-  Result<std::vector<std::byte>> read(const std::string& path) {
-    return Run<std::vector<std::byte>>([&](TQXIPIFInt& client) -> std::optional<std::vector<std::byte>> {
-      void* data = nullptr;
-      std::uint32_t size = 0;
-      const bool ok = client.FTPReadFile(path.c_str(), &data, &size, 0, m_retries, 0, 0) != 0;
-      const auto giveBack = [&client](void* block) { client.FTPFreeFileAPI(block); };
-      const std::unique_ptr<void, decltype(giveBack)> block(data, giveBack);
-      if (!ok) return {};
-      const auto* const bytes = static_cast<const std::byte*>(data);
-      return std::vector<std::byte>(bytes, bytes + size);
-    });
+  // A remote file's content. One that is missing is a failure, and so is none behind a failed attempt.
+  Result<Bytes> read(const std::string& path) {
+    return Run<Bytes>(
+        [&](TQXIPIFInt& client) -> std::optional<Bytes> {
+          void* data = nullptr;
+          std::uint32_t size = 0;
+          const bool ok = client.FTPReadFile(path.c_str(), &data, &size, 0, m_retries, 0, 0) != 0;
+          const auto giveBack = [&client](void* block) { client.FTPFreeFileAPI(block); };
+          const std::unique_ptr<void, decltype(giveBack)> block(data, giveBack);
+          if (!ok) return {};
+          const auto* const bytes = static_cast<const std::byte*>(data);
+          return Bytes(bytes, bytes + size);
+        },
+        [](const std::optional<Bytes>& content, const Report& report) {
+          return content.has_value() && (!content->empty() || !report.isSet);
+        });
   }
   // At most 4 GiB less one byte; none is a failure.
   Result<Done> write(const std::string& path, std::span<const std::byte> content) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// One entry of a directory listing as FTPGetDirectory hands it to the host.
+// One entry of a directory listing as FTPGetDirectory hands it to the host, into an array of the host's, and
+// as OnNotify shows it.
 #pragma once
 
 #include "QXTypes.h"
@@ -12,12 +13,14 @@ typedef struct QXFileTime {
 
 typedef struct QXDirEntry {
   QXBool bIsDirectory;
-  char szPath[259];       // the listed directory
-  uint32_t dwAttributes;  // 0x10 directory | 0x20 | 0x800 | 0x2 | 0x80 | 0x1 | 0x4 | 0x100
-  QXFileTime ftCreationTime;
+  char szPath[259];  // the listed directory
+  // 0x10 directory, 0x1 read-only, 0x2 hidden, 0x4 system, 0x20 archive, 0x80 normal, 0x100 temporary, 0x800
+  // compressed: 0x10 is set for each directory, the others where the server's entry has them.
+  uint32_t dwAttributes;
+  QXFileTime ftCreationTime;  // all three are the time that the server tells; zeros where it tells none
   QXFileTime ftLastAccessTime;
   QXFileTime ftLastWriteTime;
-  uint32_t nFileSizeHigh;  // both 0 for a directory
+  uint32_t nFileSizeHigh;  // bytes, high half first; both 0 for a directory
   uint32_t nFileSizeLow;
   // 0 in what a host gets. While a client keeps a listing (m_pFileBuffer), the first four bytes of its first
   // entry hold the number of entries.

@@ -18,19 +18,23 @@
 extern "C" {
 #endif
 
-// A new client with reference count 1, or null when it cannot be made. pErrorInfo may be null (no error
-// reports) and must live as long as the client. Free it with FreeQXIPIFInstance or Release.
+// A new client with reference count 1, or null when there is no memory. It knows no server yet and touches no
+// network. pErrorInfo may be null (no error reports); it is the host's, is not written here, and must live as
+// long as the client. Free the client with FreeQXIPIFInstance or Release.
 QX_EXPORT TQXIPIFInt* QX_CALL CreateQXIPIFInstance(QXErrorInfo* pErrorInfo);
 
-// Drops one reference. 0 for null, else 1.
+// Drops one reference (slot 5), the last of which ends the client: from any thread, in any hook, while its
+// operations run; they have stopped then. 0 for null, else 1, also when references are left.
 QX_EXPORT QXBool QX_CALL FreeQXIPIFInstance(TQXIPIFInt* pInstance);
 
-// Calls pInstance->FTPConnect with the remaining arguments; 0 for a null instance.
+// Calls pInstance->FTPConnect (slot 26) with the remaining arguments and answers what that does; 0 for a null
+// instance.
 QX_EXPORT QXBool QX_CALL DoFTPConnect(TQXIPIFInt* pInstance, const char* pszHost, const char* pszUser,
                                       const char* pszPassword, uint32_t nPort, QXBool bPassive,
                                       uint32_t nValue, TInternetSession* pSession);
 
-// The module-wide count of clients and host references: raise it, lower it (never below 0). The new value.
+// The module-wide count of clients, directory-or-file dialogs and references of the host: raise it by one,
+// lower it by one (never below 0). The new value. Nothing depends on it.
 QX_EXPORT uint32_t QX_CALL DllAddRef(void);
 QX_EXPORT uint32_t QX_CALL DllRelease(void);
 

@@ -1,19 +1,51 @@
 // SPDX-License-Identifier: MIT
 // TQXIPIFInt, the client that CreateQXIPIFInstance hands to a host: 51 operations in fixed slots, then the
-// object's fields. One thread at a time uses an object. Operations block their caller; those with a worker
-// thread keep dispatching the caller's messages meanwhile. 0 is a failure, except where the slot says
-// otherwise; some failures are answered by 1, for hosts rely on that, and their slots say which. Most
-// operations write lines into m_szMessage and, when the host gave an error record, a failure into that
-// record.
+// object's fields. The common rules stand here, what differs at each operation. One thread at a time uses an
+// object. 0 is a failure, except where the slot says otherwise; some failures are answered by 1, for hosts
+// rely on that, and their slots say which.
 //
-// Retry counts say how often a failed attempt is repeated (0 = one attempt), mostly after a pause of 10 ms.
-// OnIPError may grant further attempts: in one call of an operation three at most, one of them after a
-// time-out; none where the object's connection is dead and logging in again has failed.
+// Who waits. An operation blocks its caller until it is over. Those with a worker dispatch the caller's
+// messages meanwhile; the others leave them lying. A host may replace OnPoll (QXHooks.h) to cancel:
+//
+//   operation                               slots        works on            messages    asks OnPoll
+//   FTPDirExist, FTPFileExists              36, 37       a worker's thread   dispatched  no
+//   FTPIsDirectory, FTPFileSize             45, 46       a worker's          dispatched  no
+//   FTPCreateDir; FTPCreateNewDir by it     43; 44       a worker's          dispatched  no
+//   FTPKeepAlive                            29           a worker's          dispatched  no
+//   FTPRmvFile, FTPRmvDir                   41, 42       a worker's          dispatched  yes
+//   FTPCpyFile, FTPWriteFile, FTPReadFile   39, 47, 48   a worker's          dispatched  yes, with counters
+//   FTPMovFile by slots 39 and 41           40           the caller's        dispatched  as those two do
+//   HTTPDownloadFile                        21           the caller's        dispatched  yes
+//   FTPGetDirectory, FTPHasSubDir,          31, 34, 35   the caller's        no          no
+//     FTPCountFolderItems
+//   FTPConnect, FTPDownloadFile,            26, 32, 33,  the caller's        no          no
+//     FTPUploadFile, FTPRenameFile          50
+//
+// All others return at once, but for the end of a client (slots 3 and 5), which stops what runs. What asks
+// OnPoll ends within moments of its cancel, whatever the server does; the rest ends by itself, but for slots
+// 29 and 44: a server has 30 s to take a connection, for each reply, and for the next byte of data (12002).
+//
+// Arguments of the same name mean the same. pszPath is a path on the server. nRetries says how often a failed
+// attempt is repeated (0 = one attempt), after a pause of 10 ms, in slots 34 to 37 without one. OnIPError may
+// grant further attempts: in one call of an operation three at most, one of them after a time-out; none where
+// the object's connection is dead and logging in again has failed. nPollArg1 and nPollArg2 go to OnPoll
+// unchanged; what never asks it has no use for them.
 // Where a server has too many logins for a moment (421 or 530, and a text that says so), an operation's own
 // connection tries again within the attempt, after 250 ms, 500 ms and 1 s; FTPConnect fails at once.
-// The two host values at the end of an operation go to OnPoll unchanged. It is asked by FTPReadFile,
-// FTPWriteFile, FTPCpyFile, FTPMovFile, FTPRmvFile, FTPRmvDir and HTTPDownloadFile; the others that take the
-// values never ask and cannot be cancelled.
+//
+// Connections. Login data is all that operations need (slot 25). Slots 31, 34 to 37, 45 and 46 work on the
+// connection of FTPConnect where there is one; in all other cases an operation has a connection of its own,
+// which ends with the attempt.
+//
+// m_szMessage holds the latest line. Most operations begin with "TQXIP::FTPRmvFile - IN: '/path'" and end,
+// after a success too, with "TQXIP::FTPRmvFile '/path' failed!", which titles the report of a failure.
+//
+// The error record (QXErrorInfo.h) keeps the first failure, but an internet error replaces it (slot 8). A
+// success can leave a record: of an attempt that was repeated, or of a look that found nothing (slots 42 and
+// 43). So a host zeroes it before an operation, and asks the answer first. nError is the number that
+// OnIPError was told; it is 0 in most other reports, which have a number in their text alone: "[87 QXIP
+// 9357]". Without a record there are no reports, and OnConnect, OnDisconnect and OnSuccess do not follow
+// connections.
 //
 // A client may be freed (slots 5 and 3) at any moment: in each hook and callback, on the caller's thread or
 // on a worker's, in a message that an operation dispatched, and from another thread. Its operations are
@@ -56,55 +88,77 @@
 
 class TQXIPIFInt {
  public:
-  // Slot 0 to 2: content destruction.
-  // Fills m_pWipePattern[0 .. nCount) with nValue (1 = random values). The array must hold nCount values.
-  // Always 1.
+  // Slots 0 to 2, and 38: content destruction, for hosts that put functions of their own here. The library's
+  // own touch no file. No lines, no reports.
+  // Fills m_pWipePattern[0 .. nCount) with nValue (1 = random values), on the caller's thread. The array is
+  // the host's and must hold nCount values; null: nothing is filled. Always 1.
   virtual QXBool FillWipePattern(std::uint32_t nValue, std::uint32_t nCount) = 0;
+  // Does nothing. Always 1.
   virtual QXBool WipeWith(const char* pszPath, std::uint32_t nPattern, std::uint32_t nRetries) = 0;
-  // 0 for a null path.
+  // Calls WipeWith six times, with the patterns 0 and 0xFFFFFFFF in turn, and then with 1; one retry each. 0
+  // for a null path and at the first call that fails, else the answer of the last one.
   virtual QXBool Wipe(const char* pszPath) = 0;
 
   // Slot 3: the destructor as Microsoft's x64 ABI has it: bit 0 of the flags frees the memory with the
   // library's allocator, the result is the object. A host of that ABI writes `delete p`; others use Release.
+  // The end calls FTPDisconnect where m_bInitialized is not 0, whatever the count of references is, and
+  // closes what is open.
 #if defined(_MSC_VER)
   virtual ~TQXIPIFInt();
 #else
   virtual void* DeletingDestructor(std::uint32_t nFlags) = 0;
 #endif
 
-  // Slots 4 and 5: the new count. At 0 Release destroys the object.
+  // Slots 4 and 5: the new count. At 0 Release destroys the object through slot 3; where the count is 0
+  // already it answers 0 and does nothing.
   virtual std::uint32_t AddRef() = 0;
   virtual std::uint32_t Release() = 0;
 
-  // Slots 6 to 20: event hooks. The library calls them; a host may, too. Notifications come on the thread
-  // that does the work.
+  // Slots 6 to 20: event hooks. The library calls them; a host may, too. They come on the thread that does
+  // the work, the caller's or a worker's. Where nothing else is said the library's own do nothing.
+  // Slots 6 and 7 come around FTPDisconnect, which the end of the object calls, and around the freeing of a
+  // block (slot 49); 7 also before OnIPError grants an attempt and behind a copy to a local file. Their
+  // answer, 1, does not count.
   virtual QXBool OnBeforeDisconnect() = 0;
   virtual QXBool OnAfterDisconnect() = 0;
-  // Reports an internet error; after a time-out (12002) or an aborted connection (12030) of a connected
-  // object it raises *pRetries to at least 1. pRetries may be null. A connection that has broken counts as
-  // connected still: OnDisconnect comes when it is given up.
+  // Reports an internet error: writes the line "TQXIP::OnIPError: 'text' (number)" and replaces the error
+  // record. nError is a number from 12000 on or one of the system's; pszText, of up to 1023 bytes, lives for
+  // the call alone and may be null. After a time-out (12002) or an aborted connection (12030) of a connected
+  // object it raises *pRetries to at least 1. pRetries, the operation's counter, is null where none is
+  // concerned, as for a login of an operation's own. A connection that has broken counts as connected still:
+  // OnDisconnect comes when it is given up.
   virtual void OnIPError(std::uint32_t nError, const char* pszText, std::uint32_t* pRetries) = 0;
+  // Slots 9, 10 and 13 write a line and a report under it. The library calls none of them.
   virtual void OnAuthenticationFailed() = 0;
   virtual void OnAuthenticationNeeded() = 0;
+  // A control connection is being made, an operation's own as well; FTPConnect calls it once more behind its
+  // login. Sets m_bConnected, deletes the four finders and makes new ones on the object's connection, if any:
+  // a finder that the host has got from GetFinder under one of their names is gone.
   virtual void OnConnect() = 0;
+  // A control connection is closing, and again when it is closed. Clears m_bConnected.
   virtual void OnDisconnect() = 0;
   virtual void OnFailure() = 0;
+  // A name was resolved, or a request has been answered.
   virtual void OnSuccess() = 0;
+  // Never called by the library.
   virtual void OnTransactionStart() = 0;
   virtual void OnTransactionStop() = 0;
   // The protocol, line by line, for a host that puts a function of its own here: "> USER name", "> PASS
-  // ****",
-  // "< 230 Welcome", "* connected to 192.0.2.1:21". pszText lives for the call alone. On the thread that does
-  // the work, the caller's or one of the library's; lines that come while data moves are told when it rests.
-  // No password is ever in them. What the library itself does here: nothing.
+  // ****", "< 230 Welcome", "* connected to 192.0.2.1:21". pszText lives for the call alone. On the thread
+  // that does the work, the caller's or one of the library's; lines that come while data moves are told when
+  // it rests. No password is ever in them. What the library itself does here: nothing.
   virtual void OnStatus(const char* pszText) = 0;
+  // A listing's files (slot 31): nValue is the address of a QXDirEntry.
   virtual void OnNotify(QXHostValue nValue) = 0;
-  // Asked by the waiting caller's thread on every turn. Not 0 cancels the operation; *pbReconnect = 1
-  // abandons the worker and runs the operation once more. nTransfer is 0, or the address of m_Transfer in
-  // transfers.
+  // Asked by the waiting caller's thread on every turn. Not 0 cancels the operation: the worker is stopped,
+  // its connections close, and the operation answers 0. *pbReconnect = 1 abandons the worker and runs the
+  // operation once more, with one retry; a cancel counts before it. The answer is 1 then only where the
+  // abandoned worker had succeeded, too. In HTTPDownloadFile pbReconnect is null. nTransfer is the address of
+  // m_Transfer in slots 39, 47 and 48, else 0. The library's own answers 0.
   virtual QXBool OnPoll(QXHostValue nPollArg1, QXHostValue nPollArg2, QXHostValue nTransfer,
                         QXBool* pbReconnect) = 0;
-  // Turns a status code into a text and hands it to OnStatusText.
+  // Turns a status code into a text and hands it to OnStatusText; behind the texts of 10 and 11 stands
+  // pInformation, a text or null. 40 and 70 have none. The library itself does not call it.
   virtual void OnStatusCallback(std::uint32_t nContext, std::uint32_t nStatus, const void* pInformation) = 0;
 
   // Slot 21: one GET of pszObject from pszServer (a name or an address, one of IPv6 also in brackets; behind
@@ -115,14 +169,18 @@ class TQXIPIFInt {
   // (name lookup, connecting, the head, and the length) has them asked and dispatched every 50 ms as well. A
   // cancel deletes the file once the body has begun; before that it leaves alone what has its name. Failures
   // of the network are shown in a message box; neither m_szMessage nor the error record is written. The one
-  // operation whose result (1 or 0) has 32 bits.
+  // operation whose result (1 or 0) has 32 bits. Works without login data. Any other status than 200, behind
+  // one redirect (301 to 303), is a 0 in silence. Server and object count up to 255 bytes, a null object is
+  // "/"; nPort modulo 65536, 0 is 80. The length is what has come of the body when it is asked. Where the
+  // local file cannot be made or written, the call throws the library's file exception, a pointer to a class
+  // that hosts cannot name: make sure of the folder before.
   virtual std::uint32_t HTTPDownloadFile(const char* pszServer, const char* pszObject, std::uint32_t nPort,
                                          const char* pszLocalFile, std::uint64_t* pnLength,
                                          QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
-  // Slot 22.
+  // Slot 22. pszText lives for the call alone.
   virtual void OnStatusText(const char* pszText) = 0;
 
-  // Slots 23 to 30: connection.
+  // Slots 23 to 30: connection. The first two write a line and a report, too.
   virtual QXBool FTPSetFirewall(std::uint32_t nKind, QXBool bFlag,
                                 QXHostValue nValue) = 0;                       // not supported: 0
   virtual QXBool FTPSetProxy(const char* pszProxy, std::uint32_t nValue) = 0;  // not supported: 0
@@ -143,27 +201,40 @@ class TQXIPIFInt {
   // Always 1.
   virtual QXBool FTPSetLogin(const char* pszHost, const char* pszUser, const char* pszPassword,
                              std::uint32_t nPort, QXBool bPassive) = 0;
-  // Stores login data and connects. pSession: a session to use for this call instead of the object's own, or
-  // null. Fails, without connecting, when a login text is too long (slot 25).
-  // Finders work on this connection, those of the queries and listings and a host's own. Where the server has
-  // closed it, for its idleness for one, they log in again, once in a search and without events, and go on; a
-  // log-in that fails is the failure of the search.
+  // Stores login data as slot 25 does and connects, after closing the connection that there was. nPort counts
+  // modulo 65536. nValue is not used. A refused password is 12014, any other refusal at login 12015; no
+  // answer is 12002, 12007 (name) or 12029, each through OnIPError with a null counter. The login data stays
+  // after a failure. The message is "TQXIP::FTPConnect - OUT: OK!" or "... Failed!" in the end. pSession: a
+  // session to use for this call instead of the object's own, or null. Fails, without connecting, when a
+  // login text is too long (slot 25). Finders work on this connection, those of the queries and listings and
+  // a host's own. Where the server has closed it, for its idleness for one, they log in again, once in a
+  // search and without events, and go on; a log-in that fails is the failure of the search.
   virtual QXBool FTPConnect(const char* pszHost, const char* pszUser, const char* pszPassword,
                             std::uint32_t nPort, QXBool bPassive, std::uint32_t nValue,
                             TInternetSession* pSession) = 0;
-  virtual QXBool FTPReConnect(std::uint32_t nRetries, QXHostValue nValue) = 0;  // does nothing: 1
-  // Forgets the login data of a connected object. Its connection stays, but nobody logs in on it again.
+  // Does nothing: 1. OnIPError asks it whether an attempt may follow; a host's own may answer 0.
+  virtual QXBool FTPReConnect(std::uint32_t nRetries, QXHostValue nValue) = 0;
+  // Forgets the login data of a connected object. Its connection stays, but nobody logs in on it again. Calls
+  // slots 6, 12 (when connected) and 7. Writes no line. 0, with a report, where m_bInitialized is 0.
   virtual QXBool FTPDisconnect() = 0;
-  // Blocks while the connection is up, dispatching the caller's messages.
+  // Blocks while m_bConnected is set, dispatching the caller's messages, in which the host may work with the
+  // object. Ends when the server closes the connection, and when a message calls FTPDisconnect or frees the
+  // client. No lines, no reports. It keeps the caller, not the connection: nothing is sent.
   virtual void FTPKeepAlive() = 0;
   // One of the object's four finders by the name of its field (any case); for another name a new finder on
-  // the object's connection, which the caller owns; null without a connection.
+  // the object's connection, which the caller owns; null for a null name and without a connection. nReserved
+  // is not used. The object's own live until the next OnConnect.
   virtual CFtpFileFind* GetFinder(QXHostValue nReserved, const char* pszName) = 0;
 
-  // Slot 31: with a null pEntries lists pszPath, keeps the entries and stores their number; with pEntries
-  // copies *pnCount entries out and forgets them. Names that begin with a dot are left out. OnNotify gets the
-  // QXDirEntry of each file, valid during that call. One listing at a time: in a hook that a listing calls,
-  // this and slots 34 and 35 fail with 12110.
+  // Slot 31: a listing, by two calls. pszPattern: "*" and "*.*" are everything, ? is one character. *pnCount:
+  // entries, 0 after a failure. A directory that is missing or that the server refuses lists as empty: 1 with
+  // count 0; slot 36 tells. A listing that breaks off is a failure, never a shorter directory.
+  //   With a null pEntries lists pszPath, keeps the entries and stores their number; with pEntries
+  // copies *pnCount entries out and forgets them; it fails when asked for more than there are. Names that
+  // begin with a dot are left out. OnNotify gets the QXDirEntry of each file, valid during that call, on this
+  // thread, when the whole listing has come. The message is "TQXIP::FTPGetDirectory - IN: 'OK!'" or "...
+  // 'Failed'" in the end. One listing at a time: in a hook that a listing calls, this and slots 34 and 35
+  // fail with 12110.
   //   Links: an entry is what its link leads to, a file of size 0 where that is nowhere; its times are the
   // link's. Where the server does not tell, it is asked; of one listing about the first 64 links, the others
   // stay files of size 0. So for slots 34 to 36. A host that removes a whole tree calls FTPRmvDir for each
@@ -179,21 +250,26 @@ class TQXIPIFInt {
   // Slots 32 and 33: whole files, on the caller's thread, without messages, OnPoll or a way for their caller
   // to cancel them.
   // Where the server's last word on a transfer is lost its size decides: with all bytes there it is done.
-  // An existing local file is not overwritten: 0, or 1 with the file as it was when the remote file's size
-  // cannot be told or is 0.
-  // With nRetries > 0 an attempt whose connection broke (12002, 12030, 12031) is followed by one that goes on
-  // behind what has come, if the remote file's size and time are what they were; until the call returns the
-  // local file is there in part.
+  // An existing local file is not overwritten: 0, or 1 with the file as it was when the remote file is
+  // missing, or its size cannot be told or is 0. A failure leaves no file of its own making. With nRetries >
+  // 0 an attempt whose connection broke (12002, 12030, 12031) is followed by one that goes on behind what has
+  // come, if the remote file's size and time are what they were; until the call returns the local file is
+  // there in part.
   virtual QXBool FTPDownloadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) = 0;
-  // 1 also when the server refuses or breaks the upload of a file that has content. FTPFileSize tells whether
-  // it has arrived. With nRetries > 0 a broken connection is followed by another one, for a retry each, which
-  // goes on behind what the server has.
+  // Replaces the remote file. 1 also when the server refuses, breaks or stalls the upload of a file that has
+  // content; an unreachable server, a refused login and a missing local file are failures.
+  // FTPFileSize tells whether it has arrived. With nRetries > 0 a broken connection is followed by another
+  // one, for a retry each, which goes on behind what the server has.
   virtual QXBool FTPUploadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) = 0;
-  // Slots 34 and 35. Either count may be null.
+  // Slots 34 and 35, by both calls of slot 31; an earlier listing of the host's is forgotten. Names that
+  // begin with a dot do not count. Slot 34 answers 1 where there is a directory, 0 also on every failure.
+  // Slot 35: either count may be null, both are 0 after a failure.
   virtual QXBool FTPHasSubDir(const char* pszPath, std::uint32_t nRetries) = 0;
   virtual QXBool FTPCountFolderItems(const char* pszPath, std::uint32_t* pnFiles,
                                      std::uint32_t* pnDirectories, std::uint32_t nRetries) = 0;
-  // Slots 36 and 37: 0 also on every failure; the error record tells which.
+  // Slots 36 and 37: 0 also on every failure. "Not there" is reported like one, but with nError 0; a question
+  // that could not be asked leaves its number there. Names are compared without regard to the case of ASCII
+  // letters. Slot 36 asks the parent's listing, the root is always there; slot 37 asks for the file itself.
   virtual QXBool FTPDirExist(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                              QXHostValue nPollArg2) = 0;
   virtual QXBool FTPFileExists(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
@@ -201,40 +277,51 @@ class TQXIPIFInt {
 
   // Slots 38 to 44: changes on the server.
   // The library's own destroys nothing, like WipeWith and Wipe: 1. FTPRmvFile with wipe passes calls it
-  // first.
+  // first, with them as nMethod.
   virtual QXBool FTPDestroyFileContent(const char* pszPath, std::uint32_t nMethod, std::uint32_t nRetries,
                                        QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
-  // Slots 39 and 40. OnPoll can cancel them. The callback runs on the worker's thread after every 4096 bytes
-  // that come from the server, and before an upload; what it is told of is in the local file. 1 also when the
-  // callback has stopped the copy, when the server has refused the upload (slot 33), and between two local
-  // paths, where nothing is copied. Between two remote paths the content goes through a temporary file.
+  // Slots 39 and 40: a file from one path to another, which it replaces. A path is local when it begins with
+  // a drive letter and a colon or with two backslashes, or has one character (but "/"). Counters go up with
+  // each 4096 bytes that come; an upload moves none. pfnProgress may be null. OnPoll can cancel them. The
+  // callback runs on the worker's thread after every 4096 bytes that come from the server, and before an
+  // upload; what it is told of is in the local file. 1 also when the callback has stopped the copy, when the
+  // server has refused the upload (slot 33), and between two local paths, where nothing is copied. Between
+  // two remote paths the content goes through a temporary file.
   virtual QXBool FTPCpyFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
                             std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
+  // Slot 40 repeats both parts, the copy after a cancel as well while nRetries lasts.
   // A copy through slot 39, then the removal of the source, a remote one through slot 41. The source stays,
   // whatever the answer, when the copy is not known to be whole (those that are listed above), or when both
   // remote paths may name one file: they differ in slashes, "." and "..", or the case of letters alone. What
   // a host's own function in slot 33 or 39 calls done is taken for whole.
   virtual QXBool FTPMovFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
                             std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
+  // Slot 41. nWipePasses above 0: slot 38 is called first, on the worker's thread, and must not answer 0.
   virtual QXBool FTPRmvFile(const char* pszPath, std::uint32_t nWipePasses, std::uint32_t nRetries,
                             QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
-  // Empty directories only. What FTPDirExist does not find counts as removed. Of a link to a directory the
-  // link is removed, where the server lists it as a link and lets it be deleted; never what it leads to.
+  // Empty directories only. What FTPDirExist does not find counts as removed: 1 for a file, too, and where
+  // nobody listens; the record tells. OnPoll is asked from the removal on, not during the first look. Of a
+  // link to a directory the link is removed, where the server lists it as a link and lets it be deleted;
+  // never what it leads to.
   virtual QXBool FTPRmvDir(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                            QXHostValue nPollArg2) = 0;
   // Makes the directories above as well. 1 also when the directory is there already.
   virtual QXBool FTPCreateDir(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                               QXHostValue nPollArg2) = 0;
+  // Slot 44, through slots 36 and 43. Fails where pszParent is not there and when all names are taken.
   // Takes the base name or the first of "Name (1)" to "Name (999)" that is free. A name that is free but that
-  // the server refuses is tried again, 10 ms later each time, until the server takes it. pszCreated receives
-  // the new directory's path: at least 256 characters.
+  // the server refuses is tried again, 10 ms later each time, until the server takes it: freeing the
+  // client is the one way to end that. pszCreated receives the new directory's path: at least 256 characters;
+  // a failure leaves it alone.
   virtual QXBool FTPCreateNewDir(const char* pszParent, char* pszCreated, const char* pszBaseName,
                                  std::uint32_t nRetries) = 0;
 
-  // Slots 45 and 46.
+  // Slots 45 and 46. 0 without a line or a report for a null or empty path and where m_bInitialized is 0.
+  // The answer of slot 36, to which it goes.
   virtual QXBool FTPIsDirectory(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                                 QXHostValue nPollArg2) = 0;
-  // Bytes modulo 2^32; 0 also on every failure.
+  // Bytes modulo 2^32; 0 also on every failure and for a missing file, which leave a record. Writes no line
+  // of its own, and does not look at what kind of thing the path names.
   virtual std::uint32_t FTPFileSize(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                                     QXHostValue nPollArg2) = 0;
 
@@ -243,45 +330,51 @@ class TQXIPIFInt {
   // With bAppend the data goes behind the content, which is fetched and sent again as a whole. The file is
   // opened for writing first: a server that lacks SIZE or REST empties it then, and the append fails, as it
   // does for a file that is missing or empty. An append of which the server refuses the upload answers 1.
-  // nSize 0: 0.
+  // nSize 0: 0. Without bAppend the file is replaced. pData is not changed and is read until the call
+  // returns. The last chunk shows its own size in m_Transfer, not the sum; an append shows nothing there.
   virtual QXBool FTPWriteFile(const char* pszPath, const void* pData, std::uint32_t nSize, QXBool bAppend,
                               std::uint32_t nReserved, std::uint32_t nRetries, QXHostValue nPollArg1,
                               QXHostValue nPollArg2) = 0;
-  // A file that is empty, or whose size cannot be told, reads as empty: 1, *pnSize 0.
+  // A file that is empty or missing, or whose size cannot be told, reads as empty: 1, *pnSize 0; the record
+  // tells. One that has grown since reads as long as it was, one that ends early is a failure.
   // *ppData receives a block of *pnSize + 1 bytes; give it back with FTPFreeFileAPI. Null after a failure,
   // with one exception: after a reconnect that OnPoll asked for, *ppData is what the second run left there,
   // and the result can be 0 although that is a block. So give back whatever is not null.
   virtual QXBool FTPReadFile(const char* pszPath, void** ppData, std::uint32_t* pnSize,
                              std::uint32_t nReserved, std::uint32_t nRetries, QXHostValue nPollArg1,
                              QXHostValue nPollArg2) = 0;
-  virtual QXBool FTPFreeFileAPI(void* pData) = 0;  // null is allowed; always 1
+  // Gives a block of slot 48 back, whatever client made it, between calls of slots 6 and 7. Null is allowed;
+  // always 1. No line, no report.
+  virtual QXBool FTPFreeFileAPI(void* pData) = 0;
+  // Slot 50: on the caller's thread, over a connection of its own, also into another directory. What becomes
+  // of a file that has the new name is the server's rule.
   virtual QXBool FTPRenameFile(const char* pszOld, const char* pszNew, std::uint32_t nRetries) = 0;
 
-  // Fields. A host may read them between operations.
+  // Fields. A host may read them between operations, and m_Transfer in OnPoll.
   std::uint32_t m_nRefCount;
-  std::uint32_t m_nWipeSize;
+  std::uint32_t m_nWipeSize;  // this and the next have no use here
   std::uint32_t m_nWipeBlock;
-  std::uint32_t* m_pWipePattern;
-  QXBool m_bOption;  // 1: listings search the bare pattern in the server's current directory
-  QXTransfer m_Transfer;
-  QXDirEntry* m_pFileBuffer;  // a pending listing
-  char m_RemoteSystem[33];    // host name without scheme; it and the next two may show a beginning (slot 25)
+  std::uint32_t* m_pWipePattern;  // the host's array for FillWipePattern; null at first
+  QXBool m_bOption;               // 1: listings search the bare pattern in the server's current directory
+  QXTransfer m_Transfer;          // of slots 39, 47 and 48
+  QXDirEntry* m_pFileBuffer;      // a pending listing; the library's
+  char m_RemoteSystem[33];  // host name without scheme; this and the next two may show a beginning (slot 25)
   char m_UserName[65];
   char m_Password[258];
-  std::uint32_t m_nPort;
-  QXBool m_bPassive;
+  std::uint32_t m_nPort;   // 21 at first; counts modulo 65536
+  QXBool m_bPassive;       // 0 at first: the server connects for data
   char m_szMessage[4144];  // the latest message line
   QXBool m_bCreated;
-  QXBool m_bInitialized;  // 0: the client cannot work, every operation fails
-  QXBool m_bConnected;
+  QXBool m_bInitialized;  // 0: the sockets did not start. What has a worker fails, and FTPConnect
+  QXBool m_bConnected;    // of slots 11 and 12, so of an operation's own connections as well
   QXBool m_bSpare;
-  CFtpFileFind* m_pFTPFileFind;
+  CFtpFileFind* m_pFTPFileFind;  // four finders on the object's connection; null without one
   CFtpFileFind* m_pFTPDirFind;
   CFtpFileFind* m_pFTPGetDir;
   CFtpFileFind* m_pFTPFileSize;
-  CFtpConnection* m_pFtpConnection;
-  TInternetSession* m_pInternetSession;
-  QXErrorInfo* m_pErrorInfo;
+  CFtpConnection* m_pFtpConnection;      // of FTPConnect
+  TInternetSession* m_pInternetSession;  // the object's own
+  QXErrorInfo* m_pErrorInfo;             // the host's, which outlives the object; null: no reports
 
  protected:
   // Only the library makes clients.

@@ -174,6 +174,7 @@ TEST_F(Wrapper, TellsNoFromDoNotKnow) {
   const auto unknown = client.fileExists("/pub/a.txt");
   EXPECT_FALSE(unknown);
   EXPECT_EQ(unknown.report().number, 12029U);
+  EXPECT_FALSE(client.removeDirectory("/pub/sub")) << "which the library calls removed";
 }
 
 TEST_F(Wrapper, MovesContentOfMemory) {
@@ -184,6 +185,7 @@ TEST_F(Wrapper, MovesContentOfMemory) {
   ASSERT_TRUE(content) << content.report().text;
   EXPECT_EQ(std::string(reinterpret_cast<const char*>(content->data()), content->size()), "first, second");
   EXPECT_EQ(client.read("/pub/empty").value().size(), 0U);
+  EXPECT_FALSE(client.read("/pub/none")) << "which the library calls empty";
   EXPECT_FALSE(client.write("/pub/mine", {}));
 }
 

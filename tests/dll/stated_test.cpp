@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+// What the public header says of polls, counters and blocks, where no other test is about it.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "QXHooks.h"
+#include "tests/dll/library.h"
+#include "tests/support/Fixture.h"
+#include "tests/support/ScratchFolder.h"
+
+namespace {
+
+// What OnPoll was asked with.
+struct Poll {
+  const void* transfer;
+  bool mayReconnect;
+};
+
+QXBool notePoll(TQXIPIFInt* client, QXHostValue, QXHostValue, QXHostValue transfer, QXBool* pbReconnect) {
+  QXClientHooks::ContextOf<std::vector<Poll>>(client).push_back(
+      {reinterpret_cast<const void*>(transfer), pbReconnect != nullptr});
+  return 0;
+}
+
+class Stated : public ClientTest {
+ protected:
+  Stated() {
+    client->FTPSetLogin("127.0.0.1", "me", "secret", server.port(), 1);
+    hooks->OnPoll = &notePoll;
+  }
+
+  fixture::ScriptedFtp server{R"({"tree": {"/pub/a.txt": "hello"}})"};
+  std::vector<Poll> polls;
+  QXClientHooks hooks{client.get(), &polls};
+};
+
+TEST_F(Stated, OnPollOfATransferGetsTheCounters) {
+  void* data = nullptr;
+  std::uint32_t size = 0;
+  ASSERT_EQ(client->FTPReadFile("/pub/a.txt", &data, &size, 0, 0, 0, 0), 1);
+  ASSERT_FALSE(polls.empty());
+  EXPECT_EQ(polls.front().transfer, &client->m_Transfer);
+  EXPECT_TRUE(polls.front().mayReconnect);
+  EXPECT_EQ(client->m_Transfer.nTransferred, 5U);
+  client->FTPFreeFileAPI(data);
+}
+
+TEST_F(Stated, OnPollOfARemovalGetsNone) {
+  ASSERT_EQ(client->FTPRmvFile("/pub/a.txt", 0, 0, 0, 0), 1);
+  ASSERT_FALSE(polls.empty());
+  EXPECT_EQ(polls.front().transfer, nullptr);
+  EXPECT_TRUE(polls.front().mayReconnect);
+}
+
+TEST_F(Stated, OnPollOfAWebDownloadGetsNoneAndCannotReconnect) {
+  const fixture::ScriptedHttp web(R"({"answers": [{"body": {"size": 50000, "seed": 7}}]})");
+  const testing_support::ScratchFolder scratch;
+  ASSERT_EQ(
+      client->HTTPDownloadFile("127.0.0.1", "/", web.port(), scratch.file("page").c_str(), nullptr, 0, 0),
+      1U);
+  ASSERT_FALSE(polls.empty());
+  EXPECT_EQ(polls.front().transfer, nullptr);
+  EXPECT_FALSE(polls.front().mayReconnect);
+}
+
+TEST_F(Stated, TheCountersStayUntilTheHostZeroesThem) {
+  void* data = nullptr;
+  std::uint32_t size = 0;
+  ASSERT_EQ(client->FTPReadFile("/pub/a.txt", &data, &size, 0, 0, 0, 0), 1);
+  client->FTPFreeFileAPI(data);
+  ASSERT_EQ(client->FTPRmvFile("/pub/a.txt", 0, 0, 0, 0), 1);
+  EXPECT_EQ(client->m_Transfer.bValid, 1);
+}
+
+TEST_F(Stated, ABlockGoesBackThroughAnyClient) {
+  void* data = nullptr;
+  std::uint32_t size = 0;
+  ASSERT_EQ(client->FTPReadFile("/pub/a.txt", &data, &size, 0, 0, 0, 0), 1);
+  EXPECT_EQ(makeClient(library(), nullptr)->FTPFreeFileAPI(data), 1);
+}
+
+TEST_F(Stated, AMissingDirectoryIsFoundGoneAndListsAsEmpty) {
+  std::uint32_t count = 7;
+  EXPECT_EQ(client->FTPGetDirectory("/none", nullptr, &count, "*.*", 0), 1);
+  EXPECT_EQ(count, 0U);
+  EXPECT_EQ(client->FTPRmvDir("/none", 0, 0, 0), 1);
+  EXPECT_EQ(error.bSet & 0xFFU, 1U);
+  EXPECT_EQ(error.nError, 0U);
+}
+
+}  // namespace
