@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
 """Measures the library against curl and others on the same servers in one run: whole files down and up, a copy in
-small pieces, a download from a web server, a long listing, and single queries. Whole processes are timed, interleaved;
+small pieces, a download from a web server, a long listing, single queries, and files over encrypted connections. Whole processes are timed, interleaved;
 the table has medians and ratios to curl's. The exit code is 1 when a target is missed."""
 
 import argparse
@@ -27,9 +27,11 @@ TARGETS = {
     "copy": {"linux": 1.2},
     "http": {"linux": 1.0},
     "listing": {"linux": 1.5},
+    "encrypted": {"linux": 1.0, "windows": 4.0},  # of curl's, and of what the same takes in plain text
 }
-WORK = ["download", "upload", "copy", "http", "listing", "queries"]
+WORK = ["download", "upload", "copy", "http", "listing", "queries", "encrypted"]
 SMALL = "/pub/small.txt"
+UPLOADED = "/pub/upload"
 # In one process, one after the other: what an operation costs a host that is running already.
 IN_A_ROW = 100
 
@@ -43,9 +45,15 @@ class Bench:
         self._curl = Curl(server)
 
     def _ours(self, build, operation, times, *arguments):
-        login = [self._server.host, str(self._server.port), self._server.user, self._server.password]
+        login = [self._host(build), str(self._server.port), self._server.user, self._server.password]
         library = build.local(build.library)
         return [*build.command("qxbench"), library, *login, operation, str(times), *map(str, arguments)]
+
+    def _host(self, build):
+        if not self._server.encrypted:
+            return self._server.host
+        # The authority of the tests is none of Wine's.
+        return f"ftpes://{self._server.host}{';verify=no' if build.windows else ''}"
 
     def _measure(self, work, curl, ours, others=()):
         """`ours` makes the contender of a build; the first of all is curl."""
@@ -69,12 +77,15 @@ class Bench:
 
         return Contender(name, command, before=lambda: target.unlink(missing_ok=True), after=check)
 
+    def _download_by(self, build, target, operation="download", local=Build.local):
+        command = self._ours(build, operation, 1, "/pub/large", local(build, target))
+        return self._fetching(build.name, command, target)
+
     def _fetch(self, work, operation, local, others=()):
         target = self._folder / "large"
 
         def ours(build):
-            command = self._ours(build, operation, 1, "/pub/large", local(build, target))
-            return self._fetching(build.name, command, target)
+            return self._download_by(build, target, operation, local)
 
         by_others = [self._fetching(peer.name, peer.download("/pub/large", target), target) for peer in others]
         by_curl = self._fetching("curl", self._curl.download("/pub/large", target), target)
@@ -106,35 +117,64 @@ class Bench:
         (self._folder / name).unlink()
         return result
 
-    def upload(self):
-        size = self._arguments.size
-        source = self._folder / "upload"
-        write_pattern(source, UP_SEED, size)
+    def _sending(self, name, command):
+        """A contender whose command carries a file up; the first result is compared in full."""
+        first = [True]
+
         # All into the same file, over what the one before has left: the memory that new files of this size take
         # costs more or less by the system's whim.
-        target = "/pub/upload"
+        def check():
+            if self._server.size(UPLOADED) != self._arguments.size:
+                raise RuntimeError(f"{name}: wrong size")
+            if first and not self._server.matches(UPLOADED, UP_SEED, self._arguments.size):
+                raise RuntimeError(f"{name}: wrong content")
+            first.clear()
 
-        def contender(name, command):
-            first = [True]
+        return Contender(name, command, after=check)
 
-            def check():
-                if self._server.size(target) != size:
-                    raise RuntimeError(f"{name}: wrong size")
-                if first and not self._server.matches(target, UP_SEED, size):
-                    raise RuntimeError(f"{name}: wrong content")
-                first.clear()
+    def _source(self):
+        source = self._folder / "upload"
+        write_pattern(source, UP_SEED, self._arguments.size)
+        return source
 
-            return Contender(name, command, after=check)
+    def _upload_by(self, build, source):
+        return self._sending(build.name, self._ours(build, "upload", 1, build.local(source), UPLOADED))
 
-        def ours(build):
-            return contender(build.name, self._ours(build, "upload", 1, build.local(source), target))
-
-        commands = {peer.name: peer.upload(source, target) for peer in others(self._server)}
-        by_others = [contender(name, command) for name, command in commands.items() if command]
-        result = self._measure("upload", contender("curl", self._curl.upload(source, target)), ours, by_others)
-        self._server.ask("put", files={target: ""})
+    def upload(self):
+        source = self._source()
+        commands = {peer.name: peer.upload(source, UPLOADED) for peer in others(self._server)}
+        by_others = [self._sending(name, command) for name, command in commands.items() if command]
+        by_curl = self._sending("curl", self._curl.upload(source, UPLOADED))
+        result = self._measure("upload", by_curl, lambda build: self._upload_by(build, source), by_others)
+        self._server.ask("put", files={UPLOADED: ""})
         source.unlink()
         return result
+
+    def encrypted(self):
+        target, source = self._folder / "large", self._source()
+        with Server(self._server.kind, encrypted=True) as server:
+            secure = Bench(server, self._builds, self._arguments, self._folder)
+            server.ask("put", files=self._large())
+            down = secure._fetching("curl", secure._curl.download("/pub/large", target), target)
+            result = secure._beside("download", down, lambda bench, build: bench._download_by(build, target), self)
+            up = secure._sending("curl", secure._curl.upload(source, UPLOADED))
+            result += secure._beside("upload", up, lambda bench, build: bench._upload_by(build, source), self)
+        for file in (target, source):
+            file.unlink()
+        self._server.ask("put", files={UPLOADED: ""})
+        return result
+
+    def _beside(self, work, curl, ours, plain):
+        """`ours(bench, build)` is a contender: over this bench's encrypted server, and `plain`'s."""
+        contenders = [curl]
+        for build in self._builds:
+            without, encrypted = ours(plain, build), ours(self, build)
+            without.name += ", plain"
+            encrypted.target = TARGETS["encrypted"].get(build.name)
+            encrypted.beside = without if build.windows else None
+            contenders += [without, encrypted]
+        interleave(contenders, self._arguments.runs)
+        return list(rows(f"encrypted {work}, {self._server.kind}", contenders, curl))
 
     def listing(self):
         entries = self._arguments.entries
@@ -156,8 +196,11 @@ class Bench:
             result += rows(f"{operation} x {IN_A_ROW}, {self._server.kind}", in_a_row)
         return result
 
+    def _large(self):
+        return {"/pub/large": {"size": self._arguments.size, "seed": DOWN_SEED}}
+
     def run(self):
-        tree = {"/pub/large": {"size": self._arguments.size, "seed": DOWN_SEED}, SMALL: "small"}
+        tree = {**self._large(), SMALL: "small"}
         self._server.ask("put", files={**tree, "/pub/many/": {"many": {"count": self._arguments.entries}}})
         for work in self._arguments.work:
             for line, met in getattr(self, work)():
@@ -215,7 +258,7 @@ def parse_arguments():
     parser.add_argument("--entries", type=int, default=100_000, help="of the listing, default 100000")
     parser.add_argument("--runs", type=int, default=5, help="default 5")
     parser.add_argument("--server", action="append", choices=["vsftpd", "pyftpdlib"], help="default: both")
-    parser.add_argument("--build", action="append", choices=["linux", "windows"], help="default: both")
+    parser.add_argument("--build", action="append", help="folders below build/, default: linux and windows")
     parser.add_argument("--work", action="append", choices=WORK, help="default: all")
     arguments = parser.parse_args()
     arguments.work = arguments.work or WORK

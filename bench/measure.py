@@ -15,6 +15,7 @@ class Contender:
     name: str
     command: list
     target: float = None  # the most that its median may be, as a multiple of curl's
+    beside: object = None  # another contender, which stands in for curl there
     before: object = None
     after: object = None
     walls: list = dataclasses.field(default_factory=list)
@@ -55,18 +56,23 @@ def interleave(contenders, runs):
 
 def rows(work, contenders, measure=None):
     """Lines of the table for one piece of work, and whether each met its target: a multiple of `measure`'s median."""
-    base = statistics.median(measure.walls) if measure else None
     for contender in contenders:
+        base = contender.beside or measure
         wall = statistics.median(contender.walls)
-        ratio = f"{wall / base:.2f}" if base else ""
-        target = f"<= {contender.target:g}" if contender.target else ""
-        met = not contender.target or wall / base <= contender.target
+        ratio = wall / statistics.median(base.walls) if base else None
+        met = not contender.target or ratio <= contender.target
         yield (
             f"| {work} | {contender.name} | {wall:.3f} ({min(contender.walls):.3f} - {max(contender.walls):.3f}) "
             f"| {statistics.median(contender.processors):.3f} "
-            f"| {_median_text(contender.inner)} | {ratio} | {target}{'' if met else ' MISSED'} |",
+            f"| {_median_text(contender.inner)} | {_ratio_text(contender, ratio)} "
+            f"| {f'<= {contender.target:g}' if contender.target else ''}{'' if met else ' MISSED'} |",
             met,
         )
+
+
+def _ratio_text(contender, ratio):
+    whose = f" of {contender.beside.name}" if contender.beside else ""
+    return f"{ratio:.2f}{whose}" if ratio else ""
 
 
 def _median_text(values):

@@ -23,7 +23,8 @@ class Curl(Peer):
 
     def _command(self, remote, *options):
         login = f"{self._server.user}:{self._server.password}"
-        return ["curl", "-s", "-S", "-u", login, *options, self._address + remote]
+        encryption = ["--ssl-reqd", "--cacert", self._server.authority] if self._server.encrypted else []
+        return ["curl", "-s", "-S", "-u", login, *encryption, *options, self._address + remote]
 
     def download(self, remote, local):
         return self._command(remote, "-o", str(local))

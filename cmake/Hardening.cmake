@@ -2,7 +2,8 @@
 # The protections of the code that a host loads: it reads from the network. The rooms of the product link this; tests
 # and borrowed code do not, and sanitizers have better ones of their own.
 add_library(qx_hardening INTERFACE)
-if(QX_SANITIZE MATCHES "address|thread")
+option(QX_HARDENED "Build with them; without, tools/bench can tell what they cost" ON)
+if(NOT QX_HARDENED OR QX_SANITIZE MATCHES "address|thread")
   return()
 endif()
 

@@ -27,16 +27,24 @@ def run_under_fixture(scratch=None):
 
 
 class Server:
-    """One server of the kind "pyftpdlib" or "vsftpd". It ends with `with`, at the latest with the script."""
+    """One server of the kind "pyftpdlib" or "vsftpd". It ends with `with`, at the latest with the script.
 
-    def __init__(self, kind):
+    Where it is `encrypted` it takes no plain login. Programs that go by the environment for it trust its `authority`.
+    """
+
+    def __init__(self, kind, encrypted=False):
         self.kind = kind
+        self.encrypted = encrypted
         self._socket = socket.create_connection(("127.0.0.1", int(os.environ["QX_FIXTURE_PORT"])))
         self._answers = self._socket.makefile("r", encoding="utf-8")
-        started = self._request(op="start", kind=kind, script={})
+        # Wine's TLS resumes no sessions, as servers usually want it of data connections.
+        started = self._request(op="start", kind=kind, script={"tls": {"reuse": False}} if encrypted else {})
         self._number = started["id"]
         self.host, self.port = started["host"], started["port"]
         self.user, self.password = started["user"], started["password"]
+        self.authority = f"{os.environ['QX_FIXTURE_DIR']}/certificates/authority.pem"
+        if encrypted:
+            os.environ["SSL_CERT_FILE"] = self.authority
 
     def __enter__(self):
         return self
@@ -114,7 +122,7 @@ class Build:
 
     def __init__(self, name):
         self.name = name
-        self.windows = name == "windows"
+        self.windows = name.startswith("windows")
         self.folder = ROOT / "build" / name / "bin"
         self.library = self.folder / ("ZRM_QXKT32x64.dll" if self.windows else "libZRM_QXKT32x64.so")
 
