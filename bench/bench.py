@@ -1,8 +1,9 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
 """Measures the library against curl and others on the same servers in one run: whole files down and up, a copy in
-small pieces, a download from a web server, a long listing, single queries, and files over encrypted connections. Whole processes are timed, interleaved;
-the table has medians and ratios to curl's. The exit code is 1 when a target is missed."""
+small pieces, a download from a web server, a long listing, single queries, and files over encrypted connections. Whole
+processes are timed, interleaved; the table has medians and ratios to curl's, or to the plain connection's under Wine.
+The exit code is 1 when a target is missed."""
 
 import argparse
 import os

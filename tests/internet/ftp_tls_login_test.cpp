@@ -216,6 +216,14 @@ TEST_F(FtpTlsLogin, GarbageInAFlightIsAFailure) {
   }
 }
 
+// A second handshake could lead to somebody else.
+TEST_F(FtpTlsLogin, NobodyShakesHandsTwice) {
+  const fixture::ScriptedTls server(R"({"connections": [{"renegotiates": true}]})");
+  EXPECT_EQ(failureBy("ftps://", server).error, 12157u);
+  server.waitUntilClosed(1);
+  EXPECT_EQ(server.log().at("closed").at(0).at("how"), "refused");
+}
+
 TEST_F(FtpTlsLogin, ASilentHandshakeIs12002) {
   session.SetTimeouts(shortTimeouts());
   const json spoil = {{"stream", "control"}, {"flight", 1}, {"how", "stall"}, {"gate", "never"}};
