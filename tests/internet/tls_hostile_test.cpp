@@ -123,7 +123,7 @@ TEST(TlsHostile, AWaitThatGivesUpGivesNoStream) {
 // What one handshake keeps, some hundred make visible. QX_HANDSHAKES asks for more of them.
 TEST(TlsHostile, HandshakesLeaveNothingBehind) {
   const char* const more = std::getenv("QX_HANDSHAKES");
-  const int logins = more ? std::atoi(more) / 2 : 60;  // two handshakes each
+  const int logins = more ? std::stoi(more) / 2 : 60;  // two handshakes each
   constexpr std::uint64_t kMost = std::uint64_t{QX_MEMORY_SLACK_MIB} << 20U;
   Peer peer(R"({"connections": [{"steps": [{"send": {"text": "220"}}]}]})");
   const auto once = [&] {
