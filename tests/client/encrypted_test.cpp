@@ -51,6 +51,35 @@ TEST_F(Encrypted, AWebDownloadThatIsCutIsNoSuccess) {
   boxesOf([&] { EXPECT_EQ(downloadFrom("https://127.0.0.1", server), 0u); });
 }
 
+TEST_F(Encrypted, AWholeWebDownloadWithoutTheLastWordIsWhole) {
+  const fixture::ScriptedHttp server(
+      web(json::object(), {{"body", {{"size", 50'000}}}, {"unsaid", true}, {"end", "close"}}));
+  EXPECT_EQ(downloadFrom("https://127.0.0.1", server), 1u);
+  EXPECT_EQ(std::filesystem::file_size(local), 50'000u);
+}
+
+// Nobody knows whether it is whole.
+TEST_F(Encrypted, AWebDownloadOfUnknownSizeWithoutTheLastWordIsNoSuccess) {
+  json answer = {{"body", {{"size", 50'000}}}, {"framing", "close"}};
+  EXPECT_EQ(downloadFrom("https://127.0.0.1", fixture::ScriptedHttp(web(json::object(), answer))), 1u);
+  std::filesystem::remove(local);
+  answer["unsaid"] = true;
+  const fixture::ScriptedHttp server(web(json::object(), answer));
+  const auto boxes = boxesOf([&] { EXPECT_EQ(downloadFrom("https://127.0.0.1", server), 0u); });
+  EXPECT_EQ(boxes.size(), 1u);
+}
+
+TEST_F(Encrypted, ACancelLeavesAWebServerThatStallsInItsHandshake) {
+  for (const char* newest : {"1.2", "1.3"}) {
+    const json spoil = {{"stream", "control"}, {"flight", 1}, {"how", "stall"}, {"gate", "never"}};
+    const fixture::ScriptedHttp server(web({{"newest", newest}, {"spoil", spoil}}));
+    int polls = 0;
+    client.poll = [&](auto...) -> QXBool { return ++polls == 3; };
+    EXPECT_TRUE(boxesOf([&] { EXPECT_EQ(downloadFrom("https://127.0.0.1", server), 0u); }).empty());
+    EXPECT_EQ(polls, 3) << newest;
+  }
+}
+
 TEST_F(Encrypted, ALoginAtAnExpiredCertificateTellsTheHost) {
   const fixture::ScriptedFtp server(ftp({{"certificate", "expired"}}));
   EXPECT_EQ(connectBy("ftpes://127.0.0.1", server), 0);
