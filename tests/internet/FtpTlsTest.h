@@ -34,12 +34,10 @@ class FtpTlsTest : public FtpTest {
     return std::unique_ptr<CFtpConnection>(
         session.GetFtpConnection(host.c_str(), "user", "secret", server.port(), passive));
   }
-  // Where the system cannot be told to trust the authority of the tests, its certificates are not checked.
   static std::string hostText(const std::string& scheme, const fixture::Server& server,
                               const std::string& options = {}) {
-    if constexpr (!kWindows) testing_support::trustTestAuthority();
-    const bool unchecked = kWindows && options.empty() && !scheme.empty();
-    return scheme + server.host() + (unchecked ? ";verify=no" : options);
+    if (!scheme.empty()) testing_support::trustTestAuthority();
+    return scheme + server.host() + options;
   }
   Thrown failureBy(const std::string& scheme, const fixture::Server& server,
                    const std::string& options = {}) {
