@@ -2,42 +2,14 @@
 // A test at one real server, plain or encrypted, in passive or in active mode.
 #pragma once
 
-#include <algorithm>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "tests/client/TransferTest.h"
+#include "tests/support/RealServerKind.h"
 #include "tests/support/TestTrust.h"
-
-// Kind of the server, and whether the mode is passive. Behind a kind, and a blank, stands what the host's
-// text has in front of the name, and its options: "vsftpd ftps://;tls=1.2".
-using ServerAndMode = std::tuple<const char*, bool>;
-
-// The system's TLS under Wine resumes no session, and takes no authority of ours.
-inline constexpr bool kOwnTls = std::filesystem::path::preferred_separator == '/';
-
-struct ServerKind {
-  explicit ServerKind(const std::string& text)
-      : kind(text.substr(0, text.find(' '))),
-        scheme(text.substr(std::min(kind.size() + 1, text.size()))),
-        options(scheme.substr(std::min(scheme.find(';'), scheme.size()))) {
-    scheme.resize(scheme.size() - options.size());
-    if (!kOwnTls && !scheme.empty()) options += ";verify=no";
-  }
-  [[nodiscard]] std::string script() const {
-    if (scheme.empty()) return "{}";
-    const std::string implicit = scheme == "ftps://" ? "true" : "false";
-    return R"({"tls": {"implicit": )" + implicit + R"(, "reuse": )" + (kOwnTls ? "true" : "false") + "}}";
-  }
-
-  std::string kind;
-  std::string scheme;
-  std::string options;
-};
 
 // The servers of a program, one of each kind for all its tests: starting one costs more than a test.
 class RunningServers : public testing::Environment {
@@ -67,7 +39,7 @@ class RealServersTest : public TransferTest, public testing::WithParamInterface<
   const bool passive = std::get<1>(GetParam());
 
   void SetUp() override {
-    if constexpr (kOwnTls) testing_support::trustTestAuthority();
+    if (!serverKind.scheme.empty()) testing_support::trustTestAuthority();
     client.FTPSetLogin(host.c_str(), server.user().c_str(), server.password().c_str(), server.port(),
                        passive ? 1 : 0);
   }
@@ -78,23 +50,14 @@ class RealServersTest : public TransferTest, public testing::WithParamInterface<
   }
 };
 
-inline constexpr const char* kServerKinds[] = {"vsftpd", "pyftpdlib", "proftpd", "pure-ftpd",
-                                               "inetutils-ftpd"};
-
 // Each kind in plain text; and, where the system's TLS can resume sessions, encrypted.
 inline auto inBothModes() {
   std::vector<ServerAndMode> all;
   for (const char* kind : kServerKinds) all.insert(all.end(), {{kind, false}, {kind, true}});
-  if (kOwnTls) {
+  if (kResumesSessions) {
     all.insert(all.end(), {{"vsftpd ftpes://", true}, {"vsftpd ftps://;tls=1.2", false}});
     all.insert(all.end(), {{"proftpd ftpes://", false}, {"proftpd ftps://;tls=1.2", true}});
     all.insert(all.end(), {{"pure-ftpd ftpes://", true}, {"pyftpdlib ftpes://;tls=1.2", true}});
   }
   return testing::ValuesIn(all);
-}
-
-inline std::string serverAndModeName(const testing::TestParamInfo<ServerAndMode>& instance) {
-  std::string name = std::get<0>(instance.param);
-  std::erase_if(name, [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); });
-  return name + (std::get<1>(instance.param) ? "Passive" : "Active");
 }

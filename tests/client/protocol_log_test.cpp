@@ -3,11 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "tests/client/HttpDownloadTest.h"
+#include "tests/client/LoggingClient.h"
 #include "tests/client/ServerTest.h"
 #include "tests/support/ScratchFolder.h"
 
@@ -21,26 +21,6 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 using namespace std::string_view_literals;
-
-class LoggingClient final : public TQXIP {
- public:
-  LoggingClient() : TQXIP(nullptr) {}
-  ~LoggingClient() = default;
-
-  void OnStatus(const char* text) override {
-    const std::lock_guard lock(m_mutex);
-    m_lines.emplace_back(text);
-  }
-  // What has come since the last call.
-  std::vector<std::string> takeLines() {
-    const std::lock_guard lock(m_mutex);
-    return std::exchange(m_lines, {});
-  }
-
- private:
-  std::mutex m_mutex;
-  std::vector<std::string> m_lines;
-};
 
 class ProtocolLog : public ServerTest {
  protected:

@@ -22,11 +22,7 @@ TEST_P(EachWay, MovesEverythingOverTheSessionOfTheLogin) {
       {"newest", way.newest}, {"handshake_first", way.handshakeFirst}, {"implicit", way.implicit}};
   ScriptedFtp server(script(tls));
   auto connection = connectBy(way.implicit ? "ftps://" : "ftpes://", server, {}, way.passive);
-  for (int i = 0; i < 2; ++i) {
-    expectReads(*connection);
-    expectWrites(*connection, server);
-    expectLists(*connection);
-  }
+  expectSixTransfers(*connection, server);
   const json data = dataOf(server);
   ASSERT_EQ(data.size(), 6u);
   for (const json& each : data) {
