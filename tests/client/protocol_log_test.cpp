@@ -10,6 +10,7 @@
 #include "tests/client/LoggingClient.h"
 #include "tests/client/ServerTest.h"
 #include "tests/support/ScratchFolder.h"
+#include "tests/support/TestTrust.h"
 
 namespace {
 
@@ -84,6 +85,17 @@ TEST_F(ProtocolLog, TellsAnHttpRequestAndItsAnswer) {
             1u);
   EXPECT_THAT(host.takeLines(), ElementsAre(StartsWith("* connected to "), "> GET /file HTTP/1.1",
                                             StartsWith("< HTTP/1.1 200")));
+}
+
+TEST_F(ProtocolLog, TellsTheEncryptionOfAWebDownload) {
+  const fixture::ScriptedHttp web(R"({"tls": {}, "answers": [{"body": {"size": 10}}]})"sv);
+  const testing_support::ScratchFolder folder;
+  testing_support::trustTestAuthority();
+  EXPECT_EQ(host.HTTPDownloadFile("https://127.0.0.1", "/file", web.port(),
+                                  testing_support::localName(folder.file("file")).c_str(), nullptr, 0, 0),
+            1u);
+  EXPECT_THAT(host.takeLines(), ElementsAre(StartsWith("* connected to "), StartsWith("* TLS 1."),
+                                            "> GET /file HTTP/1.1", StartsWith("< HTTP/1.1 200")));
 }
 
 }  // namespace

@@ -67,7 +67,7 @@ void HttpExchange::send() {
 
 void HttpExchange::connect() {
   std::optional<TlsLogin> tls;
-  if (server_.encrypted()) tls.emplace(server_.name, server_.tls);
+  if (server_.encrypted()) tls.emplace(server_.name, server_.tls, false);
   sock_ = dialer_.connect({server_.encrypted() ? "https" : "http", server_.name, server_.port});
   dialer_.notify(kStatusConnected);
   if (!tls) return;

@@ -53,10 +53,11 @@ class TlsSock : public Sock {
 
 }  // namespace
 
-TlsLogin::TlsLogin(std::string server, const TlsPolicy& policy)
+TlsLogin::TlsLogin(std::string server, const TlsPolicy& policy, bool resumesData)
     : server_(std::move(server)), policy_(policy) {
   std::string reason;
-  context_ = platform::makeTlsContext({.server = server_, .onlyTls12 = policy.onlyTls12}, reason);
+  context_ = platform::makeTlsContext(
+      {.server = server_, .onlyTls12 = policy.onlyTls12, .resumesData = resumesData}, reason);
   if (!context_) fail(kSecureChannelFailed, reason);
 }
 

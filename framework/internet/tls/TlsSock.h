@@ -15,8 +15,9 @@ namespace internet {
 // What the connections of one login share: whom they expect and how they resume.
 class TlsLogin {
  public:
-  // Fails (internet::Failure) with 12157 where the system has no TLS.
-  TlsLogin(std::string server, const TlsPolicy& policy);
+  // Fails (internet::Failure) with 12157 where the system has no TLS. Without `resumesData` nothing has to
+  // resume the first connection's session, and the newest version of the system's TLS will do.
+  explicit TlsLogin(std::string server, const TlsPolicy& policy, bool resumesData = true);
 
   // Takes the socket over and shakes hands. Fails with 12002 (deadline), 12030 and 12031 (the connection
   // broke), 12157 (the handshake failed), 12044 (a certificate of ours is wanted), and for the server's own
