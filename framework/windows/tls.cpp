@@ -156,11 +156,11 @@ class SystemStream final : public TlsStream {
     return security_.QueryContextAttributesW(&handle_, attribute, answer) == SEC_E_OK;
   }
 
-  [[nodiscard]] bool isTls13() const noexcept {
+  [[nodiscard]] bool speaks(DWORD versions) const noexcept {
     SecPkgContext_ConnectionInfo connection{};
-    return query(SECPKG_ATTR_CONNECTION_INFO, &connection) &&
-           (connection.dwProtocol & SP_PROT_TLS1_3_CLIENT) != 0;
+    return query(SECPKG_ATTR_CONNECTION_INFO, &connection) && (connection.dwProtocol & versions) != 0;
   }
+  [[nodiscard]] bool isTls13() const noexcept { return speaks(SP_PROT_TLS1_3_CLIENT); }
 
   [[nodiscard]] TlsBytes received() noexcept {
     return {reinterpret_cast<const unsigned char*>(in_.data()), in_.size()};
@@ -254,6 +254,10 @@ class SystemStream final : public TlsStream {
   void finish() {
     open_ = query(SECPKG_ATTR_STREAM_SIZES, &sizes_);
     if (!open_) fail(SEC_E_INTERNAL_ERROR);
+    // Where TLS 1.3 is wanted, too, Wine takes whatever the server has.
+    if (open_ && !speaks(SP_PROT_TLS1_2_CLIENT | SP_PROT_TLS1_3_CLIENT)) {
+      failAs("the server speaks neither TLS 1.2 nor 1.3");
+    }
   }
 
   std::size_t takePlain(char* buffer, std::size_t size) noexcept {

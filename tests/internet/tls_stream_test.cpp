@@ -150,6 +150,15 @@ TEST(TlsStream, SpeaksTls12AloneWhereThatIsWanted) {
   EXPECT_THAT(peer.login->description(), StartsWith("TLS 1.2, TLS_ECDHE_"));
 }
 
+// Under Wine a login whose data resumes nothing took it.
+TEST(TlsStream, AServerOfAnOlderVersionIsRefused) {
+  const Peer peer(R"({"newest": "1.1"})");
+  for (const bool resumesData : {true, false}) {
+    TlsLogin login(kName, {}, resumesData);
+    EXPECT_EQ(failureOf([&] { secured(login, peer.server); }).error, kSecureChannelFailed) << resumesData;
+  }
+}
+
 TEST(TlsStream, LoginsOnSeveralThreadsKeepOutOfEachOthersWay) {
   constexpr std::uint64_t kSize = 100'000;
   const fixture::ScriptedTls server(
