@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The functions that the library exports, undecorated. Call them from one thread.
+// The functions that the library exports, undecorated, in C99 and in C++; QXDialogs.h has those of the
+// dialogs. A client belongs to one thread at a time. FreeQXIPIFInstance, DllAddRef and DllRelease may be
+// called from any.
 #pragma once
 
 #include "QXClientTable.h"

@@ -2,6 +2,7 @@
 // A host in C99: what its compiler makes of the public headers, and how it works with a client.
 #pragma once
 
+#include "QXDialogs.h"
 #include "QXExports.h"
 #include "QXHooks.h"
 
