@@ -156,6 +156,7 @@ TEST_P(ScriptedProxies, ThatStallAtAnyStepEndTheTimeOfAConnection) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(connectByName(), 0);
     EXPECT_EQ(record.nError, 12002u) << step;
+    EXPECT_THAT(std::string(record.szText), HasSubstr("roxy")) << step;
     EXPECT_GE(std::chrono::steady_clock::now() - start, 100ms);
     proxy.waitFor(R"({"closed": 1})");
   }
