@@ -174,6 +174,8 @@ class TQXIPIFInt {
   // "/"; nPort modulo 65536, 0 is 80. The length is what has come of the body when it is asked. Where the
   // local file cannot be made or written, the call throws the library's file exception, a pointer to a class
   // that hosts cannot name: make sure of the folder before.
+  //   Proxies: as in slot 25, but an HTTP proxy gets the request with the whole address unless the server is
+  // "https://"; a login that it wants and does not get (407) is a failure of the network.
   virtual std::uint32_t HTTPDownloadFile(const char* pszServer, const char* pszObject, std::uint32_t nPort,
                                          const char* pszLocalFile, std::uint64_t* pnLength,
                                          QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
@@ -183,7 +185,8 @@ class TQXIPIFInt {
   // Slots 23 to 30: connection. The first two write a line and a report, too.
   virtual QXBool FTPSetFirewall(std::uint32_t nKind, QXBool bFlag,
                                 QXHostValue nValue) = 0;                       // not supported: 0
-  virtual QXBool FTPSetProxy(const char* pszProxy, std::uint32_t nValue) = 0;  // not supported: 0
+  // Not supported: 0. The proxies that the system's settings name are used in any case (slot 25).
+  virtual QXBool FTPSetProxy(const char* pszProxy, std::uint32_t nValue) = 0;
   // Stores login data; null user or password keeps what is stored. The host is a name or an address, perhaps
   // behind "ftp://"; an address of IPv6 may stand in brackets ("[::1]", "[fe80::1%eth0]").
   // Behind "ftpes://" the connection is encrypted before the login (AUTH TLS), behind "ftps://" from its
@@ -198,6 +201,11 @@ class TQXIPIFInt {
   // whole character, and the whole counts for as long as the field is left alone; the field itself, given
   // here again, stands for the whole. What a host writes into a field counts from then on. A longer text
   // leaves its field empty, and until the text is replaced no operation logs in: each fails with 87.
+  //   Proxies: where the system's settings name one for the host (Linux: ftp_proxy, all_proxy, no_proxy in the
+  // environment; Windows: the user's Internet settings), every connection goes through it, by SOCKS 5 or by
+  // CONNECT of an HTTP proxy. It resolves the host's name, and all data connections are passive then,
+  // whatever bPassive says. What it refuses fails with 12029, one without an address with 12007, a silent one
+  // with 12002, each with a text that names the proxy. docs/proxies.md has more.
   // Always 1.
   virtual QXBool FTPSetLogin(const char* pszHost, const char* pszUser, const char* pszPassword,
                              std::uint32_t nPort, QXBool bPassive) = 0;
