@@ -1,21 +1,33 @@
 // SPDX-License-Identifier: MIT
 // Addresses of IPv6 as people write them. One in brackets was looked up as a name with brackets in it, which
 // nobody has: 12007.
+#include <nlohmann/json.hpp>
+
 #include "tests/client/TransferTest.h"
+#include "tests/support/TestTrust.h"
 
 namespace {
-
-constexpr const char* kTree = R"({"host": "::1", "tree": {"/a": "four", "/pub/": {}}})";
 
 struct Way {
   const char* name;
   const char* host;
   bool passive;
+  const char* tls = nullptr;  // what the server's script says of it
 };
+
+nlohmann::json script(const Way& way) {
+  auto result = nlohmann::json::parse(R"({"host": "::1", "tree": {"/a": "four", "/pub/": {}}})");
+  if (way.tls) result["tls"] = nlohmann::json::parse(way.tls);
+  return result;
+}
 
 class Ipv6Host : public TransferTest, public testing::WithParamInterface<Way> {
  protected:
-  const fixture::ScriptedFtp server{kTree};
+  Ipv6Host() {
+    if (GetParam().tls) testing_support::trustTestAuthority();
+  }
+
+  const fixture::ScriptedFtp server{script(GetParam())};
 
   QXBool connect() {
     return client.FTPConnect(GetParam().host, "user", "secret", server.port(), GetParam().passive ? 1 : 0, 0,
@@ -41,15 +53,18 @@ TEST_P(Ipv6Host, DataTakesTheSameWay) {
   ASSERT_EQ(data.size(), 1u);
   EXPECT_EQ(data[0].peer, "::1");
   EXPECT_EQ(data[0].mode, GetParam().passive ? "passive" : "active");
+  EXPECT_EQ(server.log().at("data").at(0).at("tls").is_string(), GetParam().tls != nullptr);
 }
 
-INSTANTIATE_TEST_SUITE_P(Texts, Ipv6Host,
-                         testing::Values(Way{"Bare", "::1", true}, Way{"Bracketed", "[::1]", true},
-                                         Way{"BracketedActive", "[::1]", false},
-                                         Way{"BehindAScheme", "ftp://[::1]", true},
-                                         Way{"BareBehindAScheme", "FTP://::1", true},
-                                         Way{"WrittenOut", "[0:0:0:0:0:0:0:1]", true}),
-                         [](const auto& instance) { return instance.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    Texts, Ipv6Host,
+    testing::Values(Way{"Bare", "::1", true}, Way{"Bracketed", "[::1]", true},
+                    Way{"BracketedActive", "[::1]", false}, Way{"BehindAScheme", "ftp://[::1]", true},
+                    Way{"BareBehindAScheme", "FTP://::1", true}, Way{"WrittenOut", "[0:0:0:0:0:0:0:1]", true},
+                    Way{"Encrypted", "ftpes://[::1]", true, "{}"},
+                    Way{"EncryptedActive", "ftpes://[::1]", false, "{}"},
+                    Way{"EncryptedFromTheStart", "ftps://[::1]", true, R"({"implicit": true})"}),
+    [](const auto& instance) { return instance.param.name; });
 
 TEST(Ipv6, TheFieldHasTheHostAsItWasGiven) {
   RecordingClient client;
