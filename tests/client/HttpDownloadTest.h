@@ -32,6 +32,15 @@ class HttpDownloadTest : public TransferTest {
                                    nullptr, 11, 22);
   }
 
+  // What OnPoll is asked with: the host's two values, and nothing of a transfer or a connection.
+  static void expectDownloads(QXHostValue first, QXHostValue second, QXHostValue transfer,
+                              const QXBool* reconnect) {
+    EXPECT_EQ(first, 11u);
+    EXPECT_EQ(second, 22u);
+    EXPECT_EQ(transfer, 0u);
+    EXPECT_EQ(reconnect, nullptr);
+  }
+
   template <class Work>
   static std::vector<testing_support::ModalBox> boxesOf(Work work) {
     return testing_support::modalBoxesOf(work);

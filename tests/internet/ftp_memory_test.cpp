@@ -52,18 +52,27 @@ TEST_F(FtpMemory, TheSizeThatIsAnnouncedBehindAnotherPreliminaryReplyCounts) {
   }
 }
 
+// Has listed an empty directory; its next data connection is on the way, and gets no further by itself.
+class FtpMemoryConnecting : public FtpMemory {
+ protected:
+  Far far;
+  std::unique_ptr<CFtpConnection> connection = login();
+  CFtpFileFind finder{connection.get()};
+
+  void listsAndConnects() {
+    far.server.answers["LIST"] = "150 Here\r\n226 Done\r\n";
+    far.server.onCommand = [&](const std::string& line) {
+      if (line == "LIST") far.server.data->server = testing_support::MemoryLink::End::ended;
+    };
+    EXPECT_EQ(errorOf([&] { return finder.FindFile("/d/*"); }), platform::kErrorNoMoreFiles) << "works";
+    far.server.passiveState = testing_support::MemoryLink::State::connecting;
+  }
+};
+
 // A reset can come before the client has seen its connection stand, and the refusal with it. The rows that
 // went with the reset are lost all the same.
-TEST_F(FtpMemory, AListingThatIsResetWhileItBeginsIsBrokenNotRefused) {
-  Far far;
-  auto connection = login(true);
-  CFtpFileFind finder(connection.get());
-  far.server.answers["LIST"] = "150 Here\r\n226 Done\r\n";
-  far.server.onCommand = [&](const std::string& line) {
-    if (line == "LIST") far.server.data->server = testing_support::MemoryLink::End::ended;
-  };
-  EXPECT_EQ(errorOf([&] { return finder.FindFile("/d/*"); }), platform::kErrorNoMoreFiles) << "works";
-  far.server.passiveState = testing_support::MemoryLink::State::connecting;
+TEST_F(FtpMemoryConnecting, AListingThatIsResetWhileItBeginsIsBrokenNotRefused) {
+  listsAndConnects();
   far.server.onCommand = [&](const std::string& line) {
     if (line == "LIST") far.server.data->state = testing_support::MemoryLink::State::refused;
   };
@@ -74,16 +83,8 @@ TEST_F(FtpMemory, AListingThatIsResetWhileItBeginsIsBrokenNotRefused) {
 }
 
 // Its two connections ended in either order, and with the order the number changed.
-TEST_F(FtpMemory, AServerThatLeavesBeforeTheDataConnectionStandsHasBrokenTheConnection) {
-  Far far;
-  auto connection = login(true);
-  CFtpFileFind finder(connection.get());
-  far.server.answers["LIST"] = "150 Here\r\n226 Done\r\n";
-  far.server.onCommand = [&](const std::string& line) {
-    if (line == "LIST") far.server.data->server = testing_support::MemoryLink::End::ended;
-  };
-  EXPECT_EQ(errorOf([&] { return finder.FindFile("/d/*"); }), platform::kErrorNoMoreFiles) << "works";
-  far.server.passiveState = testing_support::MemoryLink::State::connecting;
+TEST_F(FtpMemoryConnecting, AServerThatLeavesBeforeTheDataConnectionStandsHasBrokenTheConnection) {
+  listsAndConnects();
   far.server.answers["RETR"] = "";
   far.server.onCommand = [&](const std::string& line) {
     if (!line.starts_with("RETR")) return;

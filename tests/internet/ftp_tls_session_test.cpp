@@ -16,8 +16,11 @@ class EachRefusal : public FtpTlsTransfer, public testing::WithParamInterface<st
  protected:
   const json tls = wantsSession(std::get<0>(GetParam()), std::get<1>(GetParam()));
 
-  // One connection of TLS 1.3 that was refused, and one of 1.2.
-  static void expectOnceMore(const ScriptedFtp& server, const char* verb) {
+  // The first attempt of `work` is refused over TLS 1.3, the next one is done over 1.2.
+  template <class Work>
+  void expectOnceMore(const char* verb, Work work) {
+    const ScriptedFtp server(script(tls));
+    work(*connectBy("ftpes://", server), server);
     EXPECT_EQ(server.connections().size(), 2u);
     const json data = dataOf(server);
     ASSERT_EQ(data.size(), 2u);
@@ -30,24 +33,15 @@ class EachRefusal : public FtpTlsTransfer, public testing::WithParamInterface<st
 };
 
 TEST_P(EachRefusal, ReadsOnceMoreOverTls12) {
-  ScriptedFtp server(script(tls));
-  auto connection = connectBy("ftpes://", server);
-  expectReads(*connection);
-  expectOnceMore(server, "RETR");
+  expectOnceMore("RETR", [](auto& connection, auto&) { expectReads(connection); });
 }
 
 TEST_P(EachRefusal, WritesOnceMoreOverTls12) {
-  ScriptedFtp server(script(tls));
-  auto connection = connectBy("ftpes://", server);
-  expectWrites(*connection, server);
-  expectOnceMore(server, "STOR");
+  expectOnceMore("STOR", [](auto& connection, auto& server) { expectWrites(connection, server); });
 }
 
 TEST_P(EachRefusal, ListsOnceMoreOverTls12) {
-  ScriptedFtp server(script(tls));
-  auto connection = connectBy("ftpes://", server);
-  expectLists(*connection);
-  expectOnceMore(server, "MLSD");
+  expectOnceMore("MLSD", [](auto& connection, auto&) { expectLists(connection); });
 }
 
 TEST_P(EachRefusal, IsRememberedForTheServer) {
