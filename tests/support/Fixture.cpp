@@ -103,8 +103,6 @@ std::vector<std::string> FileServer::names(const std::string& directory) const {
 
 ScriptedFtp::ScriptedFtp(std::string_view script) : ScriptedFtp(parsed(script)) {}
 
-ScriptedFtp::ScriptedFtp(const json& script) : FileServer("ftp-script", script) {}
-
 std::vector<std::string> ScriptedFtp::commands() const { return log().at("commands"); }
 
 std::vector<std::string> ScriptedFtp::commands(int connection) const {
@@ -179,8 +177,6 @@ std::string RealServer::folder() const { return started().at("folder"); }
 int RealServer::connectionCount() const { return log().at("connections"); }
 
 ScriptedHttp::ScriptedHttp(std::string_view script) : ScriptedHttp(parsed(script)) {}
-
-ScriptedHttp::ScriptedHttp(const json& script) : Server("http-script", script) {}
 
 std::vector<std::string> ScriptedHttp::requests() const {
   std::vector<std::string> all;

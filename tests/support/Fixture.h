@@ -5,6 +5,7 @@
 // Every function may be called from any thread. A refused request (a misspelt key, ...) throws FixtureError.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
 #include <stdexcept>
@@ -13,6 +14,10 @@
 #include <vector>
 
 namespace fixture {
+
+// A value and no text, which would become one: a script's text is parsed.
+template <typename Type>
+concept Json = std::same_as<Type, nlohmann::json>;
 
 struct FixtureError : std::runtime_error {
   using std::runtime_error::runtime_error;
@@ -91,7 +96,7 @@ class ScriptedFtp : public FileServer {
  public:
   // `script` is JSON; {} is a well-behaved empty server.
   explicit ScriptedFtp(std::string_view script = "{}");
-  explicit ScriptedFtp(const nlohmann::json& script);
+  explicit ScriptedFtp(const Json auto& script) : FileServer("ftp-script", script) {}
 
   // Command lines without line end, Latin-1 bytes as UTF-8: of all connections in the order of arrival, or of
   // one.
@@ -142,7 +147,7 @@ class ScriptedHttp : public Server {
  public:
   // `script` is JSON; {} answers every request with an empty 200.
   explicit ScriptedHttp(std::string_view script = "{}");
-  explicit ScriptedHttp(const nlohmann::json& script);
+  explicit ScriptedHttp(const Json auto& script) : Server("http-script", script) {}
 
   // Every byte of the request heads, in the order of their coming.
   [[nodiscard]] std::vector<std::string> requests() const;
