@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "framework/internet/FtpFileFind.h"
@@ -14,6 +15,11 @@ struct Found {
   std::uint64_t length = 0;
   std::uint32_t attributes = 0;
   std::int64_t time = 0;
+
+  static Found file(std::string name, std::uint64_t length = 0) {
+    return {.name = std::move(name), .length = length};
+  }
+  static Found directory(std::string name) { return {.name = std::move(name), .isDirectory = true}; }
 };
 
 class ScriptedFinder final : public CFtpFileFind {

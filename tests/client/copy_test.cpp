@@ -8,14 +8,13 @@
 
 namespace {
 
-std::string serving(std::size_t size) {
-  return "{\"tree\": {\"/a\": {\"size\": " + std::to_string(size) + ", \"seed\": 7}}}";
-}
-
 class Copy : public ContentTest {
  protected:
   const std::string target = localName(local);
 
+  static std::string serving(std::size_t size) {
+    return "{\"tree\": {\"/a\": {\"size\": " + std::to_string(size) + ", \"seed\": 7}}}";
+  }
   QXBool copy(const std::string& from, const std::string& to, std::uint32_t retries = 0) {
     return client.FTPCpyFile(from.c_str(), to.c_str(), nullptr, retries, 0, 0);
   }

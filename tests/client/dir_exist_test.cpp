@@ -14,9 +14,6 @@ namespace {
 constexpr int kLine = 4746;
 using Names = std::vector<std::string>;
 
-Found directory(std::string name) { return {.name = std::move(name), .isDirectory = true}; }
-Found file(std::string name) { return {.name = std::move(name)}; }
-
 class DirExist : public testing::Test {
  protected:
   QXErrorInfo record{};
@@ -37,95 +34,96 @@ TEST_F(DirExist, TheRootIsThereInEverySpellingWithoutAListing) {
 }
 
 TEST_F(DirExist, AsksTheParentForItsEntriesAnew) {
-  finder.answersWith({directory("data")});
+  finder.answersWith({Found::directory("data")});
   EXPECT_EQ(exists("/pub/data"), 1);
   EXPECT_EQ(finder.patterns, Names{"/pub"});
   EXPECT_EQ(finder.flags, std::vector<std::uint32_t>{0x80000000u});
 }
 
 TEST_F(DirExist, TheParentOfATopLevelDirectoryIsTheRoot) {
-  finder.answersWith({directory("data")});
+  finder.answersWith({Found::directory("data")});
   EXPECT_EQ(exists("/data"), 1);
   EXPECT_EQ(finder.patterns, Names{"/"});
 }
 
 TEST_F(DirExist, TheParentIsNormalisedToo) {
-  finder.answersWith({directory("data")});
+  finder.answersWith({Found::directory("data")});
   EXPECT_EQ(exists("/pub//data"), 1);
   EXPECT_EQ(finder.patterns, Names{"/pub"});
 }
 
 TEST_F(DirExist, UsesTheDirectoryFinderOfTheObject) {
-  finder.answersWith({directory("data")});
+  finder.answersWith({Found::directory("data")});
   EXPECT_EQ(exists("/data"), 1);
   EXPECT_EQ(client.calls(), Names{"GetFinder m_pFTPDirFind"});
   EXPECT_GE(finder.closed, 1);
 }
 
 TEST_F(DirExist, EverySpellingOfAPathNamesTheSameDirectory) {
-  finder.answersWith({directory("pub")});
+  finder.answersWith({Found::directory("pub")});
   for (const char* path : {"/pub", "/pub/", "\\pub", "\\pub\\", "//pub"}) EXPECT_EQ(exists(path), 1) << path;
   EXPECT_EQ(finder.patterns, Names(5, "/"));
 }
 
 TEST_F(DirExist, NamesAreComparedWithoutRegardToCase) {
-  finder.answersWith({directory("pub")});
+  finder.answersWith({Found::directory("pub")});
   EXPECT_EQ(exists("/PUB"), 1);
-  finder.answersWith({directory("DaTa")});
+  finder.answersWith({Found::directory("DaTa")});
   EXPECT_EQ(exists("/dAtA"), 1);
 }
 
 TEST_F(DirExist, AServersNameWithATrailingSlashMatchesToo) {
-  finder.answersWith({directory("data/")});
+  finder.answersWith({Found::directory("data/")});
   EXPECT_EQ(exists("/data"), 1);
 }
 
 TEST_F(DirExist, APlainFileOfThatNameDoesNotCount) {
-  finder.answersWith({file("x")});
+  finder.answersWith({Found::file("x")});
   EXPECT_EQ(exists("/a/x"), 0);
 }
 
 TEST_F(DirExist, TheWalkGoesOnBehindAPlainFileOfThatName) {
-  finder.answersWith({file("x"), file("y"), directory("X")});
+  finder.answersWith({Found::file("x"), Found::file("y"), Found::directory("X")});
   EXPECT_EQ(exists("/a/x"), 1);
 }
 
 TEST_F(DirExist, TheWalkEndsAtTheFirstMatch) {
-  finder.answersWith({directory("a"), directory("x"), directory("y")});
+  finder.answersWith({Found::directory("a"), Found::directory("x"), Found::directory("y")});
   EXPECT_EQ(exists("/x"), 1);
   EXPECT_EQ(finder.walked, 2);
 }
 
 TEST_F(DirExist, TheLastEntryIsExamined) {
-  finder.answersWith({file("a"), file("b"), directory("x")});
+  finder.answersWith({Found::file("a"), Found::file("b"), Found::directory("x")});
   EXPECT_EQ(exists("/x"), 1);
 }
 
 TEST_F(DirExist, OtherNamesAreNotThere) {
-  finder.answersWith({directory("x1"), directory("1x"), directory("."), directory("..")});
+  finder.answersWith(
+      {Found::directory("x1"), Found::directory("1x"), Found::directory("."), Found::directory("..")});
   EXPECT_EQ(exists("/x"), 0);
 }
 
 TEST_F(DirExist, AnEntryThatComesTwiceInARowEndsTheWalk) {
-  finder.answersWith({file("a"), file("A"), directory("x")});
+  finder.answersWith({Found::file("a"), Found::file("A"), Found::directory("x")});
   EXPECT_EQ(exists("/x"), 0);
   EXPECT_EQ(finder.walked, 2);
 }
 
 TEST_F(DirExist, AServerThatRepeatsOneEntryForEverEndsTheWalkAtItsSecondSight) {
-  finder.answersWith({file("a")});
+  finder.answersWith({Found::file("a")});
   finder.repeatsTheLastEntry = true;
   EXPECT_EQ(exists("/x"), 0);
   EXPECT_EQ(finder.walked, 2);
 }
 
 TEST_F(DirExist, NamesLongerThanAnyPathArePassedOver) {
-  finder.answersWith({directory(std::string(5'000, 'n')), directory("x")});
+  finder.answersWith({Found::directory(std::string(5'000, 'n')), Found::directory("x")});
   EXPECT_EQ(exists("/x"), 1);
 }
 
 TEST_F(DirExist, AMissingDirectoryIsReportedByTheOperationAlone) {
-  finder.answersWith({directory("other")});
+  finder.answersWith({Found::directory("other")});
   EXPECT_EQ(exists("/x"), 0);
   EXPECT_EQ(client.count("OnIPError"), 0u);
   EXPECT_STREQ(client.m_szMessage, "TQXIP::FTPDirExist '/x' failed!");
@@ -141,7 +139,7 @@ TEST_F(DirExist, AMissingParentIsNoFailureOfTheWorkerAndNotRetried) {
 }
 
 TEST_F(DirExist, ASuccessWritesTheFailedLineButNoReport) {
-  finder.answersWith({directory("x")});
+  finder.answersWith({Found::directory("x")});
   EXPECT_EQ(exists("/x"), 1);
   EXPECT_STREQ(client.m_szMessage, "TQXIP::FTPDirExist '/x' failed!");
   EXPECT_TRUE(IsBlank(record));
@@ -196,14 +194,14 @@ TEST_F(DirExist, AnInternetExceptionGoesToOnIPErrorWithTheCounter) {
 }
 
 TEST_F(DirExist, AnInternetExceptionIsRetriedWhileTheCountLasts) {
-  finder.answersWith({directory("x")});
+  finder.answersWith({Found::directory("x")});
   finder.throwsAtFirst(12031, 3);
   EXPECT_EQ(exists("/x", 2), 0);
   EXPECT_EQ(finder.patterns.size(), 3u);
 }
 
 TEST_F(DirExist, ARetryThatSucceedsAnswersOneAndLeavesTheReportOfTheFirstAttempt) {
-  finder.answersWith({directory("x")});
+  finder.answersWith({Found::directory("x")});
   finder.throwsAtFirst(12031, 1);
   EXPECT_EQ(exists("/x", 1), 1);
   EXPECT_EQ(finder.patterns.size(), 2u);
@@ -213,7 +211,7 @@ TEST_F(DirExist, ARetryThatSucceedsAnswersOneAndLeavesTheReportOfTheFirstAttempt
 TEST_F(DirExist, ATimeOutOfAConnectedClientArmsTheCounter) {
   for (const std::uint32_t error : {12002u, 12030u}) {
     client.m_bConnected = 1;
-    finder.answersWith({directory("x")});
+    finder.answersWith({Found::directory("x")});
     finder.throwsAtFirst(error, 1);
     EXPECT_EQ(exists("/x", 0), 1) << error;
   }
@@ -221,7 +219,7 @@ TEST_F(DirExist, ATimeOutOfAConnectedClientArmsTheCounter) {
 
 TEST_F(DirExist, ATimeOutOfAClientThatIsNotConnectedDoesNot) {
   for (const std::uint32_t error : {12002u, 12030u}) {
-    finder.answersWith({directory("x")});
+    finder.answersWith({Found::directory("x")});
     finder.throwsAtFirst(error, 1);
     EXPECT_EQ(exists("/x", 0), 0) << error;
   }
@@ -244,14 +242,14 @@ INSTANTIATE_TEST_SUITE_P(Paths, BadPath,
 
 TEST_F(DirExist, APathOf255CharactersIsAskedFor) {
   const std::string name(254, 'a');
-  finder.answersWith({directory(name)});
+  finder.answersWith({Found::directory(name)});
   EXPECT_EQ(exists(("/" + name).c_str()), 1);
 }
 
 class IsDirectory : public DirExist {};
 
 TEST_F(IsDirectory, AnswersWhatDirExistAnswers) {
-  finder.answersWith({directory("x"), file("y")});
+  finder.answersWith({Found::directory("x"), Found::file("y")});
   EXPECT_EQ(client.FTPIsDirectory("/x", 0, 0, 0), 1);
   EXPECT_EQ(client.FTPIsDirectory("/y", 0, 0, 0), 0);
   EXPECT_STREQ(client.m_szMessage, "TQXIP::FTPDirExist '/y' failed!");

@@ -17,14 +17,14 @@ struct Entry {
 
 std::ostream& operator<<(std::ostream& out, const Entry& entry) { return out << entry.name; }
 
-void* block = nullptr;
-std::uint32_t size = 0;
+void* readBlock = nullptr;
+std::uint32_t readSize = 0;
 
 const Entry kEntries[] = {
     {"WriteFile", "TQXIP::FTPWriteFile - IN: '/a'",
      [](TQXIP& client) { return client.FTPWriteFile("/a", "x", 1, 0, 0, 0, 0, 0); }},
     {"ReadFile", "TQXIP::FTPReadFile - IN: '/a'",
-     [](TQXIP& client) { return client.FTPReadFile("/a", &block, &size, 0, 0, 0, 0); }},
+     [](TQXIP& client) { return client.FTPReadFile("/a", &readBlock, &readSize, 0, 0, 0, 0); }},
     {"CpyFile", "TQXIP::FTPCpyFile - IN: From '/a' to '/b'",
      [](TQXIP& client) { return client.FTPCpyFile("/a", "/b", nullptr, 0, 0, 0); }},
     {"RmvFile", "TQXIP::FTPRmvFile - IN: '/a'",

@@ -15,9 +15,6 @@ namespace {
 using Names = std::vector<std::string>;
 using Clock = std::chrono::steady_clock;
 
-Found file(std::string name, std::uint64_t length = 0) { return {.name = std::move(name), .length = length}; }
-Found directory(std::string name) { return {.name = std::move(name), .isDirectory = true}; }
-
 class FileQuery : public testing::Test {
  protected:
   QXErrorInfo record{};
@@ -56,7 +53,7 @@ class FileExists : public FileQuery {
 };
 
 TEST_F(FileExists, AsksForThePathItselfAnew) {
-  finder.answersWith({file("x")});
+  finder.answersWith({Found::file("x")});
   EXPECT_EQ(exists("/a/x"), 1);
   EXPECT_EQ(finder.patterns, Names{"/a/x"});
   EXPECT_EQ(finder.flags, std::vector<std::uint32_t>{0x80000000u});
@@ -64,33 +61,33 @@ TEST_F(FileExists, AsksForThePathItselfAnew) {
 }
 
 TEST_F(FileExists, EverySpellingOfAPathNamesTheSameFile) {
-  finder.answersWith({file("x")});
+  finder.answersWith({Found::file("x")});
   for (const char* path : {"/a/x", "\\a\\x", "/a/x/", "//a/x"}) EXPECT_EQ(exists(path), 1) << path;
   EXPECT_EQ(finder.patterns, Names(4, "/a/x"));
 }
 
 TEST_F(FileExists, ADirectoryIsNoFile) {
-  finder.answersWith({directory("x")});
+  finder.answersWith({Found::directory("x")});
   EXPECT_EQ(exists("/a/x"), 0);
 }
 
 TEST_F(FileExists, NamesAreComparedWithoutRegardToCase) {
-  finder.answersWith({file("ReadMe.TXT")});
+  finder.answersWith({Found::file("ReadMe.TXT")});
   EXPECT_EQ(exists("/README.txt"), 1);
 }
 
 TEST_F(FileExists, OnlyTheLastComponentOfTheServersNameCounts) {
-  finder.answersWith({file("/elsewhere/x")});
+  finder.answersWith({Found::file("/elsewhere/x")});
   EXPECT_EQ(exists("/a/x"), 1);
 }
 
 TEST_F(FileExists, AnotherNameIsNotTheFile) {
-  finder.answersWith({file("y")});
+  finder.answersWith({Found::file("y")});
   EXPECT_EQ(exists("/a/x"), 0);
 }
 
 TEST_F(FileExists, OnlyTheFirstEntryIsExamined) {
-  finder.answersWith({file("y"), file("x")});
+  finder.answersWith({Found::file("y"), Found::file("x")});
   EXPECT_EQ(exists("/a/x"), 0);
   EXPECT_EQ(finder.walked, 1);
 }
@@ -105,7 +102,7 @@ TEST_F(FileExists, AMissingFileIsReportedByTheOperationAlone) {
 }
 
 TEST_F(FileExists, ASuccessWritesTheFailedLineButNoReport) {
-  finder.answersWith({file("x")});
+  finder.answersWith({Found::file("x")});
   EXPECT_EQ(exists("/x"), 1);
   EXPECT_STREQ(client.m_szMessage, "TQXIP::FTPFileExists '/x' failed!");
   EXPECT_TRUE(IsBlank(record));
@@ -135,7 +132,7 @@ TEST_F(FileExists, AClientThatIsNotInitialisedStartsNothing) {
 }
 
 TEST_F(FileExists, AnInternetExceptionGoesToOnIPErrorAndIsRetriedWhileTheCountLasts) {
-  finder.answersWith({file("x")});
+  finder.answersWith({Found::file("x")});
   finder.throwsAtFirst(12031, 4);
   EXPECT_EQ(exists("/x", 3), 0);
   EXPECT_EQ(finder.patterns.size(), 4u);
@@ -144,7 +141,7 @@ TEST_F(FileExists, AnInternetExceptionGoesToOnIPErrorAndIsRetriedWhileTheCountLa
 }
 
 TEST_F(FileExists, ARetryThatSucceedsAnswersOne) {
-  finder.answersWith({file("x")});
+  finder.answersWith({Found::file("x")});
   finder.throwsAtFirst(12031, 2);
   EXPECT_EQ(exists("/x", 2), 1);
   EXPECT_EQ(finder.patterns.size(), 3u);
@@ -152,7 +149,7 @@ TEST_F(FileExists, ARetryThatSucceedsAnswersOne) {
 
 TEST_F(FileExists, AnAbortedConnectionOfAConnectedClientArmsTheCounter) {
   client.m_bConnected = 1;
-  finder.answersWith({file("x")});
+  finder.answersWith({Found::file("x")});
   finder.throwsAtFirst(12030, 1);
   EXPECT_EQ(exists("/x", 0), 1);
 }
@@ -165,7 +162,7 @@ class FileSize : public FileQuery {
 };
 
 TEST_F(FileSize, IsThatOfTheFirstEntryForThePath) {
-  finder.answersWith({file("x", 4711), file("x", 1)});
+  finder.answersWith({Found::file("x", 4711), Found::file("x", 1)});
   EXPECT_EQ(size("/a/x"), 4711u);
   EXPECT_EQ(finder.patterns, Names{"/a/x"});
   EXPECT_EQ(finder.flags, std::vector<std::uint32_t>{0x80000000u});
@@ -174,11 +171,11 @@ TEST_F(FileSize, IsThatOfTheFirstEntryForThePath) {
 }
 
 TEST_F(FileSize, IsTheSizeModuloTwoToThe32) {
-  finder.answersWith({file("x", 5'000'000'000)});
+  finder.answersWith({Found::file("x", 5'000'000'000)});
   EXPECT_EQ(size("/x"), 705'032'704u);
-  finder.answersWith({file("x", 0xFFFFFFFF)});
+  finder.answersWith({Found::file("x", 0xFFFFFFFF)});
   EXPECT_EQ(size("/x"), 0xFFFFFFFFu);
-  finder.answersWith({file("x", 0x1'0000'0000)});
+  finder.answersWith({Found::file("x", 0x1'0000'0000)});
   EXPECT_EQ(size("/x"), 0u);
 }
 
@@ -188,7 +185,7 @@ TEST_F(FileSize, NeitherTheNameNorTheKindOfTheEntryIsChecked) {
 }
 
 TEST_F(FileSize, ASuccessWritesNothing) {
-  finder.answersWith({file("x", 1)});
+  finder.answersWith({Found::file("x", 1)});
   EXPECT_EQ(size("/x"), 1u);
   EXPECT_STREQ(client.m_szMessage, "");
   EXPECT_TRUE(IsBlank(record));
@@ -209,7 +206,7 @@ TEST_F(FileSize, AMissingFileIsAskedForAgainTenMillisecondsApart) {
 }
 
 TEST_F(FileSize, ARetryThatSucceedsGivesTheSize) {
-  finder.answersWith({file("x", 9)});
+  finder.answersWith({Found::file("x", 9)});
   finder.throwsAtFirst(12031, 1);
   EXPECT_EQ(size("/x", 1), 9u);
 }
@@ -223,7 +220,7 @@ TEST_F(FileSize, AnInternetExceptionGoesToOnIPErrorOnce) {
 
 TEST_F(FileSize, ATimeOutOfAConnectedClientArmsTheCounter) {
   client.m_bConnected = 1;
-  finder.answersWith({file("x", 9)});
+  finder.answersWith({Found::file("x", 9)});
   finder.throwsAtFirst(12002, 1);
   EXPECT_EQ(size("/x", 0), 9u);
 }
@@ -255,7 +252,7 @@ INSTANTIATE_TEST_SUITE_P(Paths, BadFilePath,
 
 TEST_F(FileQuery, APathOf4095CharactersIsAskedFor) {
   const std::string name(4094, 'a');
-  finder.answersWith({file(name, 3)});
+  finder.answersWith({Found::file(name, 3)});
   EXPECT_EQ(client.FTPFileExists(("/" + name).c_str(), 0, 0, 0), 1);
   EXPECT_EQ(client.FTPFileSize(("/" + name).c_str(), 0, 0, 0), 3u);
 }

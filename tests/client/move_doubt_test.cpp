@@ -7,10 +7,10 @@
 
 namespace {
 
-QXBool yes() { return 1; }
-
 class MoveInDoubt : public ContentTest {
  protected:
+  static QXBool yes() { return 1; }
+
   const std::string source = localName(local);
   const ProgressLog log;
 

@@ -13,11 +13,11 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-QXBool yes() { return 1; }
-QXBool no() { return 0; }
-
 class Move : public ContentTest {
  protected:
+  static QXBool yes() { return 1; }
+  static QXBool no() { return 0; }
+
   const fixture::ScriptedFtp server{R"({"tree": {"/a": "one"}})"};
   const std::string source = localName(local);
   const ProgressLog log;

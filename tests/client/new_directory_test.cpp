@@ -9,10 +9,9 @@
 
 namespace {
 
-constexpr int kLine = 7560;
-
 class NewDirectory : public ChangeTest {
  protected:
+  static constexpr int kLine = 7560;
   char created[256] = "untouched";
 
   QXBool create(const char* parent = "/pub", const char* base = "New", std::uint32_t retries = 0) {

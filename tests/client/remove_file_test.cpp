@@ -4,14 +4,15 @@
 
 namespace {
 
-constexpr int kLine = 6687;
-constexpr int kWorkerLine = 6520;
-constexpr const char* kFailed = "TQXIP::FTPRmvFile '/a' failed!";
-constexpr const char* kWorkerFailed = "TQXIP::FTPRmvFileThr '/a' failed!";
 constexpr const char* kOneFile = R"({"tree": {"/a": "one"}})";
 
 class RemoveFile : public ChangeTest {
  protected:
+  static constexpr int kLine = 6687;
+  static constexpr int kWorkerLine = 6520;
+  static constexpr const char* kFailed = "TQXIP::FTPRmvFile '/a' failed!";
+  static constexpr const char* kWorkerFailed = "TQXIP::FTPRmvFileThr '/a' failed!";
+
   QXBool remove(const char* path = "/a", std::uint32_t retries = 0) {
     return client.FTPRmvFile(path, 0, retries, 0, 0);
   }

@@ -9,11 +9,11 @@
 
 namespace {
 
-constexpr int kLine = 4004;
 constexpr const char* kRefusesUploads = R"({"rules": [{"on": "STOR", "do": [{"reply": "553 No"}]}]})";
 
 class Upload : public TransferTest {
  protected:
+  static constexpr int kLine = 4004;
   [[nodiscard]] std::string failedLine() const {
     return "TQXIP::FTPUploadFile from '" + local + "'to '/a' failed!";
   }

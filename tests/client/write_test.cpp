@@ -10,15 +10,15 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr std::size_t kChunk = 4096;
-constexpr milliseconds kPause{20};  // before each chunk
+constexpr std::size_t kBlock = 4096;
+constexpr milliseconds kBlockPause{20};  // before each chunk
 
-std::size_t chunksOf(std::size_t size) { return (size + kChunk - 1) / kChunk; }
+std::size_t chunksOf(std::size_t size) { return (size + kBlock - 1) / kBlock; }
 
 // After the last chunk the block shows that chunk's size where others went before it.
 Progress lastProgress(std::size_t size) {
-  const std::size_t rest = size % kChunk;
-  return {1, rest == 0 ? std::min(size, kChunk) : rest, size};
+  const std::size_t rest = size % kBlock;
+  return {1, rest == 0 ? std::min(size, kBlock) : rest, size};
 }
 
 // All that OnPoll may see while `size` bytes are written, after `before`: the block as each chunk leaves it,
@@ -27,7 +27,7 @@ std::set<Progress> progressOf(std::size_t size, const Progress& before = {}) {
   std::set<Progress> all{before};
   Progress last = before;
   for (std::size_t done = 0; done < size;) {
-    done = std::min(done + kChunk, size);
+    done = std::min(done + kBlock, size);
     const Progress next = done < size ? Progress{1, done, size} : lastProgress(size);
     all.insert({last.valid, last.transferred, next.total});
     all.insert({last.valid, next.transferred, next.total});
@@ -60,7 +60,7 @@ TEST_P(WriteSizes, SendsEveryByteAtItsPace) {
   watchProgress();
   const auto start = steady_clock::now();
   EXPECT_EQ(store(patternText(size)), 1);
-  EXPECT_GE(steady_clock::now() - start, kPause * chunksOf(size));
+  EXPECT_GE(steady_clock::now() - start, kBlockPause * chunksOf(size));
   EXPECT_EQ(server.content("/a"), patternText(size));
   EXPECT_EQ(progressIn(client.m_Transfer), lastProgress(size));
   expectOnly(progressOf(size));
@@ -86,9 +86,9 @@ TEST_F(Write, AMebibyteArrivesWhole) {
   watchProgress();
   const auto start = steady_clock::now();
   EXPECT_EQ(store(patternText(kSize)), 1);
-  EXPECT_GE(steady_clock::now() - start, kPause * chunksOf(kSize));
+  EXPECT_GE(steady_clock::now() - start, kBlockPause * chunksOf(kSize));
   EXPECT_TRUE(server.matches("/a", 7, kSize));
-  EXPECT_EQ(progressIn(client.m_Transfer), (Progress{1, kChunk, kSize}));
+  EXPECT_EQ(progressIn(client.m_Transfer), (Progress{1, kBlock, kSize}));
   expectOnly(progressOf(kSize));
 }
 

@@ -6,10 +6,10 @@ namespace {
 
 using dialog_test::Driver;
 
-constexpr DWORD kFlags = OFN_HIDEREADONLY | OFN_ENABLESIZING;
-
 class XFileLayout : public XFileDialogTest {
  protected:
+  static constexpr DWORD kFlags = OFN_HIDEREADONLY | OFN_ENABLESIZING;
+
   static LONG boxGap(const ShownFileDialog& shown) {
     return shown.rectOf(1136).top - shown.rectOf(1148).bottom;
   }

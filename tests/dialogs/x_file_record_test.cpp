@@ -14,10 +14,10 @@ namespace {
 
 using testing::Each;
 
-constexpr DWORD kFlags = OFN_ENABLESIZING | OFN_FILEMUSTEXIST;
-
 class XFileRecord : public testing::Test {
  protected:
+  static constexpr DWORD kFlags = OFN_ENABLESIZING | OFN_FILEMUSTEXIST;
+
   // Runs the dialog as far as the system's call, which sees what `call` sees and answers `answer`.
   int run(CXFileDialog& shown, BOOL answer, std::function<void(OPENFILENAMEA&)> call = nullptr) {
     const FileDialogStandIn standIn([&](OPENFILENAMEA& given) {

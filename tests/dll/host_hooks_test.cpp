@@ -15,7 +15,7 @@ class HostHooks : public ClientTest {
   HostHooks() { g_calls.clear(); }
 };
 
-QXBool noteBefore(TQXIPIFInt*) {
+QXBool tellBefore(TQXIPIFInt*) {
   g_calls.emplace_back("before");
   return 1;
 }
@@ -46,7 +46,7 @@ void* noteDestruction(TQXIPIFInt* client, std::uint32_t flags) {
 
 TEST_F(HostHooks, DisconnectCallsThemInOrder) {
   QXClientHooks hooks(client.get());
-  hooks->OnBeforeDisconnect = &noteBefore;
+  hooks->OnBeforeDisconnect = &tellBefore;
   hooks->OnAfterDisconnect = &noteAfter;
   hooks->OnDisconnect = &noteDisconnect;
   client->OnConnect();

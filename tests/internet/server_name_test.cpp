@@ -6,13 +6,13 @@
 namespace internet {
 namespace {
 
-struct Case {
+struct Spelling {
   const char* text;
   const char* name;
   bool address;
 };
 
-constexpr Case kCases[] = {
+constexpr Spelling kSpellings[] = {
     {"host", "host", false},
     {"ftp.example.org", "ftp.example.org", false},
     {"ftp.example.org.", "ftp.example.org.", false},
@@ -37,7 +37,7 @@ constexpr Case kCases[] = {
 };
 
 TEST(ServerName, LosesTheBracketsOfAnAddressAlone) {
-  for (const Case& each : kCases) {
+  for (const Spelling& each : kSpellings) {
     const ServerName parsed = parseServerName(each.text);
     EXPECT_EQ(parsed.name, each.name) << each.text;
     EXPECT_EQ(parsed.address, each.address) << each.text;

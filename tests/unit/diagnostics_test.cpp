@@ -9,6 +9,7 @@
 #include <string>
 
 #include "framework/platform/last_error.h"
+#include "tests/unit/SystemText.h"
 
 namespace {
 
@@ -23,12 +24,6 @@ std::string errorText(std::uint32_t error) {
 }
 
 // What the system says, as the reports show it: without its line end.
-std::string systemText(std::uint32_t error) {
-  std::string text = platform::systemErrorText(error);
-  while (!text.empty() && (text.back() == '\r' || text.back() == '\n')) text.pop_back();
-  return text;
-}
-
 bool isBlank(const QXErrorInfo& record) {
   const QXErrorInfo blank{};
   return std::memcmp(&record, &blank, sizeof record) == 0;

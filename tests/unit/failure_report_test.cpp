@@ -6,6 +6,7 @@
 
 #include "framework/platform/last_error.h"
 #include "support/Diagnostics.h"
+#include "tests/unit/SystemText.h"
 
 namespace {
 
@@ -15,11 +16,6 @@ std::string reportText(std::uint32_t error, int line, const char* title) {
   platform::setLastError(error);
   TraceFailure(&record, line, title);
   return record.szText;
-}
-
-std::string systemText(std::uint32_t error) {
-  const std::string text = platform::systemErrorText(error);
-  return text.substr(0, text.find_last_not_of("\r\n") + 1);
 }
 
 TEST(FailureReport, IsTitleErrorTextNumberSourceAndLine) {

@@ -16,12 +16,12 @@ namespace {
 
 using platform::WorkerThread;
 
-constexpr std::chrono::milliseconds kAmple = std::chrono::minutes(1);
+constexpr std::chrono::milliseconds kLongEnough = std::chrono::minutes(1);
 
 TEST(NativeThread, ACallbackMayExitTheThread) {
   WorkerThread thread;
   ASSERT_TRUE(thread.start([](void*) { pthread_exit(nullptr); }, nullptr));
-  EXPECT_TRUE(thread.ended(kAmple));
+  EXPECT_TRUE(thread.ended(kLongEnough));
 }
 
 TEST(NativeThread, TakesOnlyTheSignalsOfItsOwnFaults) {
@@ -31,7 +31,7 @@ TEST(NativeThread, TakesOnlyTheSignalsOfItsOwnFaults) {
   WorkerThread thread;
   ASSERT_TRUE(thread.start(
       [](void* mask) { pthread_sigmask(SIG_SETMASK, nullptr, static_cast<sigset_t*>(mask)); }, &workers));
-  ASSERT_TRUE(thread.ended(kAmple));
+  ASSERT_TRUE(thread.ended(kLongEnough));
   for (const int signal : {SIGINT, SIGTERM, SIGCHLD, SIGALRM, SIGUSR1, SIGPIPE, SIGWINCH})
     EXPECT_EQ(sigismember(&workers, signal), 1) << signal;
   for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
@@ -67,7 +67,7 @@ TEST(NativeThread, TakesNormalPriorityWhateverItsCallerHas) {
     EXPECT_EQ(policyOf(id), SCHED_BATCH);
     thread.setNormalPriority();
     EXPECT_EQ(policyOf(id), SCHED_OTHER);
-    EXPECT_TRUE(thread.kill(kAmple));
+    EXPECT_TRUE(thread.kill(kLongEnough));
     thread.setNormalPriority();  // nothing to set any more
   }).join();
 }

@@ -12,12 +12,12 @@ namespace {
 
 using platform::WorkerThread;
 
-constexpr std::chrono::milliseconds kAmple = std::chrono::minutes(1);
+constexpr std::chrono::milliseconds kLongEnough = std::chrono::minutes(1);
 
 TEST(NativeThread, ACallbackMayExitTheThread) {
   WorkerThread thread;
   ASSERT_TRUE(thread.start([](void*) { ::ExitThread(0); }, nullptr));
-  EXPECT_TRUE(thread.ended(kAmple));
+  EXPECT_TRUE(thread.ended(kLongEnough));
 }
 
 TEST(NativeThread, TakesNormalPriority) {
@@ -39,7 +39,7 @@ TEST(NativeThread, TakesNormalPriority) {
   while (!worker.mayAsk) platform::yieldProcessor();
   thread.setNormalPriority();
   worker.mayAsk = false;
-  ASSERT_TRUE(thread.ended(kAmple));
+  ASSERT_TRUE(thread.ended(kLongEnough));
   EXPECT_EQ(worker.priority, THREAD_PRIORITY_NORMAL);
 }
 
@@ -60,7 +60,7 @@ TEST(NativeThread, MessagesAreDispatchedDuringAKill) {
       *static_cast<std::atomic<bool>*>(gate) = true;
     }
   };
-  EXPECT_TRUE(thread.kill(kAmple, takeOne, &open));
+  EXPECT_TRUE(thread.kill(kLongEnough, takeOne, &open));
   EXPECT_FALSE(platform::messageWaiting());
 }
 
