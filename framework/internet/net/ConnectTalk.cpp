@@ -51,7 +51,7 @@ secret::Text credentials(const platform::Proxy& proxy) {
 
 secret::Text proxyAuthorization(const platform::Proxy& proxy) {
   const secret::Text known = credentials(proxy);
-  if (known.empty()) return known;
+  if (known.empty()) return {};
   return secret::Text("Proxy-Authorization: Basic ").append(known.view()).append(kEnd);
 }
 

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "framework/internet/net/Failure.h"
 #include "framework/platform/proxies.h"
@@ -24,7 +25,7 @@ Failure proxyFailure(const platform::Proxy& proxy, std::uint32_t error, std::str
 
 class ProxyTalk {
  public:
-  explicit ProxyTalk(const platform::Proxy& proxy) : proxy_(proxy) {}
+  explicit ProxyTalk(platform::Proxy proxy) : proxy_(std::move(proxy)) {}
   virtual ~ProxyTalk() = default;
   ProxyTalk(const ProxyTalk&) = delete;
   ProxyTalk& operator=(const ProxyTalk&) = delete;

@@ -63,8 +63,8 @@ void appendHost(secret::Text& bytes, const std::string& host) {
 
 }  // namespace
 
-SocksTalk::SocksTalk(const platform::Proxy& proxy, const std::string& host, std::uint16_t port)
-    : ProxyTalk(proxy), host_(host), port_(port) {
+SocksTalk::SocksTalk(const platform::Proxy& proxy, std::string host, std::uint16_t port)
+    : ProxyTalk(proxy), host_(std::move(host)), port_(port) {
   if (host_.size() > kMostOfText) refuse("SOCKS takes no host name of more than 255 bytes");
   if (proxy.user.size() > kMostOfText || proxy.password.view().size() > kMostOfText) {
     refuse("SOCKS takes no user name or password of more than 255 bytes");

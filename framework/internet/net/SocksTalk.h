@@ -12,7 +12,7 @@ namespace internet {
 
 class SocksTalk : public ProxyTalk {
  public:
-  SocksTalk(const platform::Proxy& proxy, const std::string& host, std::uint16_t port);
+  SocksTalk(const platform::Proxy& proxy, std::string host, std::uint16_t port);
 
  protected:
   void heard(std::string_view answer) override { (this->*next_)(answer); }
