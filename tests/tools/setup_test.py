@@ -9,6 +9,7 @@ import tempfile
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+SERVERS = "inetutils-ftpd microsocks proftpd pure-ftpd tinyproxy vsftpd".split()
 REAL_PROGRAMS = "bash sh env dirname mkdir flock sed sort comm grep rm mv cat chmod touch true".split()
 
 # Each stand-in finds the machine's state in $MACHINE and writes down what was asked of it as root or to apt-get.
@@ -90,7 +91,7 @@ class Setup(unittest.TestCase):
         self.lose_sudo()
         code, _, calls = self.run_setup()
         self.assertEqual(code, 0)
-        self.assertEqual(self.servers(), ["inetutils-ftpd", "proftpd", "pure-ftpd", "vsftpd"])
+        self.assertEqual(self.servers(), SERVERS)
         self.assertEqual({call.split()[1] for call in calls}, {"download"})
 
     def test_root_installs_by_itself(self):
@@ -114,7 +115,7 @@ class Setup(unittest.TestCase):
         code, _, calls = self.run_setup()
         self.assertEqual(code, 0)
         self.assertEqual(calls.count("apt-get update"), 1)
-        self.assertEqual(len(self.servers()), 4)
+        self.assertEqual(self.servers(), SERVERS)
 
     def assert_left_to_root(self, command):
         code, lines, calls = self.run_setup()
@@ -129,7 +130,7 @@ class Setup(unittest.TestCase):
         self.lack("valgrind", "curl")
         self.lose_sudo()
         self.assert_left_to_root("apt-get update && apt-get install -y --no-install-recommends curl valgrind")
-        self.assertEqual(len(self.servers()), 4)
+        self.assertEqual(self.servers(), SERVERS)
 
     def test_sudo_is_never_asked_for_a_password_without_a_terminal(self):
         self.have("lists")
