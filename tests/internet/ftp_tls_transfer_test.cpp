@@ -101,10 +101,12 @@ TEST_F(FtpTlsTransfer, AListingWithoutTheLastWordIsCut) {
 }
 
 TEST_F(FtpTlsTransfer, AnUploadWaitsForNoLastWordOfTheServer) {
-  ScriptedFtp server(script(json::object(), bent("STOR", {{"unsaid", true}})));
-  auto connection = connectBy("ftpes://", server);
-  expectWrites(*connection, server);
-  expectWrites(*connection, server);
+  for (const char* end : {"unsaid", "lingers"}) {
+    ScriptedFtp server(script(json::object(), bent("STOR", {{end, true}})));
+    auto connection = connectBy("ftpes://", server);
+    expectWrites(*connection, server);
+    expectWrites(*connection, server);
+  }
 }
 
 TEST_F(FtpTlsTransfer, ARefusedTransferKeepsTheConnection) {
