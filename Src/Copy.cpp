@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // FTPCpyFile: a file from one path to another, where each may be on the server or local.
+#include <optional>
+
 #include "Src/CopyWatch.h"
 #include "Src/HostCall.h"
 #include "Src/LocalFile.h"
@@ -9,6 +11,8 @@
 #include "Src/RemoteFile.h"
 #include "Src/RemotePath.h"
 #include "Src/TemporaryCopy.h"
+#include "framework/internet/WholeFile.h"
+#include "framework/platform/file.h"
 #include "framework/platform/stop_token.h"
 
 namespace {
@@ -19,6 +23,10 @@ struct CopyThread : QXFtpThread {
   const char* pszNewName = nullptr;
   QXProgress pfnProgress = nullptr;
   bool bWhole = false;  // a copy that counts as done has all of the source
+
+  // For the attempts behind one that has broken off.
+  std::optional<CFilePart> part;      // what has come of a remote source
+  std::optional<TemporaryCopy> copy;  // where it is on its way to the server
 };
 
 // How a copy went on: a stop that the host asked for is a success.
@@ -43,32 +51,45 @@ Step copyChunks(CopyThread& record, RemoteFile& source, LocalFile& target, const
   // Whoever is asked finds in his file what he is told of; nobody looks into a temporary copy.
   const bool shows = record.pfnProgress != nullptr && !IsRemotePath(record.pszNewName);
   char chunk[kChunk];
-  std::uint64_t done = 0;
+  CFilePart& part = *record.part;
   for (std::uint32_t count = kChunk; count == kChunk;) {
     if (!source.Read(chunk, kChunk, &count) || !target.Write(chunk, count)) return Step::failed;
-    done += count;
+    part.Add(count);
     if (shows && !target.Flush()) return Step::failed;
-    const bool stop = asksToStop(record, shown, percentOf(done, size));
-    StoreProgress(record, done, size);
+    const bool stop = asksToStop(record, shown, percentOf(part.Done(), size));
+    StoreProgress(record, part.Done(), size);
     if (stop) return Step::stopped;
   }
-  if (done >= size) return Step::done;
+  if (part.Done() >= size) return Step::done;
   platform::setLastError(internet::kConnectionAborted);  // the file ended before its size
   return Step::failed;
 }
 
+// A part is worth nothing when somebody has got at the file that it is in.
+void checkPart(CFilePart& part, const char* local) {
+  platform::File file;
+  if (!file.open(local, platform::FileAccess::read, platform::FileCreation::openExisting) ||
+      file.size() != static_cast<std::int64_t>(part.Done())) {
+    part.Forget();
+  }
+}
+
+bool openTarget(LocalFile& target, const char* local, std::uint32_t flags, const CFilePart& part) {
+  if (part.Done() == 0) return target.Open(local, CFile::modeCreate | CFile::modeWrite | flags);
+  return target.Open(local, CFile::modeWrite | flags) && target.SeekBehindContent();
+}
+
 // Remote file to the local file that `localName` names (null: it cannot). It is asked behind the opening of
-// the source: without one nothing local is claimed.
+// the source: without one nothing local is claimed or emptied.
 template <typename LocalName>
 Step fetch(CopyThread& record, CFtpConnection& connection, const char* remote, LocalName&& localName,
            std::uint32_t size, std::uint32_t flags = 0) {
   RemoteFile source(*record.pQXIP, record.pRetries);
   LocalFile target(*record.pQXIP, record.pRetries);
-  if (!source.Open(connection, remote, internet::kGenericRead)) return Step::failed;
+  if (!source.Open(connection, remote, *record.part)) return Step::failed;
   if (size > 0) source.Expect(size);
   const char* const local = localName();
-  if (local == nullptr || !target.Open(local, CFile::modeCreate | CFile::modeWrite | flags))
-    return Step::failed;
+  if (local == nullptr || !openTarget(target, local, flags, *record.part)) return Step::failed;
   const Step step = copyChunks(record, source, target, remote, size);
   if (step == Step::failed) return step;
   // The server's last word on a copy that was broken off does not matter.
@@ -93,18 +114,22 @@ bool store(CopyThread& record, const char* local) {
 bool remoteToRemote(CopyThread& record, CFtpConnection& connection) {
   const std::uint32_t size = sizeOf(record, 1);
   PathText source;
-  TemporaryCopy copy;
   if (!MakeFtpPath(record.pszName, source)) return false;
+  if (record.copy) checkPart(*record.part, record.copy->Name());
   const auto temporaryName = [&] {
+    if (record.part->Done() > 0) return record.copy->Name();
+    TemporaryCopy& copy = record.copy.emplace();
     return copy.Take(record.pszNewName) && copy.DropLeftOver() ? copy.Name() : nullptr;
   };
   const Step step = fetch(record, connection, source.c_str(), temporaryName, size, CFile::ownerOnly);
-  return step == Step::stopped || (step == Step::done && store(record, copy.Name()));
+  if (step != Step::failed) record.part->Forget();
+  return step == Step::stopped || (step == Step::done && store(record, record.copy->Name()));
 }
 
 bool remoteToLocal(CopyThread& record, CFtpConnection& connection) {
   const std::uint32_t size = sizeOf(record, *record.pRetries);
   PathText source;
+  if (record.part->Done() > 0) checkPart(*record.part, record.pszNewName);
   const auto localName = [&] { return record.pszNewName; };
   // The end of the source, which a failed copy leaves to its destructor, sends notifications.
   const Step step = HostCall([&] {
@@ -141,9 +166,15 @@ bool mayBeUsed(const char* path) {
 AttemptOutcome attempt(QXFtpThread& base) {
   auto& record = static_cast<CopyThread&>(base);
   record.bWhole = false;
-  return AttemptOverPrivateConnection(
-      record, mayBeUsed(record.pszName) && mayBeUsed(record.pszNewName),
-      [&](CFtpConnection& connection) { return copyFile(record, connection); });
+  const auto copy = [&](CFtpConnection& connection) {
+    const bool ok = copyFile(record, connection);
+    if (!ok) record.part->BrokenOff(platform::lastError());
+    return ok;
+  };
+  const AttemptOutcome outcome =
+      AttemptOverPrivateConnection(record, mayBeUsed(record.pszName) && mayBeUsed(record.pszNewName), copy);
+  if (outcome.ok || *record.pRetries == 0 || record.part->Done() == 0) record.copy.reset();
+  return outcome;
 }
 
 void FTPCpyFileThr(void* argument) { RunReportedWorker(argument, sites::kCpyFileThr, &attempt, &bothPaths); }
@@ -160,6 +191,8 @@ QXBool TQXIP::FTPCpyFile(const char* pszSource, const char* pszDestination, QXPr
     const LinePaths paths = bothPaths(record);
     const bool checked = IsSet(m_bInitialized) && pszSource != nullptr && pszDestination != nullptr;
     const auto enter = [&] {
+      record.part.emplace(nRetries > 0);
+      record.copy.reset();
       WriteEntryLine(*this, sites::kCpyFile, paths);
       return checked ? Entry::worker : Entry::refused;
     };

@@ -21,9 +21,11 @@ class RemoteFile {
   RemoteFile(const RemoteFile&) = delete;
   RemoteFile& operator=(const RemoteFile&) = delete;
 
-  [[nodiscard]] bool Open(CFtpConnection& connection, const char* path, std::uint32_t access) {
+  // `how`: the access, or the CFilePart that the file is read for.
+  template <typename How>
+  [[nodiscard]] bool Open(CFtpConnection& connection, const char* path, How&& how) {
     m_file.reset(
-        GuardInternet(m_client, m_pRetries, nullptr, [&] { return connection.OpenFile(path, access); }));
+        GuardInternet(m_client, m_pRetries, nullptr, [&] { return connection.OpenFile(path, how); }));
     return m_file != nullptr;
   }
 

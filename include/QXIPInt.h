@@ -261,13 +261,15 @@ class TQXIPIFInt {
   // An existing local file is not overwritten: 0, or 1 with the file as it was when the remote file is
   // missing, or its size cannot be told or is 0. A failure leaves no file of its own making. With nRetries >
   // 0 an attempt whose connection broke (12002, 12030, 12031) is followed by one that goes on behind what has
-  // come, if the remote file's size and time are what they were; until the call returns the local file is
-  // there in part.
+  // come, if the remote file's size and time are what they were; one that went on and brought nothing is
+  // followed by one from the start. Until the call returns the local file is there in part.
   virtual QXBool FTPDownloadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) = 0;
   // Replaces the remote file. 1 also when the server refuses, breaks or stalls the upload of a file that has
   // content; an unreachable server, a refused login and a missing local file are failures.
   // FTPFileSize tells whether it has arrived. With nRetries > 0 a broken connection is followed by another
-  // one, for a retry each, which goes on behind what the server has.
+  // one, for a retry each, which goes on behind what the server has. The server's word that it has the file
+  // is believed, but for two cases in which its size has to agree: the file came in parts, or the connection
+  // of its data was reset.
   virtual QXBool FTPUploadFile(const char* pszRemote, const char* pszLocal, std::uint32_t nRetries) = 0;
   // Slots 34 and 35, by both calls of slot 31; an earlier listing of the host's is forgotten. Names that
   // begin with a dot do not count. Slot 34 answers 1 where there is a directory, 0 also on every failure.
@@ -295,6 +297,9 @@ class TQXIPIFInt {
   // upload; what it is told of is in the local file. 1 also when the callback has stopped the copy, when the
   // server has refused the upload (slot 33), and between two local paths, where nothing is copied. Between
   // two remote paths the content goes through a temporary file.
+  // With nRetries > 0 a copy from the server goes on after a broken connection as slot 32 does. The callback's
+  // figures go on with it: none is told twice, but where the copy begins anew they do so, too. A failed copy
+  // leaves what has come in the local file.
   virtual QXBool FTPCpyFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
                             std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
   // Slot 40 repeats both parts, the copy after a cancel as well while nRetries lasts.

@@ -12,6 +12,7 @@
 #include "framework/internet/ftp/FtpFileCopy.h"
 #include "framework/internet/ftp/FtpTransfer.h"
 #include "framework/internet/ftp/HostNames.h"
+#include "framework/internet/ftp/RemotePart.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/platform/last_error.h"
 
@@ -56,6 +57,21 @@ void removeDirectory(FtpControl& control, const std::string& path) {
   if (!reply.refused()) return;
   if (reply.code < 500 || !isLink(control, path)) control.raise(reply);
   control.require("DELE", path);
+}
+
+// `begin(control, name)` answers the transfer, which has begun.
+template <typename Begin>
+CInternetFile* openFile(const ControlPtr control, const char* path, Begin&& begin) {
+  std::unique_ptr<CInternetFile> file;
+  internet::raising([&] {
+    checkPath(path);
+    control->request([&] {
+      auto transfer = begin(control, nameForServer(*control, path));
+      control->holdForFile(true);
+      file = std::make_unique<CInternetFile>(std::move(transfer));
+    });
+  });
+  return file.release();
 }
 
 }  // namespace
@@ -133,23 +149,27 @@ bool CFtpConnection::PutFile(CFileUpload& file, const char* remote) {
 
 CInternetFile* CFtpConnection::OpenFile(const char* path, std::uint32_t access, std::uint32_t,
                                         std::uintptr_t) {
-  std::unique_ptr<CInternetFile> file;
-  internet::raising([&, control = m_control] {
-    checkPath(path);
-    const bool read = access == internet::kGenericRead;
-    const bool append = access == internet::kFileAppendData;
+  const bool read = access == internet::kGenericRead;
+  const bool append = access == internet::kFileAppendData;
+  internet::raising([&] {
     if (!read && !append && access != internet::kGenericWrite)
       internet::fail(platform::kErrorInvalidParameter);
-    control->request([&] {
-      auto transfer = std::make_unique<FtpTransfer>(
-          control, read ? FtpTransfer::Kind::download : FtpTransfer::Kind::upload);
-      if (append) transfer->startBehindContent();
-      transfer->open(nameForServer(*control, path));
-      control->holdForFile(true);
-      file = std::make_unique<CInternetFile>(std::move(transfer));
-    });
   });
-  return file.release();
+  return openFile(m_control, path, [&](const ControlPtr& control, const std::string& name) {
+    const auto kind = read ? FtpTransfer::Kind::download : FtpTransfer::Kind::upload;
+    auto transfer = std::make_unique<FtpTransfer>(control, kind);
+    if (append) transfer->startBehindContent();
+    transfer->open(name);
+    return transfer;
+  });
+}
+
+CInternetFile* CFtpConnection::OpenFile(const char* path, CFilePart& part) {
+  return openFile(m_control, path, [&](const ControlPtr& control, const std::string& name) {
+    auto transfer = std::make_unique<FtpTransfer>(control, FtpTransfer::Kind::download);
+    part.m_part->open(*transfer, name);
+    return transfer;
+  });
 }
 
 bool CFtpConnection::WaitIdle(std::chrono::milliseconds duration) {

@@ -15,6 +15,7 @@
 #include "framework/platform/file.h"
 
 class CFileDownload;
+class CFilePart;
 class CFileUpload;
 class CInternetFile;
 class CInternetSession;
@@ -57,6 +58,8 @@ class CFtpConnection {
   // the file; until it is closed the connection does nothing else. Throws CInternetException*.
   CInternetFile* OpenFile(const char* path, std::uint32_t access,
                           std::uint32_t flags = internet::kTransferTypeBinary, std::uintptr_t context = 1);
+  // The same for reading, in one attempt of a file that may need several: from part.Done() on.
+  CInternetFile* OpenFile(const char* path, CFilePart& part);
 
   // Waits for `duration` at the idle control connection. True when the connection was (or already is) closed
   // by the server: seen here for the first time it is reported as 50 and 51. False when the time has passed.

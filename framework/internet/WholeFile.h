@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A local file on its way from or to a server. It may need several connections: where an attempt has broken
-// off (12002, 12030, 12031), the next one goes on behind what has been moved, if the file is still the same.
+// A file on its way from or to a server. It may need several connections: where an attempt has broken off
+// (12002, 12030, 12031), the next one goes on behind what has been moved, if the file is still the same.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +11,7 @@
 namespace internet {
 class FileDownload;
 class FileUpload;
+class RemotePart;
 }  // namespace internet
 
 class CFileDownload {
@@ -45,4 +46,26 @@ class CFileUpload {
  private:
   friend class CFtpConnection;
   std::unique_ptr<internet::FileUpload> m_file;
+};
+
+// A remote file that the caller reads (CFtpConnection::OpenFile) and puts where he likes.
+class CFilePart {
+ public:
+  // As above.
+  explicit CFilePart(bool goesOn);
+  ~CFilePart();
+  CFilePart(const CFilePart&) = delete;
+  CFilePart& operator=(const CFilePart&) = delete;
+
+  // So much of it the caller has; a file that has been opened begins there.
+  [[nodiscard]] std::uint64_t Done() const noexcept;
+  void Add(std::uint32_t count) noexcept;
+  // An attempt has failed: what it has brought stays or is forgotten.
+  void BrokenOff(std::uint32_t error) noexcept;
+  // The next attempt begins at the start.
+  void Forget() noexcept;
+
+ private:
+  friend class CFtpConnection;
+  std::unique_ptr<internet::RemotePart> m_part;
 };

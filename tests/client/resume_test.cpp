@@ -3,14 +3,17 @@
 // anew where that would not give the right content.
 #include <gmock/gmock.h>
 
-#include <nlohmann/json.hpp>
-
+#include "tests/client/BrokenLines.h"
 #include "tests/client/SlotHost.h"
 #include "tests/client/TransferTest.h"
 
 namespace {
 
-using nlohmann::json;
+using broken_lines::broken;
+using broken_lines::bytesMoved;
+using broken_lines::json;
+using broken_lines::restarts;
+using broken_lines::rule;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -18,30 +21,12 @@ using testing_support::Pattern;
 
 constexpr std::size_t kSize = 100'000;
 
+fixture::ScriptedFtp serving(const std::vector<json>& rules, std::size_t size = kSize) {
+  return broken_lines::serving(rules, size);
+}
+
 class Resume : public TransferTest {
  protected:
-  static json rule(const char* verb, const json& step, const json& nth) {
-    return {{"on", verb}, {"nth", nth}, {"do", json::array({step})}};
-  }
-  static json broken(const char* verb, const json& nth, std::size_t after = 20'000) {
-    // One that ends an upload in good order calls it complete.
-    const char* how = verb == std::string_view("STOR") ? "reset_after" : "close_after";
-    return rule(verb, {{"normal", {{how, after}}}}, nth);
-  }
-  // Serves /a with the pattern 9; a rule for each thing that goes wrong.
-  static fixture::ScriptedFtp serving(const std::vector<json>& rules, std::size_t size = kSize) {
-    return fixture::ScriptedFtp(json{{"tree", {{"/a", {{"size", size}, {"seed", 9}}}}}, {"rules", rules}});
-  }
-  static std::vector<std::string> restarts(const fixture::ScriptedFtp& server) {
-    std::vector<std::string> lines = server.commands();
-    std::erase_if(lines, [](const std::string& line) { return !line.starts_with("REST"); });
-    return lines;
-  }
-  static std::uint64_t bytesMoved(const fixture::ScriptedFtp& server) {
-    std::uint64_t sum = 0;
-    for (const auto& data : server.dataConnections()) sum += data.bytes;
-    return sum;
-  }
   void expectLocalIsWhole() const { EXPECT_TRUE(Pattern(9).matchesFile(local, kSize)); }
   void expectRemoteIsWhole(const fixture::ScriptedFtp& server) const {
     EXPECT_TRUE(server.matches("/a", 6, kSize));
@@ -53,7 +38,7 @@ TEST_F(Resume, ADownloadGoesOnWhereItHasBrokenOff) {
   loginAt(server);
   EXPECT_EQ(download("/a", 3), 1);
   expectLocalIsWhole();
-  EXPECT_THAT(restarts(server), ElementsAre("REST 20000", "REST 40000", "REST 60000"));
+  EXPECT_THAT(restarts(server), ElementsAre("REST 20480", "REST 40960", "REST 61440"));
 }
 
 TEST_F(Resume, ResetConnectionsDoNotHarmTheContentOfADownload) {
@@ -89,15 +74,65 @@ TEST_F(Resume, ADownloadBeginsAnewAtAServerThatDoesNotRestart) {
   loginAt(server);
   EXPECT_EQ(download("/a", 1), 1);
   expectLocalIsWhole();
-  EXPECT_THAT(restarts(server), ElementsAre("REST 20000"));
+  EXPECT_THAT(restarts(server), ElementsAre("REST 20480"));
 }
 
 TEST_F(Resume, AnAttemptThatMovesNothingIsNotFollowedByOneThatGoesOn) {
-  const auto server = serving({broken("RETR", 1), broken("RETR", 2, 0)});
+  for (const json& second : {broken("RETR", 2, 0), rule("RETR", "reset", 2)}) {
+    const auto server = serving({broken("RETR", 1), second});
+    loginAt(server);
+    EXPECT_EQ(download("/a", 2), 1);
+    expectLocalIsWhole();
+    EXPECT_THAT(restarts(server), ElementsAre("REST 20480"));
+    std::filesystem::remove(local);
+  }
+}
+
+TEST_F(Resume, AnUploadThatMovesNothingIsNotFollowedByOneThatGoesOn) {
+  const auto server = serving({broken("STOR", 1), rule("STOR", "reset", 2)});
+  loginAt(server);
+  Pattern(6).writeFile(local, kSize);
+  EXPECT_EQ(upload("/a", 2), 1);
+  expectRemoteIsWhole(server);
+  EXPECT_THAT(restarts(server), ElementsAre("REST 20480"));
+}
+
+// A break before the file is asked for says nothing of the part: the attempt behind it began at the start.
+TEST_F(Resume, AnAttemptThatNeverAskedForTheFileLeavesThePartAsItIs) {
+  for (const char* verb : {"RETR", "STOR"}) {
+    SCOPED_TRACE(verb);
+    for (const char* breaks : {"USER", "SIZE", "EPSV", "REST"}) {
+      SCOPED_TRACE(breaks);
+      const int before = breaks == std::string_view("REST") ? 0 : 1;
+      const auto server =
+          serving({broken(verb, 1), {{"on", breaks}, {"after", before}, {"first", 1}, {"do", {"reset"}}}});
+      loginAt(server);
+      std::filesystem::remove(local);
+      if (verb == std::string_view("STOR")) Pattern(6).writeFile(local, kSize);
+      EXPECT_EQ(verb == std::string_view("STOR") ? upload("/a", 3) : download("/a", 3), 1);
+      EXPECT_THAT(restarts(server), Contains("REST 20480"));
+      EXPECT_EQ(server.commandCount(verb), 2);
+    }
+  }
+}
+
+// What came behind a position that the server had taken and not kept to was put behind the part.
+TEST_F(Resume, ADownloadBeginsAnewAtAServerThatRestartsInWordsOnly) {
+  const auto server = serving({broken("RETR", 1), {{"on", "REST"}, {"do", {{{"reply", "350 Restarting"}}}}}});
   loginAt(server);
   EXPECT_EQ(download("/a", 2), 1);
   expectLocalIsWhole();
-  EXPECT_THAT(restarts(server), ElementsAre("REST 20000"));
+  EXPECT_THAT(restarts(server), ElementsAre("REST 20480"));
+}
+
+// The rest that such a server stored from the start passed for the whole.
+TEST_F(Resume, AnUploadBeginsAnewAtAServerThatRestartsInWordsOnly) {
+  const auto server = serving({broken("STOR", 1), {{"on", "REST"}, {"do", {{{"reply", "350 Restarting"}}}}}});
+  loginAt(server);
+  Pattern(6).writeFile(local, kSize);
+  EXPECT_EQ(upload("/a", 1), 1);
+  expectRemoteIsWhole(server);
+  EXPECT_THAT(restarts(server), ElementsAre("REST 20480", "REST 0"));
 }
 
 TEST_F(Resume, WithoutRetriesNothingIsAskedForThem) {
@@ -141,11 +176,11 @@ TEST_F(Resume, AnUploadGoesOnWhereItHasBrokenOff) {
   Pattern(6).writeFile(local, kSize);
   EXPECT_EQ(upload("/a", 3), 1);
   expectRemoteIsWhole(server);
-  EXPECT_THAT(restarts(server), ElementsAre("REST 20000", "REST 40000", "REST 60000"));
+  EXPECT_THAT(restarts(server), ElementsAre("REST 20480", "REST 40960", "REST 61440"));
 }
 
 TEST_F(Resume, AnUploadBeginsAnewWhereTheServersFileIsStillTheOldOne) {
-  const auto server = serving({broken("STOR", 1), {{"on", "SIZE"}, {"do", {{{"reply", "213 20000"}}}}}});
+  const auto server = serving({broken("STOR", 1), {{"on", "SIZE"}, {"do", {{{"reply", "213 20480"}}}}}});
   loginAt(server);
   Pattern(6).writeFile(local, kSize);
   EXPECT_EQ(upload("/a", 1), 1);
@@ -169,7 +204,7 @@ TEST_F(Resume, AnUploadBeginsAnewAtAServerThatStoresFromTheStartOnly) {
   Pattern(6).writeFile(local, kSize);
   EXPECT_EQ(upload("/a", 1), 1);
   expectRemoteIsWhole(server);
-  EXPECT_THAT(restarts(server), ElementsAre("REST 20000", "REST 0"));
+  EXPECT_THAT(restarts(server), ElementsAre("REST 20480", "REST 0"));
 }
 
 TEST_F(Resume, ALineThatBreaksAllTheTimeMovesLittleMoreThanTheFile) {

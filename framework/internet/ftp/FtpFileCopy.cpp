@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "framework/internet/ftp/FtpFileCopy.h"
 
-#include <utility>
-
 #include "framework/internet/ftp/FtpTransfer.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/internet/net/InternetErrors.h"
@@ -43,14 +41,13 @@ void LocalTarget::keep() {
 // --- Download ---
 
 void FileDownload::run(FtpControl& control, std::string_view remote) {
-  const bool goesOn = holdsPart() && std::exchange(moved_, false) && isSame(control, remote);
-  if (!goesOn) beginAnew();
+  if (!target_) createTarget();
   try {
-    transfer(control, remote, done_);
+    transfer(control, remote);
     target_->keep();
     target_.reset();
   } catch (const Failure& failure) {
-    if (!goesOn_ || !version_.known() || !isBrokenConnection(failure.error)) drop();
+    if (!part_.outlives(failure.error)) drop();
     throw;
   } catch (...) {
     drop();
@@ -58,26 +55,19 @@ void FileDownload::run(FtpControl& control, std::string_view remote) {
   }
 }
 
-void FileDownload::beginAnew() {
-  drop();  // first: it is in the new one's way
-  target_.emplace(local_, failIfExists_, attributes_);
-  done_ = 0;
+void FileDownload::drop() noexcept {
+  part_.forget();
+  target_.reset();
 }
 
-bool FileDownload::isSame(FtpControl& control, std::string_view remote) const {
-  control.useBinary();
-  const Version now{parseSizeReply(control.command("SIZE", remote)),
-                    parseTimeReply(control.command("MDTM", remote))};
-  return now == version_;
-}
-
-void FileDownload::transfer(FtpControl& control, std::string_view remote, std::uint64_t position) {
+void FileDownload::transfer(FtpControl& control, std::string_view remote) {
   FtpTransfer transfer(control.shared_from_this(), FtpTransfer::Kind::download);
-  transfer.startAt(position);
-  const auto time = goesOn_ && position == 0 ? control.askTimeAlong(remote) : nullptr;
-  transfer.open(remote);
-  if (transfer.start() != position) beginAnew();
-  if (time) version_ = {transfer.size(), *time};
+  const bool holdsPart = part_.done() > 0;
+  part_.open(transfer, remote);
+  if (holdsPart && part_.done() == 0) {
+    target_.reset();  // first: it is in the new one's way
+    createTarget();
+  }
   const auto block = std::make_unique_for_overwrite<char[]>(kTransferBuffer);
   while (const std::size_t count = transfer.receive(block.get(), kTransferBuffer)) {
     if (!target_->write(block.get(), count)) {
@@ -85,8 +75,7 @@ void FileDownload::transfer(FtpControl& control, std::string_view remote, std::u
       transfer.abandon();
       fail(error);
     }
-    done_ += count;
-    moved_ = true;
+    part_.add(count);
   }
   transfer.confirm();
 }
@@ -98,11 +87,20 @@ void FileUpload::run(FtpControl& control, std::string_view remote) {
   if (first && !file_.open(local_.c_str(), platform::FileAccess::read, FileCreation::openExisting)) {
     fail(platform::lastError());
   }
-  const std::uint64_t position = std::exchange(moved_, false) ? positionAt(control, remote) : 0;
-  if (transfer(control, remote, position)) return;
-  // Some servers let a download restart, but no upload. They may still have the position in mind.
+  if (!goOn(control, remote)) transfer(control, remote, 0);
+}
+
+// Some servers let a download restart, but no upload: they refuse it, or take the rest for the whole. They
+// may still have the position in mind.
+bool FileUpload::goOn(FtpControl& control, std::string_view remote) {
+  const std::uint64_t position = moved_ ? positionAt(control, remote) : 0;
+  if (position == 0) return false;
+  if (transfer(control, remote, position)) {
+    // Where the server's word was lost its size has decided.
+    if (!control.isOpen() || parseSizeReply(control.command("SIZE", remote)) == sent_) return true;
+  }
   control.command("REST", "0");
-  transfer(control, remote, 0);
+  return false;
 }
 
 // Where the server's file ends, if it is the part that an earlier run has sent, and not what was there
@@ -117,34 +115,46 @@ std::uint64_t FileUpload::positionAt(FtpControl& control, std::string_view remot
 bool FileUpload::transfer(FtpControl& control, std::string_view remote, std::uint64_t position) {
   FtpTransfer transfer(control.shared_from_this(), FtpTransfer::Kind::upload);
   transfer.startAt(position);
-  if (sent_ == 0 && goesOn_) {
-    control.useBinary();
-    const auto before = control.askSizeAlong(remote);
-    transfer.open(remote);
-    before_ = *before;
-  } else {
-    const FtpReply reply = transfer.begin("STOR", remote);
-    if (reply.refused() && transfer.start() > 0) return false;
-    if (reply.refused()) control.raise(reply);
+  try {
+    if (!begin(transfer, remote)) return false;
+  } catch (...) {
+    moved_ = moved_ && !transfer.asked();
+    throw;
   }
+  send(transfer);
+  return true;
+}
+
+bool FileUpload::begin(FtpTransfer& transfer, std::string_view remote) {
+  FtpControl& control = transfer.control();
+  const bool first = sent_ == 0 && goesOn_;
+  if (first) control.useBinary();
+  const auto before = first ? control.askSizeAlong(remote) : nullptr;
+  const FtpReply reply = transfer.begin("STOR", remote);
+  if (before) before_ = *before;
+  if (reply.refused() && transfer.start() == 0) control.raise(reply);
+  return !reply.refused();
+}
+
+void FileUpload::send(FtpTransfer& transfer) {
+  moved_ = false;
   if (file_.seekTo(transfer.start()) < 0) {
     const std::uint32_t error = platform::lastError();
     transfer.abandon();
     fail(error);
   }
-  sent_ = transfer.start();
   const auto note = [&] {
     sent_ = transfer.start() + transfer.moved();
     moved_ = transfer.moved() > 0;
   };
   try {
     transfer.sendFile(file_);
+    note();
     transfer.confirm();
   } catch (...) {
     note();
     throw;
   }
-  return true;
 }
 
 }  // namespace internet

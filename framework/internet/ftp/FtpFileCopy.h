@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Whole files between the server and the local disk. One may need several connections: where one of them has
 // broken (12002, 12030, 12031) the next run goes on behind what has been moved, if the file is still the
-// same; else it begins anew. A run that has moved nothing is not followed by one that goes on. run() belongs
-// inside FtpControl::request() and fails by internet::Failure, with the system's own number for what goes
-// wrong locally.
+// same; else it begins anew. A run that went on and has moved nothing is not followed by one that goes on.
+// run() belongs inside FtpControl::request() and fails by internet::Failure, with the system's own number for
+// what goes wrong locally.
 #pragma once
 
 #include <cstdint>
@@ -13,6 +13,7 @@
 #include <string_view>
 
 #include "framework/internet/ftp/FtpControl.h"
+#include "framework/internet/ftp/RemotePart.h"
 #include "framework/platform/file.h"
 
 namespace internet {
@@ -38,35 +39,23 @@ class FileDownload {
  public:
   // `goesOn`: several runs may come. They cost one line more each.
   FileDownload(std::string local, bool failIfExists, std::uint32_t attributes, bool goesOn)
-      : local_(std::move(local)), failIfExists_(failIfExists), attributes_(attributes), goesOn_(goesOn) {}
+      : local_(std::move(local)), failIfExists_(failIfExists), attributes_(attributes), part_(goesOn) {}
 
   // The local file is created before the remote one is asked for; one that was created is deleted when the
   // run fails for another reason than its connection, or with this object.
   void run(FtpControl& control, std::string_view remote);
   [[nodiscard]] bool holdsPart() const noexcept { return target_.has_value(); }
-  void drop() noexcept { target_.reset(); }
+  void drop() noexcept;
 
  private:
-  // What tells two states of a remote file apart.
-  struct Version {
-    std::optional<std::uint64_t> size;
-    std::optional<std::string> time;
-    [[nodiscard]] bool known() const noexcept { return size && time; }
-    bool operator==(const Version&) const = default;
-  };
-
-  [[nodiscard]] bool isSame(FtpControl& control, std::string_view remote) const;
-  void transfer(FtpControl& control, std::string_view remote, std::uint64_t position);
-  void beginAnew();
+  void transfer(FtpControl& control, std::string_view remote);
+  void createTarget() { target_.emplace(local_, failIfExists_, attributes_); }
 
   std::string local_;
   bool failIfExists_;
   std::uint32_t attributes_;
-  bool goesOn_;
   std::optional<LocalTarget> target_;
-  Version version_;         // of the remote file that the part is of
-  std::uint64_t done_ = 0;  // of it, in the local file
-  bool moved_ = false;      // the last run has added to it
+  RemotePart part_;  // that is in it
 };
 
 class FileUpload {
@@ -78,7 +67,10 @@ class FileUpload {
 
  private:
   [[nodiscard]] std::uint64_t positionAt(FtpControl& control, std::string_view remote) const;
+  bool goOn(FtpControl& control, std::string_view remote);
   bool transfer(FtpControl& control, std::string_view remote, std::uint64_t position);
+  bool begin(FtpTransfer& transfer, std::string_view remote);
+  void send(FtpTransfer& transfer);
 
   std::string local_;
   bool goesOn_;

@@ -33,6 +33,8 @@ class FtpTransfer {
   // start() tells, once the transfer has begun.
   void startAt(std::uint64_t position) noexcept { position_ = position; }
   [[nodiscard]] std::uint64_t start() const noexcept { return start_; }
+  // The command has gone out, or may have.
+  [[nodiscard]] bool asked() const noexcept { return asked_; }
   // The size of the file that a download is of, as far as the server has told it.
   [[nodiscard]] std::optional<std::uint64_t> size() const noexcept { return announced_; }
   // Bytes that were received or sent from there on.
@@ -97,7 +99,8 @@ class FtpTransfer {
   [[nodiscard]] bool hasKnownSize() const noexcept;
   bool allIsThere();
   void awaitPeersEnd();
-  void awaitPeer(std::chrono::milliseconds limit);
+  void checkCut();
+  platform::IoStatus awaitPeer(std::chrono::milliseconds limit);
   void waitForData(bool write, std::optional<DataLimit>& limit);
   void watchControl();
   void notifyFinal();
@@ -111,6 +114,10 @@ class FtpTransfer {
   [[nodiscard]] bool movedInFull() const noexcept;
   // Of what the server has announced.
   [[nodiscard]] bool tooShort() const noexcept { return announced_ && start_ + moved_ < *announced_; }
+  // One that is to start behind a part starts elsewhere.
+  [[nodiscard]] bool tooLong() const noexcept {
+    return start_ > 0 && announced_ && start_ + moved_ > *announced_;
+  }
   void closeData() noexcept {
     if (data_ && control_->tls()) endInOrder(*data_);
     data_.reset();
@@ -126,6 +133,7 @@ class FtpTransfer {
   bool finalNotified_ = false;
   std::string path_;
   bool behindContent_ = false;
+  bool asked_ = false;
   std::uint64_t position_ = 0;              // where the caller wants it to start
   std::uint64_t start_ = 0;                 // where it does, in the file
   std::optional<std::uint64_t> announced_;  // by the server: the size of the file of a download
