@@ -176,6 +176,20 @@ std::string RealServer::folder() const { return started().at("folder"); }
 
 int RealServer::connectionCount() const { return log().at("connections"); }
 
+CuttingRelay::CuttingRelay(const Server& behind, std::uint64_t every, std::uint32_t seed)
+    : Server("cutting-relay", {{"port", behind.port()}, {"every", every}, {"seed", seed}}) {}
+
+std::uint64_t CuttingRelay::moved() const { return log().at("moved"); }
+
+std::size_t CuttingRelay::waysSeen() const {
+  const json recorded = log();
+  const json& cuts = recorded.at("cuts");
+  return static_cast<std::size_t>(
+      std::count_if(cuts.begin(), cuts.end(), [](const json& count) { return count > 0; }));
+}
+
+std::size_t CuttingRelay::cutReplies() const { return log().at("replies"); }
+
 ScriptedHttp::ScriptedHttp(std::string_view script) : ScriptedHttp(parsed(script)) {}
 
 std::vector<std::string> ScriptedHttp::requests() const {

@@ -142,6 +142,20 @@ class RealServer : public FileServer {
   [[nodiscard]] int connectionCount() const;
 };
 
+// A relay in front of another server. Whenever `every` bytes have moved over data connections it cuts them,
+// their control connection, or a reply: each way once before one comes again, in an order of `seed`.
+class CuttingRelay : public Server {
+ public:
+  CuttingRelay(const Server& behind, std::uint64_t every, std::uint32_t seed);
+
+  // Bytes that data connections have brought to it, in both directions.
+  [[nodiscard]] std::uint64_t moved() const;
+  // The ways in which it has cut so far.
+  [[nodiscard]] std::size_t waysSeen() const;
+  // Replies that were cut in their middle.
+  [[nodiscard]] std::size_t cutReplies() const;
+};
+
 // The scripted web server.
 class ScriptedHttp : public Server {
  public:
