@@ -71,6 +71,27 @@ TEST_F(LongPaths, EveryOperationWorksInATree3900BytesDeep) {
   operation_tour::run(client, {remote, deep.path()});
 }
 
+TEST_F(LongPaths, ATree3900BytesDeepIsMadeWalkedAndRemoved) {
+  const auto folders = branch("/pub", kDeep);
+  const std::string& deepest = folders.back();
+  const fixture::ScriptedFtp server(treeOf("/pub"));
+  loginAt(server);
+  EXPECT_EQ(client.FTPCreateDir(deepest.c_str(), 0, 0, 0), 1);
+  EXPECT_EQ(client.FTPWriteFile((deepest + "/f").c_str(), "x", 1, 0, 0, 0, 0, 0), 1);
+  for (const std::string& each : folders) {
+    const bool isDeepest = each == deepest;
+    EXPECT_EQ(client.FTPHasSubDir(each.c_str(), 0), isDeepest ? 0 : 1) << each.size();
+    std::uint32_t files = 9;
+    EXPECT_EQ(client.FTPCountFolderItems(each.c_str(), &files, nullptr, 0), 1) << each.size();
+    EXPECT_EQ(files, isDeepest ? 1u : 0u) << each.size();
+  }
+  EXPECT_EQ(client.FTPRmvFile((deepest + "/f").c_str(), 0, 0, 0, 0), 1);
+  for (std::size_t at = folders.size(); at-- > 1;) {
+    EXPECT_EQ(client.FTPRmvDir(folders[at].c_str(), 0, 0, 0), 1) << folders[at].size();
+  }
+  EXPECT_EQ(server.names("/pub"), Names{});
+}
+
 TEST_F(LongPaths, ARealServersTreeIsMadeAndRemoved) {
   const fixture::RealServer server("pyftpdlib");
   client.FTPSetLogin(server.host().c_str(), server.user().c_str(), server.password().c_str(), server.port(),

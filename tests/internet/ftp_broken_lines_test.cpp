@@ -15,7 +15,7 @@ namespace {
 
 using Restarts = BreakingFtp::Restarts;
 
-constexpr std::uint32_t kCases = 200;  // of each kind of transfer
+constexpr std::uint32_t kCases = 120;  // of each kind of transfer
 constexpr int kAttempts = 12;
 
 std::string contentOf(std::uint32_t seed, std::size_t size) {
