@@ -166,6 +166,7 @@ bool mayBeUsed(const char* path) {
 AttemptOutcome attempt(QXFtpThread& base) {
   auto& record = static_cast<CopyThread&>(base);
   record.bWhole = false;
+  if (!record.part) record.part.emplace(*record.pRetries > 0);
   const auto copy = [&](CFtpConnection& connection) {
     const bool ok = copyFile(record, connection);
     if (!ok) record.part->BrokenOff(platform::lastError());
@@ -191,7 +192,7 @@ QXBool TQXIP::FTPCpyFile(const char* pszSource, const char* pszDestination, QXPr
     const LinePaths paths = bothPaths(record);
     const bool checked = IsSet(m_bInitialized) && pszSource != nullptr && pszDestination != nullptr;
     const auto enter = [&] {
-      record.part.emplace(nRetries > 0);
+      record.part.reset();
       record.copy.reset();
       WriteEntryLine(*this, sites::kCpyFile, paths);
       return checked ? Entry::worker : Entry::refused;

@@ -23,7 +23,7 @@ using testing_support::Pattern;
 
 constexpr std::size_t kSize = 100'000;
 
-fixture::ScriptedFtp serving(const std::vector<json>& rules) { return broken_lines::serving(rules, kSize); }
+fixture::ScriptedFtp breaking(const std::vector<json>& rules) { return broken_lines::serving(rules, kSize); }
 
 // To the local disk (0), or to the server through the temporary copy (1).
 class CopyResume : public ContentTest, public testing::WithParamInterface<bool> {
@@ -42,7 +42,7 @@ class CopyResume : public ContentTest, public testing::WithParamInterface<bool> 
 };
 
 TEST_P(CopyResume, GoesOnWhereItHasBrokenOff) {
-  const auto server = serving({broken("RETR", {1, 2, 3})});
+  const auto server = breaking({broken("RETR", {1, 2, 3})});
   loginAt(server);
   EXPECT_EQ(copy(3), 1);
   expectWhole(server);
@@ -53,7 +53,7 @@ TEST_P(CopyResume, GoesOnWhereItHasBrokenOff) {
 TEST_P(CopyResume, BeginsAnewWhenTheSourceHasChanged) {
   for (const char* verb : {"MDTM", "SIZE"}) {
     SCOPED_TRACE(verb);
-    const auto server = serving(
+    const auto server = breaking(
         {broken("RETR", 1), {{"on", verb}, {"after", 1}, {"do", {{{"reply", "213 20010203040506"}}}}}});
     loginAt(server);
     EXPECT_EQ(copy(1), 1);
@@ -63,21 +63,21 @@ TEST_P(CopyResume, BeginsAnewWhenTheSourceHasChanged) {
 }
 
 TEST_P(CopyResume, BeginsAnewAtAServerThatDoesNotRestart) {
-  const auto server = serving({broken("RETR", 1), {{"on", "REST"}, {"do", {{{"reply", "502 No"}}}}}});
+  const auto server = breaking({broken("RETR", 1), {{"on", "REST"}, {"do", {{{"reply", "502 No"}}}}}});
   loginAt(server);
   EXPECT_EQ(copy(1), 1);
   expectWhole(server);
 }
 
 TEST_P(CopyResume, BeginsAnewAtAServerThatRestartsInWordsOnly) {
-  const auto server = serving({broken("RETR", 1), {{"on", "REST"}, {"do", {{{"reply", "350 Yes"}}}}}});
+  const auto server = breaking({broken("RETR", 1), {{"on", "REST"}, {"do", {{{"reply", "350 Yes"}}}}}});
   loginAt(server);
   EXPECT_EQ(copy(2), 1);
   expectWhole(server);
 }
 
 TEST_P(CopyResume, AnAttemptThatMovesNothingIsNotFollowedByOneThatGoesOn) {
-  const auto server = serving({broken("RETR", 1), broken("RETR", 2, 0)});
+  const auto server = breaking({broken("RETR", 1), broken("RETR", 2, 0)});
   loginAt(server);
   EXPECT_EQ(copy(2), 1);
   expectWhole(server);
@@ -85,7 +85,7 @@ TEST_P(CopyResume, AnAttemptThatMovesNothingIsNotFollowedByOneThatGoesOn) {
 }
 
 TEST_P(CopyResume, AfterTheLastAttemptNoTemporaryPartIsLeft) {
-  const auto server = serving({broken("RETR", {1, 2})});
+  const auto server = breaking({broken("RETR", {1, 2})});
   loginAt(server);
   EXPECT_EQ(copy(1), 0);
   EXPECT_EQ(leftInTemporary(), Names{});
@@ -93,7 +93,7 @@ TEST_P(CopyResume, AfterTheLastAttemptNoTemporaryPartIsLeft) {
 }
 
 TEST_P(CopyResume, ACopyThatTheHostStopsBeginsAtTheStartTheNextTime) {
-  const auto server = serving({broken("RETR", {1})});
+  const auto server = breaking({broken("RETR", {1})});
   loginAt(server);
   ProgressLog::stop() = []() -> QXBool { return ProgressLog::calls().size() == 7; };
   EXPECT_EQ(copy(1), 1);
@@ -105,7 +105,7 @@ TEST_P(CopyResume, ACopyThatTheHostStopsBeginsAtTheStartTheNextTime) {
 }
 
 TEST_P(CopyResume, TheFiguresGoOnWhereTheCopyDoes) {
-  const auto server = serving({broken("RETR", {2})});
+  const auto server = breaking({broken("RETR", {2})});
   loginAt(server);
   EXPECT_EQ(copy(1), 1);
   const auto whole = progress.percentages();
@@ -116,7 +116,7 @@ TEST_P(CopyResume, TheFiguresGoOnWhereTheCopyDoes) {
 }
 
 TEST_P(CopyResume, WithoutRetriesNothingIsAskedForThem) {
-  const auto server = serving({});
+  const auto server = breaking({});
   loginAt(server);
   EXPECT_EQ(copy(0), 1);
   EXPECT_EQ(server.commandCount("MDTM"), 0);
@@ -124,7 +124,7 @@ TEST_P(CopyResume, WithoutRetriesNothingIsAskedForThem) {
 
 // A part of which somebody has taken something is no part.
 TEST_P(CopyResume, BeginsAnewWhenItsPartIsNotWhatItWas) {
-  const auto server = serving({broken("RETR", 1)});
+  const auto server = breaking({broken("RETR", 1)});
   SlotHost host;
   host.FTPSetLogin("127.0.0.1", "user", "secret", server.port(), 1);
   const auto part = toServer ? temporaryFile("b") : std::filesystem::path(local);
@@ -142,7 +142,7 @@ INSTANTIATE_TEST_SUITE_P(Target, CopyResume, testing::Bool(),
 
 // What was fetched may be older than the server's file by then.
 TEST(CopyResumeSlots, AfterAnUploadThatBrokeTheSourceIsFetchedAnew) {
-  const auto server = serving({});
+  const auto server = breaking({});
   SlotHost host;
   host.FTPSetLogin("127.0.0.1", "user", "secret", server.port(), 1);
   host.upload = [](const std::string&, const std::string&) {
@@ -157,7 +157,7 @@ class CopyResumeLocal : public ContentTest {};
 
 // The local file was emptied before the server had said where it begins.
 TEST_F(CopyResumeLocal, ThePartStaysUntilTheServerHasAgreed) {
-  const auto server = serving({broken("RETR", 1), rule("RETR", {{"reply", "550 Gone"}}, 2)});
+  const auto server = breaking({broken("RETR", 1), rule("RETR", {{"reply", "550 Gone"}}, 2)});
   loginAt(server);
   EXPECT_EQ(client.FTPCpyFile("/a", localName(local).c_str(), nullptr, 1, 0, 0), 0);
   EXPECT_TRUE(Pattern(9).matchesFile(local, 20'480));
