@@ -11,13 +11,13 @@ using testing_support::Pattern;
 class CutUpload : public TransferTest {};
 
 TEST_F(CutUpload, IsNotBelieved) {
-  constexpr std::size_t kSize = 100'000;
+  const std::size_t size = 100'000;
   const auto server =
-      broken_lines::serving({broken_lines::rule("STOR", {{"normal", {{"close_after", 20'480}}}}, 1)}, kSize);
+      broken_lines::serving({broken_lines::rule("STOR", {{"normal", {{"close_after", 20'480}}}}, 1)}, size);
   loginAt(server);
-  Pattern(6).writeFile(local, kSize);
+  Pattern(6).writeFile(local, size);
   EXPECT_EQ(upload("/a", 1), 1);
-  EXPECT_TRUE(server.matches("/a", 6, kSize));
+  EXPECT_TRUE(server.matches("/a", 6, size));
 }
 
 }  // namespace
