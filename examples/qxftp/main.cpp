@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <stdexcept>
+#include <string_view>
 
 #include "QXHooks.h"
 #include "examples/host/ClientLibrary.h"
@@ -13,16 +14,25 @@ namespace {
 
 enum ExitCode { kDone = 0, kFailed = 1, kWrongUsage = 2 };
 
+void printUsage(std::FILE* out) {
+  std::fputs(
+      "usage: qxftp [--library FILE] [--host H] [--port P] [--user U] [--password W]\n"
+      "             [--passive|--active] [--verbose] COMMAND\n"
+      "hosts:\n"
+      "  NAME                    FTP in plain text; an address of IPv6 may stand in brackets\n"
+      "  ftpes://NAME[;OPTION]   encrypted before the login\n"
+      "  ftps://NAME[;OPTION]    encrypted from the first byte, at port 990\n"
+      "  https://NAME[;OPTION]   for http\n"
+      "  Options: ;fingerprint=sha256:64-HEX-DIGITS ;verify=no ;tls=1.2\n"
+      "Proxies are those of the system's settings. --verbose shows the protocol.\n"
+      "commands:\n",
+      out);
+  for (const Command& command : commands()) std::fprintf(out, "  %s %s\n", command.name, command.arguments);
+}
+
 int usage(const char* problem) {
-  std::fprintf(stderr,
-               "qxftp: %s\n"
-               "usage: qxftp [--library FILE] [--host H] [--port P] [--user U] [--password W]\n"
-               "             [--passive|--active] [--verbose] COMMAND\n"
-               "commands:\n",
-               problem);
-  for (const Command& command : commands()) {
-    std::fprintf(stderr, "  %s %s\n", command.name, command.arguments);
-  }
+  std::fprintf(stderr, "qxftp: %s\n", problem);
+  printUsage(stderr);
   return kWrongUsage;
 }
 
@@ -57,6 +67,10 @@ int run(const Options& options, const Command& command) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 2 && std::string_view(argv[1]) == "--help") {
+    printUsage(stdout);
+    return kDone;
+  }
   try {
     const Options options = parseOptions({argv + 1, argv + argc});
     const auto command = std::ranges::find_if(
