@@ -19,7 +19,6 @@
 
 namespace {
 
-constexpr std::uint32_t kChunk = 4096;
 constexpr std::chrono::milliseconds kPace{20};  // before every chunk
 
 // A block goes to the host as bare memory and comes back as such.

@@ -17,8 +17,6 @@
 
 namespace {
 
-constexpr std::uint32_t kChunk = 4096;
-
 struct CopyThread : QXFtpThread {
   const char* pszNewName = nullptr;
   QXProgress pfnProgress = nullptr;

@@ -39,10 +39,9 @@ constexpr std::uint32_t kConnectBackoffMs = 1000;
 constexpr std::uint32_t kConnectRetries = 1;
 
 constexpr std::size_t kMostOfName = 255;
-constexpr std::uint32_t kChunk = 4096;
+constexpr std::uint32_t kHttpChunk = 4096;
 // How long a server may keep the host waiting: with a chunk that is not full, and with all that comes before.
 constexpr std::chrono::milliseconds kPatience{50};
-constexpr std::uint32_t kExceptionTextCapacity = 1024;
 
 enum Status : std::uint32_t {
   kOk = 200,
@@ -201,10 +200,10 @@ void HttpDownload::Transfer() {
 
 void HttpDownload::SaveBody() {
   CFile file(m_target.localFile, CFile::modeCreate | CFile::modeWrite | CFile::typeBinary);
-  std::array<char, kChunk> chunk;
+  std::array<char, kHttpChunk> chunk;
   bool ended = false;
   do {
-    const std::uint32_t count = m_request->ReadFor(chunk.data(), kChunk, kPatience, ended);
+    const std::uint32_t count = m_request->ReadFor(chunk.data(), kHttpChunk, kPatience, ended);
     if (count > 0) {
       file.Write(chunk.data(), count);  // ahead of OnPoll, in which the host may look at the file
     } else if (ended) {

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr std::uint32_t kExceptionTextCapacity = 1024;
-
 // The numbers that hosts know by name.
 static_assert(internet::kTimeout == QX_ERROR_TIMEOUT && internet::kExtendedError == QX_ERROR_REFUSED &&
               internet::kNameNotResolved == QX_ERROR_NAME_NOT_RESOLVED &&

@@ -3,9 +3,13 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 
 #include "Src/FtpThread.h"
 #include "Src/SharedFlag.h"
+
+// Bytes that a worker moves between two looks at what the host wants.
+inline constexpr std::uint32_t kChunk = 4096;
 
 // Under the updating flag, while which the waiting thread does not ask OnPoll. An OnPoll that is running
 // already sees each counter whole, and the total before what belongs to it.

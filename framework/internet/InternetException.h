@@ -5,6 +5,9 @@
 #include <cstdint>
 #include <string>
 
+// Room for any text of GetErrorMessage() that a host is given whole.
+inline constexpr std::uint32_t kExceptionTextCapacity = 1024;
+
 class CInternetException {
  public:
   // `text` is the server's own text for error 12003; it may be empty.

@@ -6,15 +6,13 @@
 
 #include "framework/platform/last_error.h"
 #include "framework/windows/local_path.h"
-#include "framework/windows/windows_api.h"
+#include "framework/windows/native_handle.h"
 
 namespace platform {
 namespace {
 
 // What one call of the system takes: its sizes are 32-bit.
 constexpr std::size_t kLargestPiece = 0x40000000;
-
-HANDLE nativeFile(std::intptr_t handle) noexcept { return reinterpret_cast<HANDLE>(handle); }
 
 DWORD accessRights(FileAccess access) noexcept {
   if (access == FileAccess::read) return GENERIC_READ;
@@ -51,7 +49,7 @@ std::int64_t File::read(void* buffer, std::size_t size) noexcept {
   if (refusedClosed(*this)) return -1;
   DWORD got = 0;
   const auto piece = static_cast<DWORD>(std::min(size, kLargestPiece));
-  return ::ReadFile(nativeFile(handle_), buffer, piece, &got, nullptr) ? std::int64_t{got} : -1;
+  return ::ReadFile(handleOf(handle_), buffer, piece, &got, nullptr) ? std::int64_t{got} : -1;
 }
 
 bool File::write(const void* data, std::size_t size) noexcept {
@@ -60,7 +58,7 @@ bool File::write(const void* data, std::size_t size) noexcept {
   while (size != 0) {
     DWORD written = 0;
     const auto piece = static_cast<DWORD>(std::min(size, kLargestPiece));
-    if (!::WriteFile(nativeFile(handle_), next, piece, &written, nullptr)) return false;
+    if (!::WriteFile(handleOf(handle_), next, piece, &written, nullptr)) return false;
     if (written == 0) {  // no error and no progress: asking again would go on for ever
       setLastError(kErrorDiskFull);
       return false;
@@ -73,7 +71,7 @@ bool File::write(const void* data, std::size_t size) noexcept {
 
 std::int64_t File::size() const noexcept {
   LARGE_INTEGER size;
-  return !refusedClosed(*this) && ::GetFileSizeEx(nativeFile(handle_), &size) ? size.QuadPart : -1;
+  return !refusedClosed(*this) && ::GetFileSizeEx(handleOf(handle_), &size) ? size.QuadPart : -1;
 }
 
 namespace {
@@ -82,7 +80,7 @@ std::int64_t seek(const File& file, std::int64_t offset, DWORD from) noexcept {
   LARGE_INTEGER position;
   position.QuadPart = offset;
   if (refusedClosed(file)) return -1;
-  const HANDLE handle = nativeFile(file.nativeHandle());
+  const HANDLE handle = handleOf(file.nativeHandle());
   return ::SetFilePointerEx(handle, position, &position, from) ? position.QuadPart : -1;
 }
 
@@ -94,7 +92,7 @@ std::int64_t File::seekTo(std::uint64_t position) noexcept {
   return seek(*this, static_cast<std::int64_t>(position), FILE_BEGIN);
 }
 
-bool File::close() noexcept { return !isOpen() || ::CloseHandle(nativeFile(std::exchange(handle_, kNone))); }
+bool File::close() noexcept { return !isOpen() || ::CloseHandle(handleOf(std::exchange(handle_, kNone))); }
 
 bool File::keepToOwner() noexcept { return !refusedClosed(*this); }
 

@@ -3,18 +3,13 @@
 
 #include "framework/platform/last_error.h"
 #include "framework/windows/local_path.h"
-#include "framework/windows/windows_api.h"
+#include "framework/windows/native_handle.h"
 
 namespace platform {
-namespace {
-
-HANDLE nativeFile(std::intptr_t handle) noexcept { return reinterpret_cast<HANDLE>(handle); }
-
-}  // namespace
 
 LockFile::~LockFile() {
   const LastErrorKeeper keeper;
-  if (held()) ::CloseHandle(nativeFile(handle_));
+  if (held()) ::CloseHandle(handleOf(handle_));
 }
 
 // The system deletes the file with its last handle, however that ends.

@@ -4,7 +4,7 @@
 #include <array>
 #include <utility>
 
-#include "framework/windows/windows_api.h"
+#include "framework/windows/native_handle.h"
 // After the wrapper, which brings winsock2.h.
 #include <ws2tcpip.h>
 
@@ -240,8 +240,8 @@ Wake waitForSockets(std::span<SocketInterest> interests, std::chrono::millisecon
   DWORD count = 0;
   const StopToken* stop = StopToken::current();
   const std::intptr_t wakeUp = stop ? stop->nativeHandle() : StopToken::kNoHandle;
-  if (wakeUp != StopToken::kNoHandle) watched[count++] = reinterpret_cast<HANDLE>(wakeUp);
-  if (signal != kNoSignal) watched[count++] = reinterpret_cast<HANDLE>(signal);
+  if (wakeUp != StopToken::kNoHandle) watched[count++] = handleOf(wakeUp);
+  if (signal != kNoSignal) watched[count++] = handleOf(signal);
   for (SocketInterest& interest : interests) {
     interest.ready = false;
     if (!interest.socket || !interest.socket->isOpen()) continue;

@@ -2,15 +2,9 @@
 #include "framework/platform/stop_token.h"
 
 #include "framework/platform/last_error.h"
-#include "framework/windows/windows_api.h"
+#include "framework/windows/native_handle.h"
 
 namespace platform {
-
-namespace {
-
-HANDLE eventOf(std::intptr_t handle) noexcept { return reinterpret_cast<HANDLE>(handle); }
-
-}  // namespace
 
 std::intptr_t StopToken::makeHandle() noexcept {
   const LastErrorKeeper keeper;
@@ -18,12 +12,12 @@ std::intptr_t StopToken::makeHandle() noexcept {
   return event != nullptr ? reinterpret_cast<std::intptr_t>(event) : kNoHandle;
 }
 
-void StopToken::signalHandle(std::intptr_t handle) noexcept { ::SetEvent(eventOf(handle)); }
+void StopToken::signalHandle(std::intptr_t handle) noexcept { ::SetEvent(handleOf(handle)); }
 
-void StopToken::closeHandle(std::intptr_t handle) noexcept { ::CloseHandle(eventOf(handle)); }
+void StopToken::closeHandle(std::intptr_t handle) noexcept { ::CloseHandle(handleOf(handle)); }
 
 void StopToken::waitForHandle(std::intptr_t handle, std::chrono::milliseconds limit) noexcept {
-  ::WaitForSingleObject(eventOf(handle), static_cast<DWORD>(limit.count()));
+  ::WaitForSingleObject(handleOf(handle), static_cast<DWORD>(limit.count()));
 }
 
 }  // namespace platform

@@ -14,11 +14,7 @@ namespace internet {
 using platform::IoStatus;
 using std::chrono::milliseconds;
 
-namespace {
-
-constexpr milliseconds kAtOnce{0};
-
-}  // namespace
+namespace {}  // namespace
 
 ControlChannel::ControlChannel(std::shared_ptr<SessionLink> session) noexcept
     : dialer_(std::move(session)), progressUntil_(kAtOnce), closeError_(kConnectionAborted) {}

@@ -20,6 +20,9 @@
 
 namespace internet {
 
+// A limit for replies that are here already or count as missing.
+inline constexpr std::chrono::milliseconds kAtOnce{0};
+
 class ControlChannel {
  public:
   using ReplyHandler = LineWindow::ReplyHandler;

@@ -17,8 +17,6 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr milliseconds kAtOnce{0};
-
 platform::SocketAddress required(const std::optional<platform::SocketAddress>& address) {
   if (!address) fail(kConnectionAborted);
   return *address;

@@ -17,7 +17,6 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr milliseconds kAtOnce{0};
 // A server that says nothing for this long about a transfer that was broken off is asked whether it has
 // ended.
 constexpr milliseconds kQuiet{250};

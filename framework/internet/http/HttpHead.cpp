@@ -14,7 +14,7 @@ constexpr std::string_view kLineEnd = "\r\n";
 
 constexpr bool isBlank(char c) noexcept { return c == ' ' || c == '\t'; }
 
-std::string_view trimmed(std::string_view text) noexcept {
+std::string_view withoutBlanks(std::string_view text) noexcept {
   while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
   while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
   return text;
@@ -41,14 +41,15 @@ bool forEachField(std::string_view raw, Use use) {
   const auto finish = [&] {
     const auto colon = field.find(':');
     if (colon == std::string_view::npos) return true;
-    return use(std::string_view(field).substr(0, colon), trimmed(std::string_view(field).substr(colon + 1)));
+    return use(std::string_view(field).substr(0, colon),
+               withoutBlanks(std::string_view(field).substr(colon + 1)));
   };
   raw.remove_prefix(raw.find(kLineEnd) + kLineEnd.size());
   while (!raw.empty()) {
     const std::string_view line = raw.substr(0, raw.find(kLineEnd));
     raw.remove_prefix(line.size() + kLineEnd.size());
     if (!line.empty() && isBlank(line.front())) {
-      field.append(1, ' ').append(trimmed(line));
+      field.append(1, ' ').append(withoutBlanks(line));
       continue;
     }
     if (!finish()) return false;
@@ -62,7 +63,8 @@ bool acceptLength(std::string_view value, std::optional<std::uint64_t>& length) 
   for (;;) {
     const auto comma = std::min(value.find(','), value.size());
     std::uint64_t number = 0;
-    if (!ascii::readNumber(trimmed(value.substr(0, comma)), number) || length.value_or(number) != number)
+    if (!ascii::readNumber(withoutBlanks(value.substr(0, comma)), number) ||
+        length.value_or(number) != number)
       return false;
     length = number;
     if (comma == value.size()) return true;

@@ -21,7 +21,7 @@ constexpr std::array kSchemes{Scheme{"ftp://", UrlService::ftp, 21},
                               Scheme{"http://", UrlService::http, kDefaultHttpPort},
                               Scheme{"https://", UrlService::https, kDefaultHttpsPort}};
 
-std::string_view trimmed(std::string_view text) noexcept {
+std::string_view withoutBlankEnds(std::string_view text) noexcept {
   const auto blank = [](char c) { return static_cast<unsigned char>(c) <= 0x20; };
   while (!text.empty() && blank(text.back())) text.remove_suffix(1);
   while (!text.empty() && blank(text.front())) text.remove_prefix(1);
@@ -88,7 +88,7 @@ std::string hostField(std::string_view server, std::uint16_t port, std::uint16_t
 
 bool AfxParseURL(std::string_view url, internet::UrlService& service, std::string& server,
                  std::string& object, std::uint16_t& port) {
-  url = internet::trimmed(url);
+  url = internet::withoutBlankEnds(url);
   const auto scheme =
       std::find_if(internet::kSchemes.begin(), internet::kSchemes.end(),
                    [url](const auto& known) { return ascii::startsBlindToCase(url, known.prefix); });

@@ -15,7 +15,7 @@
 namespace internet {
 namespace {
 
-bool isHeader(std::string_view line) noexcept {
+bool isDataSetHeader(std::string_view line) noexcept {
   RowFields fields(line);
   return fields.next() == "Volume" && fields.next() == "Unit" && line.ends_with("Dsname");
 }
@@ -79,7 +79,7 @@ bool readPoorRow(std::string_view line, RawRow& row) noexcept {
   return isDataSetName(row.name);
 }
 
-bool readRow(std::string_view line, const RowContext& context, RawRow& row) noexcept {
+bool readDataSetRow(std::string_view line, const RowContext& context, RawRow& row) noexcept {
   row = RawRow();
   if (readFullRow(RowFields(line), row)) return true;
   return context.known && readPoorRow(line, row);
@@ -87,6 +87,6 @@ bool readRow(std::string_view line, const RowContext& context, RawRow& row) noex
 
 }  // namespace
 
-constexpr Dialect kDataSets{&isHeader, &readRow, nullptr};
+constexpr Dialect kDataSets{&isDataSetHeader, &readDataSetRow, nullptr};
 
 }  // namespace internet

@@ -14,7 +14,7 @@ constexpr std::string_view kDirectoryMark = "<DIR>";
 // From the start of the mark to the name.
 constexpr std::size_t kMarkColumn = 15;
 
-int fullYear(int year) noexcept { return year < 70 ? year + 2000 : year + 1900; }
+int fullDosYear(int year) noexcept { return year < 70 ? year + 2000 : year + 1900; }
 
 // "01-12-24", "01-12-2024", "2024-01-12", also with slashes.
 bool readDosDate(std::string_view text, CivilTime& time) noexcept {
@@ -28,7 +28,7 @@ bool readDosDate(std::string_view text, CivilTime& time) noexcept {
       !ascii::readNumber(text.substr(month + 3, 2), time.day)) {
     return false;
   }
-  if (year.size() == 2) time.year = fullYear(time.year);
+  if (year.size() == 2) time.year = fullDosYear(time.year);
   return true;
 }
 

@@ -25,9 +25,7 @@ void takeFact(std::string_view fact, RawRow& row) noexcept {
   if (fact.starts_with("up")) row.readOnly = isReadOnly(fact.substr(2));
 }
 
-bool isHeader(std::string_view) noexcept { return false; }
-
-bool readRow(std::string_view line, const RowContext&, RawRow& row) noexcept {
+bool readEplfRow(std::string_view line, const RowContext&, RawRow& row) noexcept {
   const std::size_t tab = line.find('\t');
   if (!line.starts_with('+') || tab == std::string_view::npos) return false;
   row = RawRow();
@@ -42,6 +40,6 @@ bool readRow(std::string_view line, const RowContext&, RawRow& row) noexcept {
 
 }  // namespace
 
-constexpr Dialect kEplf{&isHeader, &readRow, nullptr};
+constexpr Dialect kEplf{&noHeader, &readEplfRow, nullptr};
 
 }  // namespace internet

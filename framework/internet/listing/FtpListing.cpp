@@ -14,7 +14,7 @@ namespace {
 
 // Blank, or a word and a number ("total 88", in the server's language). What a broken-off row begins with (a
 // date, or a mode: it has no other letters than these) is no such word.
-bool isHeader(std::string_view line) noexcept {
+bool isFrame(std::string_view line) noexcept {
   constexpr std::string_view kModeLetters = "bcdlnprstwxCDLMPST";
   RowFields fields(line);
   const std::string_view word = fields.next();
@@ -48,7 +48,7 @@ bool isErrorText(std::string_view line) noexcept {
 
 // A row that is no entry.
 void takeOtherRow(std::string_view line, FtpListing& listing) {
-  if (isHeader(line)) return;
+  if (isFrame(line)) return;
   if (isErrorText(line)) {
     if (listing.errorText.empty()) listing.errorText.assign(line);
     return;

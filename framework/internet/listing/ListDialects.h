@@ -39,6 +39,9 @@ struct Dialect {
   bool (*readRest)(std::string_view line, RawRow& row) noexcept;
 };
 
+// For dialects whose rows nothing announces.
+inline bool noHeader(std::string_view) noexcept { return false; }
+
 extern const Dialect kEplf;         // Easily Parsed LIST Format
 extern const Dialect kVms;          // OpenVMS: DIRECTORY
 extern const Dialect kOs400;        // IBM i, its own list format

@@ -24,7 +24,7 @@ std::string_view withoutEnd(std::string_view text, std::string_view end) noexcep
 }
 
 // "9", "9." or "9" with the sign for a day.
-bool readDay(std::string_view text, CivilTime& date) noexcept {
+bool readLocalDay(std::string_view text, CivilTime& date) noexcept {
   for (const Signs& signs : kSigns) text = withoutEnd(text, signs.day);
   text = withoutEnd(text, ".");
   return text.size() <= 2 && ascii::readNumber(text, date.day);
@@ -67,7 +67,7 @@ bool readSigns(std::string_view text, CivilTime& date) noexcept {
     const std::size_t sign = text.find(signs.month);
     if (sign == std::string_view::npos || !text.ends_with(signs.day)) continue;
     const std::size_t day = sign + signs.month.size();
-    return readMonthSign(text.substr(0, day), date) && readDay(text.substr(day), date);
+    return readMonthSign(text.substr(0, day), date) && readLocalDay(text.substr(day), date);
   }
   return false;
 }
@@ -82,7 +82,7 @@ bool readMonthNumber(std::string_view text, CivilTime& date) noexcept {
 bool readGluedDay(std::string_view text, CivilTime& date) noexcept {
   constexpr std::string_view kNoBreak = "\u00a0";
   const std::size_t end = text.find(kNoBreak);
-  return end < text.size() && readDay(text.substr(0, end), date) &&
+  return end < text.size() && readLocalDay(text.substr(0, end), date) &&
          readMonth(text.substr(end + kNoBreak.size()), date);
 }
 
@@ -90,8 +90,8 @@ bool readGluedDay(std::string_view text, CivilTime& date) noexcept {
 bool readDayAndMonth(RowFields& fields, CivilTime& date) noexcept {
   const std::string_view first = fields.next();
   if (readNumbers(first, date) || readSigns(first, date) || readGluedDay(first, date)) return true;
-  if (readMonth(first, date)) return readDay(fields.next(), date);
-  if (!readDay(first, date)) return false;
+  if (readMonth(first, date)) return readLocalDay(fields.next(), date);
+  if (!readLocalDay(first, date)) return false;
   std::string_view month = fields.next();
   if (month == "de") month = fields.next();
   return readMonth(month, date) || (first.ends_with('.') && readMonthNumber(month, date));
@@ -126,7 +126,7 @@ bool readIsoDay(RowFields& fields, CivilTime& date) noexcept {
 
 // "2024 march 9".
 bool readYearFirst(RowFields& fields, CivilTime& date) noexcept {
-  return readYear(fields.next(), date) && readMonth(fields.next(), date) && readDay(fields.next(), date);
+  return readYear(fields.next(), date) && readMonth(fields.next(), date) && readLocalDay(fields.next(), date);
 }
 
 bool readDayOfYear(RowFields& fields, CivilTime& date) noexcept {

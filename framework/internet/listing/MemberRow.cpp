@@ -38,7 +38,7 @@ bool isModuleHeader(std::string_view line) noexcept {
 bool isNameAlone(RowFields fields) noexcept { return withoutPadding(fields.rest()).empty(); }
 
 // "2024/01/12" or "24/01/12".
-bool readDay(std::string_view text, CivilTime& date) noexcept {
+bool readSlashedDay(std::string_view text, CivilTime& date) noexcept {
   const std::size_t year = text.size() == 10 ? 4 : 2;
   if (text.size() != year + 6 || text[year] != '/' || text[year + 3] != '/') return false;
   if (!ascii::readNumber(text.substr(0, year), date.year)) return false;
@@ -55,8 +55,8 @@ bool isVersion(std::string_view text) noexcept {
 bool readStatistics(RowFields fields, RawRow& row) noexcept {
   CivilTime created;
   CivilTime changed;
-  if (!isVersion(fields.next()) || !readDay(fields.next(), created) || !readDay(fields.next(), changed) ||
-      !readClock(fields.next(), changed)) {
+  if (!isVersion(fields.next()) || !readSlashedDay(fields.next(), created) ||
+      !readSlashedDay(fields.next(), changed) || !readClock(fields.next(), changed)) {
     return false;
   }
   std::uint32_t number = 0;

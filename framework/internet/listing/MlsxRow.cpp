@@ -70,7 +70,7 @@ std::size_t blankBeforeName(std::string_view line) noexcept {
   return end == std::string_view::npos ? line.find(' ') : end + 1;
 }
 
-bool readRow(std::string_view line, Facts& facts, std::string_view& name) noexcept {
+bool readWholeRow(std::string_view line, Facts& facts, std::string_view& name) noexcept {
   const std::size_t blank = blankBeforeName(line);
   if (blank == std::string_view::npos) return false;
   name = line.substr(blank + 1);
@@ -81,7 +81,7 @@ bool readRow(std::string_view line, Facts& facts, std::string_view& name) noexce
 // many.
 bool readRowBehindBlank(std::string_view line, Facts& facts, std::string_view& name) noexcept {
   const std::string_view inner = line.substr(std::min(line.find_first_not_of(' '), line.size()));
-  if (readRow(inner, facts, name) && facts.type != MlsxType::unknown) return true;
+  if (readWholeRow(inner, facts, name) && facts.type != MlsxType::unknown) return true;
   facts = Facts();
   name = line.substr(1);
   return true;
@@ -99,7 +99,7 @@ bool readMlsxRow(std::string_view line, MlsxRow& row) noexcept {
   Facts facts;
   std::string_view name;
   const bool read =
-      line.starts_with(' ') ? readRowBehindBlank(line, facts, name) : readRow(line, facts, name);
+      line.starts_with(' ') ? readRowBehindBlank(line, facts, name) : readWholeRow(line, facts, name);
   if (!read || name.empty()) return false;
   row.type = facts.type;
   row.mayBeLink = facts.type == MlsxType::link || (facts.type == MlsxType::file && facts.everyRight);

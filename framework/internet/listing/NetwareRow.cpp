@@ -9,9 +9,7 @@ namespace {
 // "d [RWCEAFMS] ".
 constexpr std::size_t kRightsLength = 13;
 
-bool isHeader(std::string_view) noexcept { return false; }
-
-bool readRow(std::string_view line, const RowContext& context, RawRow& row) noexcept {
+bool readNetwareRow(std::string_view line, const RowContext& context, RawRow& row) noexcept {
   const std::string_view rights = line.substr(0, kRightsLength);
   if (rights.size() != kRightsLength || (rights[0] != 'd' && rights[0] != '-') ||
       rights.substr(1, 2) != " [" || rights.substr(11) != "] " ||
@@ -29,6 +27,6 @@ bool readRow(std::string_view line, const RowContext& context, RawRow& row) noex
 
 }  // namespace
 
-constexpr Dialect kNetware{&isHeader, &readRow, nullptr};
+constexpr Dialect kNetware{&noHeader, &readNetwareRow, nullptr};
 
 }  // namespace internet

@@ -13,7 +13,7 @@
 namespace internet {
 namespace {
 
-bool isHeader(std::string_view line) noexcept {
+bool isNonStopHeader(std::string_view line) noexcept {
   RowFields fields(line);
   return fields.next() == "File" && fields.next() == "Code" && fields.next() == "EOF";
 }
@@ -32,7 +32,7 @@ bool isCode(std::string_view field) noexcept {
 }
 
 // "12-Jan-24" or "12-Jan-2024".
-bool readDay(std::string_view field, CivilTime& date) noexcept {
+bool readGuardianDay(std::string_view field, CivilTime& date) noexcept {
   const std::size_t dash = field.find('-');
   if (dash == 0 || dash > 2 || field.size() < dash + 7 || field[dash + 4] != '-') return false;
   const std::string_view year = field.substr(dash + 5);
@@ -51,13 +51,14 @@ bool isOwnerAndRights(std::string_view text) noexcept {
          owner.find_first_not_of("0123456789, ") == std::string_view::npos;
 }
 
-bool readRow(std::string_view line, const RowContext&, RawRow& row) noexcept {
+bool readNonStopRow(std::string_view line, const RowContext&, RawRow& row) noexcept {
   row = RawRow();
   RowFields fields(line);
   CivilTime date;
   row.name = fields.next();
   if (!isFileName(row.name) || !isCode(fields.next()) || !ascii::readNumber(fields.next(), row.size) ||
-      !readDay(fields.next(), date) || !readClock(fields.next(), date) || !isOwnerAndRights(fields.rest())) {
+      !readGuardianDay(fields.next(), date) || !readClock(fields.next(), date) ||
+      !isOwnerAndRights(fields.rest())) {
     return false;
   }
   const std::optional<std::int64_t> seconds = unixSeconds(date);
@@ -67,6 +68,6 @@ bool readRow(std::string_view line, const RowContext&, RawRow& row) noexcept {
 
 }  // namespace
 
-constexpr Dialect kNonStop{&isHeader, &readRow, nullptr};
+constexpr Dialect kNonStop{&isNonStopHeader, &readNonStopRow, nullptr};
 
 }  // namespace internet

@@ -12,10 +12,8 @@
 namespace internet {
 namespace {
 
-bool isHeader(std::string_view) noexcept { return false; }
-
 // Two digits stand for 1940 to 2039.
-int fullYear(int year) noexcept { return year < 40 ? year + 2000 : year + 1900; }
+int fullOs400Year(int year) noexcept { return year < 40 ? year + 2000 : year + 1900; }
 
 struct DateOrder {
   char separator;
@@ -46,7 +44,7 @@ bool readDate(std::string_view text, CivilTime& date) noexcept {
     const std::size_t yearDigits = numbers[static_cast<std::size_t>(order.year)].size();
     if (!read(order.day, date.day) || !read(order.month, date.month) || !read(order.year, date.year))
       return false;
-    if (yearDigits == 2) date.year = fullYear(date.year);
+    if (yearDigits == 2) date.year = fullOs400Year(date.year);
     if ((yearDigits == 2 || yearDigits == 4) && unixSeconds(date)) return true;
   }
   return false;
@@ -70,7 +68,7 @@ bool isFolderType(std::string_view type) noexcept {
 }
 
 // The owner, and size and time unless it is a member.
-bool readRow(std::string_view line, const RowContext&, RawRow& row) noexcept {
+bool readOs400Row(std::string_view line, const RowContext&, RawRow& row) noexcept {
   row = RawRow();
   RowFields fields(line);
   std::string_view field = fields.next();
@@ -90,6 +88,6 @@ bool readRow(std::string_view line, const RowContext&, RawRow& row) noexcept {
 
 }  // namespace
 
-constexpr Dialect kOs400{&isHeader, &readRow, nullptr};
+constexpr Dialect kOs400{&noHeader, &readOs400Row, nullptr};
 
 }  // namespace internet

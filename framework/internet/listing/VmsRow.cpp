@@ -15,7 +15,7 @@ namespace {
 constexpr std::uint64_t kBlock = 512;  // bytes
 constexpr std::string_view kDirectoryType = ".DIR;1";
 
-bool isHeader(std::string_view line) noexcept {
+bool isVmsHeader(std::string_view line) noexcept {
   const std::string_view text = withoutPadding(line);
   return (text.starts_with("Directory ") && text.ends_with(']')) || text.starts_with("Total of ") ||
          text.starts_with("Grand total of ");
@@ -48,7 +48,7 @@ bool readBlocks(std::string_view field, RawRow& row) noexcept {
 }
 
 // "12-JAN-2024".
-bool readDay(std::string_view field, CivilTime& date) noexcept {
+bool readVmsDay(std::string_view field, CivilTime& date) noexcept {
   const std::size_t dash = field.find('-');
   if (dash == 0 || dash > 2 || field.size() != dash + 9 || field[dash + 4] != '-') return false;
   date.month = monthOfName(field.substr(dash + 1, 3));
@@ -59,7 +59,7 @@ bool readDay(std::string_view field, CivilTime& date) noexcept {
 // "10:05", "10:05:33" or "10:05:33.21".
 bool readDateAndClock(RowFields& fields, RowTime& time) noexcept {
   CivilTime date;
-  if (!readDay(fields.next(), date)) return false;
+  if (!readVmsDay(fields.next(), date)) return false;
   RowFields behind = fields;
   const std::string_view clock = behind.next();
   time.hasClock = readClock(clock.substr(0, clock.find('.')), date);
@@ -91,7 +91,7 @@ bool readColumns(RowFields fields, bool known, RawRow& row) noexcept {
   return (known ? sized || dated : sized && dated) && endsInOwnerAndProtection(fields);
 }
 
-bool readRow(std::string_view line, const RowContext& context, RawRow& row) noexcept {
+bool readVmsRow(std::string_view line, const RowContext& context, RawRow& row) noexcept {
   if (line.starts_with(' ')) return false;
   row = RawRow();
   RowFields fields(line);
@@ -107,6 +107,6 @@ bool readRest(std::string_view line, RawRow& row) noexcept {
 
 }  // namespace
 
-constexpr Dialect kVms{&isHeader, &readRow, &readRest};
+constexpr Dialect kVms{&isVmsHeader, &readVmsRow, &readRest};
 
 }  // namespace internet
