@@ -26,25 +26,16 @@ def run_under_fixture(scratch=None):
     os.execv(runner, [runner, sys.executable, *sys.argv])
 
 
-class Server:
-    """One server of the kind "pyftpdlib" or "vsftpd". It ends with `with`, at the latest with the script.
+class Started:
+    """A server that the fixture has started, of any kind and script. It ends with `with`, at the latest with the
+    script that asked for it."""
 
-    Where it is `encrypted` it takes no plain login. Programs that go by the environment for it trust its `authority`.
-    """
-
-    def __init__(self, kind, encrypted=False):
-        self.kind = kind
-        self.encrypted = encrypted
+    def __init__(self, kind, script):
         self._socket = socket.create_connection(("127.0.0.1", int(os.environ["QX_FIXTURE_PORT"])))
         self._answers = self._socket.makefile("r", encoding="utf-8")
-        # Wine's TLS resumes no sessions, as servers usually want it of data connections.
-        started = self._request(op="start", kind=kind, script={"tls": {"reuse": False}} if encrypted else {})
-        self._number = started["id"]
-        self.host, self.port = started["host"], started["port"]
-        self.user, self.password = started["user"], started["password"]
-        self.authority = f"{os.environ['QX_FIXTURE_DIR']}/certificates/authority.pem"
-        if encrypted:
-            os.environ["SSL_CERT_FILE"] = self.authority
+        self.started = self._request(op="start", kind=kind, script=script)
+        self._number = self.started["id"]
+        self.host, self.port = self.started["host"], self.started["port"]
 
     def __enter__(self):
         return self
@@ -64,6 +55,23 @@ class Server:
     def ask(self, op, **arguments):
         """One of the requests that tests/fixture/README.md lists."""
         return self._request(op=op, id=self._number, **arguments)
+
+
+class Server(Started):
+    """One server of the kind "pyftpdlib" or "vsftpd".
+
+    Where it is `encrypted` it takes no plain login. Programs that go by the environment for it trust its `authority`.
+    """
+
+    def __init__(self, kind, encrypted=False):
+        self.kind = kind
+        self.encrypted = encrypted
+        # Wine's TLS resumes no sessions, as servers usually want it of data connections.
+        super().__init__(kind, {"tls": {"reuse": False}} if encrypted else {})
+        self.user, self.password = self.started["user"], self.started["password"]
+        self.authority = f"{os.environ['QX_FIXTURE_DIR']}/certificates/authority.pem"
+        if encrypted:
+            os.environ["SSL_CERT_FILE"] = self.authority
 
     def exists(self, path):
         return self.ask("stat", path=path)["exists"]
