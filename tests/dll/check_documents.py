@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
 """check_documents.py ROOT: the slots and exports say the same in the public headers of C and C++, the documents, the
-export lists and the black-box tests."""
+export lists and the black-box tests, and the guide says of answers what those try."""
 
 import pathlib
 import re
@@ -60,10 +60,36 @@ def check_exports(root):
     check(names == [CLIENT_EXPORTS, DIALOG_EXPORTS], f"the document's exports: {names}")
 
 
+# The waits of the guide's table, by their names in the list of limits.
+WAITS = {"for a connection, all addresses of the server together": "connect", "for one reply": "reply",
+         "for the next byte of data": "data", "for the reply that ends a transfer": "finalReply",
+         "neither a final reply nor a byte of data": "progress"}
+
+
+def check_waits(root):
+    limits = (root / "framework/internet/net/InternetLimits.h").read_text()
+    guide = (root / "docs/guide.md").read_text()
+    for wait, name in WAITS.items():
+        seconds = int(re.search(rf"milliseconds {name}{{([\d']+)}}", limits)[1].replace("'", "")) // 1000
+        check(f"\n| {wait} | {seconds} s |" in guide, f"the guide has {seconds} s {wait}")
+
+
+def check_answers(root):
+    _, _, section = (root / "docs/guide.md").read_text().partition("\n## What a true answer can hide\n")
+    cells = re.findall(r"^\| (`.*?) \|", section.partition("\n## ")[0], re.M)
+    told = {name for cell in cells for name in re.findall(r"`(\w+)`", cell)}
+    tests = re.findall(r"^TEST_F\(Answers, (\w+)\)", (root / "tests/dll/answers_test.cpp").read_text(), re.M)
+    check(told, "the guide tells what answers hide")
+    for name in sorted(told):
+        check(any(test.startswith(name) for test in tests), f"what an answer of {name} hides is tried")
+
+
 def main():
     root = pathlib.Path(sys.argv[1])
     check_slots(root)
     check_exports(root)
+    check_answers(root)
+    check_waits(root)
     return exit_code()
 
 
