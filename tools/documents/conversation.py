@@ -98,7 +98,7 @@ class Conversation:
 
     def size(self):
         """For a table: turns, logins, connections for data."""
-        return f"{self.count()} / {self.connections} / {self.data}"
+        return f"{self.count()}/{self.connections}/{self.data}"
 
     def rows(self, folds_logins=True):
         """(connection, line, codes) for each line; of those that went together the first alone has a connection."""

@@ -129,10 +129,18 @@ def titled(title, text):
     return f"{sentence(title)}:\n\n{fenced(text)}\n"
 
 
+def by_operation(seen):
+    return itertools.groupby(seen, key=lambda entry: entry[0].operation)
+
+
 def table(seen):
-    head = f"| operation | situation | {' | '.join(WAYS)} |\n|---|---|---|---|---|\n"
-    return head + "\n".join(f"| [`{case.operation}`](#{case.operation.lower()}) | {case.situation} "
-                            f"| {' | '.join(way.size() for way in ways)} |" for case, ways in seen)
+    rows = [f"| operation | situation | {' | '.join(WAYS)} |", "|---|---|---|---|---|"]
+    for operation, cases in by_operation(seen):
+        name = f"[`{operation}`](#{operation.lower()})"
+        for case, ways in cases:
+            rows.append(f"| {name} | {case.situation} | {' | '.join(way.size() for way in ways)} |")
+            name = ""
+    return "\n".join(rows)
 
 
 def worth_showing(first, known, connected):
@@ -147,7 +155,7 @@ def worth_showing(first, known, connected):
 
 
 def conversation_texts(seen):
-    for operation, cases in itertools.groupby(seen, key=lambda entry: entry[0].operation):
+    for operation, cases in by_operation(seen):
         yield f"### {operation}\n"
         for case, ways in cases:
             for name, way in worth_showing(*ways):
