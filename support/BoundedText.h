@@ -14,7 +14,7 @@ class BoundedText {
   // No more than the text is copied: most are much shorter than their place.
   BoundedText(const BoundedText& other) noexcept { *this = other; }
   BoundedText& operator=(const BoundedText& other) noexcept {
-    std::memmove(m_text, other.m_text, other.size() + 1);
+    if (this != &other) std::memcpy(m_text, other.m_text, other.size() + 1);
     return *this;
   }
 

@@ -17,8 +17,8 @@ class RealServers : public RealServersTest {
     put("/x/With Blank", R"({"size": 100000, "seed": 3})");
   }
   QXBool connect() {
-    return client.FTPConnect(host.c_str(), server.user().c_str(), server.password().c_str(),
-                             server.port(), passive ? 1 : 0, 0, nullptr);
+    return client.FTPConnect(host.c_str(), server.user().c_str(), server.password().c_str(), server.port(),
+                             passive ? 1 : 0, 0, nullptr);
   }
   bool dirExists(const std::string& path) { return client.FTPDirExist(at(path).c_str(), 0, 0, 0) != 0; }
   bool fileExists(const std::string& path) { return client.FTPFileExists(at(path).c_str(), 0, 0, 0) != 0; }

@@ -48,8 +48,8 @@ std::vector<std::uint8_t> binaryForm(const InternetSettings& settings) {
 
 OwnSettings::OwnSettings(const InternetSettings& settings)
     : path_("Software\\QXTests-" + std::to_string(::GetCurrentProcessId())) {
-  require(::RegCreateKeyExA(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
-                            nullptr, &key_, nullptr),
+  require(::RegCreateKeyExA(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                            KEY_ALL_ACCESS, nullptr, &key_, nullptr),
           "RegCreateKeyEx");
   require(::RegOverridePredefKey(HKEY_CURRENT_USER, key_), "RegOverridePredefKey");
   set(settings);
