@@ -16,8 +16,13 @@ if(NOT CMAKE_BUILD_TYPE)
 endif()
 
 add_compile_definitions(_GLIBCXX_ASSERTIONS)
-# No path of the building machine goes into the artefacts.
-add_compile_options("-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.")
+# No path of the building machine goes into the artefacts: debuggers find sources from the project's folder. ccache
+# makes paths relative to the build folder first.
+file(RELATIVE_PATH up "${CMAKE_BINARY_DIR}" "${CMAKE_SOURCE_DIR}")
+string(REGEX REPLACE "/$" "" up "${up}")
+foreach(folder "${up}" "${CMAKE_SOURCE_DIR}" "${CMAKE_BINARY_DIR}")
+  add_compile_options("-ffile-prefix-map=${folder}=.")
+endforeach()
 
 set(THREADS_PREFER_PTHREAD_FLAG ON)
 find_package(Threads REQUIRED)

@@ -8,7 +8,7 @@ if(WIN32)
 elseif(QX_SANITIZE)
   set(arguments --sanitized)
 else()
-  set(arguments)
+  set(arguments --debug-file "$<TARGET_FILE:ZRM_QXKT32x64>.debug")
 endif()
 add_test(NAME library_file_test COMMAND
   /usr/bin/python3 "${CMAKE_CURRENT_SOURCE_DIR}/check_library.py"

@@ -18,7 +18,8 @@ WINDOWS_LIBRARIES = {
     name + ".dll" for name in ("kernel32", "msvcrt", "ws2_32", "user32", "comctl32", "advapi32", "shell32", "ole32",
                                "comdlg32")
 }
-LINUX_LIBRARIES = {"libc.so.6", "libm.so.6", "libgcc_s.so.1", "ld-linux-x86-64.so.2"}
+LINUX_LIBRARIES = {"libc.so.6", "libdl.so.2", "libpthread.so.0", "libgcc_s.so.1", "ld-linux-x86-64.so.2"}
+OLDEST_GLIBC = (2, 31)
 PROTECTIONS = {"-fstack-protector-strong", "-ftrivial-auto-var-init=zero"}
 LINUX_PROTECTIONS = {"-fstack-clash-protection", "-fcf-protection=full"}
 
@@ -42,14 +43,13 @@ def check_dll(arguments):
 
 def check_protections(arguments, flags):
     """From the debug information, where the compiler writes down for each unit how it was called."""
-    text = run(arguments.objdump, "--dwarf=info", "--dwarf-depth=1", arguments.library)
+    text = run(arguments.objdump, "--dwarf=info", "--dwarf-depth=1", arguments.debug_file or arguments.library)
     units = re.findall(r"DW_AT_producer.*(GNU C\+\+20 .*)", text)
     bare = [unit for unit in units if not flags <= set(unit.split())]
     check(units and not bare, f"{len(units)} units are protected by {sorted(flags)}; not so: {bare[:1]}")
 
 
 def check_resources(text):
-    check(re.search(r"^\s*FILEVERSION\s+1, ?0, ?0, ?0", text, re.M), "file version 1.0.0.0")
     manifest = re.search(r"^2 (RT_MANIFEST|24)\b(.*)", text, re.M | re.S)
     check(manifest, "a manifest as resource 2")
     check(manifest and "Microsoft.Windows.Common-Controls" in manifest[2], "asks for common controls 6")
@@ -58,7 +58,9 @@ def check_resources(text):
 
 def check_shared_object(arguments):
     text = run(arguments.objdump, "-p", arguments.library)
-    same(re.findall(r"SONAME\s+(\S+)", text), [pathlib.Path(arguments.library).name], "own name")
+    path = pathlib.Path(arguments.library)
+    same(re.findall(r"SONAME\s+(\S+)", text), [path.name], "own name")
+    check(path.with_suffix("").resolve() == path.resolve(), "is found without the number in its name, too")
     symbols = run(arguments.nm, "-D", "--defined-only", arguments.library).split("\n")
     same([line.split()[2] for line in symbols if line], CLIENT_EXPORTS, "exports")
     needed = re.findall(r"NEEDED\s+(\S+)", text)
@@ -66,7 +68,15 @@ def check_shared_object(arguments):
         check(needed and set(needed) <= LINUX_LIBRARIES, f"needs libraries of every system only: {sorted(needed)}")
         check_protections(arguments, PROTECTIONS | LINUX_PROTECTIONS)
         check_loading(arguments, text)
+        check_age(text)
     check(not re.search(r"RPATH|RUNPATH", text), "looks for libraries nowhere else")
+
+
+def check_age(headers):
+    """The C library of 2020 does, though the machine that builds has a newer one."""
+    versions = re.findall(r" GLIBC_([\d.]+)$", headers, re.M)
+    newest = max((tuple(map(int, version.split("."))) for version in versions), default=None)
+    check(newest and newest <= OLDEST_GLIBC, f"needs {newest} of the C library, no more than {OLDEST_GLIBC}")
 
 
 def check_loading(arguments, headers):
@@ -92,6 +102,7 @@ def main():
     parser.add_argument("--objdump", required=True)
     parser.add_argument("--nm", required=True)
     parser.add_argument("--windres")
+    parser.add_argument("--debug-file", help="where the debug information is, if not in the library")
     parser.add_argument("--import-library", action="append", default=[])
     parser.add_argument("--sanitized", action="store_true", help="a sanitizer's libraries are needed, too")
     arguments = parser.parse_args()
