@@ -6,6 +6,7 @@
 
 #include "QXClientTable.h"
 #include "QXErrorInfo.h"
+#include "QXVersion.h"
 #if defined(__cplusplus)
 #include "QXIPInt.h"
 #endif

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "QXHooks.h"
+#include "QXVersion.h"
 #include "examples/host/ClientLibrary.h"
 #include "examples/qxftp/Commands.h"
 #include "examples/qxftp/Options.h"
@@ -16,7 +17,8 @@ enum ExitCode { kDone = 0, kFailed = 1, kWrongUsage = 2 };
 
 void printUsage(std::FILE* out) {
   std::fputs(
-      "usage: qxftp [--library FILE] [--host H] [--port P] [--user U] [--password W]\n"
+      "usage: qxftp --help | --version\n"
+      "       qxftp [--library FILE] [--host H] [--port P] [--user U] [--password W]\n"
       "             [--passive|--active] [--verbose] COMMAND\n"
       "hosts:\n"
       "  NAME                    FTP in plain text; an address of IPv6 may stand in brackets\n"
@@ -69,6 +71,10 @@ int run(const Options& options, const Command& command) {
 int main(int argc, char** argv) {
   if (argc == 2 && std::string_view(argv[1]) == "--help") {
     printUsage(stdout);
+    return kDone;
+  }
+  if (argc == 2 && std::string_view(argv[1]) == "--version") {
+    std::puts("qxftp " QXIP_VERSION);
     return kDone;
   }
   try {

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 # What the built library exports, needs and carries, read from its file, and what is said of that elsewhere.
 if(WIN32)
-  set(arguments
-    --windres "${CMAKE_RC_COMPILER}"
+  set(windres --windres "${CMAKE_RC_COMPILER}")
+  set(arguments ${windres}
     --import-library "$<TARGET_LINKER_FILE:ZRM_QXKT32x64>"
     --import-library "$<TARGET_PROPERTY:qx_msvc_import_library,IMPORT_LIBRARY>")
 elseif(QX_SANITIZE)
@@ -13,6 +13,10 @@ endif()
 add_test(NAME library_file_test COMMAND
   /usr/bin/python3 "${CMAKE_CURRENT_SOURCE_DIR}/check_library.py"
   --objdump "${CMAKE_OBJDUMP}" --nm "${CMAKE_NM}" ${arguments} "$<TARGET_FILE:ZRM_QXKT32x64>")
+add_test(NAME version_test COMMAND
+  /usr/bin/python3 "${CMAKE_CURRENT_SOURCE_DIR}/check_version.py"
+  "${CMAKE_SOURCE_DIR}/include/QXVersion.h" "$<TARGET_FILE:ZRM_QXKT32x64>" --project "${PROJECT_VERSION}" ${windres}
+  --host ${CMAKE_CROSSCOMPILING_EMULATOR} "$<TARGET_FILE:qxftp>")
 add_test(NAME interface_documents_test COMMAND
   /usr/bin/python3 "${CMAKE_CURRENT_SOURCE_DIR}/check_documents.py" "${CMAKE_SOURCE_DIR}")
-set_tests_properties(library_file_test interface_documents_test PROPERTIES TIMEOUT 60 LABELS dll)
+set_tests_properties(library_file_test version_test interface_documents_test PROPERTIES TIMEOUT 60 LABELS dll)
