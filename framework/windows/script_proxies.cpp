@@ -107,14 +107,14 @@ std::vector<Proxy> proxiesIn(const WINHTTP_PROXY_RESULT& result) {
 }
 
 // The answer comes on a thread of the system's.
-struct Answer {
+struct ScriptAnswer {
   HANDLE told = nullptr;
   DWORD error = ERROR_SUCCESS;
 };
 
 // To wake who waits is the last that it does: the library may be unloaded soon behind that.
 void CALLBACK hear(HINTERNET, DWORD_PTR context, DWORD status, LPVOID information, DWORD) {
-  auto& answer = *reinterpret_cast<Answer*>(context);
+  auto& answer = *reinterpret_cast<ScriptAnswer*>(context);
   if (status == WINHTTP_CALLBACK_STATUS_REQUEST_ERROR) {
     answer.error = static_cast<WINHTTP_ASYNC_RESULT*>(information)->dwError;
   }
@@ -130,7 +130,7 @@ Asked resultOf(const Question& question, HINTERNET resolver) {
   return asked;
 }
 
-Asked waitFor(const Question& question, HINTERNET resolver, Answer& answer) {
+Asked waitFor(const Question& question, HINTERNET resolver, ScriptAnswer& answer) {
   constexpr DWORD kHeard =
       WINHTTP_CALLBACK_FLAG_REQUEST_ERROR | WINHTTP_CALLBACK_FLAG_GETPROXYFORURL_COMPLETE;
   if (question.api.setCallback(resolver, &hear, kHeard, 0) == WINHTTP_INVALID_STATUS_CALLBACK) {
@@ -152,7 +152,7 @@ std::optional<Asked> askResolver(const Question& question) {
   HINTERNET made = nullptr;
   if (!session || question.api.createResolver(session.get(), &made) != ERROR_SUCCESS) return std::nullopt;
   const Handle resolver(made, HandleCloser{question.api.close});
-  Answer answer{::CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+  ScriptAnswer answer{::CreateEventW(nullptr, TRUE, FALSE, nullptr)};
   if (!answer.told) return std::nullopt;
   Asked asked = waitFor(question, resolver.get(), answer);
   ::CloseHandle(answer.told);
