@@ -6,6 +6,7 @@
 #include <array>
 #include <fstream>
 
+#include "QXHooks.h"
 #include "tests/dll/library.h"
 #include "tests/support/Fixture.h"
 #include "tests/support/ScratchFolder.h"
@@ -33,8 +34,9 @@ class Answers : public ClientTest {
 
   std::uint32_t sizeOf(const char* remote) { return client->FTPFileSize(remote, 0, 0, 0); }
 
-  QXBool copy(const std::string& source, const std::string& target, QXProgress progress = nullptr) {
-    return client->FTPCpyFile(source.c_str(), target.c_str(), progress, 0, 0, 0);
+  QXBool copy(const std::string& source, const std::string& target, QXProgress progress = nullptr,
+              std::uint32_t retries = 0) {
+    return client->FTPCpyFile(source.c_str(), target.c_str(), progress, retries, 0, 0);
   }
 
   fixture::ScriptedFtp server{kAnswersScript};
@@ -195,6 +197,40 @@ TEST_F(Answers, QuestionsThatCannotBeAsked) {
   EXPECT_EQ(sizeOf("/pub/a.txt"), 0U);
   EXPECT_EQ(client->FTPHasSubDir("/", 0), 0);
   EXPECT_EQ(error.nError, 12029U);
+}
+
+QXBool QX_CALL cancelAnswer(TQXIPIFInt*, QXHostValue, QXHostValue, QXHostValue, QXBool*) { return 1; }
+
+TEST_F(Answers, OfACancelledCopyAreThoseOfAFailureWithoutANumber) {
+  QXClientHooks hooks(client.get());
+  hooks->OnPoll = &cancelAnswer;
+  EXPECT_EQ(copy("/pub/a.txt", local), 0);
+  expectAReportWithoutNumber();
+}
+
+QXBool QX_CALL refuseToReconnect(TQXIPIFInt*, std::uint32_t, QXHostValue) { return 0; }
+
+// With a host's 0 from FTPReConnect a broken connection takes the host's own retries with it.
+TEST_F(Answers, OfFTPReConnectDecideAboutRetries) {
+  server.reconfigure(R"({"rules": [{"on": "RETR", "do": ["close"]}]})");
+  ASSERT_EQ(client->FTPConnect("127.0.0.1", "me", "secret", server.port(), 1, 0, nullptr), 1);
+  EXPECT_EQ(copy("/pub/a.txt", local, nullptr, 1), 0);
+  EXPECT_EQ(error.nError, 12030U);
+  EXPECT_EQ(server.commandCount("RETR"), 1 + 1 + 3)
+      << "the first, the host's own, and those that are granted";
+  QXClientHooks hooks(client.get());
+  hooks->FTPReConnect = &refuseToReconnect;
+  EXPECT_EQ(copy("/pub/a.txt", local, nullptr, 1), 0);
+  EXPECT_EQ(server.commandCount("RETR"), 5 + 1);
+}
+
+TEST_F(Answers, OfAWebDownloadCountTheBeginningOfALongObject) {
+  const fixture::ScriptedHttp web(R"({"answers": [{"body": {"text": "page"}}]})");
+  const std::string object = "/" + std::string(300, 'o');
+  EXPECT_EQ(client->HTTPDownloadFile("127.0.0.1", object.c_str(), web.port(), scratch.file("page").c_str(),
+                                     nullptr, 0, 0),
+            1U);
+  EXPECT_THAT(web.requests().front(), testing::StartsWith("GET " + object.substr(0, 255) + " "));
 }
 
 }  // namespace
