@@ -5,6 +5,8 @@
 # who may include whom is held by the order of the rooms here and by tools/check.
 add_library(qx_include INTERFACE)
 target_include_directories(qx_include INTERFACE "${CMAKE_SOURCE_DIR}/include")
+# The name that the package gives to its headers, for the sources that are in both.
+add_library(ZRM_QXKT32x64::headers ALIAS qx_include)
 
 # Files of a room that are compiled as one take a fifth of the time, because each would read the same headers. Their
 # file-scope names must differ for it. Off, each file is compiled alone: for tools that look at single files.

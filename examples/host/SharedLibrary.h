@@ -32,3 +32,7 @@ class SharedLibrary {
 
 // The folder of the running program, with a separator at its end.
 [[nodiscard]] std::string programFolder();
+
+// The library beside the running program. On Linux, where there is none, that in the folder lib beside the
+// program's own.
+[[nodiscard]] std::string clientLibraryPath();

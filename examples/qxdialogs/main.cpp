@@ -40,7 +40,7 @@ int run(const SharedLibrary& library, const std::vector<std::string>& arguments)
 int main(int argc, char** argv) {
   try {
     std::vector<std::string> arguments(argv + 1, argv + argc);
-    std::string file = programFolder() + clientLibraryName();
+    std::string file = clientLibraryPath();
     if (arguments.size() > 1 && arguments[0] == "--library") {
       file = arguments[1];
       arguments.erase(arguments.begin(), arguments.begin() + 2);

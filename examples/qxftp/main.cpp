@@ -51,8 +51,7 @@ void printFailure(const Session& session) {
 void printLine(TQXIPIFInt* /*client*/, const char* line) { std::fprintf(stderr, "%s\n", line); }
 
 int run(const Options& options, const Command& command) {
-  const ClientLibrary library(options.library.empty() ? programFolder() + clientLibraryName()
-                                                      : options.library);
+  const ClientLibrary library(options.library.empty() ? clientLibraryPath() : options.library);
   QXErrorInfo error{};
   const Client client = makeClient(library, &error);
   if (client == nullptr) throw std::runtime_error("the library makes no client");

@@ -20,3 +20,8 @@ std::string clientLibraryName() { return "libZRM_QXKT32x64.so"; }
 std::string programFolder() {
   return std::filesystem::read_symlink("/proc/self/exe").parent_path().string() + "/";
 }
+
+std::string clientLibraryPath() {
+  const std::string beside = programFolder() + clientLibraryName();
+  return std::filesystem::exists(beside) ? beside : programFolder() + "../lib/" + clientLibraryName();
+}

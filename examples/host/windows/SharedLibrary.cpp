@@ -37,3 +37,5 @@ std::string programFolder() {
   path.resize(GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size())));
   return path.substr(0, path.find_last_of('\\') + 1);
 }
+
+std::string clientLibraryPath() { return programFolder() + clientLibraryName(); }
