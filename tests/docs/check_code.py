@@ -95,11 +95,11 @@ def trouble_with_python(block):
 
 
 def trouble_with(block):
-    if block.language in EXCERPTS:
+    if block.language in EXCERPTS and str(block.file.path) != documents.FOLLOWED:
         return trouble_with_excerpt(block)
     if block.language == "python":
         return trouble_with_python(block)
-    known = block.language in COMPILED or block.language in CHECKED_ELSEWHERE
+    known = block.language in (*COMPILED, *EXCERPTS) or block.language in CHECKED_ELSEWHERE
     return [] if known else [block.finding(f"'{block.language}' is no language that is checked")]
 
 

@@ -26,11 +26,11 @@ def findings(rule, text):
 
 
 class Blocks(unittest.TestCase):
-    PAGE = "a\n\n    make\n\n    test\n\nb\n\n```c\nint x;\n\n    y\n```\nc\n    no code\n"
+    PAGE = "a\n\n    make\n\n    test\n\nb\n\n```c\n  int x;\n\n    y\n```\nc\n    no code\n"
 
     def test_fenced_and_indented_code_is_read(self):
         blocks = [(block.line, block.language, block.text) for block in documents.blocks_of(Page(self.PAGE))]
-        self.assertEqual(blocks, [(3, "sh", "make\n\ntest\n"), (10, "c", "int x;\n\n    y\n")])
+        self.assertEqual(blocks, [(3, "sh", "make\n\ntest\n"), (10, "c", "  int x;\n\n    y\n")])
 
     def test_prose_keeps_its_lines(self):
         lines = [(number, line) for number, line in documents.prose_of(Page(self.PAGE)) if line]

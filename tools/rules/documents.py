@@ -8,6 +8,7 @@ from dataclasses import dataclass
 from .sources import ROOT, File
 
 PLACES = ["*.md", "docs/**/*.md", "tests/**/*.md", "bindings/**/*.md", "packaging/**/*.md"]
+FOLLOWED = "docs/tutorial.md"  # word by word, by tests/docs/tutorial.py
 BLOCK = re.compile(r"^```(?P<language>[^\n`]*)\n(?P<fenced>.*?)^```$"
                    r"|(?<=\n\n)(?P<indented>(?: {4}[^\n]*\n|\n(?= {4}))+)", re.M | re.S)
 
@@ -38,7 +39,10 @@ def blocks_of(file):
     for match in BLOCK.finditer(text):
         kind = "indented" if match["fenced"] is None else "fenced"
         line = text.count("\n", 0, match.start(kind)) + 1
-        yield Block(file, line, match["language"] or ("sh" if kind == "indented" else ""), textwrap.dedent(match[kind]))
+        if kind == "indented":
+            yield Block(file, line, "sh", textwrap.dedent(match[kind]))
+        else:
+            yield Block(file, line, match["language"], match[kind])
 
 
 def prose_of(file):
