@@ -4,48 +4,67 @@
 // object. 0 is a failure, except where the slot says otherwise; some failures are answered by 1, for hosts
 // rely on that, and their slots say which.
 //
-// Who waits. An operation blocks its caller until it is over. Those with a worker dispatch the caller's
-// messages meanwhile; the others leave them lying. A host may replace OnPoll (QXHooks.h) to cancel:
+// Who waits. An operation blocks its caller until it is over. What holds meanwhile, and what it leaves:
 //
-//   operation                               slots        works on            messages    asks OnPoll
-//   FTPDirExist, FTPFileExists              36, 37       a worker's thread   dispatched  no
-//   FTPIsDirectory, FTPFileSize             45, 46       a worker's          dispatched  no
-//   FTPCreateDir; FTPCreateNewDir by it     43; 44       a worker's          dispatched  no
-//   FTPKeepAlive                            29           a worker's          dispatched  no
-//   FTPRmvFile, FTPRmvDir                   41, 42       a worker's          dispatched  yes
-//   FTPCpyFile, FTPWriteFile, FTPReadFile   39, 47, 48   a worker's          dispatched  yes, with counters
-//   FTPMovFile by slots 39 and 41           40           the caller's        dispatched  as those two do
-//   HTTPDownloadFile                        21           the caller's        dispatched  yes
-//   FTPGetDirectory, FTPHasSubDir,          31, 34, 35   the caller's        no          no
-//     FTPCountFolderItems
-//   FTPConnect, FTPDownloadFile,            26, 32, 33,  the caller's        no          no
-//     FTPUploadFile, FTPRenameFile          50
+//   operation             slot  thread  connection  messages    OnPoll    tries  m_szMessage
+//   HTTPDownloadFile      21    caller  web         dispatched  asked     1      kept
+//   FTPConnect            26    caller  made        left        no        1      told
+//   FTPKeepAlive          29    caller  object      dispatched  no        1      kept
+//   FTPGetDirectory       31    caller  object      left        no        3      told
+//   FTPDownloadFile       32    caller  own         left        no        3      failed
+//   FTPUploadFile         33    caller  own         left        no        3      failed
+//   FTPHasSubDir          34    caller  object      left        no        6      failed
+//   FTPCountFolderItems   35    caller  object      left        no        6      failed
+//   FTPDirExist           36    worker  object      dispatched  no        3      failed
+//   FTPFileExists         37    worker  object      dispatched  no        3      failed
+//   FTPCpyFile            39    worker  own         dispatched  counters  3      failed
+//   FTPMovFile            40    worker  own         dispatched  counters  6      failed
+//   FTPRmvFile            41    worker  own         dispatched  asked     3      failed
+//   FTPRmvDir             42    worker  own         dispatched  asked     3      failed
+//   FTPCreateDir          43    worker  own         dispatched  no        6      failed
+//   FTPCreateNewDir       44    worker  own         dispatched  no        6      failed
+//   FTPIsDirectory        45    worker  object      dispatched  no        3      failed
+//   FTPFileSize           46    worker  object      dispatched  no        3      kept
+//   FTPWriteFile          47    worker  own         dispatched  counters  3      failed
+//   FTPReadFile           48    worker  own         dispatched  counters  3      failed
+//   FTPRenameFile         50    caller  own         left        no        3      failed
+//
+//   thread       where its hooks come: on the caller's, or on that of a worker; OnPoll and OnNotify always
+//                come on the caller's
+//   connection   own: each attempt makes one, which ends with it; object: that of FTPConnect where there is
+//                one, else as own; made: the object's own is made; web: a request of HTTP
+//   messages     of the calling thread: dispatched one by one, or left lying
+//   OnPoll       asked on every turn, with the address of the counters or without; a host may replace it
+//                (QXHooks.h) to cancel. no: never asked
+//   tries        so often it logs in at a server that refuses each login, where nRetries is 2 (1: it never
+//                repeats; 6: it repeats one that repeats itself)
+//   m_szMessage  failed: ends with the line that titles its failures, after a success too; told: says whether
+//                it was one; kept: no line of its own, though a failure can leave one of OnIPError's
 //
 // All others return at once, but for the end of a client (slots 3 and 5), which stops what runs. What asks
-// OnPoll ends within moments of its cancel, whatever the server does; the rest ends by itself, but for slots
-// 29 and 44: a server has 30 s to take a connection, for each reply, and for the next byte of data (12002).
+// OnPoll ends within moments of its cancel, whatever the server does, and answers 0; the rest ends by itself,
+// but for slots 29 and 44: a server has 30 s to take a connection, for each reply, and for the next byte of
+// data (12002).
 //
 // Arguments of the same name mean the same. pszPath is a path on the server. nRetries says how often a failed
-// attempt is repeated (0 = one attempt), after a pause of 10 ms, in slots 34 to 37 without one. OnIPError may
-// grant further attempts: in one call of an operation three at most, one of them after a time-out; none where
-// the object's connection is dead and logging in again has failed. nPollArg1 and nPollArg2 go to OnPoll
-// unchanged; what never asks it has no use for them.
+// attempt is repeated (0 = one attempt), after a pause of 10 ms; without one in slots 36, 37 and 45, and where
+// slots 34 and 35 repeat their listing. OnIPError may grant further attempts: in one call of an operation
+// three at most, one of them after a time-out; none where the object's connection is dead and logging in again
+// has failed. nPollArg1 and nPollArg2 go to OnPoll unchanged; what never asks it has no use for them.
 // Where a server has too many logins for a moment (421 or 530, and a text that says so), an operation's own
 // connection tries again within the attempt, after 250 ms, 500 ms and 1 s; FTPConnect fails at once.
+// Login data is all that operations need (slot 25); FTPConnect spares those that work on its connection a
+// login each.
 //
-// Connections. Login data is all that operations need (slot 25). Slots 31, 34 to 37, 45 and 46 work on the
-// connection of FTPConnect where there is one; in all other cases an operation has a connection of its own,
-// which ends with the attempt.
-//
-// m_szMessage holds the latest line. Most operations begin with "TQXIP::FTPRmvFile - IN: '/path'" and end,
-// after a success too, with "TQXIP::FTPRmvFile '/path' failed!", which titles the report of a failure.
+// m_szMessage holds the latest line. Slots 26, 31 to 33, 39, 41 to 43, 47, 48 and 50 begin with one
+// like "TQXIP::FTPRmvFile - IN: '/path'"; the line of a failure is "TQXIP::FTPRmvFile '/path' failed!".
 //
 // The error record (QXErrorInfo.h) keeps the first failure, but an internet error replaces it (slot 8). A
-// success can leave a record: of an attempt that was repeated, or of a look that found nothing (slots 42 and
-// 43). So a host zeroes it before an operation, and asks the answer first. nError is the number that
-// OnIPError was told; it is 0 in most other reports, which have a number in their text alone: "[87 QXIP
-// 9357]". Without a record there are no reports, and OnConnect, OnDisconnect and OnSuccess do not follow
-// connections.
+// success can leave a record: of an attempt that was repeated, or of a look that found nothing (slots 42 to
+// 44, and what their comments tell). So a host zeroes it before an operation, and asks the answer first.
+// nError is the number that OnIPError was told; it is 0 in most other reports, which have a number in their
+// text alone: "[87 QXIP 9357]". Without a record there are no reports, and OnConnect, OnDisconnect and
+// OnSuccess do not follow connections.
 //
 // A client may be freed (slots 5 and 3) at any moment: in each hook and callback, on the caller's thread or
 // on a worker's, in a message that an operation dispatched, and from another thread. Its operations are

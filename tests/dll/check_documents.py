@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
 """check_documents.py ROOT: the slots and exports say the same in the public headers of C and C++, the documents, the
-export lists and the black-box tests, and the guide says of answers what those try."""
+export lists and the tests, and the guide says of answers what those try."""
 
 import pathlib
 import re
@@ -40,6 +40,21 @@ def check_slots(root):
     check(document_slots((root / "docs/binary-interface.md").read_text()) == slots, "the document's slots")
     del slots[3]
     check(test_slots((root / "tests/dll/slots.inc").read_text()) == slots, "the slots that tests call")
+
+
+def stated_rows(text, begin, names):
+    """What the header's table says of each operation, and what tests try: lists of words."""
+    rows = [re.split(r"[\s,]+", row.rstrip(")")) for row in re.findall(rf"^{begin}(\w.*)$", text, re.M)]
+    return [row for row in rows if row[0] in names and row[1].isdigit()]
+
+
+def check_statements(root):
+    header = (root / "include/QXIPInt.h").read_text()
+    slots = header_slots(header)
+    stated = stated_rows(header, "//   ", slots)
+    tried = stated_rows((root / "tests/stated/operations.inc").read_text(), r"QX_OPERATION\(", slots)
+    check(len(stated) > 20 and stated == tried, "the header's table of all operations is the one that is tried")
+    check(all(slots[int(row[1])] == row[0] for row in tried), "the slots in that table")
 
 
 def header_exports(path, expected):
@@ -87,6 +102,7 @@ def check_answers(root):
 def main():
     root = pathlib.Path(sys.argv[1])
     check_slots(root)
+    check_statements(root)
     check_exports(root)
     check_answers(root)
     check_waits(root)

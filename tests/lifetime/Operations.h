@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The operations of the client, as the tests of its end call them.
+// The operations of the client that wait for a server, or that call their host.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -21,11 +22,12 @@ struct Place {
   std::uint16_t httpPort;
   std::string present;
   std::string absent;
+  std::uint32_t retries = 1;
 };
 
 struct Operation {
   const char* name;
-  void (*run)(TQXIP& client, const Place& place);
+  std::function<std::uint32_t(TQXIP& client, const Place& place)> run;  // answers what the operation answers
   // What the host is called for in it, besides what only comes when a worker is slow enough.
   std::vector<std::string> calls;
   bool goesOnForEver = false;  // at a server that breaks off
