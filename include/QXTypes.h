@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Types that the library and its hosts share. This header and those that describe memory (QXErrorInfo.h,
-// QXDirEntry.h, QXClientTable.h, QXExports.h, QXDialogs.h, QXHooks.h) are C99 as well as C++.
+// QXDirEntry.h, QXClientTable.h, QXExports.h, QXDialogs.h, QXHooks.h, QXVersion.h) are C99 as well as C++11.
 //
 // Conventions of the whole binary interface:
 //  1. Texts are narrow (8-bit), NUL-terminated, and belong to whoever made them; the library copies what it

@@ -20,3 +20,16 @@ add_test(NAME version_test COMMAND
 add_test(NAME interface_documents_test COMMAND
   /usr/bin/python3 "${CMAKE_CURRENT_SOURCE_DIR}/check_documents.py" "${CMAKE_SOURCE_DIR}")
 set_tests_properties(library_file_test version_test interface_documents_test PROPERTIES TIMEOUT 60 LABELS dll)
+
+# No sanitizer has a say in it.
+if(NOT QX_SANITIZE MATCHES "address|thread")
+  set(compilers "${CMAKE_C_COMPILER}" "${CMAKE_CXX_COMPILER}")
+  if(NOT WIN32)
+    find_program(QX_CLANG NAMES clang++-14 clang++ REQUIRED)
+    find_program(QX_CLANG_C NAMES clang-14 clang REQUIRED)
+    list(APPEND compilers "${QX_CLANG_C}" "${QX_CLANG}")
+  endif()
+  add_test(NAME public_headers_test COMMAND
+    /usr/bin/python3 "${CMAKE_CURRENT_SOURCE_DIR}/check_headers.py" "${CMAKE_SOURCE_DIR}/include" ${compilers})
+  set_tests_properties(public_headers_test PROPERTIES TIMEOUT 300 LABELS dll)
+endif()
