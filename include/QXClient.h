@@ -10,13 +10,22 @@
 //
 // The operations are those of QXIPInt.h, which tells what they do; here stands what differs. For all of them:
 //  - One thread at a time uses a client. A lambda starts no operation of its client.
-//  - Every result has the report of its own operation (QXResult.h), also a success.
+//  - Every result has the report of its own operation (QXResult.h), also a success; a failure always has a
+//    text. Where an operation of this class makes two of the library's, the first report of a failure counts.
 //  - An exception of a lambda ends the operation where it can be cancelled, and leaves the function of this
-//    class that called it. None goes through the library.
-//  - A lambda may destroy its client: the operation fails then, and the client is not used any more.
-//  - A client that was moved from, or destroyed in a lambda, fails in every operation.
+//    class that called it, which has no result then. None goes through the library; one that comes while the
+//    client ends is lost.
+//  - A lambda may destroy its client, or move it: the operation fails then, or ends as it would have.
+//  - A client that was moved from, or destroyed in a lambda, fails in every operation. Moving takes the
+//    lambdas and the count of retries along.
+//
+// What is not here, and why. Slots 0 to 2, 23, 24, 27 and 38 do nothing; connect() connects again as well. 30
+// hands out what a host cannot use. 32 and 33 cannot be cancelled: download() and upload() are copies. 34 and
+// 45 are count() and directoryExists() without a difference between "no" and "not known". The callback of
+// copies tells less than the lambda `poll`. Of the hooks there are those that tell what the library does.
 #pragma once
 
+#include <cstdio>
 #include <fstream>
 #include <span>
 #include <string>
@@ -40,6 +49,13 @@ struct ItemCounts {
   std::uint32_t directories = 0;
 };
 
+// QXIPInt.h tells what `server` may say of encryption. Port 0 is the usual one.
+struct WebFile {
+  std::string server;
+  std::string object = "/";
+  std::uint32_t port = 0;
+};
+
 using Bytes = std::vector<std::byte>;
 
 class Client {
@@ -58,13 +74,14 @@ class Client {
     if (this != &other) {
       Free();
       m_state = std::move(other.m_state);
+      m_retries = other.m_retries;
     }
     return *this;
   }
 
   // Whether there is a client.
   explicit operator bool() const noexcept { return get() != nullptr; }
-  // For what this class lacks. Its failures go into the record of the next operation's report or get lost.
+  // For what this class lacks. What such calls report, or their lambdas throw, is lost.
   TQXIPIFInt* get() const noexcept { return m_state ? m_state->Client() : nullptr; }
 
   // The lambdas from now on. Not within one of them.
@@ -89,6 +106,13 @@ class Client {
   }
   Result<Done> disconnect() {
     return Do([](TQXIPIFInt& client) { return client.FTPDisconnect(); });
+  }
+  // Returns when the connection has ended; until then it dispatches the thread's messages.
+  Result<Done> keepAlive() {
+    return Run<Done>([](TQXIPIFInt& client) {
+      client.FTPKeepAlive();
+      return std::optional(Done{});
+    });
   }
 
   // Both calls of FTPGetDirectory. A directory that is not there has no entries.
@@ -142,7 +166,8 @@ class Client {
     if (!copied || size == 0) return copied;
     const Result<std::uint32_t> arrived = this->size(remote);
     if (arrived && *arrived == size) return copied;
-    return {std::nullopt, arrived.report().isSet ? arrived.report() : NotArrived()};
+    if (copied.report().isSet) return {std::nullopt, copied.report()};
+    return {std::nullopt, arrived.report().number >= kInternetErrors ? arrived.report() : NotArrived()};
   }
   // A success of a copy to the server does not tell that it took all: upload() does.
   // Either path may be local, in the form that FTPCpyFile knows ("C:\dir\file", on Linux "Z:/dir/file").
@@ -208,6 +233,20 @@ class Client {
     return Write(path, content, 1);
   }
 
+  // Gets a file from the web: HTTPDownloadFile, which tells of itself neither record nor line. `poll` gets no
+  // progress. On Windows the library shows the user what the network has refused.
+  Result<Done> fetch(const WebFile& from, const std::string& local) {
+    if (!CanBeWritten(local)) return {std::nullopt, NotWritten()};
+    return Do([&](TQXIPIFInt& client) -> QXBool {
+      try {
+        return client.HTTPDownloadFile(from.server.c_str(), from.object.c_str(), from.port, local.c_str(),
+                                       nullptr, 0, 0) != 0;
+      } catch (...) {  // the library's, of which no more is known than that the local file has failed
+        return 0;
+      }
+    });
+  }
+
  private:
   explicit Client(std::shared_ptr<detail::State> state) noexcept : m_state(std::move(state)) {}
 
@@ -215,8 +254,14 @@ class Client {
     if (const std::shared_ptr<detail::State> state = m_state) state->Free();
   }
 
+  static constexpr std::uint32_t kInternetErrors = 12000;
+
   static Report NoClient() { return {true, false, 0, "there is no client", {}}; }
   static Report NotFull() { return {true, false, 0, "the local path is not a full one", {}}; }
+  static Report NotWritten() { return {true, false, 0, "the local file cannot be written", {}}; }
+  static const char* NoReason(const detail::State& state) noexcept {
+    return state.Client() == nullptr ? "the client was destroyed" : "the library tells no reason";
+  }
   static Report NotArrived() { return {true, false, 0, "the server has not got the whole file", {}}; }
 
   static std::optional<Done> DoneIf(QXBool answer) {
@@ -241,6 +286,7 @@ class Client {
     std::optional<Value> value = operation(*client);
     Report report = state->End();
     if (state->Client() == nullptr || !holds(value, report)) value.reset();
+    if (!value && report.text.empty()) report.text = NoReason(*state);
     return {std::move(value), std::move(report)};
   }
 
@@ -262,6 +308,17 @@ class Client {
       if (size != content.size()) return {};
       return DoneIf(client.FTPWriteFile(path.c_str(), content.data(), size, append, 0, m_retries, 0, 0));
     });
+  }
+
+  // Makes sure that the library need not throw. Leaves the file as it was, also where there was none.
+  static bool CanBeWritten(const std::string& local) {
+    if (std::fstream(local, std::ios::binary | std::ios::in | std::ios::out).is_open()) return true;
+    std::ofstream made(local, std::ios::binary | std::ios::app);
+    const bool isEmpty = made.is_open() && made.tellp() == std::streampos(0);
+    const bool canBeWritten = made.is_open();
+    made.close();
+    if (isEmpty) std::remove(local.c_str());
+    return canBeWritten;
   }
 
   // A copy takes a path for a local one by its drive, or by the two backslashes of a share.

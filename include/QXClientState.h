@@ -28,7 +28,7 @@ struct Progress {
 // The lambdas of a client. Empty ones cost nothing: the library's own functions stay in the table.
 struct Lambdas {
   // Asked on the thread that called the operation, again and again while it waits: by read(), write(),
-  // append(), copy(), download(), upload(), move(), remove() and removeDirectory().
+  // append(), copy(), download(), upload(), move(), remove(), removeDirectory() and fetch().
   std::function<Poll(const Progress&)> poll = nullptr;
   // The protocol line by line, on the thread that does the work; no password is ever in it.
   std::function<void(const char* line)> line = nullptr;
@@ -40,6 +40,8 @@ struct Lambdas {
   // the work.
   std::function<void()> connected = nullptr;
   std::function<void()> disconnected = nullptr;
+
+  bool isAny() const noexcept { return poll || line || entry || error || connected || disconnected; }
 };
 
 namespace detail {
@@ -70,7 +72,7 @@ class State : public std::enable_shared_from_this<State> {
     if (m_client == nullptr) return;
     QXClientTable& table = m_hooks.Table;
     const QXClientTable& own = *m_hooks.pOriginal;
-    table.OnPoll = m_lambdas.poll ? &OnPoll : own.OnPoll;
+    table.OnPoll = m_lambdas.isAny() ? &OnPoll : own.OnPoll;
     table.OnStatus = m_lambdas.line ? &OnStatus : own.OnStatus;
     table.OnNotify = m_lambdas.entry ? &OnNotify : own.OnNotify;
     table.OnIPError = m_lambdas.error ? &OnIPError : own.OnIPError;
@@ -82,6 +84,7 @@ class State : public std::enable_shared_from_this<State> {
   void Begin() noexcept {
     m_record = {};
     m_cancelled = false;
+    static_cast<void>(TakeThrown());  // outside of the operations of qx::Client, where nobody could get it
     TQXIPIFInt* const client = m_client;
     client->m_Transfer = {};
     client->m_szMessage[0] = '\0';
@@ -102,8 +105,8 @@ class State : public std::enable_shared_from_this<State> {
     return static_cast<State*>(QXHooksOf(client)->pContext)->shared_from_this();
   }
 
-  // No exception may go through the library: the first one is kept until the operation has ended, which is
-  // cancelled where it can be.
+  // No exception may go through the library: the first one is kept until the operation has ended. OnPoll,
+  // which is there with any lambda, cancels it where that can be done.
   template <typename Call>
   void Guard(Call&& call) noexcept {
     try {
@@ -124,6 +127,8 @@ class State : public std::enable_shared_from_this<State> {
     return std::exchange(m_thrown, nullptr);
   }
 
+  Poll Ask(const Progress& progress) const { return m_lambdas.poll ? m_lambdas.poll(progress) : Poll::goOn; }
+
   // The worker writes each counter whole, the total before what belongs to it.
   static Progress ProgressAt(QXHostValue address) noexcept {
     if (address == 0) return {};
@@ -139,7 +144,7 @@ class State : public std::enable_shared_from_this<State> {
     const std::shared_ptr<State> state = Of(client);
     Poll answer = Poll::cancel;
     state->Guard([&] {
-      if (!state->HasThrown()) answer = state->m_lambdas.poll(ProgressAt(transfer));
+      if (!state->HasThrown()) answer = state->Ask(ProgressAt(transfer));
     });
     if (answer == Poll::cancel) state->m_cancelled = true;
     return answer == Poll::cancel ? 1 : 0;

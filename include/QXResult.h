@@ -17,7 +17,7 @@ struct Report {
   bool isSet = false;        // the library wrote into the record
   bool isCancelled = false;  // a lambda asked to stop
   std::uint32_t number = 0;  // system or internet error number; 0 in reports of the operation itself
-  std::string text;          // of the record
+  std::string text;          // of the record; a failure that leaves none has one of these headers'
   std::string message;       // m_szMessage
 };
 
