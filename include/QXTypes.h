@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Types that the library and its hosts share. This header and those that describe memory (QXErrorInfo.h,
-// QXDirEntry.h, QXClientTable.h, QXExports.h, QXDialogs.h, QXHooks.h, QXVersion.h) are C99 as well as C++11.
+// Types that the library and its hosts share. This header, those that describe memory (QXErrorInfo.h,
+// QXDirEntry.h, QXClientTable.h, QXExports.h, QXDialogs.h, QXHooks.h) and QXVersion.h are C99 as well as
+// C++11; QXIPInt.h is C++11, the others are C++20.
 //
 // Conventions of the whole binary interface:
 //  1. Texts are narrow (8-bit), NUL-terminated, and belong to whoever made them; the library copies what it

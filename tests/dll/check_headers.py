@@ -19,7 +19,7 @@ NEWER_CXX = ["c++20"]
 def headers_in_c(include):
     """Those that QXTypes.h names as C's."""
     introduction = (include / "QXTypes.h").read_text().partition("#pragma")[0].partition("Conventions")[0]
-    return ["QXTypes.h"] + re.findall(r"QX\w+\.h", introduction)
+    return ["QXTypes.h"] + re.findall(r"QX\w+\.h", introduction.partition("C99")[0])
 
 
 def standards(name, in_c):

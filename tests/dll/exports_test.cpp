@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The exported functions: creation, freeing and the module-wide count.
+#include <thread>
+#include <vector>
+
 #include "QXHooks.h"
 #include "tests/dll/library.h"
 
@@ -101,6 +104,21 @@ TEST_F(Exports, ConnectingHandsAllArgumentsToSlot26) {
   EXPECT_EQ(call.passive, 0xA5);
   EXPECT_EQ(call.value, 0x89ABCDEFU);
   EXPECT_EQ(call.session, session);
+}
+
+TEST_F(Exports, TheCountBelongsToAllThreads) {
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([] {
+      for (int round = 0; round < 1000; ++round) {
+        library().addRef();
+        library().free(library().create(nullptr));
+        library().release();
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(moduleCount(), 0U);
 }
 
 }  // namespace

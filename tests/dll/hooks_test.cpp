@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // QXClientHooks: a client with a table of its own.
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -99,6 +100,43 @@ TEST_F(Hooks, MayFreeTheirClient) {
   EXPECT_EQ(freed->FTPDisconnect(), 0) << "the operation that called the hook is stopped";
   EXPECT_EQ(calls.front(), "freed");
   EXPECT_TRUE(hooks.ClientEnded());
+  EXPECT_EQ(moduleCount(), 0U);
+}
+
+TEST_F(Hooks, OfASecondCopyAreTheLatest) {
+  QXClientHooks hooks(client.get(), &calls);
+  hooks->OnBeforeDisconnect = &noteBefore;
+  Calls callsOfSecond;
+  {
+    QXClientHooks second(client.get(), &callsOfSecond);
+    EXPECT_EQ(&QXClientHooks::ContextOf<Calls>(client.get()), &callsOfSecond);
+    client->FTPDisconnect();
+    EXPECT_EQ(callsOfSecond, Calls{"before"}) << "which the first copy's function asks for its data, too";
+  }
+  EXPECT_EQ(&QXClientHooks::ContextOf<Calls>(client.get()), &calls);
+}
+
+TEST_F(Hooks, MayGoWhenTheirClientHasGone) {
+  auto hooks = std::make_unique<QXClientHooks>(client.get(), &calls);
+  (*hooks)->OnBeforeDisconnect = &noteBefore;
+  client.reset();
+  hooks.reset();
+  EXPECT_EQ(calls, Calls{"before"});
+}
+
+void* endAsTheHostLikes(TQXIPIFInt* client, std::uint32_t flags) {
+  QXHooks* const hooks = QXHooksOf(client);
+  hooks->bEnded = 1;
+  QXClientHooks::ContextOf<Calls>(client).emplace_back("ended");
+  return hooks->pOriginal->DeletingDestructor(client, flags);
+}
+
+TEST_F(Hooks, OfTheEndAreTheHostsAsWell) {
+  QXClientHooks hooks(client.get(), &calls);
+  hooks->DeletingDestructor = &endAsTheHostLikes;
+  client.reset();
+  EXPECT_TRUE(hooks.ClientEnded());
+  EXPECT_EQ(calls, Calls{"ended"});
   EXPECT_EQ(moduleCount(), 0U);
 }
 

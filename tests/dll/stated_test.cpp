@@ -2,6 +2,10 @@
 // What the public header says of polls, counters and blocks, where no other test is about it.
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <exception>
+#include <string>
+#include <thread>
 #include <vector>
 
 #include "QXHooks.h"
@@ -87,6 +91,51 @@ TEST_F(Stated, AMissingDirectoryIsFoundGoneAndListsAsEmpty) {
   EXPECT_EQ(client->FTPRmvDir("/none", 0, 0, 0), 1);
   EXPECT_EQ(error.bSet & 0xFFU, 1U);
   EXPECT_EQ(error.nError, 0U);
+}
+
+TEST_F(Stated, ACopysCallbackComesOnTheWorkersThread) {
+  static std::atomic<int> calls;
+  static std::atomic<std::thread::id> thread;
+  calls = 0;
+  const QXProgress progress = [](const char*, std::uint32_t, std::uint32_t) -> QXBool {
+    ++calls;
+    thread = std::this_thread::get_id();
+    return 0;
+  };
+  const testing_support::ScratchFolder scratch;
+  const std::string local = testing_support::localName(scratch.file("local"));
+  ASSERT_EQ(client->FTPCpyFile("/pub/a.txt", local.c_str(), progress, 0, 0, 0), 1);
+  EXPECT_EQ(calls, 1);
+  EXPECT_NE(thread.load(), std::this_thread::get_id());
+}
+
+template <void (*QXClientTable::*Hook)(TQXIPIFInt*)>
+void noteCall(TQXIPIFInt* client) {
+  QXClientHooks::ContextOf<std::vector<std::string>>(client).emplace_back("told");
+  (QXHooksOf(client)->pOriginal->*Hook)(client);
+}
+
+TEST_F(Stated, WithoutARecordHooksDoNotFollowConnections) {
+  for (QXErrorInfo* const record : {static_cast<QXErrorInfo*>(nullptr), &error}) {
+    const Client silent = makeClient(library(), record);
+    std::vector<std::string> calls;
+    QXClientHooks own(silent.get(), &calls);
+    own->OnSuccess = &noteCall<&QXClientTable::OnSuccess>;
+    own->OnDisconnect = &noteCall<&QXClientTable::OnDisconnect>;
+    silent->FTPSetLogin("127.0.0.1", "me", "secret", server.port(), 1);
+    EXPECT_EQ(silent->FTPFileSize("/pub/a.txt", 0, 0, 0), 5U);
+    EXPECT_EQ(calls.empty(), record == nullptr);
+  }
+}
+
+TEST_F(Stated, AWebDownloadThrowsWhereItsFileCannotBeMade) {
+  const fixture::ScriptedHttp web(R"({"answers": [{"body": {"text": "hello"}}]})");
+  const testing_support::ScratchFolder scratch;
+  const std::string local = scratch.file("none/page");
+  EXPECT_ANY_THROW(client->HTTPDownloadFile("127.0.0.1", "/", web.port(), local.c_str(), nullptr, 0, 0));
+  EXPECT_EQ(error.bSet, 0U);
+  EXPECT_EQ(std::uncaught_exceptions(), 0);
+  EXPECT_STREQ(client->m_szMessage, "");
 }
 
 }  // namespace

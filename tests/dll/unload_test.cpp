@@ -3,8 +3,10 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <thread>
 
+#include "QXClient.h"
 #include "tests/dll/library.h"
 #include "tests/support/ScratchFolder.h"
 
@@ -50,6 +52,30 @@ TEST(Unloading, ALibraryThatHasLookedUpNamesGoesOnceTheLookupsAreOver) {
     fresh = again.addRef() == 1;
     again.release();
   }
+}
+
+// What qx::loadLibrary() hands out, and every client made with it, keeps the library.
+TEST(Unloading, IsDoneWithTheLastCopyOfTheExports) {
+  const testing_support::ScratchFolder scratch;
+  const std::string copy = scratch.file(clientLibraryName());
+  std::filesystem::copy_file(std::getenv("QX_LIBRARY"), copy);
+  for (int round = 0; round < 2; ++round) {
+    auto exports = std::make_optional(qx::loadLibrary(copy).value());
+    EXPECT_EQ(exports->addRef(), 1U) << "kept: only unloading forgets it";
+    auto client = std::make_optional(qx::Client::make(*exports).value());
+    exports.reset();
+    EXPECT_TRUE(client->setLogin({.host = "ftp.example.test"})) << "its library is still there";
+  }
+}
+
+TEST(Unloading, AnotherLibraryIsRefusedWithTheSystemsText) {
+#if defined(_WIN32)
+  const auto other = qx::loadLibrary("kernel32.dll");
+#else
+  const auto other = qx::loadLibrary("libm.so.6");
+#endif
+  EXPECT_FALSE(other);
+  EXPECT_NE(other.report().text, "");
 }
 
 }  // namespace

@@ -278,6 +278,7 @@ TEST_P(Stated, IsCancelledByOnPollWhereThatIsAsked) {
   EXPECT_EQ(stage.run(GetParam()), 0U);
   host.join();
   if (row.line == Line::failed) expectLine(stage, "");
+  EXPECT_EQ(stage.record.bSet != 0, row.connection != Connection::web) << "a cancel is reported, too";
 }
 
 TEST_P(Stated, TriesAgainAsTheTableSays) {
