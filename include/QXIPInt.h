@@ -42,19 +42,21 @@
 //                it was one; kept: no line of its own, though a failure can leave one of OnIPError's
 //
 // All others return at once, but for the end of a client (slots 3 and 5), which stops what runs. What asks
-// OnPoll ends within moments of its cancel, whatever the server does, and answers 0; the rest ends by itself,
-// but for slots 29 and 44: a server has 30 s to take a connection, for each reply, and for the next byte of
-// data (12002).
+// OnPoll ends within moments of its cancel, whatever the server does, answers 0 and reports that as any other
+// failure; the rest ends by itself, but for slots 29 and 44: a server has 30 s to take a connection, for each
+// reply, and for the next byte of data (12002).
 //
 // Arguments of the same name mean the same. pszPath is a path on the server. nRetries says how often a failed
-// attempt is repeated (0 = one attempt), after a pause of 10 ms; without one in slots 36, 37 and 45, and where
-// slots 34 and 35 repeat their listing. OnIPError may grant further attempts: in one call of an operation
-// three at most, one of them after a time-out; none where the object's connection is dead and logging in again
-// has failed. nPollArg1 and nPollArg2 go to OnPoll unchanged; what never asks it has no use for them.
-// Where a server has too many logins for a moment (421 or 530, and a text that says so), an operation's own
-// connection tries again within the attempt, after 250 ms, 500 ms and 1 s; FTPConnect fails at once.
-// Login data is all that operations need (slot 25); FTPConnect spares those that work on its connection a
-// login each.
+// attempt is repeated (0 = one attempt), after a pause of 10 ms; without one in slots 36, 37 and 45, and
+// where slots 34 and 35 repeat their listing. OnIPError may grant further attempts: in one call of an
+// operation three at most, one of them after a time-out; none where the object's connection is dead and
+// logging in again has failed. nPollArg1 and nPollArg2 go to OnPoll unchanged; what never asks it has no use
+// for them, and nothing has one for nReserved.
+//
+// Login data is all that operations need (slot 25). FTPConnect spares those that work on its connection their
+// logins. Where a server has too many logins for a moment (421 or 530, and a text that says so), an
+// operation's own connection tries again within the attempt, after 250 ms, 500 ms and 1 s; FTPConnect fails
+// at once.
 //
 // m_szMessage holds the latest line. Slots 26, 31 to 33, 39, 41 to 43, 47, 48 and 50 begin with one
 // like "TQXIP::FTPRmvFile - IN: '/path'"; the line of a failure is "TQXIP::FTPRmvFile '/path' failed!".
@@ -192,7 +194,8 @@ class TQXIPIFInt {
   // one redirect (301 to 303), is a 0 in silence. Server and object count up to 255 bytes, a null object is
   // "/"; nPort modulo 65536, 0 is 80. The length is what has come of the body when it is asked. Where the
   // local file cannot be made or written, the call throws the library's file exception, a pointer to a class
-  // that hosts cannot name: make sure of the folder before.
+  // that hosts cannot name, by a C++ runtime that is the library's own: std::uncaught_exceptions() of the
+  // host counts wrong from then on. Make sure of the folder before.
   //   Proxies: as in slot 25, but an HTTP proxy gets the request with the whole address unless the server is
   // "https://"; a login that it wants and does not get (407) is a failure of the network.
   virtual std::uint32_t HTTPDownloadFile(const char* pszServer, const char* pszObject, std::uint32_t nPort,
@@ -203,7 +206,7 @@ class TQXIPIFInt {
 
   // Slots 23 to 30: connection. The first two write a line and a report, too.
   virtual QXBool FTPSetFirewall(std::uint32_t nKind, QXBool bFlag,
-                                QXHostValue nValue) = 0;                       // not supported: 0
+                                QXHostValue nValue) = 0;  // not supported: 0
   // Not supported: 0. The proxies that the system's settings name are used in any case (slot 25).
   virtual QXBool FTPSetProxy(const char* pszProxy, std::uint32_t nValue) = 0;
   // Stores login data; null user or password keeps what is stored. The host is a name or an address, perhaps
@@ -220,9 +223,9 @@ class TQXIPIFInt {
   // whole character, and the whole counts for as long as the field is left alone; the field itself, given
   // here again, stands for the whole. What a host writes into a field counts from then on. A longer text
   // leaves its field empty, and until the text is replaced no operation logs in: each fails with 87.
-  //   Proxies: where the system's settings name one for the host (Linux: ftp_proxy, all_proxy, no_proxy in the
-  // environment; Windows: the user's Internet settings), every connection goes through it, by SOCKS 5 or by
-  // CONNECT of an HTTP proxy. It resolves the host's name, and all data connections are passive then,
+  //   Proxies: where the system's settings name one for the host (Linux: ftp_proxy, all_proxy, no_proxy in
+  // the environment; Windows: the user's Internet settings), every connection goes through it, by SOCKS 5 or
+  // by CONNECT of an HTTP proxy. It resolves the host's name, and all data connections are passive then,
   // whatever bPassive says. What it refuses fails with 12029, one without an address with 12007, a silent one
   // with 12002, each with a text that names the proxy. docs/proxies.md has more.
   // Always 1.
@@ -274,8 +277,7 @@ class TQXIPIFInt {
   // members have size 0. Of several versions of a file (OpenVMS) the newest has the plain name.
   virtual QXBool FTPGetDirectory(const char* pszPath, QXDirEntry* pEntries, std::uint32_t* pnCount,
                                  const char* pszPattern, std::uint32_t nRetries) = 0;
-  // Slots 32 and 33: whole files, on the caller's thread, without messages, OnPoll or a way for their caller
-  // to cancel them.
+  // Slots 32 and 33: whole files. What they lack in messages and OnPoll slot 39 has.
   // Where the server's last word on a transfer is lost its size decides: with all bytes there it is done.
   // An existing local file is not overwritten: 0, or 1 with the file as it was when the remote file is
   // missing, or its size cannot be told or is 0. A failure leaves no file of its own making. With nRetries >
@@ -311,14 +313,14 @@ class TQXIPIFInt {
                                        QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
   // Slots 39 and 40: a file from one path to another, which it replaces. A path is local when it begins with
   // a drive letter and a colon or with two backslashes, or has one character (but "/"). Counters go up with
-  // each 4096 bytes that come; an upload moves none. pfnProgress may be null. OnPoll can cancel them. The
-  // callback runs on the worker's thread after every 4096 bytes that come from the server, and before an
-  // upload; what it is told of is in the local file. 1 also when the callback has stopped the copy, when the
-  // server has refused the upload (slot 33), and between two local paths, where nothing is copied. Between
-  // two remote paths the content goes through a temporary file.
-  // With nRetries > 0 a copy from the server goes on after a broken connection as slot 32 does. The callback's
-  // figures go on with it: none is told twice, but where the copy begins anew they do so, too. A failed copy
-  // leaves what has come in the local file.
+  // each 4096 bytes that come; an upload moves none. pfnProgress may be null. The callback runs on the
+  // worker's thread after every 4096 bytes that come from the server, and before an upload; what it is told
+  // of is in the local file. 1 also when the callback has stopped the copy, when the server has refused the
+  // upload (slot 33), and between two local paths, where nothing is copied. Between two remote paths the
+  // content goes through a temporary file.
+  // With nRetries > 0 a copy from the server goes on after a broken connection as slot 32 does. The
+  // callback's figures go on with it: none is told twice, but where the copy begins anew they do so, too. A
+  // failed copy leaves what has come in the local file.
   virtual QXBool FTPCpyFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
                             std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
   // Slot 40 repeats both parts, the copy after a cancel as well while nRetries lasts.
@@ -341,7 +343,8 @@ class TQXIPIFInt {
   virtual QXBool FTPCreateDir(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                               QXHostValue nPollArg2) = 0;
   // Slot 44, through slots 36 and 43. Fails where pszParent is not there and when all names are taken.
-  // Takes the base name or the first of "Name (1)" to "Name (999)" that is free. A name that is free but that
+  // nRetries goes to each of their calls, and repeats the whole. Takes the base name or the first of
+  // "Name (1)" to "Name (999)" that is free. A name that is free but that
   // the server refuses is tried again, 10 ms later each time, until the server takes it: freeing the
   // client is the one way to end that. pszCreated receives the new directory's path: at least 256 characters;
   // a failure leaves it alone.
@@ -357,8 +360,8 @@ class TQXIPIFInt {
   virtual std::uint32_t FTPFileSize(const char* pszPath, std::uint32_t nRetries, QXHostValue nPollArg1,
                                     QXHostValue nPollArg2) = 0;
 
-  // Slots 47 to 50. OnPoll can cancel slots 47 and 48. They move 4096 bytes each 20 ms, at most 200 KB a
-  // second; an append moves its file by slots 32 and 33.
+  // Slots 47 and 48 move 4096 bytes each 20 ms, at most 200 KB a second; an append moves its file by slots 32
+  // and 33.
   // With bAppend the data goes behind the content, which is fetched and sent again as a whole. The file is
   // opened for writing first: a server that lacks SIZE or REST empties it then, and the append fails, as it
   // does for a file that is missing or empty. An append of which the server refuses the upload answers 1.
@@ -369,17 +372,17 @@ class TQXIPIFInt {
                               QXHostValue nPollArg2) = 0;
   // A file that is empty or missing, or whose size cannot be told, reads as empty: 1, *pnSize 0; the record
   // tells. One that has grown since reads as long as it was, one that ends early is a failure.
-  // *ppData receives a block of *pnSize + 1 bytes; give it back with FTPFreeFileAPI. Null after a failure,
-  // with one exception: after a reconnect that OnPoll asked for, *ppData is what the second run left there,
-  // and the result can be 0 although that is a block. So give back whatever is not null.
+  // *ppData receives a block of *pnSize + 1 bytes, the last of which is 0; give it back with FTPFreeFileAPI.
+  // Null after a failure, with one exception: after a reconnect that OnPoll asked for, *ppData is what the
+  // second run left there, and the result can be 0 although that is a block. So give back whatever is not
+  // null.
   virtual QXBool FTPReadFile(const char* pszPath, void** ppData, std::uint32_t* pnSize,
                              std::uint32_t nReserved, std::uint32_t nRetries, QXHostValue nPollArg1,
                              QXHostValue nPollArg2) = 0;
   // Gives a block of slot 48 back, whatever client made it, between calls of slots 6 and 7. Null is allowed;
   // always 1. No line, no report.
   virtual QXBool FTPFreeFileAPI(void* pData) = 0;
-  // Slot 50: on the caller's thread, over a connection of its own, also into another directory. What becomes
-  // of a file that has the new name is the server's rule.
+  // Slot 50, also into another directory. What becomes of a file that has the new name is the server's rule.
   virtual QXBool FTPRenameFile(const char* pszOld, const char* pszNew, std::uint32_t nRetries) = 0;
 
   // Fields. A host may read them between operations, and m_Transfer in OnPoll.

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <exception>
 #include <string>
 #include <thread>
 #include <vector>
@@ -47,6 +46,7 @@ TEST_F(Stated, OnPollOfATransferGetsTheCounters) {
   EXPECT_EQ(polls.front().transfer, &client->m_Transfer);
   EXPECT_TRUE(polls.front().mayReconnect);
   EXPECT_EQ(client->m_Transfer.nTransferred, 5U);
+  EXPECT_STREQ(static_cast<const char*>(data), "hello") << "a zero stands behind it";
   client->FTPFreeFileAPI(data);
 }
 
@@ -134,7 +134,6 @@ TEST_F(Stated, AWebDownloadThrowsWhereItsFileCannotBeMade) {
   const std::string local = scratch.file("none/page");
   EXPECT_ANY_THROW(client->HTTPDownloadFile("127.0.0.1", "/", web.port(), local.c_str(), nullptr, 0, 0));
   EXPECT_EQ(error.bSet, 0U);
-  EXPECT_EQ(std::uncaught_exceptions(), 0);
   EXPECT_STREQ(client->m_szMessage, "");
 }
 
