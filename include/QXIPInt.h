@@ -372,10 +372,10 @@ class TQXIPIFInt {
                               QXHostValue nPollArg2) = 0;
   // A file that is empty or missing, or whose size cannot be told, reads as empty: 1, *pnSize 0; the record
   // tells. One that has grown since reads as long as it was, one that ends early is a failure.
-  // *ppData receives a block of *pnSize + 1 bytes, the last of which is 0; give it back with FTPFreeFileAPI.
-  // Null after a failure, with one exception: after a reconnect that OnPoll asked for, *ppData is what the
-  // second run left there, and the result can be 0 although that is a block. So give back whatever is not
-  // null.
+  // *ppData receives a block of *pnSize + 1 bytes, the last of which is not set (where it is the only one, it
+  // is 0); give it back with FTPFreeFileAPI. Null after a failure, with one exception: after a reconnect that
+  // OnPoll asked for, *ppData is what the second run left there, and the result can be 0 although that is a
+  // block. So give back whatever is not null.
   virtual QXBool FTPReadFile(const char* pszPath, void** ppData, std::uint32_t* pnSize,
                              std::uint32_t nReserved, std::uint32_t nRetries, QXHostValue nPollArg1,
                              QXHostValue nPollArg2) = 0;
