@@ -55,7 +55,7 @@ def _third_party(part):
         "copyrightText": "NOASSERTION",
         "externalRefs": [{
             "referenceCategory": "PACKAGE-MANAGER", "referenceType": "purl",
-            "referenceLocator": f"pkg:deb/debian/{part.package}@{part.version.replace('+', '%2B')}"}],
+            "referenceLocator": f"pkg:deb/debian/{part.packages[0]}@{part.version.replace('+', '%2B')}"}],
     }
 
 

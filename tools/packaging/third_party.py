@@ -15,7 +15,7 @@ WITH_GCC_EXCEPTION = "GPL-3.0-or-later WITH GCC-exception-3.1"
 class Part:
     name: str
     what: str
-    package: str  # of Debian, from which the linker takes it
+    packages: tuple[str, ...]  # of Debian, from which the linker takes it; all are of the first one's version
     home: str
     licence: str  # as SPDX writes it
     holder: str
@@ -23,7 +23,7 @@ class Part:
 
     @functools.cached_property
     def version(self):
-        return subprocess.run(["dpkg-query", "-W", "-f", "${Version}", self.package],
+        return subprocess.run(["dpkg-query", "-W", "-f", "${Version}", self.packages[0]],
                               check=True, capture_output=True, text=True).stdout
 
 
@@ -34,8 +34,8 @@ def gcc_text(package):
         common_licence("GPL-3")])
 
 
-def gcc(what, package, text_of):
-    return Part("GCC run-time libraries", what, package, "https://gcc.gnu.org/", WITH_GCC_EXCEPTION,
+def gcc(what, packages, text_of):
+    return Part("GCC run-time libraries", what, packages, "https://gcc.gnu.org/", WITH_GCC_EXCEPTION,
                 "Free Software Foundation, Inc.", lambda: gcc_text(text_of))
 
 
@@ -53,18 +53,19 @@ def glibc_text():
 
 PARTS = {
     "windows": (
-        gcc("libstdc++, libgcc and libssp", "gcc-mingw-w64-x86-64-posix", "gcc-mingw-w64-base"),
+        gcc("libstdc++, libgcc and libssp", ("gcc-mingw-w64-x86-64-posix", "g++-mingw-w64-x86-64-posix"),
+            "gcc-mingw-w64-base"),
         Part("MinGW-w64 C run time", "start-up code, libmingw32, libmingwex and the import libraries of Windows",
-             "mingw-w64-x86-64-dev", "https://www.mingw-w64.org/", "ZPL-2.1 AND LicenseRef-MinGW-w64-notices",
+             ("mingw-w64-x86-64-dev",), "https://www.mingw-w64.org/", "ZPL-2.1 AND LicenseRef-MinGW-w64-notices",
              "the mingw-w64 project", mingw_text("mingw-w64-crt/", "/profile/", "/getopt.c", "/testcases/")),
-        Part("winpthreads", "threads of the C++ library", "mingw-w64-x86-64-dev", "https://www.mingw-w64.org/",
+        Part("winpthreads", "threads of the C++ library", ("mingw-w64-x86-64-dev",), "https://www.mingw-w64.org/",
              "MIT AND BSD-3-Clause", "the mingw-w64 project",
              mingw_text("mingw-w64-libraries/winpthreads/", "/tests_pthread/")),
     ),
     "linux": (
-        gcc("libstdc++ and libgcc", "libstdc++-12-dev", "gcc-12-base"),
-        Part("glibc start-up files", "crti.o and crtn.o", "libc6-dev", "https://www.gnu.org/software/libc/",
-             "LGPL-2.1-or-later", "Free Software Foundation, Inc.", glibc_text),
+        gcc("libstdc++ and libgcc", ("libstdc++-12-dev", "libgcc-12-dev"), "gcc-12-base"),
+        Part("glibc start-up files", "crti.o, crtn.o and libc_nonshared.a", ("libc6-dev",),
+             "https://www.gnu.org/software/libc/", "LGPL-2.1-or-later", "Free Software Foundation, Inc.", glibc_text),
     ),
 }
 
@@ -75,7 +76,7 @@ def paper(title, system):
     lines = [f"{title} has no third-party code of its own. The compiler's run-time libraries are linked into it:", ""]
     for part in parts:
         lines += [f"  {part.name} ({part.what})", f"    {part.licence}", f"    {part.home}",
-                  f"    from Debian's {part.package} {part.version}", ""]
+                  f"    from Debian's {part.packages[0]} {part.version}", ""]
     lines += ["None of them puts conditions on programs that use the library. Their texts follow."]
     for part in parts:
         lines += ["", "", "=" * 100, f"{part.name}: {part.what}", "=" * 100, "", part.text()]
