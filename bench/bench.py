@@ -6,9 +6,13 @@ processes are timed, interleaved; the table has medians and ratios to curl's, or
 The exit code is 1 when a target is missed."""
 
 import argparse
+import dataclasses
+import datetime
+import json
 import os
 import pathlib
 import platform
+import shlex
 import shutil
 import subprocess
 import sys
@@ -17,7 +21,8 @@ import tempfile
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "examples"))
 
-from measure import HEAD, Contender, interleave, rows  # noqa: E402  (beside this file)
+import plots  # noqa: E402  (beside this file)
+from measure import HEAD, RULE, Contender, interleave, line, rows  # noqa: E402
 from peers import Curl, others  # noqa: E402
 from servers import Build, Server, WebServer, file_matches, run_under_fixture, write_pattern  # noqa: E402
 
@@ -33,6 +38,7 @@ TARGETS = {
 WORK = ["download", "upload", "copy", "http", "listing", "queries", "encrypted"]
 SMALL = "/pub/small.txt"
 UPLOADED = "/pub/upload"
+PEERS = ["curl", "wget", "lftp", "ncftp"]
 # In one process, one after the other: what an operation costs a host that is running already.
 IN_A_ROW = 100
 
@@ -204,9 +210,9 @@ class Bench:
         tree = {**self._large(), SMALL: "small"}
         self._server.ask("put", files={**tree, "/pub/many/": {"many": {"count": self._arguments.entries}}})
         for work in self._arguments.work:
-            for line, met in getattr(self, work)():
-                print(line, flush=True)
-                yield met
+            for row in getattr(self, work)():
+                print(line(row.cells()), flush=True)
+                yield row
 
 
 def first_line(*command):
@@ -221,20 +227,31 @@ def processor():
     return next((line.partition(":")[2].strip() for line in lines if line.startswith("model name")), "unknown")
 
 
-def print_conditions(arguments, scratch):
+def conditions(arguments, scratch):
     """What a reader needs to judge the figures."""
-    print(f"machine: {processor()}, {os.cpu_count()} processors, {platform.platform()}")
-    print(f"load before: {os.getloadavg()[0]:.2f}")
-    print(f"builds: {', '.join(arguments.build)} (RelWithDebInfo, -O2); {first_line('g++', '--version')}")
-    wine = first_line("/usr/lib/wine/wine64", "--version")
-    versions = [first_line(program, "--version").split(" (")[0] for program in ("curl", "wget", "lftp")]
-    print(f"peers: {'; '.join(versions)}; {first_line('dpkg-query', '-W', 'ncftp')}; wine: {wine}")
-    print(f"servers: {', '.join(arguments.server)}, native, on loopback, passive mode")
-    print(f"files: {arguments.size} bytes; listing: {arguments.entries} entries; all files below {scratch}")
+    peers = [first_line("dpkg-query", "-W", "-f", "${Package} ${Version}", name) for name in PEERS]
+    return {
+        "date": datetime.date.today().isoformat(),
+        "command": shlex.join(["tools/bench", *sys.argv[1:]]),
+        "source": first_line("git", "-C", str(ROOT), "describe", "--always", "--dirty"),
+        "machine": f"{processor()}, {os.cpu_count()} processors, {platform.platform()}",
+        "load before": f"{os.getloadavg()[0]:.2f}",
+        "builds": f"{', '.join(arguments.build)} (RelWithDebInfo, -O2); {first_line('g++', '--version')}",
+        "peers": "; ".join(peers),
+        "Wine": first_line("/usr/lib/wine/wine64", "--version"),
+        "servers": f"{', '.join(arguments.server)}, native, on loopback, passive mode",
+        "files": f"{arguments.size} bytes; listing: {arguments.entries} entries; "
+                 f"all below {scratch.relative_to(ROOT) if scratch.is_relative_to(ROOT) else scratch}",
+        "runs": f"{arguments.runs} each after one to warm up, interleaved",
+    }
+
+
+def print_conditions(lines):
+    for name, text in lines.items():
+        print(f"{name}: {text}")
     print(
-        f"{arguments.runs} runs each after one to warm up, interleaved. Wall is that of the whole process, the start\n"
-        "of Wine's program included; \"one operation\" is timed by the host itself. curl's listing is raw text, not\n"
-        "parsed; its query asks for size and time.\n",
+        "Wall is that of the whole process, the start of Wine's program included; \"one operation\" is timed by the\n"
+        "host itself. curl's listing is raw text, not parsed; its query asks for size and time.\n",
         flush=True,
     )
 
@@ -261,6 +278,10 @@ def parse_arguments():
     parser.add_argument("--server", action="append", choices=["vsftpd", "pyftpdlib"], help="default: both")
     parser.add_argument("--build", action="append", help="folders below build/, default: linux and windows")
     parser.add_argument("--work", action="append", choices=WORK, help="default: all")
+    parser.add_argument("--json", type=pathlib.Path, metavar="FILE", help="write the figures there as well")
+    parser.add_argument("--plots", type=pathlib.Path, metavar="FILE",
+                        help="measure nothing; fill docs/performance.md and its pictures from that file")
+    parser.add_argument("--check", action="store_true", help="with --plots: write nothing, tell what differs")
     arguments = parser.parse_args()
     arguments.work = arguments.work or WORK
     arguments.server = arguments.server or ["vsftpd", "pyftpdlib"]
@@ -270,16 +291,22 @@ def parse_arguments():
 
 def main():
     arguments = parse_arguments()
+    if arguments.plots:
+        return plots.main(arguments.plots, arguments.check)
     scratch = choose_scratch(arguments)
     run_under_fixture(scratch)
-    print_conditions(arguments, scratch)
-    print(HEAD)
-    met = []
+    lines = conditions(arguments, scratch)
+    print_conditions(lines)
+    print(line(HEAD), RULE, sep="\n")
+    measured = []
     for kind in arguments.server:
         builds = [Build(name) for name in arguments.build]
         with Server(kind) as server, tempfile.TemporaryDirectory(prefix="qx-bench-", dir=scratch) as folder:
-            met += Bench(server, builds, arguments, pathlib.Path(folder)).run()
-    missed = met.count(False)
+            measured += Bench(server, builds, arguments, pathlib.Path(folder)).run()
+    if arguments.json:
+        figures = {"conditions": lines, "rows": [dataclasses.asdict(row) for row in measured]}
+        arguments.json.write_text(json.dumps(figures, indent=1) + "\n")
+    missed = sum(not row.met for row in measured)
     print(f"\n{missed} targets missed" if missed else "\nevery target is met")
     return 1 if missed else 0
 

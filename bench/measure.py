@@ -54,32 +54,48 @@ def interleave(contenders, runs):
             contender.note(*contender.run_once())
 
 
+@dataclasses.dataclass
+class Row:
+    """What one contender took for one piece of work, in seconds. `ratio` is to `beside`, or to curl."""
+
+    work: str
+    by: str
+    wall: float
+    least: float
+    most: float
+    processor: float
+    one: float = None
+    ratio: float = None
+    beside: str = None
+    target: float = None
+
+    @property
+    def met(self):
+        return not self.target or self.ratio <= self.target
+
+    def cells(self):
+        """As a table shows it under HEAD."""
+        ratio = f"{self.ratio:.2f}{f' of {self.beside}' if self.beside else ''}" if self.ratio else ""
+        target = f"<= {self.target:g}{'' if self.met else ' MISSED'}" if self.target else ""
+        return [self.work, self.by, f"{self.wall:.3f} ({self.least:.3f} - {self.most:.3f})", f"{self.processor:.3f}",
+                f"{self.one:.4f}" if self.one else "", ratio, target]
+
+
 def rows(work, contenders, measure=None):
-    """Lines of the table for one piece of work, and whether each met its target: a multiple of `measure`'s median."""
+    """A row for each contender. Its target is a multiple of the median of `measure`, or of what it has beside it."""
     for contender in contenders:
         base = contender.beside or measure
         wall = statistics.median(contender.walls)
-        ratio = wall / statistics.median(base.walls) if base else None
-        met = not contender.target or ratio <= contender.target
-        yield (
-            f"| {work} | {contender.name} | {wall:.3f} ({min(contender.walls):.3f} - {max(contender.walls):.3f}) "
-            f"| {statistics.median(contender.processors):.3f} "
-            f"| {_median_text(contender.inner)} | {_ratio_text(contender, ratio)} "
-            f"| {f'<= {contender.target:g}' if contender.target else ''}{'' if met else ' MISSED'} |",
-            met,
-        )
+        yield Row(work, contender.name, wall, min(contender.walls), max(contender.walls),
+                  statistics.median(contender.processors),
+                  statistics.median(contender.inner) if contender.inner else None,
+                  wall / statistics.median(base.walls) if base else None,
+                  contender.beside.name if contender.beside else None, contender.target)
 
 
-def _ratio_text(contender, ratio):
-    whose = f" of {contender.beside.name}" if contender.beside else ""
-    return f"{ratio:.2f}{whose}" if ratio else ""
+def line(cells):
+    return f"| {' | '.join(cells)} |"
 
 
-def _median_text(values):
-    return f"{statistics.median(values):.4f}" if values else ""
-
-
-HEAD = (
-    "| work | by | wall s, median (min - max) | processor s | one operation s | x curl | target |\n"
-    "|---|---|---|---|---|---|---|"
-)
+HEAD = ["work", "by", "wall s, median (min - max)", "processor s", "one operation s", "x curl", "target"]
+RULE = "|" + "---|" * len(HEAD)
