@@ -18,7 +18,8 @@ from page_sources import HEADERS, ROOT, Pages, clear, page_of  # noqa: E402
 HERE = pathlib.Path(__file__).resolve().parent
 # These come first, in this order; the other documents follow by their names.
 START = pathlib.Path("README.md")
-FIRST = [str(START), "docs/tutorial.md", "docs/guide.md"]
+FIRST = [str(START), *(f"docs/{name}.md" for name in (
+    "tutorial", "guide", "security", "proxies", "dialogs", "binary-interface", "wire", "performance"))]
 LAST = ["CHANGELOG.md", "CONTRIBUTING.md", "LICENSE"]
 
 
