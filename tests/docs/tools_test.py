@@ -16,6 +16,8 @@ sys.dont_write_bytecode = True
 
 import blocks  # noqa: E402  (found through the path above)
 import plots  # noqa: E402
+import wire_cases  # noqa: E402
+from client import slots  # noqa: E402
 from conversation import Conversation  # noqa: E402
 from measure import Row  # noqa: E402
 
@@ -104,6 +106,15 @@ class Conversations(unittest.TestCase):
     def test_what_differs_from_run_to_run_is_left_out(self):
         self.assertEqual(self.shown(sent("EPRT |1|127.0.0.1|4711|"), got("200"))[1][0][1], "EPRT |1|127.0.0.1|port|")
         self.assertEqual(self.shown(sent("PORT 127,0,0,1,18,103"), got("200"))[1][0][1], "PORT 127,0,0,1,port")
+
+
+class WireCases(unittest.TestCase):
+    def test_every_operation_is_shown_or_known_to_be_silent(self):
+        shown = {case.operation for case in [*wire_cases.CONNECTING, *wire_cases.OPERATIONS]}
+        hooks = [name for name, (number, _) in slots().items() if 6 <= number <= 20 or number == 22]
+        life = ["FillWipePattern", "DeletingDestructor", "AddRef", "Release"]
+        all_known = [*shown, *wire_cases.SILENT, "FTPKeepAlive", "HTTPDownloadFile", *hooks, *life]
+        self.assertEqual(sorted(all_known), sorted(slots()))
 
 
 def row(work, by, wall, **more):

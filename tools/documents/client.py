@@ -13,7 +13,7 @@ _ERROR_TEXT = 12  # its place in the error record
 _ERROR_RECORD = 4112
 
 
-def _slots():
+def slots():
     """(number, type of the result) of each operation, by its name, from the table that hosts in C see."""
     table = (ROOT / "include/QXClientTable.h").read_text()
     return {name: (number, _RESULTS.get(result)) for number, (result, name) in enumerate(_SLOT.findall(table))}
@@ -34,7 +34,7 @@ class Client:
         self._record = ctypes.create_string_buffer(_ERROR_RECORD)
         self._library.CreateQXIPIFInstance.restype = ctypes.c_void_p
         self._object = ctypes.c_void_p(self._library.CreateQXIPIFInstance(self._record))
-        self._slots = _slots()
+        self._slots = slots()
 
     def __getattr__(self, name):
         number, result = self._slots[name]
