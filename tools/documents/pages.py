@@ -32,7 +32,7 @@ def documents():
 def navigation(pages):
     """The documents, the public headers, and the folders that documents link. Other pages are found through these."""
     folders = sorted(page for page in pages.titles if page.name == "index.md")
-    more = {"Headers": [page_of(path) for path in HEADERS], "Folders": folders}
+    more = {"Headers": [page_of(path) for path in HEADERS], "Sources": folders}
     return [_entry(pages, path) for path in documents()] + [
         {title: [_entry(pages, page) for page in group]} for title, group in more.items() if group]
 
