@@ -12,8 +12,8 @@ namespace platform {
 
 // The proxies for the target's protocol, with semicolons or blanks between the entries:
 //   proxy:8080                             for every protocol
-//   http=a:80;https=b:81;ftp=c:82          for one each; "a", "http://a" and "https://a" are all HTTP at port
-//   80 socks=d:1080                           for every protocol that has no entry
+//   http=a:80;https=b:81;ftp=c:82          for one each; "a", "http://a" and "https://a" are HTTP at port 80
+//   socks=d:1080                           for every protocol that has no entry
 // Of an own entry, one for all, and socks=, the first that is there counts, with all of its kind in order.
 std::vector<Proxy> proxiesOfList(std::string_view list, const ProxyTarget& target);
 
