@@ -45,12 +45,16 @@ class Links(unittest.TestCase):
         self.assertEqual(len(findings(links, text)), count, text)
 
     def test_files_that_are_linked_are_there(self):
-        self.assert_fine("[a](../README.md) ![b](pictures/pick.png) [c](https://example.org/x) [d](../examples/qxftp)")
+        self.assert_fine("[a](guide.md) ![b](pictures/pick.png) [c](https://example.org/x) [d](../examples/qxftp)")
         self.assert_refused("[a](none.md)")
         self.assert_refused("![a](none.png) and [b](README.md)", 2)
         self.assert_refused("[a](../../elsewhere.md)")
         self.assert_fine("`[a](none.md)`")
         self.assert_fine("```text\n[a](none.md)\n```")
+
+    def test_pages_link_what_a_package_has(self):
+        self.assert_refused("[a](../README.md)")
+        self.assert_refused("[a](../tests/fixture/README.md)")
 
     def test_headings_that_are_linked_are_there(self):
         self.assert_fine("# One `two`: three\n[a](#one-two-three)")

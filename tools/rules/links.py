@@ -5,6 +5,8 @@ import re
 
 from . import documents, sources
 
+# A package has the pages of docs/, and of what they may link these.
+SHIPPED = ("docs", "include", "examples", "bindings")
 SPAN = re.compile(r"`[^`]*`")
 LINK = re.compile(r"\[[^\]]*\]\(([^)\s]*)\)")
 ELSEWHERE = re.compile(r"(https?|mailto):")
@@ -35,6 +37,8 @@ def trouble(file, target):
     there = linked(file, path) if path else file
     if not there:
         return "is not there"
+    if file.room == "docs" and there.room not in SHIPPED:
+        return "is not where a package has the page"
     return "has no such heading" if anchor and anchor not in anchors(there) else None
 
 
