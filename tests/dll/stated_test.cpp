@@ -133,7 +133,12 @@ TEST_F(Stated, AWebDownloadThrowsWhereItsFileCannotBeMade) {
   const fixture::ScriptedHttp web(R"({"answers": [{"body": {"text": "hello"}}]})");
   const testing_support::ScratchFolder scratch;
   const std::string local = scratch.file("none/page");
-  EXPECT_ANY_THROW(client->HTTPDownloadFile("127.0.0.1", "/", web.port(), local.c_str(), nullptr, 0, 0));
+  try {
+    client->HTTPDownloadFile("127.0.0.1", "/", web.port(), local.c_str(), nullptr, 0, 0);
+    ADD_FAILURE() << "it made a file without a folder";
+  } catch (void* thrown) {      // hosts know no more of it
+    ::operator delete(thrown);  // these builds of host and library share the C heap
+  }
   EXPECT_EQ(error.bSet, 0U);
   EXPECT_STREQ(client->m_szMessage, "");
 }
