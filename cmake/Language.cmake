@@ -20,8 +20,8 @@ add_compile_definitions(_GLIBCXX_ASSERTIONS)
 # makes paths relative to the build folder first.
 file(RELATIVE_PATH up "${CMAKE_BINARY_DIR}" "${CMAKE_SOURCE_DIR}")
 string(REGEX REPLACE "/$" "" up "${up}")
-foreach(folder "${up}" "${CMAKE_SOURCE_DIR}" "${CMAKE_BINARY_DIR}")
-  add_compile_options("-ffile-prefix-map=${folder}=.")
+foreach(map "${up}=." "${CMAKE_SOURCE_DIR}=." "${CMAKE_BINARY_DIR}=." "${CMAKE_BINARY_DIR}/=")
+  add_compile_options("-ffile-prefix-map=${map}")
 endforeach()
 
 set(THREADS_PREFER_PTHREAD_FLAG ON)

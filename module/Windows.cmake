@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: MIT
 # The DLL's dialogs, export list, version, manifest and import libraries.
 enable_language(RC)
-set(module_definition "${CMAKE_CURRENT_SOURCE_DIR}/ZRM_QXKT32x64.def")
+set(module_definition "${CMAKE_CURRENT_BINARY_DIR}/ZRM_QXKT32x64.def")
+configure_file(ZRM_QXKT32x64.def ZRM_QXKT32x64.def COPYONLY)
 configure_file(ZRM_QXKT32x64.manifest.in ZRM_QXKT32x64.manifest @ONLY)
 configure_file(ZRM_QXKT32x64.rc.in ZRM_QXKT32x64.rc @ONLY)
 set_source_files_properties("${CMAKE_CURRENT_BINARY_DIR}/ZRM_QXKT32x64.rc" PROPERTIES
@@ -11,6 +12,16 @@ target_sources(ZRM_QXKT32x64 PRIVATE
 target_link_libraries(ZRM_QXKT32x64 PRIVATE qx_dialogs)
 # The library is found by its own name, without MinGW's "lib" before it.
 set_target_properties(ZRM_QXKT32x64 PROPERTIES PREFIX "" LINK_DEPENDS "${module_definition}")
+
+if(NOT QX_SANITIZE)
+  # As it ships. The PDB has the names of functions for those who debug a host, the .debug file all that the compiler
+  # told. No path of this machine: neither in the DLL, which names its PDB, nor in the PDB, which names what it was
+  # made of.
+  target_link_options(ZRM_QXKT32x64 PRIVATE LINKER:--pdb=bin/ZRM_QXKT32x64.pdb
+    LINKER:-Xlink=-pdbaltpath:ZRM_QXKT32x64.pdb LINKER:-Xlink=-pdbsourcepath:/)
+  include(DebugFile)
+  qx_split_debug_file(ZRM_QXKT32x64)
+endif()
 
 # MinGW hosts link libZRM_QXKT32x64.dll.a, which the linker writes beside the DLL; hosts of Microsoft's compiler and
 # of clang link this one.
