@@ -38,15 +38,20 @@ struct NativeThread::State {
 
 namespace {
 
-// The host's signal handlers expect the host's threads: a worker takes only the signals of its own faults.
+// The host's signal handlers expect the host's threads: a worker takes only the signals of its own faults,
+// and of the real-time ones those that its starter takes. By these the runtimes of Mono and others stop each
+// thread that has called the host's code, and wait for it.
 class HostSignalsBlocked {
  public:
   HostSignalsBlocked() noexcept {
+    pthread_sigmask(SIG_SETMASK, nullptr, &previous_);
     sigset_t blocked;
     sigfillset(&blocked);
     for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS})
       sigdelset(&blocked, fault);
-    pthread_sigmask(SIG_SETMASK, &blocked, &previous_);
+    for (int signal = SIGRTMIN; signal <= SIGRTMAX; ++signal)
+      if (sigismember(&previous_, signal) == 0) sigdelset(&blocked, signal);
+    pthread_sigmask(SIG_SETMASK, &blocked, nullptr);
   }
   ~HostSignalsBlocked() { pthread_sigmask(SIG_SETMASK, &previous_, nullptr); }
   HostSignalsBlocked(const HostSignalsBlocked&) = delete;

@@ -24,14 +24,20 @@ TEST(NativeThread, ACallbackMayExitTheThread) {
   EXPECT_TRUE(thread.ended(kLongEnough));
 }
 
+sigset_t maskOfAWorker() {
+  sigset_t mask;
+  sigfillset(&mask);
+  WorkerThread thread;
+  EXPECT_TRUE(thread.start(
+      [](void* target) { pthread_sigmask(SIG_SETMASK, nullptr, static_cast<sigset_t*>(target)); }, &mask));
+  EXPECT_TRUE(thread.ended(kLongEnough));
+  return mask;
+}
+
 TEST(NativeThread, TakesOnlyTheSignalsOfItsOwnFaults) {
   sigset_t before;
   pthread_sigmask(SIG_SETMASK, nullptr, &before);
-  sigset_t workers;
-  WorkerThread thread;
-  ASSERT_TRUE(thread.start(
-      [](void* mask) { pthread_sigmask(SIG_SETMASK, nullptr, static_cast<sigset_t*>(mask)); }, &workers));
-  ASSERT_TRUE(thread.ended(kLongEnough));
+  const sigset_t workers = maskOfAWorker();
   for (const int signal : {SIGINT, SIGTERM, SIGCHLD, SIGALRM, SIGUSR1, SIGPIPE, SIGWINCH})
     EXPECT_EQ(sigismember(&workers, signal), 1) << signal;
   for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
@@ -41,6 +47,21 @@ TEST(NativeThread, TakesOnlyTheSignalsOfItsOwnFaults) {
   pthread_sigmask(SIG_SETMASK, nullptr, &after);
   for (int signal = 1; signal < NSIG; ++signal)
     EXPECT_EQ(sigismember(&after, signal), sigismember(&before, signal)) << signal;
+}
+
+// A runtime with a garbage collector waited for ever for a worker that had called a hook: the signal by which
+// it stops threads was blocked there.
+TEST(NativeThread, TakesTheRealTimeSignalsThatItsStarterTakes) {
+  sigset_t before;
+  sigset_t one;
+  sigemptyset(&one);
+  sigaddset(&one, SIGRTMIN + 1);
+  pthread_sigmask(SIG_BLOCK, &one, &before);
+  const sigset_t workers = maskOfAWorker();
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  EXPECT_EQ(sigismember(&workers, SIGRTMIN), sigismember(&before, SIGRTMIN));
+  EXPECT_EQ(sigismember(&workers, SIGRTMIN + 1), 1);
+  EXPECT_EQ(sigismember(&workers, SIGRTMAX), sigismember(&before, SIGRTMAX));
 }
 
 int policyOf(pthread_t thread) {
