@@ -4,7 +4,7 @@
 from .sources import all_files
 
 LINES = ("// SPDX-License-Identifier: MIT", "# SPDX-License-Identifier: MIT")
-SUFFIXES = (".c", ".cpp", ".h", ".inc", ".py", ".cmake")
+SUFFIXES = (".c", ".cpp", ".h", ".inc", ".py", ".cs", ".pas", ".cmake")
 
 
 def concerns(file):
