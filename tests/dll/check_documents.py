@@ -7,7 +7,7 @@ import pathlib
 import re
 import sys
 
-from checks import CLIENT_EXPORTS, DIALOG_EXPORTS, check, exit_code
+from checks import CLIENT_EXPORTS, DIALOG_EXPORTS, check, exit_code, same
 
 
 def header_slots(text):
@@ -89,6 +89,18 @@ def check_waits(root):
         check(f"\n| {wait} | {seconds} s |" in guide, f"the guide has {seconds} s {wait}")
 
 
+def check_kinds(root):
+    """The guide sorts operations by what the header's table says of messages and OnPoll, which tests try."""
+    header = (root / "include/QXIPInt.h").read_text()
+    rows = re.findall(r"^//   (\w+) +\d+ +\w+ +\w+ +(dispatched|left) +(\w+) ", header, re.M)
+    _, _, table = (root / "docs/guide.md").read_text().partition("\n| operations | messages | `OnPoll` |\n")
+    cells = re.findall(r"^\| (`.*`) \| (\w+) \| (\w+) \|$", table.partition("\n\n")[0], re.M)
+    told = [(name, messages, poll) for names, messages, poll in cells for name in re.findall(r"\w+", names)]
+    check(rows, f"the header's table has {len(rows)} operations")
+    same(told, [(name, messages, "no" if poll == "no" else "asked") for name, messages, poll in rows],
+         "what the guide says of messages and OnPoll")
+
+
 def check_answers(root):
     _, _, section = (root / "docs/guide.md").read_text().partition("\n## What a true answer can hide\n")
     cells = re.findall(r"^\| (`.*?) \|", section.partition("\n## ")[0], re.M)
@@ -104,6 +116,7 @@ def main():
     check_slots(root)
     check_statements(root)
     check_exports(root)
+    check_kinds(root)
     check_answers(root)
     check_waits(root)
     return exit_code()
