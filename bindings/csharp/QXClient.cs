@@ -725,7 +725,7 @@ public sealed unsafe class Client : IDisposable {
     byte OnPoll(Raw.QXClientObject* client, UIntPtr first, UIntPtr second, UIntPtr transfer, byte* reconnect) {
         bool isToStop = false;
         Tell(() => isToStop = IsToStop(transfer));
-        if (isToStop || m_thrown != null) m_cancelled = true;
+        if (isToStop) m_cancelled = true;
         return Flag(m_cancelled);
     }
 
