@@ -4,6 +4,7 @@
 import json
 import re
 import shlex
+from functools import cache
 
 from . import documents, sources
 
@@ -20,6 +21,7 @@ SYSTEM = {"apt-get", "cat", "cd", "cmake", "cp", "ctest", "dpkg-deb", "echo", "e
           "unzip", "wine"}
 
 
+@cache
 def text_of(path):
     """A tool's text, with that of the program that it ends in."""
     text = (sources.ROOT / path).read_text(encoding="utf-8")
@@ -27,11 +29,13 @@ def text_of(path):
     return text + (text_of(following[1]) if following else "")
 
 
+@cache
 def presets():
     made = json.loads((sources.ROOT / "CMakePresets.json").read_text(encoding="utf-8"))
     return {preset["name"] for preset in made["configurePresets"]}
 
 
+@cache
 def targets():
     text = "".join((sources.ROOT / file.path).read_text(encoding="utf-8") for file in sources.all_files()
                    if file.path.name == "CMakeLists.txt")
