@@ -26,7 +26,8 @@ from pathlib import Path
 from ordinary_user import run_as_ordinary_user
 
 ROOT = Path(__file__).resolve().parent.parent
-PRESETS = ["linux", "windows", "linux-asan", "linux-tsan"]
+PRESETS = ["linux", "windows", "linux-asan", "linux-tsan", "package"]
+WINE_PRESETS = {"windows", "package"}
 USER = "user"
 
 PASSED = re.compile(r"^\[  PASSED  \] (\d+) tests?\.", re.M)
@@ -140,7 +141,7 @@ def test_built(preset, build_of_it, arguments):
     """(count, line for the table)"""
     built, build_time = build_of_it.result()
     began = time.monotonic()
-    if preset == "windows":
+    if preset in WINE_PRESETS:
         start_wine_server()
     count = test(preset, arguments) if built else Count(failed=1)
     note = "" if built else "  (does not build)"
@@ -196,7 +197,7 @@ def main():
         lines.append(line)
         print(line, flush=True)
         total += count
-    if "windows" in presets:
+    if WINE_PRESETS & set(presets):
         end_wine_server()
 
     print("\n" + "\n".join(lines) + f"\ntotal {seconds(start)}\n\n{total}")

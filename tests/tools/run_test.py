@@ -62,7 +62,7 @@ class OtherRuns(unittest.TestCase):
         self.assertEqual(count_total(1, "17 passed, 0 failed"), Count(passed=17, failed=1))
 
     def test_root_in_ci_tests_as_an_ordinary_user_too(self):
-        self.assertEqual(default_runs(is_root=True, in_ci=True), ["linux", USER, "windows", "linux-asan", "linux-tsan"])
+        self.assertEqual(default_runs(is_root=True, in_ci=True), [PRESETS[0], USER, *PRESETS[1:]])
         for is_root, in_ci in ((True, False), (False, True), (False, False)):
             self.assertEqual(default_runs(is_root, in_ci), PRESETS)
 
