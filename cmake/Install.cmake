@@ -83,11 +83,7 @@ install(FILES "${generated}/README.md" DESTINATION "${QX_DOCUMENT_DIR}" COMPONEN
 install(DIRECTORY docs DESTINATION "${QX_DOCUMENT_DIR}" COMPONENT documents)
 set(QX_PAGES "${CMAKE_SOURCE_DIR}/build/pages" CACHE PATH "Where tools/pages has made web pages of the documents")
 install(DIRECTORY "${QX_PAGES}/" DESTINATION "${QX_DOCUMENT_DIR}/docs/html" COMPONENT documents OPTIONAL)
-foreach(sources IN ITEMS bindings examples)
-  if(IS_DIRECTORY "${CMAKE_SOURCE_DIR}/${sources}")
-    install(DIRECTORY ${sources} DESTINATION "${QX_DOCUMENT_DIR}" COMPONENT documents
-      PATTERN __pycache__ EXCLUDE
-      PATTERN demo.py EXCLUDE  # these two work on the servers of the tests
-      PATTERN servers.py EXCLUDE)
-  endif()
-endforeach()
+install(DIRECTORY bindings examples DESTINATION "${QX_DOCUMENT_DIR}" COMPONENT documents
+  PATTERN __pycache__ EXCLUDE
+  PATTERN demo.py EXCLUDE  # these two work on the servers of the tests
+  PATTERN servers.py EXCLUDE)

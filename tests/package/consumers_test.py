@@ -64,6 +64,13 @@ class Linux(Consumers):
         self.scratch.run("g++", "loaded.o", "-o", program)
         self.assert_lists(program, self.scratch.package / "lib/libZRM_QXKT32x64.so")
 
+    def test_binding_for_python(self):
+        package = self.scratch.package
+        output = self.scratch.run("python3", self.scratch.consumer / "listing.py", *self.login(),
+                                  package / "lib/libZRM_QXKT32x64.so.1",
+                                  PYTHONPATH=str(package / "bindings/python"), PYTHONDONTWRITEBYTECODE="1")
+        self.assertEqual(names_in(output), NAMES)
+
     def test_examples_build_from_their_sources(self):
         out = self.scratch.build(self.scratch.package / "examples", "examples")
         self.assert_qxftp_lists(out / "bin/qxftp")

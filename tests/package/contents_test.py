@@ -22,7 +22,8 @@ STAGE = MADE / "stage"
 EVERYWHERE = """
     LICENSE CHANGELOG.md README.md THIRD-PARTY.txt SHA256SUMS ZRM_QXKT32x64.spdx.json
     include/QXExports.h include/QXClientTable.h include/QXClient.h
-    docs/binary-interface.md docs/pictures/open.png
+    docs/tutorial.md docs/pictures/open.png docs/html/index.html
+    bindings/csharp/QXClient.cs bindings/pascal/QXClient.pas bindings/python/qxclient.py
     examples/CMakeLists.txt examples/qxftp/main.cpp examples/qxdialogs/main.cpp
 """.split()
 OF_SYSTEM = {
@@ -38,9 +39,8 @@ OF_SYSTEM = {
         cmake/ZRM_QXKT32x64Config.cmake cmake/ZRM_QXKT32x64ConfigVersion.cmake pkgconfig/ZRM_QXKT32x64.pc
     """.split(),
 }
-FOLDERS = {"linux": "bin docs examples include lib symbols".split(),
-           "windows": "bin cmake def docs examples include lib pkgconfig symbols".split()}
-OPTIONAL_FOLDERS = {"bindings"}
+FOLDERS = {"linux": "bin bindings docs examples include lib symbols".split(),
+           "windows": "bin bindings cmake def docs examples include lib pkgconfig symbols".split()}
 
 
 def files_of(tree):
@@ -67,7 +67,7 @@ class Contents(Package):
 
     def test_nothing_else_is_at_the_top(self):
         folders = {path.name for path in self.tree.iterdir() if path.is_dir()}
-        self.assertEqual(folders - OPTIONAL_FOLDERS, set(FOLDERS[self.release.system]))
+        self.assertEqual(folders, set(FOLDERS[self.release.system]))
 
     def test_sums_are_of_every_file(self):
         listed = dict(reversed(line.split("  ")) for line in (self.tree / SUMS).read_text().splitlines())
