@@ -18,8 +18,9 @@
 //  - Cancel(), the token in Cancellation and a hook that throws end an operation that asks the library's OnPoll, within
 //    moments: Read, Write, Append, Copy, Download, Upload, Move, Remove and RemoveDirectory. All others end by
 //    themselves, in 30 s for each word that a server owes. What a hook has thrown leaves the operation that called it.
-//  - Hooks start no operation of their client, but may dispose of it. They are set between operations. Poll and Listed
-//    come on the thread that called the operation, the other hooks perhaps on one of the library's.
+//  - Dispose(), from another thread or in a hook, ends whatever operation runs.
+//  - Hooks start no operation of their client. They are set between operations. Poll and Listed come on the thread
+//    that called the operation, the other hooks perhaps on one of the library's.
 //  - A client ends by Dispose(), or with the object. Nothing that C# gets is the library's memory.
 //  - The runtime looks for the library where it looks for others: beside the program, on PATH or in LD_LIBRARY_PATH.
 using System;
@@ -380,7 +381,10 @@ public sealed unsafe class Client : IDisposable {
         m_memory = Marshal.AllocHGlobal(sizeof(Memory));
         *Block = new Memory();
         m_client = (IntPtr)Raw.CreateQXIPIFInstance(&Block->Record);
-        if (m_client == IntPtr.Zero) throw new OutOfMemoryException("the library makes no client");
+        if (m_client == IntPtr.Zero) {
+            LeaveMemory();
+            throw new OutOfMemoryException("the library makes no client");
+        }
         m_onPoll = OnPoll;
         m_onStatus = OnStatus;
         m_onNotify = OnNotify;
@@ -596,11 +600,16 @@ public sealed unsafe class Client : IDisposable {
             : Marshal.GetFunctionPointerForDelegate((Delegate)(object)own);
     }
 
-    // Within an operation the memory stays: what is in it may be what called.
     void End() {
         IntPtr client = Interlocked.Exchange(ref m_client, IntPtr.Zero);
-        if (client != IntPtr.Zero) Raw.FreeQXIPIFInstance((Raw.QXClientObject*)client);
-        if (!m_isRunning) Marshal.FreeHGlobal(Interlocked.Exchange(ref m_memory, IntPtr.Zero));
+        if (client == IntPtr.Zero) return;
+        Raw.FreeQXIPIFInstance((Raw.QXClientObject*)client);
+        LeaveMemory();
+    }
+
+    // The client uses it until it has ended, in a hook perhaps or on another thread, and an operation until it is over.
+    void LeaveMemory() {
+        if (Interlocked.Decrement(ref m_users) == 0) Marshal.FreeHGlobal(m_memory);
     }
 
     // What `operation` answers; Report is that of this call afterwards.
@@ -610,7 +619,8 @@ public sealed unsafe class Client : IDisposable {
         try {
             using (var texts = new Texts()) answer = operation(texts);
         } finally {
-            Finish();
+            Report = MakeReport();
+            LeaveMemory();
         }
         if (m_thrown != null) ExceptionDispatchInfo.Capture(m_thrown).Throw();
         return answer;
@@ -622,13 +632,7 @@ public sealed unsafe class Client : IDisposable {
         Block->Record = new Raw.QXErrorInfo();
         m_cancelled = false;
         m_thrown = null;
-        m_isRunning = true;
-    }
-
-    void Finish() {
-        Report = MakeReport();
-        m_isRunning = false;
-        if (m_client == IntPtr.Zero) End();
+        Interlocked.Increment(ref m_users);
     }
 
     Report MakeReport() {
@@ -752,7 +756,7 @@ public sealed unsafe class Client : IDisposable {
 
     IntPtr m_memory;
     IntPtr m_client;
-    volatile bool m_isRunning;
+    int m_users = 1;  // of the memory
     volatile bool m_cancelled;
     Exception m_thrown;
     Action<string> m_line;

@@ -20,8 +20,9 @@ The operations are those of include/QXIPInt.h, which tells what they do. What di
 - `cancel`, Ctrl+C and a hook that raises end an operation that asks the library's OnPoll, within moments: read, write,
   append, copy, download, upload, move, remove and remove_directory. All others end by themselves, in 30 s for each
   word that a server owes. What a hook has raised leaves the operation that called it.
-- Hooks start no operation of their client, but may close it. `poll` and `entry` come on the thread that called the
-  operation, the other hooks perhaps on one of the library's.
+- close(), from another thread or in a hook, ends whatever operation runs.
+- Hooks start no operation of their client. `poll` and `entry` come on the thread that called the operation, the other
+  hooks perhaps on one of the library's.
 - A client ends with its `with` block, by close() or with the object. Nothing that Python gets is the library's memory.
 """
 

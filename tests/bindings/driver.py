@@ -24,6 +24,7 @@ SCRIPT = {
              "/pub/stalled": LARGE, "/pub/sub/": {},
              "/names/gr\u00fcn": "text", "/names/\u00fc \u65e5\u672c": "text"},
     "rules": [
+        {"on": "USER", "argument": "nobody", "do": ["silent"]},
         {"on": "RETR", "argument": "/pub/large", "do": [{"normal": {"stall_after": 300000, "gate": "half"}}]},
         {"on": "RETR", "argument": "/pub/stalled", "do": [{"normal": {"stall_after": 300000, "gate": "never"}}]},
         {"on": "RETR", "argument": "/pub/a.txt", "first": 1, "do": [{"reply": "451 Not now"}]},

@@ -275,6 +275,22 @@ static unsafe class Checks {
         Failure<ObjectDisposedException>(() => client.Size("/pub/large"));
     }
 
+    static void EndsOnAnotherThread(Client client) {
+        var waits = new ManualResetEvent(false);
+        client.Line = line => {
+            if (line == "> USER nobody") waits.Set();
+        };
+        var thread = new Thread(() => {
+            waits.WaitOne();
+            client.Dispose();
+        });
+        thread.Start();
+        Stopwatch began = Stopwatch.StartNew();
+        Failure<ClientException>(() => client.Connect("127.0.0.1", "nobody", "", port));
+        Check(began.Elapsed.TotalMilliseconds < SOON_MS);
+        thread.Join();
+    }
+
     static void LeavesNothing() {
         Raw.DllAddRef();
         Same(Raw.DllRelease(), 0U);
@@ -320,6 +336,7 @@ static unsafe class Checks {
         good &= Run("keeps_bytes", KeepsBytes);
         good &= Run("refuses_nul", RefusesNul);
         good &= Run("ends_in_a_hook", EndsInAHook);
+        good &= Run("ends_on_another_thread", EndsOnAnotherThread);
         good &= Run("leaves_nothing", LeavesNothing);
         return good ? 0 : 1;
     }

@@ -318,6 +318,18 @@ def ends_in_a_hook():
 
 
 @case
+def ends_on_another_thread():
+    client, waits = make(), threading.Event()
+    client.use(line=lambda line: line == "> USER nobody" and waits.set())
+    thread = threading.Thread(target=lambda: waits.wait() and client.close())
+    thread.start()
+    began = time.perf_counter()
+    failure(QXError, client.connect, "127.0.0.1", "nobody", "", port)
+    check((time.perf_counter() - began) * 1000 < SOON_MS)
+    thread.join()
+
+
+@case
 def leaves_nothing():
     library.DllAddRef()
     same(library.DllRelease(), 0)
