@@ -321,12 +321,18 @@ class QXCancelled(QXError):
     """The operation was cancelled."""
 
 
+def default_path(folder):
+    """The library in the folder of this file, else the name for the system's loader, which on Windows ignores PATH."""
+    beside = os.path.join(folder, LIBRARY_NAME)
+    return beside if os.path.exists(beside) else LIBRARY_NAME
+
+
 class Library:
     """The loaded library: its exports under their names, with the types of the headers."""
 
-    def __init__(self, path=LIBRARY_NAME):
+    def __init__(self, path=None):
         """`path`: of the file, or a name that the system's loader finds. Raises OSError where there is none."""
-        loaded = ctypes.CDLL(os.fspath(path))
+        loaded = ctypes.CDLL(os.fspath(path or default_path(os.path.dirname(os.path.abspath(__file__)))))
         exports = {**EXPORTS, **DIALOG_EXPORTS} if ON_WINDOWS else EXPORTS
         for name, kind in exports.items():
             setattr(self, name, kind((name, loaded)))

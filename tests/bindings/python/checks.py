@@ -330,6 +330,13 @@ def ends_on_another_thread():
 
 
 @case
+def finds_the_library_beside_itself():
+    same(qxclient.default_path(str(folder)), qxclient.LIBRARY_NAME)
+    (folder / qxclient.LIBRARY_NAME).touch()
+    same(qxclient.default_path(str(folder)), str(folder / qxclient.LIBRARY_NAME))
+
+
+@case
 def leaves_nothing():
     library.DllAddRef()
     same(library.DllRelease(), 0)
