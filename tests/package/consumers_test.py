@@ -12,6 +12,12 @@ MINGW = ["-DCMAKE_SYSTEM_NAME=Windows", "-DCMAKE_C_COMPILER=x86_64-w64-mingw32-g
          "-DCMAKE_CXX_COMPILER=x86_64-w64-mingw32-g++-posix", "-DCMAKE_EXE_LINKER_FLAGS=-static"]
 
 
+def libraries_of(build_folder):
+    """What the programs of a build are linked with."""
+    lines = (build_folder / "build.ninja").read_text().splitlines()
+    return "\n".join(line for line in lines if "LINK_LIBRARIES" in line)
+
+
 class Consumers(unittest.TestCase):
     """What both systems have in common. Windows programs run under Wine."""
 
@@ -85,6 +91,7 @@ class Windows(Consumers):
 
     def test_cmake_with_mingw(self):
         out = self.scratch.build(self.scratch.consumer, "mingw", f"-DCMAKE_PREFIX_PATH={self.scratch.package}", *MINGW)
+        self.assertIn("lib/mingw/libZRM_QXKT32x64.dll.a", libraries_of(out))
         self.assert_lists(out / "linked.exe")
         self.assert_lists(out / "c_host.exe")
 
@@ -94,6 +101,7 @@ class Windows(Consumers):
         out = self.scratch.build(self.scratch.consumer, "msvc", f"-DCMAKE_PREFIX_PATH={self.scratch.package}",
                                  "--toolchain", ROOT / "tests/package/bare-msvc.cmake", f"-DKERNEL32={kernel}",
                                  "-DBARE=ON")
+        self.assertIn("lib/msvc/ZRM_QXKT32x64.lib", libraries_of(out))
         self.assert_lists(out / "c_host.exe")
 
     def test_pkg_config_with_mingw(self):
