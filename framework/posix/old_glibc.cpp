@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
-// What the C library of older systems lacks and the C++ library in this one wants, made of what they have.
-// The names end at the library's export list: no other program or library meets these.
+// What the C library of older systems lacks and the product or the C++ library in it wants, made of what they
+// have. For the shared library alone: its export list keeps these names inside.
 #include <sys/random.h>
 #include <sys/stat.h>
 
 #include <cstdint>
 #include <cstdlib>
 
+// The names are the C library's:
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-inconsistent-declaration-parameter-name)
 extern "C" {
 
 // stat and its like were functions of each program until 2.33, which called these with the layout's number.
@@ -31,3 +33,4 @@ std::uint32_t arc4random() noexcept {
 }
 
 }  // extern "C"
+// NOLINTEND(bugprone-reserved-identifier,readability-inconsistent-declaration-parameter-name)
