@@ -178,8 +178,8 @@ class TQXIPIFInt {
   // m_Transfer in slots 39, 47 and 48, else 0. The library's own answers 0.
   virtual QXBool OnPoll(QXHostValue nPollArg1, QXHostValue nPollArg2, QXHostValue nTransfer,
                         QXBool* pbReconnect) = 0;
-  // Turns a status code into a text and hands it to OnStatusText; behind the texts of 10 and 11 stands
-  // pInformation, a text or null. 40 and 70 have none. The library itself does not call it.
+  // Hands the text of a status code to OnStatusText, "Unknown status: 7" of others; behind those of 10 and 11
+  // is pInformation, a text or null; 40 and 70 have none. nContext has no use. Never called by the library.
   virtual void OnStatusCallback(std::uint32_t nContext, std::uint32_t nStatus, const void* pInformation) = 0;
 
   // Slot 21: one GET of pszObject from pszServer (a name or an address, one of IPv6 also in brackets; behind

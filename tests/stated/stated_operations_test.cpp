@@ -334,5 +334,27 @@ TEST(StatedTable, WhatHasNoRowReturnsAtOnce) {
   EXPECT_EQ(stage.witness.dispatched.value(), 0);
 }
 
+template <typename Call>
+bool succeeds(Call&& call) {
+  if constexpr (std::is_void_v<decltype(call())>) {
+    call();
+    return false;
+  } else {
+    return call() != decltype(call()){};
+  }
+}
+
+// QXTypes.h says so of all operations; a null server of HTTPDownloadFile has a test that awaits its message
+// box.
+TEST(StatedTable, NullArgumentsAreFailures) {
+  Stage stage(nlohmann::json{{"user", "user"}});
+#define QX_SLOT(number, operation, arguments)                                  \
+  if (rowOf(#operation) != nullptr && #operation[0] == 'F') {                  \
+    EXPECT_FALSE(succeeds([&] { return stage.client->operation arguments; })); \
+  }
+#include "tests/dll/slots.inc"
+#undef QX_SLOT
+}
+
 }  // namespace
 }  // namespace stated
