@@ -13,46 +13,21 @@ test at all are failures.
 import collections
 import fcntl
 import os
-import re
 import shlex
 import subprocess
 import sys
 import time
 import xml.etree.ElementTree as ElementTree
 from concurrent.futures import ThreadPoolExecutor
-from dataclasses import dataclass
 from pathlib import Path
 
+from counting import SKIP_REASON, TOTAL, Count, count_output
 from ordinary_user import run_as_ordinary_user
 
 ROOT = Path(__file__).resolve().parent.parent
 PRESETS = ["linux", "windows", "linux-asan", "linux-tsan", "package"]
 WINE_PRESETS = {"windows", "package"}
 USER = "user"
-
-PASSED = re.compile(r"^\[  PASSED  \] (\d+) tests?\.", re.M)
-FAILED = re.compile(r"^\[  FAILED  \] (\d+) tests?, listed below", re.M)
-SKIPPED = re.compile(r"^\[  SKIPPED \] (\d+) tests?, listed below", re.M)
-SKIP_REASON = re.compile(r": Skipped\n(.+)$", re.M)
-TOTAL = re.compile(r"^(\d+) passed, (\d+) failed(?:, (\d+) skipped)?$")
-
-
-@dataclass
-class Count:
-    passed: int = 0
-    failed: int = 0
-    skipped: int = 0
-
-    def __iadd__(self, other):
-        self.passed += other.passed
-        self.failed += other.failed
-        self.skipped += other.skipped
-        return self
-
-    def __str__(self):
-        skipped = f", {self.skipped} skipped" if self.skipped else ""
-        return f"{self.passed} passed, {self.failed} failed{skipped}"
-
 
 def run(*command, quiet=False):
     """True if the command succeeds. A quiet one shows its output only if it does not."""
@@ -83,20 +58,11 @@ def start_builds(presets):
 
 def count_entry(entry):
     """Counts one ctest entry from its element in the JUnit file."""
-    output = entry.findtext("system-out") or ""
-    number = lambda pattern: sum(map(int, pattern.findall(output)))
     skip = entry.find("skipped")
     skips = skip is not None and skip.get("message", "").startswith("SKIP_RETURN_CODE")
     if entry.get("status") in ("disabled", "notrun") and not skips:
         return Count(failed=1)
-    good = entry.get("status") == "run" or skips
-    if not PASSED.search(output):
-        return Count(skipped=1) if skips else Count(passed=int(good), failed=int(not good))
-    count = Count(number(PASSED), number(FAILED), number(SKIPPED))
-    ran_none = count.passed + count.failed + count.skipped == 0
-    if ran_none or (not good and count.failed == 0):
-        count.failed += 1
-    return count
+    return count_output(entry.findtext("system-out") or "", entry.get("status") == "run" or skips, skips)
 
 
 def test(preset, arguments):
