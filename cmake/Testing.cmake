@@ -97,6 +97,7 @@ function(qx_test)
   if(test_CODE_PAGE AND WIN32)
     add_dependencies(${test_NAME} locale_${test_CODE_PAGE})
     list(APPEND test_ENVIRONMENT "LOCPATH=${QX_LOCALES}" LC_ALL=${QX_LOCALE_${test_CODE_PAGE}})
+    list(APPEND test_LABELS code-page-${test_CODE_PAGE})
   endif()
 
   set(unset ${QX_PROXY_VARIABLES})

@@ -6,12 +6,13 @@
 
 #include "tests/client/RecordingClient.h"
 #include "tests/client/ScriptedFinder.h"
+#include "tests/support/GivenZone.h"
 
 namespace {
 
 std::uint64_t fileTime(const QXFileTime& time) { return std::uint64_t{time.nHigh} << 32 | time.nLow; }
 
-class EntryTimes : public testing::Test {
+class EntryTimes : public testing_support::InGivenZone {
  protected:
   RecordingClient client;
   ScriptedFinder finder;

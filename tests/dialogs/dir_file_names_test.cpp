@@ -157,7 +157,7 @@ TEST_F(UnknownItems, AreAllKnownFromOneReadingOfTheFolder) {
 class LackedCharacters : public DirFileTest {
  protected:
   void SetUp() override {
-    ASSERT_EQ(GetACP(), 1252U) << "the tests' code page";
+    if (GetACP() != 1252U) GTEST_SKIP() << "this system's code page is " << GetACP() << ", not 1252";
     for (const wchar_t* name : {L"\u0141a.txt", L"La.txt"}) std::ofstream(scratch.path() / name) << "text";
     for (const wchar_t* name : {L"\u0141b", L"Lb"}) std::filesystem::create_directory(scratch.path() / name);
   }

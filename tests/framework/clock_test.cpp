@@ -6,6 +6,8 @@
 #include <ctime>
 #include <vector>
 
+#include "tests/support/GivenZone.h"
+
 namespace {
 
 using platform::CalendarTime;
@@ -70,7 +72,9 @@ TEST(FileTimeOf, TakesTheFieldsWithoutTheDayOfTheWeek) {
 }
 
 // This program runs in the zone UTC.
-TEST(LocalTimeOf, GivesEachSecondOfEachEra) {
+class LocalTimeInUtc : public testing_support::InGivenZone {};
+
+TEST_F(LocalTimeInUtc, GivesEachSecondOfEachEra) {
   for (const std::int64_t seconds :
        std::vector<std::int64_t>{-11'644'473'600, -100'000'000, -1, 0, 1, 951'782'400, 1'700'000'000,
                                  4'102'444'800, 910'670'515'199})

@@ -1,29 +1,30 @@
 // SPDX-License-Identifier: MIT
 // This program runs in the zone of New York, whose summer time began in April until 2006 and in March since.
-#include <gtest/gtest.h>
-
 #include "framework/platform/clock.h"
+#include "tests/support/GivenZone.h"
 
 namespace {
 
 using platform::localTimeOf;
 
-TEST(LocalTimeOfZone, FollowsTheSeason) {
+class LocalTimeOfZone : public testing_support::InGivenZone {};
+
+TEST_F(LocalTimeOfZone, FollowsTheSeason) {
   EXPECT_EQ(localTimeOf(1'690'000'000).hour, 0);   // 2023-07-22 04:26:40 UTC
   EXPECT_EQ(localTimeOf(1'700'000'000).hour, 17);  // 2023-11-14 22:13:20 UTC
 }
 
-TEST(LocalTimeOfZone, FollowsTheRulesOfTheYear) {
+TEST_F(LocalTimeOfZone, FollowsTheRulesOfTheYear) {
   EXPECT_EQ(localTimeOf(1'142'856'000).hour, 7);  // 2006-03-20 12:00 UTC
   EXPECT_EQ(localTimeOf(1'205'928'000).hour, 8);  // 2008-03-19 12:00 UTC
 }
 
-TEST(LocalTimeOfZone, SwitchesAtTheSecond) {
+TEST_F(LocalTimeOfZone, SwitchesAtTheSecond) {
   EXPECT_EQ(localTimeOf(1'710'053'999).hour, 1);  // 2024-03-10 06:59:59 UTC
   EXPECT_EQ(localTimeOf(1'710'054'000).hour, 3);
 }
 
-TEST(LocalTimeOfZone, GoesBackBeyondTheEpoch) {
+TEST_F(LocalTimeOfZone, GoesBackBeyondTheEpoch) {
   const platform::CalendarTime time = localTimeOf(-1);
   EXPECT_EQ(time.year, 1969);
   EXPECT_EQ(time.month, 12);

@@ -7,16 +7,21 @@
 namespace testing_support {
 namespace {
 
-// The fixture's folder (a name of the Unix side: drive Z: of a Wine prefix), which outlives even a killed
-// program.
+// The fixture's folder outlives even a killed program.
 std::filesystem::path parentFolder() {
-  const char* given = std::getenv("QX_FIXTURE_DIR");
-  if (given == nullptr) return std::filesystem::temp_directory_path();
-  const bool drives = std::filesystem::path::preferred_separator != '/';
-  return std::filesystem::path((drives ? "Z:" : "") + std::string(given)).make_preferred();
+  auto given = fixtureFolder();
+  return given.empty() ? std::filesystem::temp_directory_path() : given;
 }
 
 }  // namespace
+
+std::filesystem::path fixtureFolder() {
+  const char* given = std::getenv("QX_FIXTURE_DIR");
+  if (given == nullptr) return {};
+  // A name of the Unix side is one of drive Z: in a Wine prefix.
+  const bool lacksDrive = std::filesystem::path::preferred_separator != '/' && *given == '/';
+  return std::filesystem::path((lacksDrive ? "Z:" : "") + std::string(given)).make_preferred();
+}
 
 ScratchFolder::ScratchFolder() {
   const auto parent = parentFolder();

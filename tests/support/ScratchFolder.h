@@ -7,6 +7,9 @@
 
 namespace testing_support {
 
+// The folder of the fixture that the program runs under, as this system names it; empty without one.
+std::filesystem::path fixtureFolder();
+
 class ScratchFolder {
  public:
   // Throws std::filesystem::filesystem_error.

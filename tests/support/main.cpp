@@ -5,7 +5,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <string>
 
+#include "framework/platform/code_page.h"
 #include "framework/platform/turns.h"
 #include "tests/support/AllStacks.h"
 #include "tests/support/TemporaryFolder.h"
@@ -21,7 +23,17 @@ void letTurnsSleep() {
   if (std::getenv("QX_SPINS") == nullptr) platform::sleepInTurnsForTesting(std::chrono::milliseconds(1));
 }
 
+// A Windows has the code page that it has. Where the program wants another one it tries nothing.
+bool lacksCodePage() {
+  const char* const wanted = std::getenv("QX_CODE_PAGE");
+  const std::string here = std::to_string(platform::narrowCodePage());
+  if (wanted == nullptr || wanted == here) return false;
+  std::fprintf(stderr, "needs code page %s, and this system gives it %s\n", wanted, here.c_str());
+  return true;
+}
+
 int runAll() {
+  if (lacksCodePage()) return kSomeSkipped;
   // A name has one temporary copy at a time in all processes, and programs that run side by side copy files
   // of the same names.
   std::optional<testing_support::TemporaryFolder> own;

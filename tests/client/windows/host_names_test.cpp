@@ -41,7 +41,7 @@ const Host& thisHost() {
   for (const Host& host : kHosts) {
     if (host.codePage == platform::narrowCodePage()) return host;
   }
-  throw std::logic_error("no test for this code page");
+  return kHosts[0];  // whose tests fail with another code page, if they run at all
 }
 
 const std::string kName = thisHost().name;

@@ -7,17 +7,16 @@
 #include <wininet.h>
 
 #include <array>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 
+#include "tests/support/ScratchFolder.h"
+
 namespace internet::tls_testing {
 
 void haveListOfRevoked(const std::string& url) {
-  const char* const folder = std::getenv("QX_FIXTURE_DIR");
-  std::ifstream file("Z:" + std::string(folder ? folder : "") + "/certificates/authority.crl",
-                     std::ios::binary);
+  std::ifstream file(testing_support::fixtureFolder() / "certificates/authority.crl", std::ios::binary);
   const std::string list{std::istreambuf_iterator<char>(file), {}};
   std::array<char, MAX_PATH> path{};
   const auto size = static_cast<DWORD>(list.size());

@@ -8,19 +8,19 @@
 
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "tests/support/ScratchFolder.h"
+
 namespace testing_support {
 namespace {
 
 std::vector<BYTE> authority() {
-  const char* const folder = std::getenv("QX_FIXTURE_DIR");
-  std::ifstream file("Z:" + std::string(folder ? folder : "") + "/certificates/authority.pem");
+  std::ifstream file(fixtureFolder() / "certificates/authority.pem");
   const std::string pem{std::istreambuf_iterator<char>(file), {}};
   std::vector<BYTE> der(pem.size());
   auto size = static_cast<DWORD>(der.size());
@@ -41,17 +41,21 @@ std::string registryName(PCCERT_CONTEXT certificate) {
   return name.data();
 }
 
-// Puts it among the roots of this user, who is the Wine prefix of the tests alone. They are written when they
-// are closed. Gives the registry's name.
+// Puts it among the roots of this user, who is the Wine prefix of the tests alone; on a Windows, which asks
+// the user first, whoever runs the tests has put it there. They are written when they are closed. Gives the
+// registry's name of what it has added.
 std::string addToRoots(const std::vector<BYTE>& der) {
   const HCERTSTORE roots =
       CertOpenStore(CERT_STORE_PROV_SYSTEM_W, 0, 0, CERT_SYSTEM_STORE_CURRENT_USER, L"Root");
-  PCCERT_CONTEXT added = nullptr;
-  CertAddEncodedCertificateToStore(roots, X509_ASN_ENCODING, der.data(), static_cast<DWORD>(der.size()),
-                                   CERT_STORE_ADD_USE_EXISTING, &added);
-  if (!added) throw std::runtime_error("the system does not take the tests' authority");
-  std::string name = registryName(added);
-  CertFreeCertificateContext(added);
+  const PCCERT_CONTEXT wanted =
+      CertCreateCertificateContext(X509_ASN_ENCODING, der.data(), static_cast<DWORD>(der.size()));
+  PCCERT_CONTEXT known =
+      CertFindCertificateInStore(roots, X509_ASN_ENCODING, 0, CERT_FIND_EXISTING, wanted, nullptr);
+  std::string name = known ? "" : registryName(wanted);
+  if (!known) CertAddCertificateContextToStore(roots, wanted, CERT_STORE_ADD_NEW, &known);
+  if (!known) throw std::runtime_error("the system does not take the tests' authority");
+  CertFreeCertificateContext(known);
+  CertFreeCertificateContext(wanted);
   CertCloseStore(roots, 0);
   return name;
 }
@@ -63,6 +67,7 @@ class TrustedAuthority : public ::testing::EmptyTestEventListener {
   TrustedAuthority() : name_(addToRoots(authority())) {}
 
   void OnTestProgramEnd(const ::testing::UnitTest&) override {
+    if (name_.empty()) return;
     const std::string roots = R"(Software\Microsoft\SystemCertificates\Root\Certificates\)";
     RegDeleteKeyA(HKEY_CURRENT_USER, (roots + name_).c_str());
   }
