@@ -29,6 +29,7 @@ PRESETS = ["linux", "windows", "linux-asan", "linux-tsan", "package"]
 WINE_PRESETS = {"windows", "package"}
 USER = "user"
 
+
 def run(*command, quiet=False):
     """True if the command succeeds. A quiet one shows its output only if it does not."""
     print("+", shlex.join(map(str, command)), flush=True)

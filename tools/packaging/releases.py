@@ -19,6 +19,11 @@ BILL = f"{NAME}.spdx.json"
 SUMS = "SHA256SUMS"
 
 
+def version_of(build_folder):
+    cache = (build_folder / "CMakeCache.txt").read_text(encoding="utf-8")
+    return re.search(r"^CMAKE_PROJECT_VERSION:\w+=(.+)$", cache, re.M).group(1)
+
+
 @dataclass(frozen=True)
 class Release:
     system: str
@@ -32,8 +37,7 @@ class Release:
 
     @property
     def version(self):
-        cache = (self.build_folder / "CMakeCache.txt").read_text(encoding="utf-8")
-        return re.search(r"^CMAKE_PROJECT_VERSION:\w+=(.+)$", cache, re.M).group(1)
+        return version_of(self.build_folder)
 
     @property
     def title(self):
