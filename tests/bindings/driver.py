@@ -46,7 +46,7 @@ class Run:
 
     def note(self, name, good, why=""):
         (self.passed if good else self.failed).append(name)
-        print(f"[ {'      OK' if good else ' FAILED '} ] {name}{why and ': '}{why}", flush=True)
+        print(f"[ {'      OK' if good else ' FAILED '} ] {name}: {why}", flush=True)
 
     def finish(self):
         print(f"[  PASSED  ] {len(self.passed)} tests.")
@@ -82,7 +82,7 @@ def check_cases(run, command, server, others, folder):
         run.note(name, line is not None and f"ok {name}{line}" in text, line if line is not None else "did not run")
     run.note("ends_well", code == 0, f"{code}")
     matches = server.ask("matches", path="/pub/sub/mine", seed=5, size=LARGE["size"])["matches"]
-    run.note("arrives", matches, "the server has another file")
+    run.note("arrives", matches, "" if matches else "the server has another file")
 
 
 def check_example(run, command, server, folder):

@@ -127,6 +127,11 @@ class Lengths(unittest.TestCase):
         self.assertEqual(lengths.check_lines(Source("Src/Probe.cpp", "x" * 120)), [])
         self.assertEqual(len(lengths.check_lines(Source("Src/Probe.cpp", "x" * 121))), 1)
 
+    def test_a_binding_is_one_file(self):
+        self.assertEqual(lengths.check_lines(Source("bindings/csharp/Probe.cs", "\n" * 1000)), [])
+        self.assertEqual(len(findings(lengths, "x" * 121, "bindings/csharp/Probe.cs")), 1)
+        self.assertEqual(len(findings(lengths, "x" * 121, "bindings/pascal/Probe.pas")), 1)
+
     def test_functions_of_the_tree_are_seen(self):
         names = {name for _, name, _, _ in lengths.functions([File(Path("support/Paths.cpp"))])}
         self.assertIn("ToFtpPath", names)
@@ -142,6 +147,8 @@ class Licence(unittest.TestCase):
         self.assertEqual(findings(licence, "#!/bin/sh\n# SPDX-License-Identifier: MIT", "tools/probe"), [])
         self.assertEqual(len(findings(licence, "int x;")), 1)
         self.assertEqual(len(findings(licence, "#!/bin/sh\nx", "tools/probe")), 1)
+        for name in ("bindings/csharp/Probe.cs", "bindings/pascal/Probe.pas"):
+            self.assertEqual(len(findings(licence, "x", name)), 1)
 
 
 if __name__ == "__main__":
