@@ -30,6 +30,13 @@ CHOSEN = ("unit_support", "dll_test", "dialog_driver_test", "client_real_limits"
 BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
 
 
+def stamp(program):
+    """The time that the linker or another tool has left in a program."""
+    content = program.read_bytes()
+    header = int.from_bytes(content[0x3C:0x40], "little")
+    return content[header + 8 : header + 12]
+
+
 class UnderWine(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -66,6 +73,11 @@ class UnderWine(unittest.TestCase):
 
     def test_it_names_nothing_of_this_machine(self):
         self.assertNotIn(str(ROOT), self.list.read_text())
+
+    def test_packing_leaves_no_time_in_programs(self):
+        for name in ("bin/ZRM_QXKT32x64.dll", "tests/bin/unit_support.exe"):
+            self.assertEqual(stamp(self.root / name), stamp(BUILD / name), name)
+            self.assertLess((self.root / name).stat().st_size, (BUILD / name).stat().st_size, name)
 
     def test_what_passes_here_passes_there(self):
         for name in set(CHOSEN) - {"client_real_limits", "library_file_test", "watchdog_test"}:

@@ -141,9 +141,10 @@ def kinds_left_out():
 
 
 def put(source, target):
-    """Copies a file; a program without what only a debugger reads, which is most of it."""
+    """Copies a file; a program without what only a debugger reads, which is most of it. GNU's strip would put the time
+    into it."""
     if source.suffix in (".exe", ".dll"):
-        subprocess.run(["x86_64-w64-mingw32-strip", "-o", str(target), str(source)], check=True)
+        subprocess.run(["llvm-strip-14", "-o", str(target), str(source)], check=True)
     else:
         shutil.copyfile(source, target)
 
