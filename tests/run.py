@@ -18,7 +18,6 @@ import subprocess
 import sys
 import time
 import xml.etree.ElementTree as ElementTree
-from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 from counting import SKIP_REASON, TOTAL, Count, count_output
@@ -40,21 +39,9 @@ def run(*command, quiet=False):
     return result.returncode == 0
 
 
-def build(preset, beside_tests):
-    """(whether it builds, seconds). Beside tests it takes what they leave of the processors, and is quiet."""
-    began = time.monotonic()
-    politely = ["nice", "-n", "19"] if beside_tests else []
-    built = (run(*politely, "cmake", "--preset", preset, "--log-level=WARNING", quiet=True)
-             and run(*politely, "cmake", "--build", "--preset", preset, quiet=beside_tests))
-    return built, seconds(began)
-
-
-def start_builds(presets):
-    """A future for each preset. Tests mostly wait, so the next presets are built meanwhile, one after the other."""
-    builder = ThreadPoolExecutor(1)
-    builds = {preset: builder.submit(build, preset, preset != presets[0]) for preset in presets}
-    builder.shutdown(wait=False)
-    return builds
+def build(preset):
+    return (run("cmake", "--preset", preset, "--log-level=WARNING", quiet=True)
+            and run("cmake", "--build", "--preset", preset))
 
 
 def count_entry(entry):
@@ -104,10 +91,11 @@ def seconds(since):
     return f"{time.monotonic() - since:.1f} s"
 
 
-def test_built(preset, build_of_it, arguments):
+def build_and_test(preset, arguments):
     """(count, line for the table)"""
-    built, build_time = build_of_it.result()
     began = time.monotonic()
+    built = build(preset)
+    build_time, began = seconds(began), time.monotonic()
     if preset in WINE_PRESETS:
         start_wine_server()
     count = test(preset, arguments) if built else Count(failed=1)
@@ -154,13 +142,9 @@ def main():
     lock = open(ROOT / "build" / "test.lock", "w")
     fcntl.flock(lock, fcntl.LOCK_EX)
 
-    builds = start_builds([preset for preset in presets if preset != USER])
     lines, total = [], Count()
     for preset in presets:
-        if preset == USER:
-            count, line = test_as_user(ctest_arguments)
-        else:
-            count, line = test_built(preset, builds[preset], ctest_arguments)
+        count, line = test_as_user(ctest_arguments) if preset == USER else build_and_test(preset, ctest_arguments)
         lines.append(line)
         print(line, flush=True)
         total += count

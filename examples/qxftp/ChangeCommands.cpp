@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr std::uint32_t kRetries = 2;
-
 bool write(const Session& session, const Arguments& arguments, QXBool append) {
   std::ifstream file(arguments[0], std::ios::binary);
   const std::string content{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr std::uint32_t kRetries = 2;
-
 // Logs in on the object's own connection. The other commands do not need it: their operations use connections
 // of their own, made from the login data.
 bool connectOnly(const Session& session, const Arguments&) {

@@ -2,6 +2,7 @@
 // The commands of qxftp: each shows how a host uses one or two operations of the client.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
@@ -20,6 +21,9 @@ struct Session {
   // The set flag is the first byte of its field.
   [[nodiscard]] bool hasError() const { return (error.bSet & 0xFF) != 0; }
 };
+
+// How often an attempt that failed is repeated.
+inline constexpr std::uint32_t kRetries = 2;
 
 struct Command {
   const char* name;

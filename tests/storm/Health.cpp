@@ -16,14 +16,11 @@ namespace storm {
 
 namespace {
 
+using testing_support::kLockHandles;
 using testing_support::ProcessCounters;
 using testing_support::processCounters;
 
 constexpr std::chrono::seconds kSettleLimit{30};
-
-// A lock of the MinGW library makes an event when two threads meet at it for the first time, and keeps it.
-// There are a few locks for the whole process; what each round loses is more than that after a storm.
-constexpr int kLockHandles = kNative ? 0 : 4;
 
 // The system takes a thread off its list a moment after the thread's end can be seen.
 ProcessCounters settledCounters(const ProcessCounters& wanted) {

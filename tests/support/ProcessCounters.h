@@ -13,6 +13,14 @@ struct ProcessCounters {
   std::uint64_t residentBytes = 0;
 };
 
+// A lock of the MinGW library makes an event when two threads meet at it for the first time, and keeps it.
+// There are a few locks for the whole process; what each round loses is more than that after some rounds.
+#ifdef _WIN32
+inline constexpr int kLockHandles = 4;
+#else
+inline constexpr int kLockHandles = 0;
+#endif
+
 // Of this process, now.
 ProcessCounters processCounters();
 // Descriptors or handles that a program started by this one would inherit.
