@@ -45,6 +45,12 @@ class Consumers(unittest.TestCase):
         for name in NAMES:
             self.assertIn(name, output)
 
+    def compile_by_pkg_config(self, folder, program, *compiler):
+        flags = shlex.split(self.scratch.run("pkg-config", "--cflags", "--libs", "ZRM_QXKT32x64",
+                                             PKG_CONFIG_LIBDIR=str(self.scratch.package / folder)))
+        sources = [self.scratch.consumer / name for name in ("listing.c", "c_main.c")]
+        self.scratch.run(*compiler, "-std=c99", "-Wall", "-Werror", *sources, "-o", program, *flags)
+
 
 class Linux(Consumers):
     system = "linux"
@@ -55,13 +61,9 @@ class Linux(Consumers):
         self.assert_lists(out / "c_host")
 
     def test_pkg_config_with_c99(self):
-        package = self.scratch.package
-        flags = shlex.split(self.scratch.run("pkg-config", "--cflags", "--libs", "ZRM_QXKT32x64",
-                                             PKG_CONFIG_LIBDIR=str(package / "lib/pkgconfig")))
-        sources = [self.scratch.consumer / name for name in ("listing.c", "c_main.c")]
         program = self.scratch.folder / "by_pkg_config"
-        self.scratch.run("gcc", "-std=c99", "-pedantic-errors", "-Wall", "-Werror", *sources, "-o", program, *flags)
-        self.assert_lists(program, LD_LIBRARY_PATH=str(package / "lib"))
+        self.compile_by_pkg_config("lib/pkgconfig", program, "gcc", "-pedantic-errors")
+        self.assert_lists(program, LD_LIBRARY_PATH=str(self.scratch.package / "lib"))
 
     def test_loaded_when_it_runs(self):
         program = self.scratch.folder / "loaded"
@@ -105,13 +107,8 @@ class Windows(Consumers):
         self.assert_lists(out / "c_host.exe")
 
     def test_pkg_config_with_mingw(self):
-        package = self.scratch.package
-        flags = shlex.split(self.scratch.run("pkg-config", "--cflags", "--libs", "ZRM_QXKT32x64",
-                                             PKG_CONFIG_LIBDIR=str(package / "pkgconfig")))
-        sources = [self.scratch.consumer / name for name in ("listing.c", "c_main.c")]
-        program = package / "bin/by_pkg_config.exe"  # beside the DLL
-        self.scratch.run("x86_64-w64-mingw32-gcc-posix", "-std=c99", "-Wall", "-Werror", "-static", *sources, "-o",
-                         program, *flags)
+        program = self.scratch.package / "bin/by_pkg_config.exe"  # beside the DLL
+        self.compile_by_pkg_config("pkgconfig", program, "x86_64-w64-mingw32-gcc-posix", "-static")
         self.assert_lists(program)
 
     def test_loaded_when_it_runs(self):
