@@ -82,6 +82,9 @@ void hideSelection(HWND list) {
 
 using Costs = std::map<std::string, double>;
 
+// How many entries the large folder has; the system's own list takes minutes for thousands.
+constexpr const char* kLargeFolder = "QX_LARGE_FOLDER";
+
 // What the user's steps cost in one dialog.
 class Meter {
  public:
@@ -126,13 +129,14 @@ class ListCost : public DirFileTest {
     EXPECT_TRUE(FreeFileDialog(std::exchange(outcome.dialog, nullptr)));
     return costs;
   }
-  // The messages are the same in each run. The time also tells of the machine's other programs: on one with
-  // nothing else to do it is at most twice that, too.
+  // The messages are the same in each run. The time also tells of the machine's other programs, so that it is
+  // judged as strictly only where somebody asks for the largest folder, on a machine with nothing else to do.
   static void expectAtMostTwice(const Costs& costs, const Costs& unfiltered) {
+    const int mostTime = std::getenv(kLargeFolder) ? 2 : 8;
     for (const auto& [what, cost] : costs) {
       const bool isExact = what.ends_with("messages");
       EXPECT_GT(cost, 0) << what;
-      EXPECT_LE(cost, (isExact ? 2 : 8) * unfiltered.at(what)) << what;
+      EXPECT_LE(cost, (isExact ? 2 : mostTime) * unfiltered.at(what)) << what;
     }
   }
 };
@@ -140,7 +144,7 @@ class ListCost : public DirFileTest {
 // As many folders as files; the folders come first in a list. The system's own list takes minutes for
 // thousands, so more of them only come when QX_LARGE_FOLDER asks.
 int entriesOfEachKind() {
-  const char* const all = std::getenv("QX_LARGE_FOLDER");
+  const char* const all = std::getenv(kLargeFolder);
   return (all ? std::stoi(all) : 3000) / 2;
 }
 
