@@ -33,12 +33,14 @@ install(TARGETS ZRM_QXKT32x64
 # All that is installed, and nothing else.
 add_custom_target(qx_release DEPENDS ZRM_QXKT32x64)
 
-# hosts: the example hosts as programs.
-if(QX_BUILD_EXAMPLES)
-  set(hosts qxftp)
-  if(WIN32)
-    list(APPEND hosts qxdialogs)
+# hosts: the hosts as programs.
+set(hosts)
+foreach(host qxftp qxbrowse qxdialogs)
+  if(TARGET ${host})
+    list(APPEND hosts ${host})
   endif()
+endforeach()
+if(hosts)
   if(NOT QX_SANITIZE)
     foreach(host IN LISTS hosts)
       target_link_options(${host} PRIVATE -s)  # nobody looks into them with a debugger
@@ -76,14 +78,14 @@ if(WIN32)
 endif()
 install(FILES ${debug_files} DESTINATION symbols COMPONENT symbols OPTIONAL)
 
-# documents: papers, documentation, and the sources of bindings and example hosts.
+# documents: papers, documentation, and the sources of bindings, examples and hosts.
 install(FILES LICENSE CHANGELOG.md DESTINATION "${QX_DOCUMENT_DIR}" COMPONENT documents)
 configure_file(packaging/README.md.in "${generated}/README.md" @ONLY)
 install(FILES "${generated}/README.md" DESTINATION "${QX_DOCUMENT_DIR}" COMPONENT documents)
 install(DIRECTORY docs DESTINATION "${QX_DOCUMENT_DIR}" COMPONENT documents)
 set(QX_PAGES "${CMAKE_SOURCE_DIR}/build/pages" CACHE PATH "Where tools/pages has made web pages of the documents")
 install(DIRECTORY "${QX_PAGES}/" DESTINATION "${QX_DOCUMENT_DIR}/docs/html" COMPONENT documents OPTIONAL)
-install(DIRECTORY bindings examples DESTINATION "${QX_DOCUMENT_DIR}" COMPONENT documents
+install(DIRECTORY bindings examples hosts DESTINATION "${QX_DOCUMENT_DIR}" COMPONENT documents
   PATTERN __pycache__ EXCLUDE
   PATTERN demo.py EXCLUDE  # these two work on the servers of the tests
   PATTERN servers.py EXCLUDE)

@@ -13,10 +13,13 @@ endif()
 add_test(NAME library_file_test COMMAND
   /usr/bin/python3 "${CMAKE_CURRENT_SOURCE_DIR}/check_library.py"
   --objdump "${CMAKE_OBJDUMP}" --nm "${CMAKE_NM}" ${arguments} "$<TARGET_FILE:ZRM_QXKT32x64>")
+if(TARGET qxftp)
+  set(host --host ${CMAKE_CROSSCOMPILING_EMULATOR} "$<TARGET_FILE:qxftp>")
+endif()
 add_test(NAME version_test COMMAND
   /usr/bin/python3 "${CMAKE_CURRENT_SOURCE_DIR}/check_version.py"
   "${CMAKE_SOURCE_DIR}/include/QXVersion.h" "$<TARGET_FILE:ZRM_QXKT32x64>" --project "${PROJECT_VERSION}" ${windres}
-  --host ${CMAKE_CROSSCOMPILING_EMULATOR} "$<TARGET_FILE:qxftp>")
+  ${host})
 add_test(NAME interface_documents_test COMMAND
   /usr/bin/python3 "${CMAKE_CURRENT_SOURCE_DIR}/check_documents.py" "${CMAKE_SOURCE_DIR}")
 set_tests_properties(library_file_test version_test interface_documents_test PROPERTIES TIMEOUT 60 LABELS dll)

@@ -5,8 +5,8 @@ import re
 
 from .sources import ROOT, all_files
 
-# Each room and the rooms that it may include besides itself. Programs around the product may look anywhere, except the
-# examples: they are hosts, and a host has include/ alone.
+# Each room and the rooms that it may include besides itself. Programs around the product may look anywhere, except
+# examples/ and hosts/: a host has include/ alone.
 ARROWS = {
     "include": set(),
     "framework": set(),
@@ -15,8 +15,9 @@ ARROWS = {
     "dialogs": {"support", "framework", "include"},
     "module": {"Src", "dialogs", "support", "framework", "include"},
     "examples": {"include"},
+    "hosts": {"include"},
     "bench": {"examples", "module", "Src", "dialogs", "support", "framework", "include", "tests"},
-    "tests": {"examples", "module", "Src", "dialogs", "support", "framework", "include"},
+    "tests": {"examples", "hosts", "module", "Src", "dialogs", "support", "framework", "include"},
 }
 PRODUCT = {"framework", "support", "Src", "dialogs", "module", "include"}
 

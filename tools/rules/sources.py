@@ -9,7 +9,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent.parent
 CORPUS = "tests/fuzz/corpus"  # data of any form
 FOLDERS = ["include", "module", "Src", "dialogs", "support", "framework", "tests", "bench", "bindings", "examples",
-           "tools", "cmake", "docs", "packaging"]
+           "hosts", "tools", "cmake", "docs", "packaging"]
 
 # A comment, a raw text, a text or a character, whatever comes first.
 NOT_CODE = re.compile(

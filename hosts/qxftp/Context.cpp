@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+#include "hosts/qxftp/Context.h"
+
+#include <cstdio>
+
+#include "hosts/qxftp/Printable.h"
+#include "hosts/qxftp/Wildcards.h"
+#include "hosts/shared/Interrupt.h"
+
+namespace qxftp {
+namespace {
+
+using hosts::Address;
+
+Address parsed(const std::string& text) {
+  try {
+    return hosts::parseAddress(text);
+  } catch (const std::invalid_argument& problem) {
+    throw WrongUsage(std::string("not an address: ") + problem.what());
+  }
+}
+
+Address atHost(const Settings& settings, const std::string& path) {
+  if (settings.host.empty()) throw WrongUsage("which server? Give whole addresses, or --host");
+  Address address = parsed(settings.host);
+  if (!address.path.empty() && address.path != "/")
+    throw WrongUsage("--host wants an address without a path");
+  if (settings.port != 0) address.login.port = settings.port;
+  address.path = path;
+  return address;
+}
+
+}  // namespace
+
+Json jsonOf(const qx::Report& report) {
+  return {{"number", report.number}, {"text", report.text}, {"cancelled", report.isCancelled}};
+}
+
+Place Context::place(const std::string& text) const {
+  Place place{text, hosts::isAddress(text) ? parsed(text) : atHost(m_settings, text)};
+  if (place.address.login.user.empty()) place.address.login.user = m_settings.user;
+  if (place.path().empty()) place.address.path = "/";
+  if (hosts::isAddress(text)) place.text = hosts::textOf(place.address);
+  return place;
+}
+
+Place Context::at(const Place& place, const std::string& path) {
+  Place other{path, place.address};
+  other.address.path = path;
+  if (hosts::isAddress(place.text)) other.text = hosts::textOf(other.address);
+  return other;
+}
+
+bool Context::isPattern(const Place& place) const {
+  return !m_settings.isLiteral && hasWildcards(place.path());
+}
+
+void Context::addFailure(const std::string& what, Json result, const qx::Report& report) {
+  m_tally.addFailure(report);
+  result["ok"] = false;
+  result["error"] = jsonOf(report);
+  m_results.push_back(std::move(result));
+  warn(what + ": " + (report.isCancelled ? "cancelled" : report.text));
+}
+
+void Context::one(const std::string& what, const std::function<void(Json& result)>& work) {
+  Json result = {{"path", what}, {"ok", true}};
+  m_isNo = false;
+  try {
+    if (hosts::isInterrupted()) throw Failure{{false, true, 0, "cancelled", {}}};
+    work(result);
+    m_isNo ? m_tally.addNo() : m_tally.addDone();
+    m_results.push_back(std::move(result));
+  } catch (const Failure& failure) {
+    addFailure(what, std::move(result), failure.report);
+  }
+}
+
+void Context::attempt(const Place& place, const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const Failure& failure) {
+    addFailure(place.text, {{"path", place.text}}, failure.report);
+  }
+}
+
+void Context::each(const std::vector<Place>& places, const Work& work) {
+  for (const Place& place : places) {
+    one(place.text, [&](Json& result) { work(place, result); });
+    if (hosts::isInterrupted()) return;
+  }
+}
+
+void Context::each(const std::vector<std::string>& paths, const Work& work) {
+  std::vector<Place> places;
+  for (const std::string& path : paths) places.push_back(place(path));
+  each(places, work);
+}
+
+void Context::say(const std::string& line) const {
+  if (!m_settings.isJson) std::printf("%s\n", printable(line).c_str());
+}
+
+void Context::warn(const std::string& line) { std::fprintf(stderr, "qxftp: %s\n", printable(line).c_str()); }
+
+}  // namespace qxftp

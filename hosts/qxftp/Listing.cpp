@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#include "hosts/qxftp/Listing.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+
+#include "hosts/qxftp/Wildcards.h"
+
+namespace qxftp {
+
+std::optional<std::vector<QXDirEntry>> entriesOf(Context& context, const Place& directory) {
+  qx::Client& client = context.connected(directory);
+  auto entries = need(client.list(directory.path()));
+  if (entries.empty() && !need(client.directoryExists(directory.path()))) return {};
+  std::ranges::sort(
+      entries, [](const QXDirEntry& a, const QXDirEntry& b) { return std::strcmp(a.szName, b.szName) < 0; });
+  return entries;
+}
+
+QXDirEntry entryOf(Context& context, const Place& place) {
+  const auto [folder, name] = splitPath(place.path());
+  const auto entries = entriesOf(context, Context::at(place, folder)).value_or(std::vector<QXDirEntry>());
+  const auto found = std::ranges::find(entries, name, [](const QXDirEntry& entry) { return entry.szName; });
+  if (found == entries.end()) fail("there is no such file or directory");
+  return *found;
+}
+
+std::uint64_t sizeOf(const QXDirEntry& entry) {
+  return std::uint64_t{entry.nFileSizeHigh} << 32 | entry.nFileSizeLow;
+}
+
+std::string timeText(const QXFileTime& time) {
+  using namespace std::chrono;
+  const std::uint64_t units = std::uint64_t{time.nHigh} << 32 | time.nLow;
+  if (units == 0) return {};
+  const sys_seconds when = sys_days{year{1601} / 1 / 1} + seconds{units / 10'000'000};
+  const auto day = floor<days>(when);
+  const year_month_day date{day};
+  const hh_mm_ss clock{when - day};
+  char text[64];
+  std::snprintf(text, sizeof text, "%04d-%02u-%02u %02d:%02d:%02d", static_cast<int>(date.year()),
+                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+                static_cast<int>(clock.seconds().count()));
+  return text;
+}
+
+std::string shortLine(const QXDirEntry& entry) {
+  return std::string(entry.szName) + (entry.bIsDirectory != 0 ? "/" : "");
+}
+
+std::string longLine(const QXDirEntry& entry) {
+  const bool isDirectory = entry.bIsDirectory != 0;
+  const std::string size = isDirectory ? "-" : std::to_string(sizeOf(entry));
+  char columns[64];
+  std::snprintf(columns, sizeof columns, "%c %14s  %-19s  ", isDirectory ? 'd' : '-', size.c_str(),
+                timeText(entry.ftLastWriteTime).c_str());
+  return columns + shortLine(entry);
+}
+
+Json jsonOf(const QXDirEntry& entry, const Place& place) {
+  Json json = {{"name", entry.szName}, {"directory", entry.bIsDirectory != 0}};
+  if (entry.bIsDirectory == 0) json["size"] = sizeOf(entry);
+  const std::string time = timeText(entry.ftLastWriteTime);
+  json["time"] = time.empty() ? Json() : Json(time);
+  json["url"] = hosts::textOf(place.address);
+  return json;
+}
+
+}  // namespace qxftp

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#include "hosts/qxftp/Outcome.h"
+
+#include <algorithm>
+#include <array>
+
+#include "QXErrorInfo.h"
+
+namespace qxftp {
+
+void fail(const std::string& text) { throw Failure{{true, false, 0, text, {}}}; }
+
+bool isNoConnection(const qx::Report& report) {
+  static constexpr std::array<std::uint32_t, 11> kNumbers = {
+      QX_ERROR_NAME_NOT_RESOLVED,   QX_ERROR_INCORRECT_PASSWORD,    QX_ERROR_LOGIN_FAILURE,
+      QX_ERROR_CANNOT_CONNECT,      QX_ERROR_CERTIFICATE_DATE,      QX_ERROR_CERTIFICATE_NAME,
+      QX_ERROR_CLIENT_CERTIFICATE,  QX_ERROR_CERTIFICATE_AUTHORITY, QX_ERROR_SECURE_CHANNEL,
+      QX_ERROR_CERTIFICATE_INVALID, QX_ERROR_CERTIFICATE_REVOKED};
+  return std::ranges::find(kNumbers, report.number) != kNumbers.end();
+}
+
+void Tally::addFailure(const qx::Report& report) {
+  ++m_failed;
+  if (isNoConnection(report)) ++m_notConnected;
+  if (report.isCancelled) m_isCancelled = true;
+}
+
+ExitCode Tally::exitCode() const {
+  if (m_isCancelled) return kCancelled;
+  if (m_failed == 0) return m_no == 0 ? kDone : kAnswerIsNo;
+  if (m_done + m_no > 0) return kPartlyFailed;
+  return m_notConnected == m_failed ? kNoConnection : kFailed;
+}
+
+}  // namespace qxftp

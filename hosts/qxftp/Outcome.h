@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// How a command ended, and the exit codes that say so.
+#pragma once
+
+#include <string>
+
+#include "QXResult.h"
+
+namespace qxftp {
+
+enum ExitCode {
+  kDone = 0,
+  kFailed = 1,
+  kWrongUsage = 2,
+  kPartlyFailed = 3,
+  kNoConnection = 4,
+  kAnswerIsNo = 5,
+  kNoLibrary = 6,
+  kCancelled = 130,
+};
+
+// What is wrong about a path, so that the command goes on with the next one.
+struct Failure {
+  qx::Report report;
+};
+
+// A failure of the program's own.
+[[noreturn]] void fail(const std::string& text);
+
+// The value, or the failure that there is in place of it.
+template <typename Value>
+Value need(qx::Result<Value> result) {
+  if (!result) throw Failure{result.report()};
+  return std::move(result).value();
+}
+
+// Whether nobody was reached who would do anything: no connection, no encryption or no login.
+[[nodiscard]] bool isNoConnection(const qx::Report& report);
+
+// Counts what became of the paths of a command.
+class Tally {
+ public:
+  void addDone() { ++m_done; }
+  void addNo() { ++m_no; }
+  void addFailure(const qx::Report& report);
+  [[nodiscard]] ExitCode exitCode() const;
+
+ private:
+  int m_done = 0;
+  int m_no = 0;
+  int m_failed = 0;
+  int m_notConnected = 0;
+  bool m_isCancelled = false;
+};
+
+}  // namespace qxftp

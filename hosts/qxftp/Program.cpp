@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "hosts/qxftp/Program.h"
+
+#include <cstdio>
+
+#include "QXVersion.h"
+#include "hosts/qxftp/Commands.h"
+#include "hosts/shared/Interrupt.h"
+
+namespace qxftp {
+namespace {
+
+void addOptions(CLI::App& app, Settings& settings) {
+  app.add_option("--host", settings.host,
+                 "server of paths that are no whole addresses: a name or an address");
+  app.add_option("--port", settings.port, "its port")->check(CLI::Range(1, 65535));
+  app.add_option("--user", settings.user, "user, where an address names none");
+  app.add_option("--library", settings.library,
+                 "file of the library, in place of the one beside this program");
+  app.add_option("--retries", settings.retries, "how often a failed attempt is made again")
+      ->capture_default_str();
+  app.add_flag("--active", settings.isActive, "lets the server connect to this machine for data");
+  app.add_flag("--literal", settings.isLiteral, "takes wildcards for plain characters");
+  app.add_flag("--verbose,-v", settings.isVerbose, "shows the protocol on the standard error output");
+  app.add_flag("--json", settings.isJson, "writes one JSON document in place of texts");
+}
+
+// The document is there whatever happened.
+void writeDocument(const Settings& settings, Json document, ExitCode code) {
+  if (!settings.isJson) return;
+  document["ok"] = code == kDone;
+  document["exitCode"] = static_cast<int>(code);
+  std::printf("%s\n", document.dump(2, ' ', false, Json::error_handler_t::replace).c_str());
+}
+
+ExitCode failed(const Settings& settings, ExitCode code, const std::string& text) {
+  Context::warn(text);
+  writeDocument(settings, {{"error", {{"number", 0}, {"text", text}, {"cancelled", false}}}}, code);
+  return code;
+}
+
+ExitCode runChosen(const Commands& commands, const Settings& settings) {
+  Context context(settings);
+  try {
+    commands.run(context);
+  } catch (const WrongUsage& problem) {
+    return failed(settings, kWrongUsage, problem.what());
+  } catch (const std::runtime_error& problem) {
+    return failed(settings, kNoLibrary, problem.what());
+  }
+  const ExitCode code = context.exitCode();
+  writeDocument(settings, {{"command", commands.chosen()}, {"results", context.results()}}, code);
+  return code;
+}
+
+}  // namespace
+
+int runProgram(int count, const char* const* words) {
+  CLI::App app("An FTP client on the command line.", "qxftp");
+  app.allow_windows_style_options(false);  // "/pub" is a path
+  app.require_subcommand(1);
+  app.fallthrough();
+  app.set_version_flag("--version", "qxftp " QXIP_VERSION);
+  Settings settings;
+  addOptions(app, settings);
+  Commands commands(app);
+  addLookCommands(commands);
+  try {
+    app.parse(count, words);
+  } catch (const CLI::Success& asked) {
+    return app.exit(asked);
+  } catch (const CLI::ParseError& problem) {
+    return failed(settings, kWrongUsage, problem.what());
+  }
+  hosts::catchInterrupts();
+  return runChosen(commands, settings);
+}
+
+}  // namespace qxftp

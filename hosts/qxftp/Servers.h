@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// The clients of a command, one for each login.
+#pragma once
+
+#include <map>
+#include <memory>
+
+#include "hosts/qxftp/Settings.h"
+#include "hosts/shared/Address.h"
+
+namespace qxftp {
+
+class Servers {
+ public:
+  explicit Servers(const Settings& settings) : m_settings(settings) {}
+
+  // Has the login data, and is cancelled by Ctrl-C where an operation can be. Loads the library with the
+  // first one. Throws std::runtime_error where there is no library or no password.
+  [[nodiscard]] qx::Client& client(const hosts::Address& address);
+
+  // The same, with a connection that it keeps for listings and questions. Throws Failure.
+  [[nodiscard]] qx::Client& connected(const hosts::Address& address);
+
+  // Without login data, for the web.
+  [[nodiscard]] qx::Client& anonymous();
+
+ private:
+  struct Entry {
+    qx::Client client;
+    qx::Login login;
+    bool isConnected = false;
+  };
+
+  Entry& entry(const hosts::Address& address);
+  qx::Client makeClient();
+
+  const Settings& m_settings;
+  qx::Exports m_exports;
+  std::map<std::string, Entry> m_entries;  // by the address without a path
+};
+
+}  // namespace qxftp

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+// Ctrl-C as people expect it of a program that moves files: the first asks it to stop, the second ends it.
+//
+//   hosts::catchInterrupts();
+//   client.use({.poll = [](const qx::Progress&) {
+//     return hosts::isInterrupted() ? qx::Poll::cancel : qx::Poll::goOn;
+//   }});
+#pragma once
+
+namespace hosts {
+
+// What a program that was interrupted ends with, as shells have it.
+inline constexpr int kInterruptedExitCode = 130;
+
+// From now on the first Ctrl-C (also SIGTERM; on Windows also Ctrl-Break) only asks to stop, and any further
+// one ends the process at once. System calls that wait are interrupted.
+void catchInterrupts();
+
+// Whether there was one. Any thread.
+[[nodiscard]] bool isInterrupted() noexcept;
+
+// Called by the system's handlers: the first call asks to stop, a second one ends the process. Safe in a
+// handler of a signal.
+void interrupt() noexcept;
+
+// For tests: as if there had been none.
+void forgetInterrupt() noexcept;
+
+}  // namespace hosts

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#include "hosts/shared/Interrupt.h"
+
+#if !defined(WIN32_LEAN_AND_MEAN)
+#define WIN32_LEAN_AND_MEAN
+#endif
+#include <windows.h>
+
+namespace hosts {
+
+// The handler runs on a thread of the system's. Of the other events, such as the closing of the window, the
+// system ends the process by itself.
+void catchInterrupts() {
+  const auto handle = [](DWORD event) -> BOOL {
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) return FALSE;
+    interrupt();
+    return TRUE;
+  };
+  SetConsoleCtrlHandler(handle, TRUE);
+}
+
+}  // namespace hosts
