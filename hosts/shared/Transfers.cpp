@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+#include "hosts/shared/Transfers.h"
+
+#include <random>
+
+#include "QXErrorInfo.h"
+#include "hosts/shared/LocalFiles.h"
+#include "hosts/shared/Names.h"
+#include "hosts/shared/Trees.h"
+
+namespace hosts {
+namespace {
+
+namespace fs = std::filesystem;
+
+using State = Outcome::State;
+
+constexpr std::uint32_t kDiskFull = 112;
+constexpr std::uint32_t kFileTooLarge = 223;
+constexpr std::uint64_t kBytesOfSize = std::uint64_t{1} << 32;  // FTPFileSize counts modulo this
+
+Outcome failure(const std::string& text) { return {.state = State::failed, .text = text}; }
+
+// Nothing would go better with the next file.
+bool isOutOfReach(std::uint32_t number) {
+  return number == QX_ERROR_TIMEOUT || number == QX_ERROR_CANNOT_CONNECT ||
+         number == QX_ERROR_INCORRECT_PASSWORD || number == QX_ERROR_LOGIN_FAILURE;
+}
+
+Outcome outcomeOf(const qx::Report& report, const std::string& left) {
+  const bool isDiskFull = report.number == kDiskFull || report.number == kFileTooLarge;
+  const std::string why = report.isCancelled ? "cancelled" : isDiskFull ? "the disk is full" : report.text;
+  return {.state = report.isCancelled ? State::cancelled : State::failed,
+          .text = why + "; " + left,
+          .isDiskFull = isDiskFull,
+          .isServerLost = isOutOfReach(report.number)};
+}
+
+// A name that nobody else has, and that listings and mirrors leave out.
+fs::path partBeside(const fs::path& target) {
+  std::random_device random;
+  for (;;) {
+    fs::path part = target.parent_path() / (".qx-" + std::to_string(random()) + ".part");
+    std::error_code error;
+    if (!fs::exists(fs::symlink_status(part, error))) return part;
+  }
+}
+
+// The part of a download, which goes with this unless it has become the file.
+class Part {
+ public:
+  explicit Part(const fs::path& target) : m_target(target), m_path(partBeside(target)) {}
+  ~Part() { drop(); }
+  Part(const Part&) = delete;
+  Part& operator=(const Part&) = delete;
+
+  const fs::path& path() const { return m_path; }
+
+  std::error_code become() {
+    std::error_code error;
+    fs::rename(m_path, m_target, error);
+    return error;
+  }
+
+  // Removes it; says what is left.
+  std::string drop() {
+    std::error_code error;
+    fs::remove(m_path, error);
+    if (error) return "what has come is in " + shown(m_path);
+    return fs::exists(m_target, error) ? shown(m_target) + " is as it was" : "nothing is left here";
+  }
+
+ private:
+  const fs::path m_target;
+  const fs::path m_path;
+};
+
+// What came is believed when it is as long as the listing says, or as the server says now: listings round,
+// and files grow.
+std::optional<std::string> whyNotWhole(qx::Client& client, const RemoteFile& source, std::uint64_t came) {
+  if (!source.size || *source.size == came) return {};
+  const auto now = client.size(source.path);
+  if (now && *now == came % kBytesOfSize) return {};
+  return std::to_string(came) + " bytes have come of " + std::to_string(now ? *now : *source.size);
+}
+
+Outcome finish(qx::Client& client, const RemoteFile& source, Part& part) {
+  std::error_code error;
+  const LocalFacts facts = factsOf(part.path(), Links::told, error);
+  if (error) return failure(error.message() + "; " + part.drop());
+  if (const auto why = whyNotWhole(client, source, facts.size)) return failure(*why + "; " + part.drop());
+  if (source.time) setChanged(part.path(), source.time->at, error);  // one that cannot be set does no harm
+  error = part.become();
+  return error ? failure(error.message() + "; " + part.drop()) : Outcome{};
+}
+
+std::optional<std::uint64_t> listedSize(qx::Client& client, const std::string& path) {
+  const std::string name = lastPart(path);
+  const auto listing = client.list(folderOf(path), "*");
+  if (!listing) return {};
+  for (const QXDirEntry& entry : *listing) {
+    if (name == entry.szName && entry.bIsDirectory == 0) return sizeOf(entry);
+  }
+  return {};
+}
+
+std::string leftOnServer(qx::Client& client, const std::string& path, bool mayAsk) {
+  const auto size = mayAsk ? client.size(path) : qx::Result<std::uint32_t>(std::nullopt, {});
+  if (size) return "the server has " + std::to_string(*size) + " bytes as " + path;
+  return "a part of it may be on the server as " + path;
+}
+
+}  // namespace
+
+Outcome download(qx::Client& client, const RemoteFile& source, const fs::path& target) {
+  Part part(fs::absolute(target));
+  const auto local = pathForLibrary(part.path());
+  if (!local)
+    return failure("the code page of this system lacks characters of " + shown(target.parent_path()));
+  const auto copied = client.download(source.path, *local);
+  return copied ? finish(client, source, part) : outcomeOf(copied.report(), part.drop());
+}
+
+Outcome upload(qx::Client& client, const fs::path& source, const std::string& target) {
+  std::error_code error;
+  const LocalFacts facts = factsOf(source, Links::followed, error);
+  if (error) return failure(error.message() + "; nothing was sent");
+  const auto local = pathForLibrary(source);
+  if (!local) return failure("the code page of this system lacks characters of " + shown(source));
+  const auto copied = client.upload(*local, target);
+  if (!copied) {
+    const qx::Report& report = copied.report();
+    return outcomeOf(report,
+                     leftOnServer(client, target, !report.isCancelled && report.number != QX_ERROR_TIMEOUT));
+  }
+  if (facts.size < kBytesOfSize || listedSize(client, target) == facts.size) return {};
+  return failure("the server's folder does not show all bytes; " + leftOnServer(client, target, true));
+}
+
+}  // namespace hosts

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// One file down or up. What has ended without success says in words why, and what is left where.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "QXClient.h"
+#include "hosts/shared/Moments.h"
+
+namespace hosts {
+
+struct RemoteFile {
+  std::string path;
+  // As a listing has told them.
+  std::optional<std::uint64_t> size;
+  std::optional<Moment> time;
+};
+
+struct Outcome {
+  enum class State { done, failed, cancelled };
+
+  State state = State::done;
+  std::string text;         // why not, and what is left where
+  bool isDiskFull = false;  // here: the next file would fail as well
+  bool isServerLost = false;
+
+  explicit operator bool() const { return state == State::done; }
+};
+
+// Into a file of its own beside `target`, whose name begins with ".qx-", and which gets the name when all
+// of it is there; so a file of that name stays as it was until then, and whatever else happens. The new file
+// has the time that the server tells. The folder has to be there. The client's lambda `poll` is told how far
+// it is, and cancels.
+Outcome download(qx::Client& client, const RemoteFile& source, const std::filesystem::path& target);
+
+// In place of what is there. Done is what the server has with all its bytes: it is asked for the size, in the
+// folder's listing where that needs more than 32 bits. `poll` cancels, and hears of no bytes.
+Outcome upload(qx::Client& client, const std::filesystem::path& source, const std::string& target);
+
+}  // namespace hosts

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+#include "hosts/shared/Names.h"
+
+namespace hosts {
+
+NameRules namesHere() { return NameRules::posix; }
+
+std::string nameForServer(const std::filesystem::path& name) { return name.string(); }
+
+std::filesystem::path nameFromServer(const std::string& name) { return name; }
+
+std::optional<std::string> pathForLibrary(const std::filesystem::path& path) {
+  return std::filesystem::absolute(path).string();
+}
+
+std::string shown(const std::filesystem::path& path) { return path.string(); }
+
+}  // namespace hosts
