@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// A client whose operations another thread can end, also those that never ask for a cancel: a listing waits
+// 30 s for a silent server, and nobody wants to wait for that. Freeing the client ends them, but only what
+// the library is at work on can be freed under it; this class knows when that is so.
+//
+// It watches connect(), list(), count(), fileExists(), directoryExists(), size(), remove(),
+// removeDirectory(), createDirectory(), createNewDirectory() and rename(). No other operation may be called
+// on the client.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+
+#include "QXClient.h"
+
+namespace hosts {
+
+class EndableClient {
+ public:
+  EndableClient() = default;
+  EndableClient(const EndableClient&) = delete;
+  EndableClient& operator=(const EndableClient&) = delete;
+
+  // These are for the one thread that uses the client. There is none at first, and none behind an operation
+  // that was ended.
+  [[nodiscard]] bool isThere() const noexcept { return m_client && *m_client; }
+  // Fails as qx::Client::make does.
+  qx::Result<qx::Done> make(const qx::Exports& exports, qx::Lambdas lambdas);
+  void free() noexcept { m_client.reset(); }
+  // REQUIRES: it was made.
+  [[nodiscard]] qx::Client& client() noexcept { return *m_client; }
+
+  // For any other thread: what runs fails within moments, and what is called from now on fails at once.
+  void end();
+  // Operations work again. Not while one runs.
+  void rearm();
+
+ private:
+  template <auto Slot>
+  struct Watched;
+  class Call;
+
+  template <auto... Slots>
+  void watch();
+  bool enter();
+  bool leave();
+
+  std::optional<qx::Client> m_client;
+  std::mutex m_lock;
+  std::condition_variable m_left;
+  bool m_isInside = false;  // this and the rest are guarded
+  bool m_isEnded = false;
+  std::chrono::steady_clock::time_point m_entered;
+};
+
+}  // namespace hosts
