@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+// qxbrowse: files on this computer and on an FTP server, side by side in a window.
+#include "hosts/qxbrowse/App.h"
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int how) {
+  browse::App app;
+  return app.run(how);
+}

@@ -1,0 +1,412 @@
+// SPDX-License-Identifier: MIT
+// The main window with services that write down what they are asked.
+#include "hosts/qxbrowse/MainWindow.h"
+
+#include <gmock/gmock.h>
+
+#include "hosts/qxbrowse/Texts.h"
+#include "hosts/qxbrowse/WindowText.h"
+#include "tests/dialogs/Driver.h"
+
+namespace {
+
+using namespace browse;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class Notes : public Services {
+ public:
+  void connect() override { note(L"connect"); }
+  void disconnect() override { note(L"disconnect"); }
+  void list(Side side, const std::wstring& path) override { note(L"list " + nameOf(side) + path); }
+  void createFolder(Side side, const std::wstring& path) override { note(L"create " + nameOf(side) + path); }
+  void rename(Side side, const std::wstring& from, const std::wstring& to) override {
+    note(L"rename " + nameOf(side) + from + L" to " + to);
+  }
+  void remove(Side side, const std::vector<Place>& places) override {
+    note(L"remove " + nameOf(side) + paths(places));
+  }
+  void upload(const std::vector<Place>& places, const std::wstring& to) override {
+    note(L"upload " + paths(places) + L" to " + to);
+  }
+  void download(const std::vector<Place>& places, const std::wstring& to) override {
+    note(L"download " + paths(places) + L" to " + to);
+  }
+  void copy(const std::vector<Place>& places, const std::wstring& to) override {
+    note(L"copy " + paths(places) + L" to " + to);
+  }
+  void move(const std::vector<Place>& places, const std::wstring& to) override {
+    note(L"move " + paths(places) + L" to " + to);
+  }
+  void cancel() override { note(L"cancel"); }
+  void cancelAll() override { note(L"cancel all"); }
+  void retryFailed() override { note(L"retry"); }
+  void clearDone() override { note(L"clear"); }
+  std::wstring chooseLocalFolder(const std::wstring&) override { return L"C:\\chosen"; }
+  std::vector<Place> chooseFiles(const std::wstring&) override { return {{L"C:\\picked"}}; }
+  std::vector<Place> chooseFilesAndFolders(const std::wstring&) override { return {}; }
+  void showHelp() override { note(L"help"); }
+  void showAbout() override { note(L"about"); }
+  void end() override { note(L"end"); }
+
+  std::vector<std::wstring> take() { return std::exchange(m_notes, {}); }
+
+ private:
+  void note(std::wstring what) { m_notes.push_back(std::move(what)); }
+  static std::wstring nameOf(Side side) { return side == Side::local ? L"local " : L"server "; }
+  static std::wstring paths(const std::vector<Place>& places) {
+    std::wstring all;
+    for (const Place& place : places) all += (all.empty() ? L"" : L" ") + place.path;
+    return all;
+  }
+
+  std::vector<std::wstring> m_notes;
+};
+
+std::vector<Item> manyItems(int count) {
+  std::vector<Item> items;
+  for (int i = 0; i < count; ++i)
+    items.push_back({L"file" + std::to_wstring(i), false, static_cast<std::uint64_t>(i)});
+  return items;
+}
+
+class TheMainWindow : public testing::Test {
+ protected:
+  void SetUp() override {
+    window.create();
+    window.show(SW_SHOWNOACTIVATE);
+  }
+  // A window that has closed asks its thread to end.
+  ~TheMainWindow() override {
+    if (window.handle() != nullptr) DestroyWindow(window.handle());
+    MSG message{};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+  }
+
+  void showLocal() {
+    window.go(Side::local, L"C:\\here");
+    window.showFolder(Side::local, L"C:\\here", {{L"b.txt", false, 2}, {L"a.txt", false, 1}, {L"sub", true}});
+    notes.take();
+  }
+  void showBoth() {
+    showLocal();
+    window.showConnected(L"site");
+    window.go(Side::server, L"/pub");
+    window.showFolder(Side::server, L"/pub", {{L"x", true}, {L"y.bin", false, 5000}});
+    notes.take();
+  }
+  void choose(Side side, const std::wstring& name) {
+    window.pane(side).focusList();
+    window.pane(side).select(name);
+  }
+  // As the loop of messages has it.
+  bool press(WORD key) {
+    MSG message{};
+    message.hwnd = GetFocus();
+    message.message = WM_KEYDOWN;
+    message.wParam = key;
+    return window.translate(message);
+  }
+  std::wstring cell(Side side, int row, Column column) {
+    wchar_t text[512] = L"";
+    LVITEMW item{};
+    item.iSubItem = static_cast<int>(column);
+    item.pszText = text;
+    item.cchTextMax = static_cast<int>(std::size(text));
+    SendMessageW(window.pane(side).list(), LVM_GETITEMTEXTW, static_cast<WPARAM>(row),
+                 reinterpret_cast<LPARAM>(&item));
+    return text;
+  }
+  int rows(Side side) {
+    return static_cast<int>(SendMessageW(window.pane(side).list(), LVM_GETITEMCOUNT, 0, 0));
+  }
+
+  Notes notes;
+  MainWindow window{notes};
+};
+
+TEST_F(TheMainWindow, ShowsNamesSizesAndTimes) {
+  showBoth();
+  EXPECT_EQ(rows(Side::local), 3);
+  EXPECT_EQ(cell(Side::local, 0, Column::name), L"sub");
+  EXPECT_EQ(cell(Side::local, 0, Column::size), L"");
+  EXPECT_EQ(cell(Side::local, 1, Column::name), L"a.txt");
+  EXPECT_EQ(cell(Side::server, 1, Column::size), L"4.88 KB");
+  EXPECT_NE(cell(Side::server, 1, Column::type), L"");
+  EXPECT_EQ(windowText(window.pane(Side::server).address()), L"/pub");
+  EXPECT_EQ(windowText(window.handle()), L"site - qxbrowse");
+}
+
+TEST_F(TheMainWindow, ForgetsTheAnswerToAnEarlierQuestion) {
+  window.go(Side::local, L"C:\\slow");
+  window.go(Side::local, L"C:\\fast");
+  window.showFolder(Side::local, L"C:\\fast", {{L"a"}});
+  window.showFolder(Side::local, L"C:\\slow", {});
+  EXPECT_EQ(window.pane(Side::local).path(), L"C:\\fast");
+  EXPECT_EQ(rows(Side::local), 1);
+}
+
+TEST_F(TheMainWindow, StaysInItsFolderWhereAnotherCannotBeRead) {
+  showLocal();
+  window.go(Side::local, L"C:\\locked");
+  window.showFolderFailed(Side::local, L"C:\\locked", L"no entry");
+  EXPECT_EQ(rows(Side::local), 3);
+  EXPECT_EQ(windowText(window.pane(Side::local).address()), L"C:\\here");
+}
+
+TEST_F(TheMainWindow, SortsByAClickOnAColumnAndBackByASecond) {
+  showLocal();
+  const HWND list = window.pane(Side::local).list();
+  NMLISTVIEW click{};
+  click.hdr = {list, 0, LVN_COLUMNCLICK};
+  click.iSubItem = static_cast<int>(Column::size);
+  choose(Side::local, L"a.txt");
+  SendMessageW(window.handle(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&click));
+  EXPECT_EQ(cell(Side::local, 1, Column::name), L"a.txt");
+  SendMessageW(window.handle(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&click));
+  EXPECT_EQ(cell(Side::local, 1, Column::name), L"b.txt");
+  ASSERT_EQ(window.pane(Side::local).selected().size(), 1U);
+  EXPECT_EQ(window.pane(Side::local).selected().front().name, L"a.txt") << "the selection moves along";
+  const auto header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
+  HDITEMW item{};
+  item.mask = HDI_FORMAT;
+  SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(Column::size), reinterpret_cast<LPARAM>(&item));
+  EXPECT_NE(item.fmt & HDF_SORTDOWN, 0);
+}
+
+TEST_F(TheMainWindow, FindsWhatIsTyped) {
+  showLocal();
+  const HWND list = window.pane(Side::local).list();
+  LVFINDINFOW wanted{};
+  wanted.flags = LVFI_STRING | LVFI_PARTIAL;
+  wanted.psz = L"B.";
+  EXPECT_EQ(SendMessageW(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&wanted)), 2);
+}
+
+TEST_F(TheMainWindow, HoldsAHundredThousandItems) {
+  window.go(Side::local, L"C:\\large");
+  window.showFolder(Side::local, L"C:\\large", manyItems(100'000));
+  EXPECT_EQ(rows(Side::local), 100'000);
+  EXPECT_EQ(cell(Side::local, 99'999, Column::name), L"file99999");
+  window.pane(Side::local).selectAll();
+  EXPECT_EQ(window.situation().selected, 100'000);
+  window.pane(Side::local).setSorting({Column::size, true});
+  EXPECT_EQ(cell(Side::local, 0, Column::name), L"file99999");
+  EXPECT_EQ(window.situation().selected, 100'000);
+}
+
+TEST_F(TheMainWindow, OpensFoldersAndGoesBackToTheOneThatItLeft) {
+  showBoth();
+  choose(Side::server, L"x");
+  EXPECT_TRUE(press(VK_RETURN));
+  EXPECT_THAT(notes.take(), ElementsAre(L"list server /pub/x"));
+  window.showFolder(Side::server, L"/pub/x", {});
+  EXPECT_TRUE(press(VK_BACK));
+  EXPECT_THAT(notes.take(), ElementsAre(L"list server /pub"));
+  window.showFolder(Side::server, L"/pub", {{L"w", true}, {L"x", true}});
+  EXPECT_EQ(window.pane(Side::server).selected().front().name, L"x");
+}
+
+TEST_F(TheMainWindow, TransfersToTheOtherSide) {
+  showBoth();
+  choose(Side::local, L"a.txt");
+  EXPECT_TRUE(press(VK_F5));
+  EXPECT_THAT(notes.take(), ElementsAre(L"upload C:\\here\\a.txt to /pub"));
+  choose(Side::server, L"y.bin");
+  EXPECT_TRUE(press(VK_F5));
+  EXPECT_THAT(notes.take(), ElementsAre(L"download /pub/y.bin to C:\\here"));
+}
+
+TEST_F(TheMainWindow, DoesNothingThatIsNotPossible) {
+  showLocal();
+  choose(Side::local, L"a.txt");
+  EXPECT_TRUE(press(VK_F5));
+  window.execute(Command::disconnect);
+  window.execute(Command::uploadFiles);
+  EXPECT_THAT(notes.take(), IsEmpty());
+}
+
+TEST_F(TheMainWindow, GoesFromSideToSideByTab) {
+  showBoth();
+  choose(Side::local, L"a.txt");
+  EXPECT_TRUE(press(VK_TAB));
+  EXPECT_EQ(GetFocus(), window.pane(Side::server).list());
+  EXPECT_TRUE(press(VK_TAB));
+  EXPECT_EQ(GetFocus(), window.pane(Side::local).list());
+}
+
+TEST_F(TheMainWindow, GoesToTheBottomByTabAsWell) {
+  showBoth();
+  bool hasFocus = false;
+  const HWND below = CreateWindowExW(0, L"STATIC", L"", WS_CHILD | WS_VISIBLE, 0, 0, 1, 1, window.handle(),
+                                     nullptr, GetModuleHandleW(nullptr), nullptr);
+  window.setBottomPane({below, nullptr, [&hasFocus] { hasFocus = true; }});
+  RECT area{};
+  GetWindowRect(below, &area);
+  EXPECT_GT(area.bottom - area.top, 50) << "it has room";
+  choose(Side::server, L"x");
+  EXPECT_TRUE(press(VK_TAB));
+  EXPECT_TRUE(hasFocus);
+}
+
+TEST_F(TheMainWindow, GoesWhereTheAddressSays) {
+  showLocal();
+  window.pane(Side::local).focusList();
+  window.execute(Command::address);
+  const HWND address = window.pane(Side::local).address();
+  EXPECT_EQ(GetFocus(), address);
+  EXPECT_FALSE(press(VK_BACK)) << "the text's own";
+  SetWindowTextW(address, L"C:\\there");
+  SendMessageW(address, WM_KEYDOWN, VK_RETURN, 0);
+  EXPECT_THAT(notes.take(), ElementsAre(L"list local C:\\there"));
+  EXPECT_EQ(GetFocus(), window.pane(Side::local).list());
+}
+
+TEST_F(TheMainWindow, ForgetsATypedAddressAtEscape) {
+  showLocal();
+  const HWND address = window.pane(Side::local).address();
+  window.execute(Command::address);
+  SetWindowTextW(address, L"C:\\there");
+  SendMessageW(address, WM_KEYDOWN, VK_ESCAPE, 0);
+  EXPECT_EQ(windowText(address), L"C:\\here");
+  EXPECT_THAT(notes.take(), IsEmpty());
+}
+
+TEST_F(TheMainWindow, RenamesInPlace) {
+  showBoth();
+  choose(Side::server, L"y.bin");
+  EXPECT_TRUE(press(VK_F2));
+  const auto edit =
+      reinterpret_cast<HWND>(SendMessageW(window.pane(Side::server).list(), LVM_GETEDITCONTROL, 0, 0));
+  ASSERT_NE(edit, nullptr);
+  EXPECT_FALSE(press(VK_RETURN)) << "the edit's own";
+  SetWindowTextW(edit, L"z.bin");
+  SendMessageW(edit, WM_KEYDOWN, VK_RETURN, 0);
+  EXPECT_THAT(notes.take(), ElementsAre(L"rename server /pub/y.bin to /pub/z.bin"));
+  EXPECT_EQ(cell(Side::server, 1, Column::name), L"y.bin") << "until the server has been asked again";
+}
+
+TEST_F(TheMainWindow, RefusesANameWithASeparator) {
+  showBoth();
+  choose(Side::server, L"y.bin");
+  press(VK_F2);
+  const auto edit =
+      reinterpret_cast<HWND>(SendMessageW(window.pane(Side::server).list(), LVM_GETEDITCONTROL, 0, 0));
+  SetWindowTextW(edit, L"../z");
+  SendMessageW(edit, WM_KEYDOWN, VK_RETURN, 0);
+  EXPECT_THAT(notes.take(), IsEmpty());
+}
+
+TEST_F(TheMainWindow, AsksBeforeItDeletes) {
+  showBoth();
+  choose(Side::server, L"y.bin");
+  for (const int answer : {IDNO, IDYES}) {
+    dialog_test::drive([this] { return press(VK_DELETE); },
+                       [this, answer](dialog_test::Driver& user) {
+                         const HWND box = user.waitForBox(window.handle());
+                         user.press(box, answer);
+                         user.waitUntilGone(box);
+                       });
+    const std::vector<std::wstring> done = notes.take();
+    EXPECT_EQ(done.size(), answer == IDYES ? 1U : 0U);
+    EXPECT_THAT(done, testing::Each(L"remove server /pub/y.bin"));
+  }
+}
+
+TEST_F(TheMainWindow, AsksForTheNameOfANewFolder) {
+  showBoth();
+  window.pane(Side::local).focusList();
+  dialog_test::drive([this] { return press(VK_F7); },
+                     [](dialog_test::Driver& user) {
+                       const HWND dialog = user.waitForDialog();
+                       EXPECT_FALSE(IsWindowEnabled(user.control(dialog, IDOK)));
+                       user.type(user.control(dialog, 100), "new");
+                       EXPECT_TRUE(IsWindowEnabled(user.control(dialog, IDOK)));
+                       user.press(dialog, IDOK);
+                       user.waitUntilGone(dialog);
+                     });
+  EXPECT_THAT(notes.take(), ElementsAre(L"create local C:\\here\\new"));
+}
+
+TEST_F(TheMainWindow, MovesOnTheServer) {
+  showBoth();
+  choose(Side::server, L"y.bin");
+  dialog_test::drive([this] { return press(VK_F6); },
+                     [](dialog_test::Driver& user) {
+                       const HWND dialog = user.waitForDialog();
+                       EXPECT_EQ(user.textOf(user.control(dialog, 100)), "/pub/y.bin");
+                       user.type(user.control(dialog, 100), "/pub/x/y.bin");
+                       user.press(dialog, IDOK);
+                       user.waitUntilGone(dialog);
+                     });
+  EXPECT_THAT(notes.take(), ElementsAre(L"move /pub/y.bin to /pub/x/y.bin"));
+}
+
+TEST_F(TheMainWindow, DragsToTheOtherSide) {
+  showBoth();
+  choose(Side::local, L"a.txt");
+  NMLISTVIEW begin{};
+  begin.hdr = {window.pane(Side::local).list(), 0, LVN_BEGINDRAG};
+  begin.iItem = 1;
+  SendMessageW(window.handle(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&begin));
+  EXPECT_EQ(GetCapture(), window.handle());
+  EXPECT_TRUE(press(VK_ESCAPE));
+  EXPECT_EQ(GetCapture(), nullptr);
+  EXPECT_THAT(notes.take(), IsEmpty()) << "Escape ends the drag, and nothing else";
+
+  SendMessageW(window.handle(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&begin));
+  RECT target{};
+  GetWindowRect(window.pane(Side::server).list(), &target);
+  POINT at{(target.left + target.right) / 2, target.bottom - 20};
+  ScreenToClient(window.handle(), &at);
+  SendMessageW(window.handle(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+  SendMessageW(window.handle(), WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+  EXPECT_THAT(notes.take(), ElementsAre(L"upload C:\\here\\a.txt to /pub"));
+}
+
+TEST_F(TheMainWindow, GrowsWithTheDotsPerInchOfItsScreen) {
+  const HWND list = window.pane(Side::local).list();
+  RECT area{};
+  GetWindowRect(window.handle(), &area);
+  RECT suggested = area;
+  suggested.right -= 200;
+  SendMessageW(window.handle(), WM_DPICHANGED, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(&suggested));
+  GetWindowRect(window.handle(), &area);
+  EXPECT_EQ(area.right, suggested.right);
+  EXPECT_EQ(SendMessageW(list, LVM_GETCOLUMNWIDTH, 0, 0), 330);
+}
+
+TEST_F(TheMainWindow, EndsItsServicesWhenItCloses) {
+  SendMessageW(window.handle(), WM_CLOSE, 0, 0);
+  EXPECT_EQ(window.handle(), nullptr);
+  EXPECT_THAT(notes.take(), ElementsAre(L"end"));
+}
+
+TEST_F(TheMainWindow, StaysWhereItMayNotClose) {
+  window.setMayClose([] { return false; });
+  SendMessageW(window.handle(), WM_CLOSE, 0, 0);
+  EXPECT_NE(window.handle(), nullptr);
+  EXPECT_THAT(notes.take(), IsEmpty());
+}
+
+TEST(TheMainWindows, GiveBackAllThatTheyTook) {
+  const auto counts = [] {
+    const HANDLE process = GetCurrentProcess();
+    return std::pair(GetGuiResources(process, GR_GDIOBJECTS), GetGuiResources(process, GR_USEROBJECTS));
+  };
+  const auto openAndClose = [] {
+    Notes notes;
+    MainWindow window(notes);
+    window.create();
+    window.show(SW_SHOWNOACTIVATE);
+    window.go(Side::local, L"C:\\");
+    window.showFolder(Side::local, L"C:\\", manyItems(10));
+    SendMessageW(window.handle(), WM_CLOSE, 0, 0);
+  };
+  openAndClose();
+  const auto before = counts();
+  for (int i = 0; i < 3; ++i) openAndClose();
+  EXPECT_EQ(counts(), before);
+}
+
+}  // namespace
