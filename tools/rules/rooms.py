@@ -37,7 +37,8 @@ INTERNET_OPEN = {f"{INTERNET}/net/InternetErrors.h", f"{INTERNET}/http/HttpUrl.h
 # The folders that only one platform builds. Their headers are for folders of the same platform: in the product for
 # those of the same room, framework/ui/ for dialogs/, which is made of windows throughout, and dialogs/ for the exports.
 # qxbrowse is a program of windows.
-PLATFORM_FOLDERS = {"windows": "windows", "ui": "windows", "dialogs": "windows", "qxbrowse": "windows", "posix": "posix"}
+PLATFORM_FOLDERS = {"windows": "windows", "ui": "windows", "dialogs": "windows", "qxbrowse": "windows",
+                    "posix": "posix"}
 WINDOW_ROOM = "dialogs"
 PLATFORM_TEST_ROOMS = {"framework", "include", "tests", "examples", "bench"}
 
