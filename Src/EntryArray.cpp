@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "framework/platform/memory.h"
+
 namespace {
 
 constexpr std::size_t kBoundStep = 255;
@@ -16,7 +18,9 @@ std::size_t EntryCapacity(std::size_t count) noexcept {
 }
 
 std::unique_ptr<QXDirEntry[]> NewEntryArray(std::size_t count) {
-  std::unique_ptr<QXDirEntry[]> array(new QXDirEntry[EntryCapacity(count)]);
+  const std::size_t capacity = EntryCapacity(count);
+  std::unique_ptr<QXDirEntry[]> array(new QXDirEntry[capacity]);
+  platform::expectToFill(array.get(), capacity * sizeof(QXDirEntry));
   StoreEntryCount(array.get(), 0);
   return array;
 }

@@ -25,14 +25,25 @@ constexpr std::uint32_t kDirectoryAttribute = 0x10;
 // Archive, compressed, hidden, normal, read-only, system, temporary.
 constexpr std::uint32_t kEntryAttributes[] = {0x20, 0x800, 0x2, 0x80, 0x1, 0x4, 0x100};
 
-// The local calendar time of a moment, as a FILETIME's two halves; nothing for an unknown one.
-QXFileTime localFileTime(std::int64_t unixSeconds) {
-  if (unixSeconds == 0) return {};
-  const std::uint64_t time = platform::fileTimeOf(platform::localTimeOf(unixSeconds));
-  return {static_cast<std::uint32_t>(time), static_cast<std::uint32_t>(time >> 32)};
-}
+// The local calendar times of moments, as a FILETIME's two halves; nothing for an unknown one. To convert one
+// is dear; servers tell one time, which the finder gives as all three, and what has come together has one
+// too.
+class LocalFileTimes {
+ public:
+  QXFileTime of(std::int64_t unixSeconds) {
+    if (std::exchange(m_seconds, unixSeconds) == unixSeconds) return m_time;
+    const std::uint64_t time =
+        unixSeconds == 0 ? 0 : platform::fileTimeOf(platform::localTimeOf(unixSeconds));
+    return m_time = {static_cast<std::uint32_t>(time), static_cast<std::uint32_t>(time >> 32)};
+  }
 
-void fillEntry(QXDirEntry& entry, const char* directory, const std::string& name, CFtpFileFind& finder) {
+ private:
+  std::int64_t m_seconds = 0;
+  QXFileTime m_time{};  // of m_seconds
+};
+
+void fillEntry(QXDirEntry& entry, const char* directory, const std::string& name, CFtpFileFind& finder,
+               LocalFileTimes& times) {
   entry = QXDirEntry{};
   entry.bIsDirectory = finder.IsDirectory() ? 1 : 0;
   std::memcpy(entry.szPath, directory, std::strlen(directory) + 1);
@@ -47,13 +58,9 @@ void fillEntry(QXDirEntry& entry, const char* directory, const std::string& name
   for (const std::uint32_t attribute : kEntryAttributes) {
     if (finder.MatchesMask(attribute)) entry.dwAttributes |= attribute;
   }
-  // Servers tell one time, the finder gives it as all three, and to convert it is dear.
-  const std::int64_t written = finder.GetLastWriteTime();
-  const std::int64_t created = finder.GetCreationTime();
-  const std::int64_t accessed = finder.GetLastAccessTime();
-  entry.ftLastWriteTime = localFileTime(written);
-  entry.ftCreationTime = created == written ? entry.ftLastWriteTime : localFileTime(created);
-  entry.ftLastAccessTime = accessed == written ? entry.ftLastWriteTime : localFileTime(accessed);
+  entry.ftLastWriteTime = times.of(finder.GetLastWriteTime());
+  entry.ftCreationTime = times.of(finder.GetCreationTime());
+  entry.ftLastAccessTime = times.of(finder.GetLastAccessTime());
 }
 
 // A name that begins with a dot is left out, and so is one that the entry cannot hold whole: half a name is
@@ -87,10 +94,11 @@ void keepPending(TQXIP& client, std::unique_ptr<QXDirEntry[]> array) {
 // A finder's walk over its entries. It asks the server nothing but, for a file found by itself, the time.
 std::unique_ptr<QXDirEntry[]> takeEntries(CFtpFileFind& finder, const char* directory, std::uint32_t& count) {
   std::unique_ptr<QXDirEntry[]> array = NewEntryArray(finder.EntriesLeft());
+  LocalFileTimes times;
   for (bool more = finder.EntriesLeft() > 0; more;) {
     more = finder.FindNextFile();
     const std::string name = finder.GetFileName();
-    if (isListed(name)) fillEntry(array[count++], directory, name, finder);
+    if (isListed(name)) fillEntry(array[count++], directory, name, finder, times);
   }
   return array;
 }

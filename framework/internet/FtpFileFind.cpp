@@ -5,12 +5,12 @@
 #include <optional>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "framework/internet/FtpConnection.h"
 #include "framework/internet/Raising.h"
 #include "framework/internet/ftp/FindRule.h"
 #include "framework/internet/ftp/HostNames.h"
+#include "framework/internet/listing/FtpListing.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/internet/net/InternetErrors.h"
 #include "framework/platform/last_error.h"
@@ -19,10 +19,13 @@
 namespace internet {
 
 struct FindState {
-  Found found;
-  std::size_t taken = 0;  // entries that FindNextFile has come to; the last of them is the current one
+  Found found;  // its entries are those that FindNextFile has still to come to
+  std::optional<FtpEntry> current;
 
-  [[nodiscard]] FtpEntry* current() noexcept { return taken == 0 ? nullptr : &found.entries[taken - 1]; }
+  void next() {
+    if (!current) current.emplace();
+    static_cast<void>(found.entries.takeFirst(*current));
+  }
 };
 
 namespace {
@@ -53,14 +56,17 @@ void askTime(FtpControl& control, FindState& state) {
   if (reply.code != 213 || reply.text.size() < kCode) return;
   std::string_view time = std::string_view(reply.text).substr(kCode);
   while (time.ends_with(' ')) time.remove_suffix(1);
-  state.found.entries.front().modified = parseMdtmTime(time);
+  state.current->modified = parseMdtmTime(time);
 }
 
-void namesForHost(FtpControl& control, std::vector<FtpEntry>& entries) {
-  for (FtpEntry& entry : entries) {
+EntryList namesForHost(FtpControl& control, EntryList entries) {
+  if (entries.isAscii()) return entries;
+  EntryList converted;
+  for (FtpEntry entry; entries.takeFirst(entry); converted.add(entry)) {
     platform::throwIfStopped();
     entry.name = nameForHost(control, std::move(entry.name));
   }
+  return converted;
 }
 
 }  // namespace
@@ -71,8 +77,8 @@ using internet::FtpEntry;
 
 namespace {
 
-FtpEntry* currentOf(const std::shared_ptr<FindState>& state) noexcept {
-  return state ? state->current() : nullptr;
+const FtpEntry* currentOf(const std::shared_ptr<FindState>& state) noexcept {
+  return state && state->current ? &*state->current : nullptr;
 }
 
 }  // namespace
@@ -92,13 +98,15 @@ bool CFtpFileFind::FindFile(const char* pattern, std::uint32_t) {
   const auto search = [&] {
     unusable = false;
     internet::FindRule rule(*control, internet::secondsNow());
+    internet::Found found;
     try {
-      state->found = rule.find(internet::nameForServer(*control, asked));
+      found = rule.find(internet::nameForServer(*control, asked));
     } catch (const internet::Failure&) {
       unusable = rule.listingUnusable();
       throw;
     }
-    internet::namesForHost(*control, state->found.entries);
+    found.entries = internet::namesForHost(*control, std::move(found.entries));
+    state->found = std::move(found);
   };
   const std::optional<internet::Failure> failure = internet::attempt([&] {
     internet::checkPattern(asked);
@@ -112,7 +120,7 @@ bool CFtpFileFind::FindFile(const char* pattern, std::uint32_t) {
 }
 
 bool CFtpFileFind::FindNextFile() {
-  if (EntriesLeft() > 0) ++m_state->taken;
+  if (EntriesLeft() > 0) m_state->next();
   if (EntriesLeft() > 0) return true;
   platform::setLastError(platform::kErrorNoMoreFiles);
   return false;
@@ -120,9 +128,7 @@ bool CFtpFileFind::FindNextFile() {
 
 bool CFtpFileFind::IsContent() const noexcept { return m_state && m_state->found.isContent; }
 
-std::size_t CFtpFileFind::EntriesLeft() const noexcept {
-  return m_state ? m_state->found.entries.size() - m_state->taken : 0;
-}
+std::size_t CFtpFileFind::EntriesLeft() const noexcept { return m_state ? m_state->found.entries.size() : 0; }
 
 std::string CFtpFileFind::GetFileName() const {
   const FtpEntry* entry = currentOf(m_state);
@@ -145,16 +151,13 @@ bool CFtpFileFind::MatchesMask(std::uint32_t mask) const {
 }
 
 std::int64_t CFtpFileFind::GetLastWriteTime() {
+  if (!currentOf(m_state)) return 0;
+  if (m_state->found.timePath.empty()) return m_state->current->modified;
   const auto control = m_control;
   const auto state = m_state;
-  const FtpEntry* entry = currentOf(state);
-  if (!entry) return 0;
-  if (!state->found.timePath.empty()) {
-    // A time that cannot be had is unknown; the last error tells why.
-    static_cast<void>(
-        internet::answer([&] { control->query([&] { internet::askTime(*control, *state); }); }));
-  }
-  return entry->modified;
+  // A time that cannot be had is unknown; the last error tells why.
+  static_cast<void>(internet::answer([&] { control->query([&] { internet::askTime(*control, *state); }); }));
+  return state->current->modified;
 }
 
 void CFtpFileFind::Close() noexcept { m_state.reset(); }

@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: MIT
-// Whole listings in both forms. Reading the rows one by one must come to the same entries.
+// Whole listings in both forms. Reading the rows one by one must come to the same entries, and so must the
+// same text in pieces.
 #include <algorithm>
 #include <vector>
 
 #include "framework/internet/listing/ListReader.h"
 #include "tests/fuzz/Invariants.h"
+#include "tests/support/WholeListing.h"
 
 namespace {
 
 using internet::FtpEntry;
-using internet::FtpListing;
+using testing_support::parseList;
+using testing_support::parseMlsd;
+using testing_support::WholeListing;
 
 constexpr std::int64_t kNow = 1'718'452'800;
 
@@ -32,7 +36,7 @@ RowByRow readRowByRow(std::string_view text, ReadRow readRow) {
   return result;
 }
 
-void requireSame(const RowByRow& expected, const FtpListing& listing) {
+void requireSame(const RowByRow& expected, const WholeListing& listing) {
   const auto& entries = expected.entries;
   fuzz::require(
       std::equal(entries.begin(), entries.end(), listing.entries.begin(), listing.entries.end(), fuzz::same));
@@ -63,7 +67,7 @@ RowByRow readFacts(std::string_view text) {
   });
 }
 
-void check(std::string_view text, const FtpListing& listing) {
+void check(std::string_view text, const WholeListing& listing) {
   for (const FtpEntry& entry : listing.entries) fuzz::requireSound(entry);
   fuzz::require(!listing.overLimit);
   fuzz::require(listing.cutInLine == (!text.empty() && text.back() != '\n' &&
@@ -71,18 +75,28 @@ void check(std::string_view text, const FtpListing& listing) {
   fuzz::require(!listing.lastLineUnparsed || listing.unparsedLines > 0);
 }
 
+void requireAlike(const WholeListing& a, const WholeListing& b) {
+  fuzz::require(
+      std::equal(a.entries.begin(), a.entries.end(), b.entries.begin(), b.entries.end(), fuzz::same));
+  fuzz::require(a.rows == b.rows && a.unparsedLines == b.unparsedLines && a.overLimit == b.overLimit);
+  fuzz::require(a.cutInLine == b.cutInLine && a.lastLineUnparsed == b.lastLineUnparsed);
+  fuzz::require(a.errorText == b.errorText);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text = fuzz::textOf(data, size);
-  const FtpListing list = internet::parseList(text, kNow);
+  const WholeListing list = parseList(text, kNow);
   check(text, list);
   requireSame(readListRows(text), list);
-  const FtpListing facts = internet::parseMlsd(text);
+  for (const std::size_t piece : {1u, 2u, 3u, 64u}) requireAlike(list, parseList(text, kNow, {}, piece));
+  const WholeListing facts = parseMlsd(text);
   check(text, facts);
   requireSame(readFacts(text), facts);
+  for (const std::size_t piece : {1u, 7u}) requireAlike(facts, parseMlsd(text, {}, piece));
 
-  const FtpListing limited = internet::parseList(text, kNow, {.directory = "/d", .maxEntries = 2});
+  const WholeListing limited = parseList(text, kNow, {.directory = "/d", .maxEntries = 2});
   for (const FtpEntry& entry : limited.entries) fuzz::requireSound(entry);
   fuzz::require(limited.entries.size() <= 2 && (!limited.overLimit || limited.entries.size() == 2));
   return 0;

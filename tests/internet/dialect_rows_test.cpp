@@ -7,9 +7,9 @@
 #include <string>
 
 #include "framework/internet/listing/CivilTime.h"
-#include "framework/internet/listing/FtpListing.h"
 #include "framework/text/AsciiText.h"
 #include "tests/internet/DialectRows.h"
+#include "tests/support/WholeListing.h"
 
 namespace internet_tests {
 
@@ -19,7 +19,7 @@ namespace {
 
 using internet::CivilTime;
 using internet::FtpEntry;
-using internet::FtpListing;
+using testing_support::WholeListing;
 
 const std::int64_t kNow = *internet::unixSeconds({.year = 2026, .month = 11, .day = 22, .hour = 12});
 
@@ -41,16 +41,20 @@ void expectEntry(const FtpEntry& entry, const DialectRow& row) {
   EXPECT_EQ(entry.modified, secondsOf(row.time)) << row.line;
 }
 
-FtpListing listingOf(std::string_view header, const std::vector<DialectRow>& rows) {
+std::string textOf(std::string_view header, const std::vector<DialectRow>& rows) {
   std::string text(header);
   for (const DialectRow& row : rows) text.append(row.line).append("\r\n");
-  return internet::parseList(text, kNow);
+  return text;
+}
+
+WholeListing listingOf(std::string_view header, const std::vector<DialectRow>& rows) {
+  return testing_support::parseList(textOf(header, rows), kNow);
 }
 
 class Rows : public ::testing::TestWithParam<DialectRows> {};
 
 TEST_P(Rows, AreReadInOneListing) {
-  const FtpListing listing = listingOf(GetParam().header, GetParam().rows);
+  const WholeListing listing = listingOf(GetParam().header, GetParam().rows);
   EXPECT_EQ(listing.unparsedLines, 0u);
   for (const DialectRow& row : GetParam().rows) {
     EXPECT_EQ(listingOf(GetParam().header, {row}).entries.size(), 1u) << row.line;
@@ -58,6 +62,17 @@ TEST_P(Rows, AreReadInOneListing) {
   ASSERT_EQ(listing.entries.size(), GetParam().rows.size());
   for (std::size_t i = 0; i < listing.entries.size(); ++i) {
     expectEntry(listing.entries[i], GetParam().rows[i]);
+  }
+}
+
+TEST_P(Rows, AreReadAlikeWhereverAPieceOfTheListingEnds) {
+  const std::string text = textOf(GetParam().header, GetParam().rows);
+  for (const std::size_t piece : {1u, 2u, 3u, 7u, 80u}) {
+    const WholeListing listing = testing_support::parseList(text, kNow, {}, piece);
+    ASSERT_EQ(listing.entries.size(), GetParam().rows.size()) << piece;
+    for (std::size_t i = 0; i < listing.entries.size(); ++i) {
+      expectEntry(listing.entries[i], GetParam().rows[i]);
+    }
   }
 }
 

@@ -9,6 +9,7 @@
 #include "framework/internet/net/Failure.h"
 #include "tests/internet/CancelTest.h"
 #include "tests/internet/FtpTest.h"
+#include "tests/internet/ListedText.h"
 #include "tests/support/ProcessCounters.h"
 
 namespace internet_tests {
@@ -134,7 +135,7 @@ TEST_F(FtpCancel, InAListing) {
         [&] {
           Worker worker(server);
           const auto& control = worker.connection->Control();
-          control->request([&] { control->listing("LIST"); });
+          control->request([&] { listedBy(*control, "LIST"); });
         },
         [&] { server.waitAtGate("rest"); });
   });

@@ -6,6 +6,7 @@
 #include "framework/internet/ftp/FtpControl.h"
 #include "framework/internet/net/InternetLimits.h"
 #include "tests/internet/FtpTest.h"
+#include "tests/internet/ListedText.h"
 #include "tests/support/RepliesWaitedFor.h"
 
 namespace internet_tests {
@@ -388,11 +389,11 @@ TEST_F(FtpCommand, AListingComesWithItsFinalReply) {
   auto connection = connect(server);
   const auto& control = connection->Control();
   control->request([&] {
-    const auto listed = control->listing("NLST");
+    const auto listed = listedBy(*control, "NLST");
     EXPECT_EQ(listed.text, "a\r\nb\r\n");
     EXPECT_EQ(listed.reply.code, 226);
-    EXPECT_EQ(control->listing("NLST", "/missing").reply.code, 550);
-    EXPECT_EQ(control->listing("NLST").text, "a\r\nb\r\n") << "still in step";
+    EXPECT_EQ(listedBy(*control, "NLST", "/missing").reply.code, 550);
+    EXPECT_EQ(listedBy(*control, "NLST").text, "a\r\nb\r\n") << "still in step";
   });
 }
 
@@ -402,7 +403,7 @@ TEST_F(FtpCommand, AListingKeepsToSevenReplies) {
   const auto& control = connection->Control();
   control->request([&] {
     EXPECT_TRUE(control->traits().mlst);
-    EXPECT_EQ(control->listing("MLSD", "/").reply.code, 226);
+    EXPECT_EQ(listedBy(*control, "MLSD", "/").reply.code, 226);
   });
   connection->Close();
   server.waitUntilAllClosed();
@@ -415,7 +416,7 @@ TEST_F(FtpCommand, AListingRefusedAfterItBeganIsTheCallersToJudge) {
   auto connection = connect(server);
   const auto& control = connection->Control();
   control->request([&] {
-    const auto listed = control->listing("LIST");
+    const auto listed = listedBy(*control, "LIST");
     EXPECT_EQ(listed.reply.code, 550);
     EXPECT_EQ(listed.text, "");
   });

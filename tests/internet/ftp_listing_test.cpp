@@ -9,11 +9,15 @@
 #include <vector>
 
 #include "framework/internet/listing/FtpListing.h"
+#include "tests/support/WholeListing.h"
 
 namespace internet {
 namespace {
 
 using std::string_view_literals::operator""sv;
+using testing_support::parseList;
+using testing_support::parseMlsd;
+using testing_support::WholeListing;
 
 std::int64_t utc(int year, unsigned month, unsigned day, int hour = 0, int minute = 0, int second = 0) {
   using namespace std::chrono;
@@ -281,7 +285,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, NoMlsxLine,
                                          "-rw-r--r-- 1 r r 7 Jan 12 10:05 n"));
 
 TEST(Listing, TellsEntriesFromHeadersErrorsAndRubbish) {
-  const FtpListing listing = parseList(
+  const WholeListing listing = parseList(
       "total 88\r\n"
       "\r\n"
       "insgesamt 4,0K\r\n"
@@ -309,14 +313,14 @@ TEST(Listing, KnowsErrorTexts) {
        {"ls: /x: No such file or directory", "/x: No such file or directory",
         "/bin/ls: cannot access '/x': denied", "ls: cannot open directory '.': Permission denied",
         "/x: Permission denied", "x: not a directory"}) {
-    const FtpListing listing = parseList(text + "\r\n", kNow);
+    const WholeListing listing = parseList(text + "\r\n", kNow);
     EXPECT_EQ(listing.errorText, text);
     EXPECT_EQ(listing.unparsedLines, 0u) << text;
     EXPECT_TRUE(listing.entries.empty()) << text;
   }
 }
 
-std::vector<std::string> namesOf(const FtpListing& listing) {
+std::vector<std::string> namesOf(const WholeListing& listing) {
   std::vector<std::string> names;
   for (const FtpEntry& entry : listing.entries) names.push_back(entry.name);
   return names;
@@ -334,7 +338,7 @@ TEST(Listing, TakesEveryLineEnd) {
 }
 
 TEST(Listing, CarriageReturnInANameForgesNoRow) {
-  const FtpListing listing = parseMlsd("type=file; a\rtype=dir; forged\r\ntype=file; b\r\n");
+  const WholeListing listing = parseMlsd("type=file; a\rtype=dir; forged\r\ntype=file; b\r\n");
   EXPECT_EQ(namesOf(listing), (Names{"b"}));
   EXPECT_EQ(listing.unparsedLines, 1u);
 }
@@ -342,11 +346,11 @@ TEST(Listing, CarriageReturnInANameForgesNoRow) {
 TEST(Listing, SeesACutLastRow) {
   EXPECT_FALSE(parseMlsd("").cutInLine);
   EXPECT_FALSE(parseMlsd("type=file; a\r\n").cutInLine);
-  const FtpListing readable = parseMlsd("type=file; a\r\ntype=file; b");
+  const WholeListing readable = parseMlsd("type=file; a\r\ntype=file; b");
   EXPECT_TRUE(readable.cutInLine);
   EXPECT_FALSE(readable.lastLineUnparsed);
   EXPECT_EQ(namesOf(readable), (Names{"a", "b"}));
-  const FtpListing broken = parseMlsd("type=file; a\r\ntype=fi");
+  const WholeListing broken = parseMlsd("type=file; a\r\ntype=fi");
   EXPECT_TRUE(broken.cutInLine);
   EXPECT_TRUE(broken.lastLineUnparsed);
   EXPECT_EQ(namesOf(broken), (Names{"a"}));
@@ -356,7 +360,7 @@ TEST(Listing, StopsAtTheLimitOfEntries) {
   std::string text;
   for (int i = 0; i < 6; ++i) text += "type=file; same\r\n";
   EXPECT_FALSE(parseMlsd(text, {.maxEntries = 6}).overLimit);
-  const FtpListing listing = parseMlsd(text, {.maxEntries = 5});
+  const WholeListing listing = parseMlsd(text, {.maxEntries = 5});
   EXPECT_TRUE(listing.overLimit);
   EXPECT_EQ(listing.entries.size(), 5u);
 }
@@ -393,7 +397,7 @@ TEST(Listing, ReadsManyEntries) {
     for (std::size_t i = 0; i < count; ++i) {
       text += "-rw-r--r-- 1 r r " + std::to_string(i) + " Jan 12 10:05 file " + std::to_string(i) + "\r\n";
     }
-    const FtpListing listing = parseList(text, kNow);
+    const WholeListing listing = parseList(text, kNow);
     ASSERT_EQ(listing.entries.size(), count);
     EXPECT_EQ(listing.entries.back().name, "file " + std::to_string(count - 1));
     EXPECT_EQ(listing.entries.back().size, count - 1);

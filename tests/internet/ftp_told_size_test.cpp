@@ -4,6 +4,7 @@
 
 #include "framework/internet/ftp/FtpControl.h"
 #include "tests/internet/FtpTransferTest.h"
+#include "tests/internet/ListedText.h"
 
 namespace internet_tests {
 namespace {
@@ -92,7 +93,7 @@ TEST_F(FtpToldSize, NeitherAListingNorAnUploadAsksForIt) {
   ScriptedFtp server = servingUntold({"normal"});
   auto connection = connect(server);
   const auto& control = connection->Control();
-  control->request([&] { EXPECT_TRUE(control->listing("MLSD", "/").reply.completed()); });
+  control->request([&] { EXPECT_TRUE(listedBy(*control, "MLSD", "/").reply.completed()); });
   auto file = openToWrite(*connection, "/up");
   EXPECT_TRUE(file->Close());
   EXPECT_EQ(server.commandCount("SIZE"), 0);

@@ -15,6 +15,8 @@ namespace {
 
 thread_local AllocationWatch* t_watch = nullptr;
 std::atomic<long> g_blocksHeld{0};
+std::atomic<long> g_bytesHeld{0};
+std::atomic<long> g_mostBytesHeld{0};
 std::atomic<const std::string_view*> g_sought{nullptr};
 std::atomic<long> g_found{0};
 
@@ -29,6 +31,13 @@ void prepare(void* memory, std::size_t size) noexcept {
   if (g_sought.load() != nullptr) std::memset(memory, kUnwritten, size);
 }
 
+void count(std::size_t size) noexcept {
+  ++g_blocksHeld;
+  const long held = g_bytesHeld += static_cast<long>(size);
+  long most = g_mostBytesHeld.load();
+  while (held > most && !g_mostBytesHeld.compare_exchange_weak(most, held)) continue;
+}
+
 void search(const char* memory, std::size_t size) noexcept {
   const std::string_view* const sought = g_sought.load();
   if (sought == nullptr) return;
@@ -38,6 +47,10 @@ void search(const char* memory, std::size_t size) noexcept {
 }  // namespace
 
 long blocksHeld() noexcept { return g_blocksHeld; }
+
+MostBytesHeld::MostBytesHeld() noexcept : m_before(g_bytesHeld) { g_mostBytesHeld = m_before; }
+
+long MostBytesHeld::beyond() const noexcept { return g_mostBytesHeld - m_before; }
 
 FreedMemorySearch::FreedMemorySearch(std::string_view text) noexcept : m_text(text) {
   g_found = 0;
@@ -70,7 +83,7 @@ void* allocate(std::size_t size) noexcept {
       static_cast<testing_support::Header*>(std::malloc(sizeof(testing_support::Header) + size));
   if (header == nullptr) return nullptr;
   header->size = size;
-  ++testing_support::g_blocksHeld;
+  testing_support::count(size);
   testing_support::prepare(header + 1, size);
   return header + 1;
 }
@@ -85,6 +98,7 @@ void release(void* memory) noexcept {
   if (memory == nullptr) return;
   --testing_support::g_blocksHeld;
   auto* const header = static_cast<testing_support::Header*>(memory) - 1;
+  testing_support::g_bytesHeld -= static_cast<long>(header->size);
   testing_support::search(static_cast<const char*>(memory), header->size);
   std::free(header);
 }

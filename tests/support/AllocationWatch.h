@@ -12,6 +12,17 @@ namespace testing_support {
 // How many blocks of operator new the program holds.
 [[nodiscard]] long blocksHeld() noexcept;
 
+// The most bytes of operator new that the program holds at a time while this lives, beyond those that it held
+// before. One at a time.
+class MostBytesHeld {
+ public:
+  MostBytesHeld() noexcept;
+  [[nodiscard]] long beyond() const noexcept;
+
+ private:
+  const long m_before;
+};
+
 // Looks for a text in every block that any thread frees while it lives. One at a time.
 class FreedMemorySearch {
  public:

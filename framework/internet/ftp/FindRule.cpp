@@ -6,6 +6,7 @@
 
 #include "framework/internet/ftp/OpenRows.h"
 #include "framework/internet/ftp/ServerWords.h"
+#include "framework/internet/listing/FtpListing.h"
 #include "framework/internet/listing/ListingRow.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/internet/net/InternetErrors.h"
@@ -28,9 +29,8 @@ bool saysNothingThere(std::string_view text, const QuotedPaths& paths, bool dire
           serverSays(text, {"no such file", "not found", "cannot find"}, paths, BareName::anywhere));
 }
 
-bool refusedForEmptiness(const FtpListingText& answer, const QuotedPaths& paths, bool directoryExists) {
-  return answer.text.empty() && (answer.reply.code == 450 || answer.reply.code == 550) &&
-         saysNothingThere(answer.reply.text, paths, directoryExists);
+bool refusedForEmptiness(const FtpReply& reply, const QuotedPaths& paths, bool directoryExists) {
+  return (reply.code == 450 || reply.code == 550) && saysNothingThere(reply.text, paths, directoryExists);
 }
 
 // The fact line among the lines of a reply to MLST; with or without a blank or the code before it. Without
@@ -46,13 +46,13 @@ std::optional<MlsxRow> factsOfReply(std::string_view text) noexcept {
   return std::nullopt;
 }
 
-Found contentOf(std::vector<FtpEntry> entries) { return {.entries = std::move(entries), .isContent = true}; }
+Found contentOf(EntryList entries) { return {.entries = std::move(entries), .isContent = true}; }
 
 // The one entry that a path without wildcards names.
 Found onlyEntry(RawRow row, std::string_view name) {
   Found found;
   row.name = name;
-  if (FtpEntry entry; makeEntry(row, {}, entry) == RowKind::entry) found.entries.push_back(std::move(entry));
+  if (FtpEntry entry; makeEntry(row, {}, entry) == RowKind::entry) found.entries.add(entry);
   return found;
 }
 
@@ -91,8 +91,9 @@ bool FindRule::isLink(std::string_view asked) {
   const Path path = split(asked);
   followsLinks_ = false;
   wanted_ = [&path](const FtpEntry& entry) { return entry.name == path.name; };
-  const std::vector<FtpEntry> entries = list(path.parent, true);
-  return entries.size() == 1 && entries.front().isLink;
+  EntryList entries = list(path.parent, true);
+  FtpEntry entry;
+  return entries.size() == 1 && entries.takeFirst(entry) && entry.isLink;
 }
 
 // None when the server says that it has answered, but not what is there.
@@ -108,9 +109,9 @@ std::optional<Found> FindRule::byFacts(const Path& path, const FtpReply& reply) 
 
 // A link, for one: a directory if it can be listed.
 Found FindRule::byKindUnknown(const Path& path, const MlsxRow& row) {
-  const FtpListingText answer = fetch("MLSD", path.whole);
+  Answer answer = fetch(ListingForm::facts, path.whole);
   if (answer.reply.code == 450 || answer.reply.code >= 500) return byFileFacts(path, row);
-  return contentOf(factsOf(answer, path.whole, true));
+  return contentOf(factsOf(std::move(answer), path.whole, true));
 }
 
 Found FindRule::byFileFacts(const Path& path, const MlsxRow& row) {
@@ -127,9 +128,7 @@ Found FindRule::byFileFacts(const Path& path, const MlsxRow& row) {
 Found FindRule::byVisit(const Path& path) {
   FtpControl::DirectoryVisit visit(control_);
   if (!visit.enter(path.whole).completed()) return bySize(path);
-  std::vector<FtpEntry> entries = entriesOf(fetch("LIST"), Form::rows, path.whole, true);
-  settle(visit, path.whole, entries);
-  return contentOf(std::move(entries));
+  return contentOf(rowsIn(visit, path.whole));
 }
 
 Found FindRule::bySize(const Path& path) {
@@ -156,87 +155,90 @@ Found FindRule::byParent(const Path& path) {
 }
 
 // The content of a directory.
-std::vector<FtpEntry> FindRule::list(std::string_view directory, bool exists) {
+EntryList FindRule::list(std::string_view directory, bool exists) {
   if (!control_.traits().mlst) return listByVisit(directory);
-  const FtpListingText answer = fetch("MLSD", directory);
-  if (!commandUnknown(answer.reply)) return factsOf(answer, directory, exists);
-  std::vector<FtpEntry> entries = listByVisit(directory);
+  Answer answer = fetch(ListingForm::facts, directory);
+  if (!commandUnknown(answer.reply)) return factsOf(std::move(answer), directory, exists);
+  EntryList entries = listByVisit(directory);
   withdrawFacts();
   return entries;
 }
 
-std::vector<FtpEntry> FindRule::factsOf(const FtpListingText& answer, std::string_view directory,
-                                        bool exists) {
-  std::vector<FtpEntry> entries = entriesOf(answer, Form::facts, directory, exists);
+EntryList FindRule::factsOf(Answer answer, std::string_view directory, bool exists) {
+  EntryList entries = entriesOf(std::move(answer), directory, exists);
   FtpControl::DirectoryVisit visit(control_);
   settle(visit, directory, entries);
   return entries;
 }
 
-// Without an argument LIST can take nothing for an option, a mask or two names.
-std::vector<FtpEntry> FindRule::listByVisit(std::string_view directory) {
+EntryList FindRule::listByVisit(std::string_view directory) {
   FtpControl::DirectoryVisit visit(control_);
   if (!directory.empty()) {
     const FtpReply entered = visit.enter(directory);
     if (!entered.completed()) control_.raise(entered);
   }
-  std::vector<FtpEntry> entries = entriesOf(fetch("LIST"), Form::rows, directory, true);
+  return rowsIn(visit, directory);
+}
+
+EntryList FindRule::rowsIn(FtpControl::DirectoryVisit& visit, std::string_view directory) {
+  EntryList entries = entriesOf(fetch(ListingForm::rows, directory), directory, true);
   settle(visit, directory, entries);
   return entries;
 }
 
-FtpListingText FindRule::fetch(std::string_view verb, std::string_view directory) {
+// Without an argument LIST, in the directory, can take nothing for an option, a mask or two names.
+FindRule::Answer FindRule::fetch(ListingForm form, std::string_view directory) {
+  ListingReader reader(form, now_, rulesFor(directory));
+  const auto take = [&reader](std::string_view piece) { reader.take(piece); };
   // A refusal is handed back; what is thrown has broken the listing off.
   listingUnusable_ = true;
-  FtpListingText answer = control_.listing(verb, directory);
+  FtpReply reply = form == ListingForm::facts ? control_.listing("MLSD", directory, take)
+                                              : control_.listing("LIST", {}, take);
   listingUnusable_ = false;
-  return answer;
+  return {std::move(reply), reader.begun(), reader.finish()};
 }
 
-std::vector<FtpEntry> FindRule::entriesOf(const FtpListingText& answer, Form form, std::string_view directory,
-                                          bool exists) {
+ListingRules FindRule::rulesFor(std::string_view directory) const {
+  ListingRules rules{.directory = directory, .betweenRows = &platform::throwIfStopped};
+  if (!wanted_) return rules;
+  rules.wanted = [this](const FtpEntry& entry) {
+    platform::throwIfStopped();
+    return wanted_(entry);
+  };
+  return rules;
+}
+
+EntryList FindRule::entriesOf(Answer answer, std::string_view directory, bool exists) {
   const std::string current = control_.directoryForReturn().value_or("");
   const QuotedPaths paths{.asked = directory, .current = current};
   if (answer.reply.refused()) {
-    if (refusedForEmptiness(answer, paths, exists)) return {};
+    if (!answer.hasText && refusedForEmptiness(answer.reply, paths, exists)) return {};
     // Rows have come: this is no answer to the question whether there are any.
-    listingUnusable_ = !answer.text.empty();
+    listingUnusable_ = answer.hasText;
     control_.raise(answer.reply);
   }
-  const ListingRules rules{.directory = directory, .betweenRows = &platform::throwIfStopped};
-  FtpListing listing =
-      form == Form::facts ? parseMlsd(answer.text, rules) : parseList(answer.text, now_, rules);
+  FtpListing& listing = answer.listing;
   // "226-Output truncated to 10000 matches". In doubt it is truncated.
   if (serverSays(answer.reply.text, {"truncated"}, paths, BareName::leading)) {
     failUnusable(kExtendedError, answer.reply.text);
   }
   checkWhole(listing);
-  if (listing.entries.empty() && !listing.errorText.empty() &&
+  if (listing.rows == 0 && !listing.errorText.empty() &&
       !saysNothingThere(listing.errorText, paths, exists)) {
     fail(kExtendedError, listing.errorText);
   }
-  keepWanted(listing.entries);
   return std::move(listing.entries);
 }
 
-void FindRule::settle(FtpControl::DirectoryVisit& visit, std::string_view directory,
-                      std::vector<FtpEntry>& entries) {
+void FindRule::settle(FtpControl::DirectoryVisit& visit, std::string_view directory, EntryList& entries) {
   if (followsLinks_) OpenRows(control_, visit, directory).settle(entries);
-}
-
-void FindRule::keepWanted(std::vector<FtpEntry>& entries) const {
-  if (!wanted_) return;
-  std::erase_if(entries, [this](const FtpEntry& entry) {
-    platform::throwIfStopped();
-    return !wanted_(entry);
-  });
 }
 
 void FindRule::checkWhole(const FtpListing& listing) {
   if (listing.overLimit) failUnusable(kInvalidServerResponse);
   // A last row without its end is taken when it can be read: the server says that it has sent all.
   if (listing.cutInLine && listing.lastLineUnparsed) failUnusable(kConnectionAborted);
-  if (listing.entries.empty() && listing.unparsedLines > 0) failUnusable(kInvalidServerResponse);
+  if (listing.rows == 0 && listing.unparsedLines > 0) failUnusable(kInvalidServerResponse);
 }
 
 void FindRule::failUnusable(std::uint32_t error, std::string text) {

@@ -11,19 +11,18 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "framework/internet/ftp/FtpControl.h"
-#include "framework/internet/listing/FtpListing.h"
+#include "framework/internet/listing/ListingReader.h"
 
 namespace internet {
 
 struct MlsxRow;
 
 struct Found {
-  std::vector<FtpEntry> entries{};  // in the server's order; empty when nothing is there
-  std::string timePath{};           // MDTM of this path tells the only entry's time; "" = the times are known
-  bool isContent = false;           // of a directory, whose own path was asked for
+  EntryList entries{};     // in the server's order; empty when nothing is there
+  std::string timePath{};  // MDTM of this path tells the only entry's time; "" = the times are known
+  bool isContent = false;  // of a directory, whose own path was asked for
 };
 
 // One search; only inside FtpControl::request(). Failures are thrown as internet::Failure.
@@ -34,7 +33,7 @@ class FindRule {
 
   Found find(std::string_view asked);
   // Whether the path itself is a link, wherever that leads, as far as the listing of its directory tells.
-  bool isLink(std::string_view path);
+  bool isLink(std::string_view asked);
 
   // The failure was that of a listing which is not whole or cannot be read: more than a refusal, because
   // taking it for an empty or a shorter directory would be wrong.
@@ -46,7 +45,11 @@ class FindRule {
     std::string_view parent;  // "" = the current directory
     std::string_view name;
   };
-  enum class Form { facts, rows };
+  struct Answer {
+    FtpReply reply;
+    bool hasText;
+    FtpListing listing;
+  };
 
   static Path split(std::string_view asked) noexcept;
   std::optional<Found> byFacts(const Path& path, const FtpReply& reply);
@@ -55,14 +58,14 @@ class FindRule {
   Found byVisit(const Path& path);
   Found bySize(const Path& path);
   Found byParent(const Path& path);
-  std::vector<FtpEntry> list(std::string_view directory, bool exists);
-  std::vector<FtpEntry> listByVisit(std::string_view directory);
-  std::vector<FtpEntry> factsOf(const FtpListingText& answer, std::string_view directory, bool exists);
-  FtpListingText fetch(std::string_view verb, std::string_view directory = {});
-  std::vector<FtpEntry> entriesOf(const FtpListingText& answer, Form form, std::string_view directory,
-                                  bool exists);
-  void settle(FtpControl::DirectoryVisit& visit, std::string_view directory, std::vector<FtpEntry>& entries);
-  void keepWanted(std::vector<FtpEntry>& entries) const;
+  EntryList list(std::string_view directory, bool exists);
+  EntryList listByVisit(std::string_view directory);
+  EntryList rowsIn(FtpControl::DirectoryVisit& visit, std::string_view directory);
+  EntryList factsOf(Answer answer, std::string_view directory, bool exists);
+  Answer fetch(ListingForm form, std::string_view directory);
+  [[nodiscard]] ListingRules rulesFor(std::string_view directory) const;
+  EntryList entriesOf(Answer answer, std::string_view directory, bool exists);
+  void settle(FtpControl::DirectoryVisit& visit, std::string_view directory, EntryList& entries);
   void checkWhole(const FtpListing& listing);
   [[noreturn]] void failUnusable(std::uint32_t error, std::string text = {});
   void withdrawFacts();

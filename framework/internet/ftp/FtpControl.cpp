@@ -239,20 +239,20 @@ FtpReply FtpControl::require(std::string_view verb, std::string_view argument) {
   return reply;
 }
 
-FtpListingText FtpControl::listing(std::string_view verb, std::string_view argument) {
+FtpReply FtpControl::listing(std::string_view verb, std::string_view argument,
+                             const std::function<void(std::string_view)>& take) {
   FtpTransfer transfer(shared_from_this(), FtpTransfer::Kind::listing);
-  FtpListingText result{transfer.begin(verb, argument), {}};
-  if (result.reply.refused()) return result;
-  std::string block(kListingBlock, '\0');
-  while (const std::size_t count = transfer.receive(block.data(), block.size())) {
-    if (result.text.size() + count > kMaxListingBytes) {
+  FtpReply first = transfer.begin(verb, argument);
+  if (first.refused()) return first;
+  const auto block = std::make_unique_for_overwrite<char[]>(kListingBlock);
+  while (const std::size_t count = transfer.receive(block.get(), kListingBlock)) {
+    if (transfer.moved() > kMaxListingBytes) {
       transfer.abandon();
       fail(kInvalidServerResponse);
     }
-    result.text.append(block, 0, count);
+    take({block.get(), count});
   }
-  result.reply = transfer.finish();
-  return result;
+  return transfer.finish();
 }
 
 void FtpControl::useBinary() {

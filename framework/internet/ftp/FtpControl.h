@@ -33,12 +33,6 @@ struct FtpLogin {
   TlsPolicy tls = {};
 };
 
-// The answer to a command that lists over a data connection.
-struct FtpListingText {
-  FtpReply reply;    // the final one; or the refusal, before or after some text
-  std::string text;  // all that came
-};
-
 class FtpControl : public SessionMember, public std::enable_shared_from_this<FtpControl> {
  public:
   // Connects and logs in, with notifications 10 to 41. Also fails with 12007, 12029, 12014, 12015.
@@ -69,9 +63,11 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   FtpReply command(std::string_view verb, std::string_view argument = {});
   // The same, but a refusal is raised.
   FtpReply require(std::string_view verb, std::string_view argument = {});
-  // Runs a command that answers over a data connection (LIST, NLST, MLSD), in binary type, and collects all
-  // its text. A refusal is the caller's to judge; a text above kMaxListingBytes fails with 12152.
-  FtpListingText listing(std::string_view verb, std::string_view argument = {});
+  // Runs a command that answers over a data connection (LIST, NLST, MLSD), in binary type, and hands its text
+  // over as it comes. The final reply; or the refusal, before or after some text, which is the caller's to
+  // judge. A text above kMaxListingBytes fails with 12152.
+  FtpReply listing(std::string_view verb, std::string_view argument,
+                   const std::function<void(std::string_view)>& take);
   // Switches to binary type unless it is set already. listing() and transfers do it themselves.
   void useBinary();
   // Asks for the size of a file along with the next command, at no round trip of its own. It is there once

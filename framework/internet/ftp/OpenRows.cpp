@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "framework/internet/listing/FtpListing.h"
 #include "framework/internet/net/InternetLimits.h"
 
 namespace internet {
@@ -33,42 +34,35 @@ std::optional<int> zoneBetween(std::int64_t listed, std::int64_t told) {
   return zone - ahead < kMinute ? std::optional(static_cast<int>(zone)) : std::nullopt;
 }
 
-void makeDirectory(FtpEntry& entry) {
+void makeDirectory(EntryFacts& entry) {
   entry.isDirectory = true;
   entry.attributes = (entry.attributes & ~kEntryNormal) | kEntryDirectory;
 }
 
 }  // namespace
 
-void OpenRows::settle(std::vector<FtpEntry>& entries) {
+void OpenRows::settle(EntryList& entries) {
   Questions questions;
-  if (const FtpEntry* witness = witnessOfZone(entries)) askZone(*witness, questions);
+  if (const auto witness = witnessOfZone(entries)) askZone(*witness, questions);
   const Links links = linksOf(entries);
   askAll(links, std::move(questions));
-  for (const std::shared_ptr<Link>& link : links) {
-    FtpEntry& entry = entries[link->entry];
-    entry.isLink = false;
-    if (link->isDirectory) {
-      makeDirectory(entry);
-    } else {
-      entry.size = link->size.value_or(0);
-    }
-  }
+  applyLinks(links, entries);
   applyZone(entries);
 }
 
 // --- The zone ---
 
 // The newest file: the zone that its time was shown in is that of today, if any is.
-const FtpEntry* OpenRows::witnessOfZone(const std::vector<FtpEntry>& entries) const {
+std::optional<FtpEntry> OpenRows::witnessOfZone(const EntryList& entries) const {
   const FtpTraits& traits = control_.knownTraits();
   const bool maybeTold = traits.mdtm || !traits.featuresTold;
-  if (traits.zone || !maybeTold || traits.zoneQuestions >= kMostZoneQuestions) return nullptr;
-  const FtpEntry* newest = nullptr;
-  for (const FtpEntry& entry : entries) {
-    if (!entry.inServersZone || entry.isDirectory || entry.isLink) continue;
-    if (!newest || entry.modified > newest->modified) newest = &entry;
-  }
+  if (traits.zone || !maybeTold || traits.zoneQuestions >= kMostZoneQuestions) return std::nullopt;
+  std::optional<FtpEntry> newest;
+  entries.forEach([&newest](const EntryFacts& facts, std::string_view name) {
+    if (!facts.inServersZone || facts.isDirectory || facts.isLink) return;
+    if (newest && facts.modified <= newest->modified) return;
+    newest.emplace(FtpEntry{facts, std::string(name)});
+  });
   return newest;
 }
 
@@ -87,36 +81,55 @@ void OpenRows::learnZone(std::int64_t listed, const FtpReply& reply) {
   });
 }
 
-void OpenRows::applyZone(std::vector<FtpEntry>& entries) const {
+void OpenRows::applyZone(EntryList& entries) const {
   const std::optional<int>& zone = control_.knownTraits().zone;
   if (!zone) return;
-  for (FtpEntry& entry : entries) {
-    if (std::exchange(entry.inServersZone, false)) entry.modified -= *zone;
-  }
+  entries.changeEach([shift = *zone](EntryFacts& facts, std::string_view) {
+    if (std::exchange(facts.inServersZone, false)) facts.modified -= shift;
+  });
 }
 
 // --- The links ---
 
-OpenRows::Links OpenRows::linksOf(const std::vector<FtpEntry>& entries) {
+OpenRows::Links OpenRows::linksOf(const EntryList& entries) {
   Links links;
-  for (std::size_t i = 0; i < entries.size() && links.size() < kMostLinks; ++i) {
-    if (!entries[i].isLink) continue;
-    if (links.empty() && !visit_.leave()) break;
-    std::string path = pathOf(entries[i].name);
-    if (path.size() > kMaxArgument) continue;
-    links.push_back(std::make_shared<Link>(Link{.entry = i, .path = std::move(path)}));
-  }
+  std::size_t number = 0;
+  bool more = true;
+  entries.forEach([&](const EntryFacts& facts, std::string_view name) {
+    const std::size_t entry = number++;
+    if (!more || !facts.isLink) return;
+    more = links.size() < kMostLinks && (!links.empty() || visit_.leave());
+    std::string path = more ? pathOf(name) : std::string();
+    if (!more || path.size() > kMaxArgument) return;
+    links.push_back(std::make_shared<Link>(Link{.entry = entry, .path = std::move(path)}));
+  });
   return links;
 }
 
+void OpenRows::applyLinks(const Links& links, EntryList& entries) {
+  if (links.empty()) return;
+  auto link = links.begin();
+  std::size_t number = 0;
+  entries.changeEach([&](EntryFacts& facts, std::string_view) {
+    if (link == links.end() || number++ != (*link)->entry) return;
+    facts.isLink = false;
+    if ((*link)->isDirectory) {
+      makeDirectory(facts);
+    } else {
+      facts.size = (*link)->size.value_or(0);
+    }
+    ++link;
+  });
+}
+
 // An absolute one: on the way from link to link the server is somewhere else.
-std::string OpenRows::pathOf(const std::string& name) const {
+std::string OpenRows::pathOf(std::string_view name) const {
   std::string path;
   if (!directory_.starts_with('/')) path = control_.currentDirectory();
   if (!path.empty() && !directory_.empty() && !path.ends_with('/')) path += '/';
   path += directory_;
   if (!path.ends_with('/')) path += '/';
-  return path + name;
+  return path.append(name);
 }
 
 void OpenRows::askLink(const std::shared_ptr<Link>& link, Questions& questions) const {

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "framework/internet/ftp/FtpControl.h"
-#include "framework/internet/listing/FtpListing.h"
+#include "framework/internet/listing/EntryList.h"
 
 namespace internet {
 
@@ -27,7 +27,7 @@ class OpenRows {
   OpenRows(FtpControl& control, FtpControl::DirectoryVisit& visit, std::string_view directory) noexcept
       : control_(control), visit_(visit), directory_(directory) {}
 
-  void settle(std::vector<FtpEntry>& entries);
+  void settle(EntryList& entries);
 
  private:
   using Questions = std::vector<FtpControl::Question>;
@@ -39,14 +39,15 @@ class OpenRows {
   };
   using Links = std::vector<std::shared_ptr<Link>>;
 
-  [[nodiscard]] const FtpEntry* witnessOfZone(const std::vector<FtpEntry>& entries) const;
+  [[nodiscard]] std::optional<FtpEntry> witnessOfZone(const EntryList& entries) const;
   void askZone(const FtpEntry& witness, Questions& questions);
   void learnZone(std::int64_t listed, const FtpReply& reply);
-  [[nodiscard]] Links linksOf(const std::vector<FtpEntry>& entries);
-  [[nodiscard]] std::string pathOf(const std::string& name) const;
+  [[nodiscard]] Links linksOf(const EntryList& entries);
+  [[nodiscard]] std::string pathOf(std::string_view name) const;
   void askLink(const std::shared_ptr<Link>& link, Questions& questions) const;
   void askAll(const Links& links, Questions questions);
-  void applyZone(std::vector<FtpEntry>& entries) const;
+  static void applyLinks(const Links& links, EntryList& entries);
+  void applyZone(EntryList& entries) const;
 
   FtpControl& control_;
   FtpControl::DirectoryVisit& visit_;

@@ -22,7 +22,9 @@ int yearOf(std::int64_t seconds) noexcept {
 }
 
 bool readTwoDigits(std::string_view text, std::size_t at, int& number) noexcept {
-  return text.size() >= at + 2 && ascii::readNumber(text.substr(at, 2), number);
+  if (text.size() < at + 2 || !ascii::isDigit(text[at]) || !ascii::isDigit(text[at + 1])) return false;
+  number = (text[at] - '0') * 10 + (text[at + 1] - '0');
+  return true;
 }
 
 }  // namespace
@@ -37,7 +39,8 @@ std::optional<std::int64_t> unixSeconds(const CivilTime& time) noexcept {
                             day(static_cast<unsigned>(time.day)));
   if (!date.ok()) return std::nullopt;
   const std::int64_t dayNumber = sys_days(date).time_since_epoch().count();
-  return dayNumber * kDaySeconds + time.hour * 3600 + time.minute * 60 + time.second;
+  return dayNumber * kDaySeconds + std::int64_t{time.hour} * 3600 + std::int64_t{time.minute} * 60 +
+         time.second;
 }
 
 std::optional<std::int64_t> unixSecondsOfLatestYear(CivilTime time, std::int64_t now) noexcept {
@@ -53,11 +56,14 @@ std::optional<std::int64_t> unixSecondsOfLatestYear(CivilTime time, std::int64_t
 }
 
 int monthOfName(std::string_view name) noexcept {
-  static constexpr std::array<std::string_view, 12> kMonths{"jan", "feb", "mar", "apr", "may", "jun",
-                                                            "jul", "aug", "sep", "oct", "nov", "dec"};
-  if (name.size() != 3) return 0;
-  for (std::size_t i = 0; i < kMonths.size(); ++i) {
-    if (ascii::equalBlindToCase(name, kMonths[i])) return static_cast<int>(i) + 1;
+  constexpr std::string_view kMonths = "janfebmaraprmayjunjulaugsepoctnovdec";
+  constexpr std::size_t kLength = 3;
+  if (name.size() != kLength) return 0;
+  const std::array<char, kLength> lower{ascii::lowerCase(name[0]), ascii::lowerCase(name[1]),
+                                        ascii::lowerCase(name[2])};
+  for (std::size_t at = 0; at < kMonths.size(); at += kLength) {
+    if (std::equal(lower.begin(), lower.end(), kMonths.begin() + at))
+      return static_cast<int>(at / kLength) + 1;
   }
   return 0;
 }

@@ -1,55 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Pure parsers of directory listings; no I/O. Names are bytes as the server sent them.
+// Pure parsers of the rows of directory listings; no I/O. Names are bytes as the server sent them.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
-#include <vector>
+
+#include "framework/internet/listing/FtpEntry.h"
 
 namespace internet {
-
-inline constexpr std::size_t kMaxListingEntries = 4'000'000;
-inline constexpr std::size_t kMaxNameLength = 4096;  // bytes; a longer name would fit into no command
-
-// Attribute bits of an entry, numbered as Windows does.
-inline constexpr std::uint32_t kEntryReadOnly = 0x01;  // Unix: its owner may not write
-inline constexpr std::uint32_t kEntryHidden = 0x02;    // the name begins with a dot
-inline constexpr std::uint32_t kEntryDirectory = 0x10;
-inline constexpr std::uint32_t kEntryNormal = 0x80;  // a file without any other bit
-
-struct FtpEntry {
-  // Without directory; never "", "." or "..", never with '/', a control byte or a ".." between backslashes,
-  // and shorter than kMaxNameLength.
-  std::string name;
-  std::uint64_t size = 0;        // bytes; 0 for directories, links and where unknown
-  std::int64_t modified = 0;     // seconds since 1970-01-01 UTC; 0 where unknown
-  std::uint32_t attributes = 0;  // kEntry...
-  bool isDirectory = false;
-  bool isLink = false;  // a symbolic link whose target's kind is unknown
-  // `modified` is a clock in the server's own zone, which the row does not tell.
-  bool inServersZone = false;
-};
-
-struct FtpListing {
-  std::vector<FtpEntry> entries;  // in the server's order
-  std::size_t unparsedLines =
-      0;                   // rows that are no entry, no known header ("total 88", blank) and no error text
-  bool cutInLine = false;  // the last row had no line end
-  bool lastLineUnparsed = false;  // the last row is one of unparsedLines
-  bool overLimit = false;         // more entries than allowed: the rest was not read
-  std::string errorText;          // the first row that is a server's error message in place of an entry
-};
-
-struct ListingRules {
-  // The listed directory where it is known: a row that says "directory/name" is taken as "name". "./name"
-  // always is; any other name with a slash is no entry.
-  std::string_view directory = {};
-  std::size_t maxEntries = kMaxListingEntries;
-  // Called every few thousand rows; it may throw.
-  void (*betweenRows)() = nullptr;
-};
 
 // One row of MLSD, "type=file;size=3; name". False when it is no such row, or names the listed directory or
 // its parent. Facts that are unknown or cannot be read count as missing; without the facts' part (" name")
@@ -78,13 +37,6 @@ bool parseMlsxLine(std::string_view line, FtpEntry& entry);
 // latest that is not more than a day ahead. Times without a zone are taken as UTC. A size of more than 64
 // bits makes the row no entry.
 bool parseListLine(std::string_view line, std::int64_t now, FtpEntry& entry);
-
-// Lines end in LF or CR LF; in CR alone where the text has no LF at all.
-FtpListing parseMlsd(std::string_view text, const ListingRules& rules = {});
-// The rows of LIST may tell of one another: headers name the dialect, a name may stand alone in its row, of
-// several versions of a file the first has the name and the others have it with their version; and where all
-// rows of Unix show a year with a clock behind it, that is no part of the name.
-FtpListing parseList(std::string_view text, std::int64_t now, const ListingRules& rules = {});
 
 // Windows file name rules: blind to the case of ASCII letters; "*" and "*.*" match everything, "*." names
 // without a dot, "name.*" also "name"; '?' is one character (of UTF-8, else one byte), or none before a dot

@@ -16,9 +16,11 @@ bool beginsWithClock(std::string_view name) noexcept {
   return !name.starts_with(' ') && readClock(fields.next(), time) && !fields.restAfterBlank().empty();
 }
 
+bool showsYearAndClock(const RawRow& row) noexcept { return !row.inServersZone && beginsWithClock(row.name); }
+
 }  // namespace
 
-void takeRest(const FtpEntry& rest, FtpEntry& entry) noexcept {
+void takeRest(const EntryFacts& rest, EntryFacts& entry) noexcept {
   if (!entry.isDirectory) entry.size = rest.size;
   entry.modified = rest.modified;
   entry.inServersZone = rest.inServersZone;
@@ -40,8 +42,13 @@ RowKind ListReader::read(std::string_view line, FtpEntry& entry) {
 bool ListReader::readUnixOrDos(std::string_view line, RawRow& row) noexcept {
   if (!readUnixRow(line, context_, row)) return readDosRow(line, row);
   ++unixRows_;
-  if (!row.inServersZone && beginsWithClock(row.name)) ++yearsAndClocks_;
+  if (showsYearAndClock(row)) ++yearsAndClocks_;
   return true;
+}
+
+bool ListReader::mayBeginClocksInNames(std::string_view line) const noexcept {
+  RawRow row;
+  return unixRows_ == 0 && readUnixRow(line, context_, row) && showsYearAndClock(row);
 }
 
 bool ListReader::readOther(std::string_view line, RawRow& row) noexcept {

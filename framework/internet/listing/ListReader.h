@@ -12,21 +12,25 @@
 namespace internet {
 
 // What a row of the kind `rest` tells of the entry before it.
-void takeRest(const FtpEntry& rest, FtpEntry& entry) noexcept;
+void takeRest(const EntryFacts& rest, EntryFacts& entry) noexcept;
 
 class ListReader {
  public:
-  // `now` and `directory` as for parseList().
+  // `now` as for parseListLine(), `directory` as in ListingRules.
   ListReader(std::int64_t now, std::string_view directory) noexcept
       : directory_(directory), context_{.now = now} {}
 
   // `entry` is written where the row is one; for takeRest(), where it is the rest of one.
   RowKind read(std::string_view line, FtpEntry& entry);
 
-  // All rows that were read show a year, and what looks like a clock begins their names: so many are none.
+  // All rows of Unix that were read show a year, and what looks like a clock begins their names.
+  [[nodiscard]] bool mayHaveClocksInNames() const noexcept { return yearsAndClocks_ == unixRows_; }
+  // So many are none.
   [[nodiscard]] bool clocksAreInNames() const noexcept {
-    return yearsAndClocks_ >= 2 && yearsAndClocks_ == unixRows_;
+    return yearsAndClocks_ >= 2 && mayHaveClocksInNames();
   }
+  // No row of Unix was read, and this one is such a row.
+  [[nodiscard]] bool mayBeginClocksInNames(std::string_view line) const noexcept;
   // Reads such rows with the clock as a part of the date.
   void takeClocksBehindYears() noexcept { context_.clockBehindYear = true; }
 

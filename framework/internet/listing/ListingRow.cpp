@@ -39,14 +39,6 @@ std::string_view withoutDirectory(std::string_view name, std::string_view direct
 
 }  // namespace
 
-std::string_view RowFields::next() noexcept {
-  const std::size_t start = std::min(rest_.find_first_not_of(' '), rest_.size());
-  const std::size_t end = std::min(rest_.find(' ', start), rest_.size());
-  const std::string_view field = rest_.substr(start, end - start);
-  rest_.remove_prefix(end);
-  return field;
-}
-
 std::string_view RowFields::restAfterBlank() const noexcept {
   return rest_.starts_with(' ') ? rest_.substr(1) : std::string_view();
 }

@@ -63,7 +63,7 @@ bool matchesWildcards(std::string_view pattern, std::string_view name) noexcept 
 }  // namespace
 
 bool matchesPattern(std::string_view pattern, std::string_view name) {
-  if (ascii::equalBlindToCase(pattern, name)) return true;
+  if (pattern == "*" || pattern == "*.*" || ascii::equalBlindToCase(pattern, name)) return true;
   // Names that hold no dot, by an ending that is none itself.
   if (pattern.size() > 1 && pattern.ends_with('.')) {
     pattern.remove_suffix(1);

@@ -18,7 +18,7 @@ bool readNetwareRow(std::string_view line, const RowContext& context, RawRow& ro
   }
   row = RawRow();
   RowFields fields(line.substr(kRightsLength - 1));
-  if (!readSizeAndDate(fields, context, false, row)) return false;
+  if (!readSizeAndDate(fields, {.now = context.now}, false, row)) return false;
   row.isDirectory = rights[0] == 'd';
   row.readOnly = rights.find('W') == std::string_view::npos;
   row.name = withoutPadding(fields.rest());
