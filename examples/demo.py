@@ -4,6 +4,7 @@
 library, then the DLL under Wine. Every result is compared with what is true; a wrong one makes the exit code 1."""
 
 import argparse
+import os
 import pathlib
 import re
 import shlex
@@ -41,12 +42,12 @@ class Client:
         self.build = build
         self._server = server
 
-    def run(self, *command, user=None, at=None):
-        server = at or self._server
-        login = ["--host", server.host, "--port", str(server.port), "--user", user or self._server.user]
-        arguments = [*login, "--password", self._server.password, *command]
+    def run(self, *command, user=None):
+        server = self._server
+        arguments = ["--host", server.host, "--port", str(server.port), "--user", user or self._server.user, *command]
         print("  $ qxftp " + shlex.join(arguments), flush=True)
-        done = subprocess.run(self.build.command("qxftp") + arguments, capture_output=True, text=True, timeout=300)
+        done = subprocess.run(self.build.command("qxftp") + arguments, capture_output=True, text=True, timeout=300,
+                              env={**os.environ, "QXFTP_PASSWORD": self._server.password})
         for line in (done.stdout + done.stderr).splitlines():
             print("    " + line)
         return done
@@ -57,8 +58,8 @@ def look_around(client):
     judge("> PASS ****" in done.stderr, "tells the protocol, without the password")
     judge(done.returncode == 0 and "connected" in done.stdout, "logged in and out")
     done = client.run("ls", "/pub")
-    names = {line.split()[-1] for line in done.stdout.splitlines()[:-1]}
-    judge(names == {"readme.txt", "empty", "docs", "large.bin", "incoming"}, "lists the five entries of /pub")
+    names = {line.split()[-1] for line in done.stdout.splitlines()}
+    judge(names == {"readme.txt", "empty", "docs/", "large.bin", "incoming/"}, "lists the five entries of /pub")
     done = client.run("count", "/pub")
     judge(done.stdout.strip() == "3 files, 2 directories", "counts them")
     for path, size in (("/pub/large.bin", LARGE), ("/pub/docs/guide.txt", 28), ("/pub/empty", 0)):
@@ -66,7 +67,7 @@ def look_around(client):
     judge("is a file" in client.run("exists", "/pub/docs/guide.txt").stdout, "the guide is a file")
     judge("is a directory" in client.run("exists", "/pub/docs/old").stdout, "docs/old is a directory")
     done = client.run("exists", "/pub/none")
-    judge(done.returncode == 1 and "FTPDirExist '/pub/none' failed!" in done.stderr, "a missing path is missing")
+    judge(done.returncode == 5 and "is not there" in done.stdout, "a missing path is missing")
 
 
 def move_files(client, server, folder):
@@ -84,7 +85,7 @@ def change_content(client, server, folder):
     note = "/pub/incoming/note.bin"
     done = client.run("write", client.build.local(local), note)
     judge(done.returncode == 0 and server.matches(note, UP_SEED, NOTE), f"wrote {NOTE} bytes from memory")
-    done = client.run("read", note, client.build.local(back))
+    done = client.run("read", note, "--output", client.build.local(back))
     judge(done.returncode == 0 and file_matches(back, UP_SEED, NOTE), "read them back")
     done = client.run("append", client.build.local(local), note)
     judge(done.returncode == 0 and server.size(note) == 2 * NOTE, "appended the same again")
@@ -95,10 +96,6 @@ def change_tree(client, server, folder, note):
     size = server.size(note)
     done = client.run("copy", note, "/pub/incoming/copy.bin")
     judge(done.returncode == 0 and server.size("/pub/incoming/copy.bin") == size, "copied it on the server")
-    local = folder / "copied.bin"
-    # Between a remote and a local path the drive letter makes the difference, on Linux, too.
-    done = client.run("copy", note, f"Z:{local}")
-    judge(done.returncode == 0 and local.stat().st_size == size, "copied it here")
     done = client.run("move", "/pub/incoming/copy.bin", "/pub/docs/moved.bin")
     moved = server.size("/pub/docs/moved.bin") == size and server.size("/pub/incoming/copy.bin") is None
     judge(done.returncode == 0 and moved, "moved the copy")
@@ -122,17 +119,16 @@ def download_from_the_web(client, folder):
     write_pattern(folder / "web.bin", UP_SEED, LARGE)
     local = folder / "from-web.bin"
     with WebServer(folder) as web:
-        done = client.run("http", "/web.bin", client.build.local(local), at=web)
+        address = f"http://{web.host}:{web.port}"
+        done = client.run("http", f"{address}/web.bin", client.build.local(local))
         judge(done.returncode == 0 and file_matches(local, UP_SEED, LARGE), "downloaded it from a web server")
-        done = client.run("http", "/none.bin", client.build.local(folder / "none"), at=web)
+        done = client.run("http", f"{address}/none.bin", client.build.local(folder / "none"))
         judge(done.returncode == 1 and not (folder / "none").exists(), "what is not there makes no file")
 
 
 def be_refused(client):
     done = client.run("connect", user="stranger")
-    # 12014: the server refused user or password.
-    record = re.search(r"^error: +12014 \(code 1000\): .*password", done.stderr, re.M)
-    judge(done.returncode == 1 and record, "a refused login is told by the error record")
+    judge(done.returncode == 4 and re.search("password.* 530 ", done.stderr), "a refused login is told as one")
 
 
 def demonstrate(build, kind):

@@ -11,6 +11,22 @@ CLI::App& Commands::add(const std::string& name, const std::string& text, const 
   return command;
 }
 
+CLI::App& Commands::addForPaths(const std::string& name, const std::string& text, const std::string& example,
+                                RunForPaths work, const std::string& path) {
+  const auto paths = std::make_shared<std::vector<std::string>>();
+  CLI::App& command = add(name, text, example, [=](Context& context) { work(context, *paths); });
+  takePaths(command, *paths, path);
+  return command;
+}
+
+void takePaths(CLI::App& command, std::vector<std::string>& paths, const std::string& text) {
+  command.add_option("PATH", paths, text)->required()->option_text("...");
+}
+
+void takeWord(CLI::App& command, std::string& word, const std::string& name, const std::string& text) {
+  command.add_option(name, word, text)->required()->option_text(" ");
+}
+
 std::string Commands::chosen() const { return m_app.get_subcommands().front()->get_name(); }
 
 }  // namespace qxftp

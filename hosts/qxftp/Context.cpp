@@ -44,6 +44,18 @@ Place Context::place(const std::string& text) const {
   return place;
 }
 
+Place Context::placeBeside(const Place& first, const std::string& text) const {
+  if (!hosts::isAddress(text)) return at(first, text);
+  Place second = place(text);
+  const std::string user = second.address.login.user;
+  second.address.login.user = first.address.login.user;
+  const bool isSame = hosts::textOf({first.address.login, {}}) == hosts::textOf({second.address.login, {}});
+  if (!isSame || (!user.empty() && user != first.address.login.user)) {
+    throw WrongUsage("both paths have to be at one server");
+  }
+  return at(first, second.path());
+}
+
 Place Context::at(const Place& place, const std::string& path) {
   Place other{path, place.address};
   other.address.path = path;
@@ -59,13 +71,17 @@ void Context::addFailure(const std::string& what, Json result, const qx::Report&
   m_tally.addFailure(report);
   result["ok"] = false;
   result["error"] = jsonOf(report);
+  const std::string reply = m_servers.refusal().text();
+  if (!reply.empty()) result["error"]["reply"] = reply;
   m_results.push_back(std::move(result));
-  warn(what + ": " + (report.isCancelled ? "cancelled" : report.text));
+  const std::string text = reply.empty() ? report.text : report.text + " (the server: " + reply + ")";
+  warn(what + ": " + (report.isCancelled ? "cancelled" : text));
 }
 
 void Context::one(const std::string& what, const std::function<void(Json& result)>& work) {
   Json result = {{"path", what}, {"ok", true}};
   m_isNo = false;
+  m_servers.refusal().forget();
   try {
     if (hosts::isInterrupted()) throw Failure{{false, true, 0, "cancelled", {}}};
     work(result);
@@ -77,6 +93,7 @@ void Context::one(const std::string& what, const std::function<void(Json& result
 }
 
 void Context::attempt(const Place& place, const std::function<void()>& work) {
+  m_servers.refusal().forget();
   try {
     work();
   } catch (const Failure& failure) {
@@ -101,6 +118,10 @@ void Context::say(const std::string& line) const {
   if (!m_settings.isJson) std::printf("%s\n", printable(line).c_str());
 }
 
-void Context::warn(const std::string& line) { std::fprintf(stderr, "qxftp: %s\n", printable(line).c_str()); }
+// In the order in which both came, where they go to one place.
+void Context::warn(const std::string& line) {
+  std::fflush(stdout);
+  std::fprintf(stderr, "qxftp: %s\n", printable(line).c_str());
+}
 
 }  // namespace qxftp

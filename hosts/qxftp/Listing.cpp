@@ -19,12 +19,17 @@ std::optional<std::vector<QXDirEntry>> entriesOf(Context& context, const Place& 
   return entries;
 }
 
-QXDirEntry entryOf(Context& context, const Place& place) {
+std::optional<QXDirEntry> entryOf(Context& context, const Place& place) {
   const auto [folder, name] = splitPath(place.path());
   const auto entries = entriesOf(context, Context::at(place, folder)).value_or(std::vector<QXDirEntry>());
   const auto found = std::ranges::find(entries, name, [](const QXDirEntry& entry) { return entry.szName; });
-  if (found == entries.end()) fail("there is no such file or directory");
-  return *found;
+  return found != entries.end() ? std::optional(*found) : std::nullopt;
+}
+
+std::uint64_t wholeSize(Context& context, const Place& place) {
+  const std::uint32_t size = need(context.connected(place).size(place.path()));
+  const auto entry = entryOf(context, place);
+  return entry && static_cast<std::uint32_t>(sizeOf(*entry)) == size ? sizeOf(*entry) : size;
 }
 
 std::uint64_t sizeOf(const QXDirEntry& entry) {

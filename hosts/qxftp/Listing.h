@@ -10,8 +10,11 @@ namespace qxftp {
 // Failure.
 [[nodiscard]] std::optional<std::vector<QXDirEntry>> entriesOf(Context& context, const Place& directory);
 
-// The one that the path names, in the listing of its folder. Throws Failure, also where there is none.
-[[nodiscard]] QXDirEntry entryOf(Context& context, const Place& place);
+// The one that the path names, in the listing of its folder. Throws Failure.
+[[nodiscard]] std::optional<QXDirEntry> entryOf(Context& context, const Place& place);
+
+// Of a file. The library tells 32 bits, the listing of its folder the rest. Throws Failure.
+[[nodiscard]] std::uint64_t wholeSize(Context& context, const Place& place);
 
 [[nodiscard]] std::uint64_t sizeOf(const QXDirEntry& entry);
 

@@ -6,6 +6,7 @@
 #include "QXVersion.h"
 #include "hosts/qxftp/Commands.h"
 #include "hosts/shared/Interrupt.h"
+#include "hosts/shared/Terminal.h"
 
 namespace qxftp {
 namespace {
@@ -15,6 +16,10 @@ void addOptions(CLI::App& app, Settings& settings) {
                  "server of paths that are no whole addresses: a name or an address");
   app.add_option("--port", settings.port, "its port")->check(CLI::Range(1, 65535));
   app.add_option("--user", settings.user, "user, where an address names none");
+  app.add_option("--password-file", settings.passwordFile,
+                 "file whose first line is the password; \"-\": standard input");
+  app.add_option("--netrc", settings.netrc, "file of logins, in place of ~/.netrc (Windows: _netrc)");
+  app.add_flag("--no-netrc", settings.ignoresNetrc, "reads no such file");
   app.add_option("--library", settings.library,
                  "file of the library, in place of the one beside this program");
   app.add_option("--retries", settings.retries, "how often a failed attempt is made again")
@@ -58,21 +63,25 @@ ExitCode runChosen(const Commands& commands, const Settings& settings) {
 int runProgram(int count, const char* const* words) {
   CLI::App app("An FTP client on the command line.", "qxftp");
   app.allow_windows_style_options(false);  // "/pub" is a path
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
   app.fallthrough();
   app.set_version_flag("--version", "qxftp " QXIP_VERSION);
   Settings settings;
   addOptions(app, settings);
   Commands commands(app);
   addLookCommands(commands);
+  addContentCommands(commands);
+  addChangeCommands(commands);
   try {
     app.parse(count, words);
+    if (app.get_subcommands().empty()) return failed(settings, kWrongUsage, "which command? (qxftp --help)");
   } catch (const CLI::Success& asked) {
     return app.exit(asked);
   } catch (const CLI::ParseError& problem) {
     return failed(settings, kWrongUsage, problem.what());
   }
   hosts::catchInterrupts();
+  hosts::prepareStreams();
   return runChosen(commands, settings);
 }
 

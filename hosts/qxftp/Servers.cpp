@@ -3,31 +3,64 @@
 
 #include <cstdio>
 
+#include "QXErrorInfo.h"
 #include "hosts/qxftp/Outcome.h"
 #include "hosts/qxftp/Printable.h"
 #include "hosts/shared/Interrupt.h"
 #include "hosts/shared/Library.h"
+#include "hosts/shared/Passwords.h"
 
 namespace qxftp {
 namespace {
 
-qx::Lambdas lambdasOf(const Settings& settings) {
-  qx::Lambdas lambdas;
-  lambdas.poll = [](const qx::Progress&) {
-    return hosts::isInterrupted() ? qx::Poll::cancel : qx::Poll::goOn;
-  };
-  if (settings.isVerbose) {
-    lambdas.line = [](const char* line) { std::fprintf(stderr, "%s\n", printable(line).c_str()); };
+qx::Login completed(qx::Login login, const Settings& settings) {
+  login.isPassive = !settings.isActive;
+  try {
+    hosts::completeLogin(login, {.file = settings.passwordFile,
+                                 .variable = "QXFTP_PASSWORD",
+                                 .netrc = settings.netrc,
+                                 .usesNetrc = !settings.ignoresNetrc});
+  } catch (const hosts::NoPassword& problem) {
+    throw Failure{{true, hosts::isInterrupted(), QX_ERROR_LOGIN_FAILURE, problem.what(), {}}};
   }
-  return lambdas;
+  return login;
 }
 
 }  // namespace
 
+// "< 550 No such file"
+void Refusal::take(std::string_view line) {
+  if (!line.starts_with("< 4") && !line.starts_with("< 5")) return;
+  const std::lock_guard lock(m_lock);
+  m_text = line.substr(2);
+}
+
+void Refusal::forget() {
+  const std::lock_guard lock(m_lock);
+  m_text.clear();
+}
+
+std::string Refusal::text() const {
+  const std::lock_guard lock(m_lock);
+  return m_text;
+}
+
+qx::Lambdas Servers::lambdas() {
+  qx::Lambdas lambdas;
+  lambdas.poll = [](const qx::Progress&) {
+    return hosts::isInterrupted() ? qx::Poll::cancel : qx::Poll::goOn;
+  };
+  lambdas.line = [this](const char* line) {
+    m_refusal.take(line);
+    if (m_settings.isVerbose) std::fprintf(stderr, "%s\n", printable(line).c_str());
+  };
+  return lambdas;
+}
+
 qx::Client Servers::makeClient() {
   if (m_exports.create == nullptr) m_exports = hosts::openLibrary(m_settings.library);
   auto client = qx::Client::make(m_exports).value();
-  client.use(lambdasOf(m_settings));
+  client.use(lambdas());
   client.setRetries(m_settings.retries);
   return client;
 }
@@ -35,10 +68,8 @@ qx::Client Servers::makeClient() {
 Servers::Entry& Servers::entry(const hosts::Address& address) {
   const std::string key = hosts::textOf({address.login, {}});
   if (const auto known = m_entries.find(key); known != m_entries.end()) return known->second;
-  qx::Login login = address.login;
-  login.isPassive = !m_settings.isActive;
-  Entry made{makeClient(), login};
-  need(made.client.setLogin(login));
+  Entry made{makeClient(), completed(address.login, m_settings)};
+  need(made.client.setLogin(made.login));
   return m_entries.emplace(key, std::move(made)).first->second;
 }
 

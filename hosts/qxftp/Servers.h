@@ -4,15 +4,32 @@
 
 #include <map>
 #include <memory>
+#include <mutex>
+#include <string_view>
 
 #include "hosts/qxftp/Settings.h"
 #include "hosts/shared/Address.h"
 
 namespace qxftp {
 
+// The server's own words for what it would not do, which the library's texts often lack. Lines come on any
+// thread.
+class Refusal {
+ public:
+  void take(std::string_view line);
+  void forget();
+  [[nodiscard]] std::string text() const;
+
+ private:
+  mutable std::mutex m_lock;
+  std::string m_text;
+};
+
 class Servers {
  public:
   explicit Servers(const Settings& settings) : m_settings(settings) {}
+  Servers(const Servers&) = delete;
+  Servers& operator=(const Servers&) = delete;
 
   // Has the login data, and is cancelled by Ctrl-C where an operation can be. Loads the library with the
   // first one. Throws std::runtime_error where there is no library or no password.
@@ -24,6 +41,9 @@ class Servers {
   // Without login data, for the web.
   [[nodiscard]] qx::Client& anonymous();
 
+  // The last one of any server.
+  [[nodiscard]] Refusal& refusal() { return m_refusal; }
+
  private:
   struct Entry {
     qx::Client client;
@@ -33,8 +53,10 @@ class Servers {
 
   Entry& entry(const hosts::Address& address);
   qx::Client makeClient();
+  [[nodiscard]] qx::Lambdas lambdas();
 
   const Settings& m_settings;
+  Refusal m_refusal;
   qx::Exports m_exports;
   std::map<std::string, Entry> m_entries;  // by the address without a path
 };

@@ -40,8 +40,8 @@ class Consumers(unittest.TestCase):
 
     def assert_qxftp_lists(self, program):
         port, user, password = self.login()
-        output = self.scratch.run(*self.runner, program, "--host", "127.0.0.1", "--port", port, "--user", user,
-                                  "--password", password, "ls", "/pub")
+        output = self.scratch.run(*self.runner, program, "ls", f"ftp://{user}@127.0.0.1:{port}/pub",
+                                  QXFTP_PASSWORD=password)
         for name in NAMES:
             self.assertIn(name, output)
 

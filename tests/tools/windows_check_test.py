@@ -219,7 +219,7 @@ class Runs(unittest.TestCase):
         (self.root / "tests.json").write_text("{}")
         command = [sys.executable, str(self.root / "check.py"), "--through", str(self.runner), "--serve"]
         done = subprocess.run(command, capture_output=True, text=True, check=True, input="\n")
-        line = r"^ftp: bin/qxftp.exe --host 127\.0\.0\.1 --port \d+ --user u --password p ls /\n"
+        line = r"^ftp: bin/qxftp.exe --host ftp://u:p@127\.0\.0\.1:\d+ ls /\n"
         self.assertRegex(done.stdout, line)
 
 

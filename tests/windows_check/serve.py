@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Servers that a person tries the example hosts on: the scripted ones of the tests, until Enter is pressed."""
+"""Servers that a person tries the hosts on: the scripted ones of the tests, until Enter is pressed."""
 
 import json
 import os
@@ -37,8 +37,7 @@ def serve(port, name):
         if "port" not in answer:
             print(f"{scheme}: {answer.get('unavailable') or answer['error']}")
             continue
-        host = "127.0.0.1" if scheme == "ftp" else f"{scheme}://127.0.0.1"
-        print(f"{scheme}: {name} --host {host} --port {answer['port']} --user u --password p ls /", flush=True)
+        print(f"{scheme}: {name} --host {scheme}://u:p@127.0.0.1:{answer['port']} ls /", flush=True)
     try:
         input(f"Enter ends them.{os.linesep}")
     except EOFError:

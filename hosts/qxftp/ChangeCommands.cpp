@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: MIT
+// The commands that change what is on a server.
+#include <cctype>
+#include <memory>
+
+#include "hosts/qxftp/Commands.h"
+#include "hosts/qxftp/Listing.h"
+#include "hosts/qxftp/Wildcards.h"
+
+namespace qxftp {
+namespace {
+
+using Paths = std::vector<std::string>;
+
+// Copies take a path for a local one by its form: a drive, a share, or one character. Here all of them are on
+// the server.
+std::string asRemote(const std::string& path) {
+  const bool hasDrive =
+      path.size() > 1 && std::isalpha(static_cast<unsigned char>(path[0])) != 0 && path[1] == ':';
+  const bool isOne = path.size() == 1 && path != "/";
+  return hasDrive || isOne || path.starts_with("\\\\") ? "./" + path : path;
+}
+
+// The library answers "done" where the server has refused the second half of a copy.
+void checkCopy(Context& context, const Place& to, std::uint64_t size) {
+  if (wholeSize(context, to) != size) fail("the server has not got the whole copy");
+}
+
+void copyOne(Context& context, const Place& from, const Place& to) {
+  const std::uint64_t size = wholeSize(context, from);
+  need(context.client(from).copy(asRemote(from.path()), asRemote(to.path())));
+  checkCopy(context, to, size);
+}
+
+// It also leaves the source where it is not sure of the copy.
+void moveOne(Context& context, const Place& from, const Place& to) {
+  const std::uint64_t size = wholeSize(context, from);
+  need(context.client(from).move(asRemote(from.path()), asRemote(to.path())));
+  checkCopy(context, to, size);
+  if (need(context.connected(from).fileExists(from.path())))
+    fail("it was copied, but it is still there, too");
+}
+
+using OneTransfer = void (*)(Context& context, const Place& from, const Place& to);
+
+// The last word is the target: a directory where it ends in a slash, which it has to for several sources.
+void transfer(Context& context, const Paths& words, OneTransfer one) {
+  const std::vector<Place> sources = expanded(context, {words.begin(), words.end() - 1});
+  const std::string& target = words.back();
+  const bool isDirectory = target.ends_with('/');
+  if (!isDirectory && sources.size() > 1) {
+    throw WrongUsage("several files need a directory to go to, with a slash at its end");
+  }
+  context.each(sources, [&](const Place& from, Json& result) {
+    const Place to = context.placeBeside(from, isDirectory ? target + splitPath(from.path()).name : target);
+    one(context, from, to);
+    result["to"] = to.text;
+  });
+}
+
+void copy(Context& context, const Paths& words) { transfer(context, words, copyOne); }
+
+void move(Context& context, const Paths& words) { transfer(context, words, moveOne); }
+
+// A new name without a folder stays in the old one's.
+void rename(Context& context, const std::string& from, const std::string& to) {
+  context.each(std::vector<std::string>{from}, [&](const Place& old, Json& result) {
+    const bool isName = to.find_first_of("/\\") == to.npos;
+    const Place renamed =
+        context.placeBeside(old, isName ? joinedPath(splitPath(old.path()).folder, to) : to);
+    need(context.client(old).rename(old.path(), renamed.path()));
+    result["to"] = renamed.text;
+  });
+}
+
+void remove(Context& context, const Paths& paths) {
+  context.each(expanded(context, paths),
+               [&](const Place& place, Json&) { need(context.client(place).remove(place.path())); });
+}
+
+// To the library what is no directory counts as removed.
+void removeDirectories(Context& context, const Paths& paths) {
+  context.each(expanded(context, paths), [&](const Place& place, Json&) {
+    if (!need(context.connected(place).directoryExists(place.path()))) fail("there is no such directory");
+    need(context.client(place).removeDirectory(place.path()));
+  });
+}
+
+void makeDirectories(Context& context, const Paths& paths) {
+  context.each(paths,
+               [&](const Place& place, Json&) { need(context.client(place).createDirectory(place.path())); });
+}
+
+void makeNewDirectory(Context& context, const std::string& parent, const std::string& name) {
+  context.each(std::vector<std::string>{parent}, [&](const Place& place, Json& result) {
+    const std::string made = need(context.client(place).createNewDirectory(place.path(), name));
+    context.say(made);
+    result["made"] = made;
+  });
+}
+
+void addTransfers(Commands& commands) {
+  constexpr auto words =
+      "files on one server, and where to: the last word, a directory where it ends in \"/\"";
+  commands
+      .addForPaths("copy", "Copies files on a server; their content goes through this machine.",
+                   "qxftp copy ftp://me@ftp.example.org/pub/a.txt /pub/b.txt", copy, words)
+      .get_option("PATH")
+      ->expected(2, CLI::detail::expected_max_vector_size);
+  commands
+      .addForPaths("move", "Copies files on a server and removes what was copied.",
+                   "qxftp move 'ftp://me@ftp.example.org/in/*.txt' /pub/", move, words)
+      .get_option("PATH")
+      ->expected(2, CLI::detail::expected_max_vector_size);
+}
+
+void addRename(Commands& commands) {
+  const auto words = std::make_shared<TwoWords>();
+  CLI::App& command = commands.add("rename", "Gives a file or a directory another name or place.",
+                                   "qxftp rename ftp://me@ftp.example.org/pub/old.txt new.txt",
+                                   [=](Context& context) { rename(context, words->first, words->second); });
+  takeWord(command, words->first, "OLD", "file or directory on a server");
+  takeWord(command, words->second, "NEW",
+           "its new path; without a slash, its new name in the same directory");
+}
+
+void addMakeNew(Commands& commands) {
+  const auto words = std::make_shared<TwoWords>();
+  CLI::App& command =
+      commands.add("mknew", "Makes a directory under a name that is free: \"Name\", \"Name (1)\" and so on.",
+                   "qxftp mknew ftp://me@ftp.example.org/pub Incoming",
+                   [=](Context& context) { makeNewDirectory(context, words->first, words->second); });
+  takeWord(command, words->first, "PARENT", "directory on a server");
+  takeWord(command, words->second, "NAME", "name to begin with");
+}
+
+}  // namespace
+
+void addChangeCommands(Commands& commands) {
+  addTransfers(commands);
+  addRename(commands);
+  commands.addForPaths("rm", "Removes files.", "qxftp rm 'ftp://me@ftp.example.org/pub/*.tmp'", remove,
+                       "files on a server, perhaps by wildcards");
+  commands.addForPaths("rmdir", "Removes empty directories.", "qxftp rmdir ftp://me@ftp.example.org/pub/old",
+                       removeDirectories, "directory on a server");
+  commands.addForPaths("mkdir", "Makes directories, and those above them that are missing.",
+                       "qxftp mkdir ftp://me@ftp.example.org/pub/a/b/c", makeDirectories,
+                       "directory on a server");
+  addMakeNew(commands);
+}
+
+}  // namespace qxftp

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: MIT
+// The commands that move a small file's content through memory, and the one for the web.
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
+
+#include "hosts/qxftp/Commands.h"
+#include "hosts/qxftp/Listing.h"
+#include "hosts/shared/Address.h"
+
+namespace qxftp {
+namespace {
+
+std::string contentOf(std::istream& stream) {
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+// "-" is the standard input. The library writes no empty file.
+std::string localContent(const std::string& name) {
+  std::ifstream file;
+  if (name != "-") file.open(name, std::ios::binary);
+  if (name != "-" && !file) fail("the local file " + name + " cannot be read");
+  std::string content = contentOf(name == "-" ? std::cin : file);
+  if (content.empty()) fail("the local file is empty; put can move such a one");
+  return content;
+}
+
+std::span<const std::byte> bytesOf(const std::string& content) {
+  return std::as_bytes(std::span<const char>(content));
+}
+
+void write(Context& context, const TwoWords& words) {
+  context.each(std::vector<std::string>{words.second}, [&](const Place& place, Json& result) {
+    const std::string content = localContent(words.first);
+    need(context.client(place).write(place.path(), bytesOf(content)));
+    result["size"] = content.size();
+  });
+}
+
+// The library answers "done" where the server has refused the upload of the whole.
+void append(Context& context, const TwoWords& words) {
+  context.each(std::vector<std::string>{words.second}, [&](const Place& place, Json& result) {
+    const std::string content = localContent(words.first);
+    const std::uint64_t size = wholeSize(context, place) + content.size();
+    need(context.client(place).append(place.path(), bytesOf(content)));
+    if (wholeSize(context, place) != size) fail("the server has not got the whole of it");
+    result["size"] = size;
+  });
+}
+
+void writeTo(std::ostream& out, const qx::Bytes& content) {
+  out.write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(content.size()));
+  if (!out.flush()) fail("the content cannot be written");
+}
+
+void read(Context& context, const std::vector<std::string>& paths, const std::string& output) {
+  if (context.settings().isJson && output.empty())
+    throw WrongUsage("--json needs the standard output: name a file by --output");
+  std::ofstream file;
+  if (!output.empty()) file.open(output, std::ios::binary);
+  context.each(paths, [&](const Place& place, Json& result) {
+    if (!output.empty() && !file.is_open()) fail("the local file " + output + " cannot be written");
+    const qx::Bytes content = need(context.client(place).read(place.path()));
+    writeTo(output.empty() ? std::cout : file, content);
+    result["size"] = content.size();
+  });
+}
+
+qx::WebFile webFile(const std::string& text) {
+  try {
+    return hosts::parseWebAddress(text);
+  } catch (const std::invalid_argument& problem) {
+    throw WrongUsage(std::string("not an address: ") + problem.what());
+  }
+}
+
+void fetch(Context& context, const TwoWords& words) {
+  const qx::WebFile from = webFile(words.first);
+  context.one(words.first, [&](Json& result) {
+    need(context.anonymous().fetch(from, words.second));
+    result["to"] = words.second;
+  });
+}
+
+using RunWithWords = void (*)(Context& context, const TwoWords& words);
+
+void addWithFile(Commands& commands, const std::string& name, const std::string& text, RunWithWords run) {
+  const auto words = std::make_shared<TwoWords>();
+  CLI::App& command =
+      commands.add(name, text, "qxftp " + name + " note.txt ftp://me@ftp.example.org/pub/note.txt",
+                   [=](Context& context) { run(context, *words); });
+  takeWord(command, words->first, "LOCAL", "local file; \"-\" is the standard input");
+  takeWord(command, words->second, "REMOTE", "file on a server");
+}
+
+void addRead(Commands& commands) {
+  const auto paths = std::make_shared<std::vector<std::string>>();
+  const auto output = std::make_shared<std::string>();
+  CLI::App& command = commands.add("read", "Writes the content of files to the standard output.",
+                                   "qxftp read ftp://ftp.example.org/pub/readme.txt",
+                                   [=](Context& context) { read(context, *paths, *output); });
+  command.alias("cat");
+  takePaths(command, *paths, "file on a server");
+  command.add_option("-o,--output", *output, "local file in place of the standard output")->type_name("FILE");
+}
+
+void addFetch(Commands& commands) {
+  const auto words = std::make_shared<TwoWords>();
+  CLI::App& command =
+      commands.add("http", "Gets a file from the web.", "qxftp http https://www.example.org/ page.html",
+                   [=](Context& context) { fetch(context, *words); });
+  takeWord(command, words->first, "URL", "address that begins with http:// or https://");
+  takeWord(command, words->second, "LOCAL", "local file");
+}
+
+}  // namespace
+
+void addContentCommands(Commands& commands) {
+  addRead(commands);
+  addWithFile(commands, "write", "Makes a file of what a local one has, through memory.", write);
+  addWithFile(commands, "append", "Puts what a local file has behind a file that is there.", append);
+  addFetch(commands);
+}
+
+}  // namespace qxftp

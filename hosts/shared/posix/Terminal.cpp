@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "hosts/shared/Terminal.h"
+
+#include <fcntl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include "hosts/shared/Interrupt.h"
+
+namespace hosts {
+namespace {
+
+class Tty {
+ public:
+  Tty() : m_handle(open("/dev/tty", O_RDWR | O_CLOEXEC)) { m_isOpen = tcgetattr(m_handle, &m_before) == 0; }
+  ~Tty() {
+    if (m_isOpen) tcsetattr(m_handle, TCSAFLUSH, &m_before);
+    if (m_handle >= 0) close(m_handle);
+  }
+  Tty(const Tty&) = delete;
+  Tty& operator=(const Tty&) = delete;
+
+  [[nodiscard]] bool isOpen() const { return m_isOpen; }
+
+  void hideWhatIsTyped() const {
+    termios hidden = m_before;
+    hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    tcsetattr(m_handle, TCSAFLUSH, &hidden);
+  }
+
+  void write(const std::string& text) const {
+    [[maybe_unused]] const auto written = ::write(m_handle, text.data(), text.size());
+  }
+
+  // None at the end and when a signal comes.
+  [[nodiscard]] std::optional<char> read() const {
+    char c = 0;
+    return ::read(m_handle, &c, 1) == 1 ? std::optional(c) : std::nullopt;
+  }
+
+ private:
+  int m_handle;
+  bool m_isOpen;
+  termios m_before{};
+};
+
+}  // namespace
+
+std::optional<std::string> askSecret(const std::string& question) {
+  const Tty tty;
+  if (!tty.isOpen()) return {};
+  tty.hideWhatIsTyped();
+  tty.write(question);
+  std::string line;
+  for (auto c = tty.read(); c && *c != '\n'; c = tty.read()) line += *c;
+  tty.write("\n");
+  return isInterrupted() ? std::nullopt : std::optional(line);
+}
+
+bool isTerminal(std::FILE* stream) { return isatty(fileno(stream)) == 1; }
+
+void prepareStreams() {}
+
+}  // namespace hosts
