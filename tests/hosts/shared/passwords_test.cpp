@@ -7,13 +7,12 @@
 #include <filesystem>
 #include <fstream>
 
-#include "hosts/shared/PrivateFile.h"
+#include "tests/hosts/shared/FileRights.h"
 #include "tests/support/ScratchFolder.h"
-
-using std::filesystem::perms;
 
 class Passwords : public testing::Test {
  protected:
+  testing_support::ScratchFolder m_scratch;
   // Nothing is asked: a test has no user.
   hosts::PasswordSources m_sources{.netrc = write("netrc", "machine h login me password netrcs\n"),
                                    .asks = false};
@@ -21,7 +20,7 @@ class Passwords : public testing::Test {
   std::filesystem::path write(const std::string& name, const std::string& text) {
     const std::filesystem::path file = m_scratch.path() / name;
     std::ofstream(file) << text;
-    std::filesystem::permissions(file, perms::owner_read | perms::owner_write);
+    test::makePrivate(file);
     return file;
   }
 
@@ -36,9 +35,6 @@ class Passwords : public testing::Test {
     }
     return login.user + "/" + login.password;
   }
-
-  // NOLINTNEXTLINE(cppcoreguidelines-non-private-member-variables-in-classes): of the base of tests
-  testing_support::ScratchFolder m_scratch;
 };
 
 TEST_F(Passwords, OfTheAddressCountFirst) { EXPECT_EQ(completed("me", "given"), "me/given"); }
