@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 // qxbrowse: files on this computer and on an FTP server, side by side in a window.
 #include "hosts/qxbrowse/App.h"
+#include "hosts/qxbrowse/Start.h"
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int how) {
-  browse::App app;
-  return app.run(how);
+  return browse::start([how](const browse::Start&) {
+    browse::App app;
+    return app.run(how);
+  });
 }
