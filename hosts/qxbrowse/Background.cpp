@@ -84,7 +84,10 @@ qx::Result<qx::Done> Background::beReady() {
   if (m_client.isThere()) return {qx::Done{}, {}};
   if (!m_login) return {std::nullopt, {true, false, 0, "there is no connection", {}}};
   qx::Lambdas lambdas;
-  lambdas.line = m_line;
+  lambdas.line = [this](const char* line) {
+    m_watch.take(line);
+    if (m_line) m_line(line);
+  };
   if (qx::Result<qx::Done> made = m_client.make(m_exports, std::move(lambdas)); !made) return made;
   qx::Result<qx::Done> connected = m_client.client().connect(*m_login);
   if (!connected) m_client.free();

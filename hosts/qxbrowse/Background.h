@@ -19,12 +19,14 @@
 #include <type_traits>
 
 #include "hosts/shared/EndableClient.h"
+#include "hosts/shared/ListingWatch.h"
 
 namespace browse {
 
 // What a job works with.
 struct Session {
-  qx::Client& client;  // with the operations that EndableClient watches
+  qx::Client& client;          // with the operations that EndableClient watches
+  hosts::ListingWatch& watch;  // of its protocol
   // The job was cancelled. One that makes several calls asks between them.
   const std::atomic<bool>& isStopped;
 };
@@ -61,7 +63,8 @@ class Background {
     using Answer = std::invoke_result_t<Work&, const Session&>;
     const auto task = [this, work = std::move(work)]() mutable -> Answer {
       const qx::Result<qx::Done> ready = beReady();
-      return ready ? work(Session{m_client.client(), m_isStopped}) : Answer(std::nullopt, ready.report());
+      return ready ? work(Session{m_client.client(), m_watch, m_isStopped})
+                   : Answer(std::nullopt, ready.report());
     };
     add(task, std::move(then));
   }
@@ -120,8 +123,9 @@ class Background {
   const Post m_post;
   const Line m_line;
 
-  hosts::EndableClient m_client;  // this and the login: the thread's
+  hosts::EndableClient m_client;  // this and the next two: the thread's
   std::optional<qx::Login> m_login;
+  hosts::ListingWatch m_watch;  // also of the library's threads, while that one waits for them
 
   const std::shared_ptr<int> m_answersToCome = std::make_shared<int>(0);  // the window's thread's
   std::atomic<bool> m_isStopped = false;                                  // the running job is cancelled

@@ -2,13 +2,11 @@
 // The thread that lists, renames and deletes, at servers that answer and at some that never do.
 #include "hosts/qxbrowse/Background.h"
 
-#include <gmock/gmock.h>
-
-#include <cstdlib>
+#include <atomic>
 #include <string>
 #include <vector>
 
-#include "tests/support/Fixture.h"
+#include "tests/hosts/qxbrowse/LaneTest.h"
 
 namespace browse {
 namespace {
@@ -18,51 +16,10 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::UnorderedElementsAre;
 
-// What a user takes for at once; every time-out of the library is longer.
-constexpr std::chrono::seconds kSoon{10};
-
-const qx::Exports& exports() {
-  static const qx::Exports loaded = qx::loadLibrary(std::getenv("QX_LIBRARY")).value();
-  return loaded;
-}
-
-std::uint32_t moduleCount() {
-  exports().addRef();
-  return exports().release();
-}
-
-// The window's thread, without a window.
-class Letters {
- public:
-  void post(Background::Letter letter) {
-    const std::lock_guard lock(m_lock);
-    m_waiting.push_back(std::move(letter));
-    m_come.notify_all();
-  }
-  void readOne() {
-    std::unique_lock lock(m_lock);
-    m_come.wait(lock, [this] { return !m_waiting.empty(); });
-    const Background::Letter letter = std::move(m_waiting.front());
-    m_waiting.pop_front();
-    lock.unlock();
-    letter();
-  }
-
- private:
-  std::mutex m_lock;
-  std::condition_variable m_come;
-  std::deque<Background::Letter> m_waiting;
-};
-
 qx::Result<std::vector<QXDirEntry>> list(const Session& session) { return session.client.list("/pub"); }
 
-class TheBackground : public testing::Test {
+class TheBackground : public LaneTest {
  protected:
-  ~TheBackground() override {
-    background.reset();
-    EXPECT_EQ(moduleCount(), 0U) << "a client is left";
-  }
-
   static std::vector<std::string> names(const qx::Result<std::vector<QXDirEntry>>& entries) {
     std::vector<std::string> found;
     for (const QXDirEntry& entry : entries.valueOr({})) found.emplace_back(entry.szName);
@@ -92,16 +49,7 @@ class TheBackground : public testing::Test {
     EXPECT_THAT(listed, ElementsAre("a.txt", "sub"));
   }
 
-  [[nodiscard]] qx::Login login() const {
-    return {
-        .host = "127.0.0.1", .user = "me", .password = "secret", .port = server.port(), .isPassive = true};
-  }
-
-  const fixture::ScriptedFtp server{
-      R"({"user": "me", "password": "secret", "tree": {"/pub/a.txt": "x", "/pub/sub/": {}}})"};
-  Letters letters;
-  std::optional<Background> background{
-      std::in_place, exports(), [this](Background::Letter letter) { letters.post(std::move(letter)); }};
+  std::optional<Background> background{std::in_place, exports(), post()};
   qx::Report hung;
   std::vector<std::string> listed;
 };
@@ -253,13 +201,13 @@ TEST_F(TheBackground, TellsWhatAJobThrows) {
 TEST_F(TheBackground, TakesCancelsAtAnyMoment) {
   connect();
   int answers = 0;
-  for (int round = 0; round < 200; ++round) {
+  for (int round = 0; round < 60; ++round) {
     background->run(list, [&](const auto&) { ++answers; });
-    for (int spin = 0; spin < round * 20; ++spin) std::this_thread::yield();
+    for (int spin = 0; spin < round * 60; ++spin) std::this_thread::yield();
     background->cancel();
     letters.readOne();
   }
-  EXPECT_EQ(answers, 200);
+  EXPECT_EQ(answers, 60);
   listWell();
 }
 

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// One file on its way, and how far it is.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "hosts/shared/Transfers.h"
+
+namespace browse {
+
+enum class Direction { upload, download, copy };
+
+struct Transfer {
+  Direction direction = Direction::download;
+  hosts::RemoteFile remote;     // where it comes from; of an upload where it goes to
+  std::filesystem::path local;  // the other end; of a copy empty
+  std::string copy;             // of a copy: where it goes to
+  std::shared_ptr<const qx::Login> server;
+  std::optional<std::uint64_t> size;
+};
+
+enum class TransferState { waiting, running, done, failed, cancelled };
+
+struct TransferProgressShown {
+  std::optional<std::uint64_t> moved;  // none: the library does not tell
+  double rate = 0;                     // bytes a second
+  std::optional<std::chrono::seconds> left;
+};
+
+}  // namespace browse

@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: MIT
+// What the background thread does for the panes, at a server with all kinds of names.
+#include "hosts/qxbrowse/ServerJobs.h"
+
+#include <fstream>
+
+#include "tests/hosts/qxbrowse/LaneTest.h"
+#include "tests/support/ScratchFolder.h"
+
+namespace browse {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+class TheServerJobs : public LaneTest {
+ protected:
+  TheServerJobs() {
+    server.put(R"({"/tree/one.txt": "1", "/tree/deep/two.txt": "22", "/tree/deep/er/three.txt": "333",
+                   "/tree/empty/": {}, "/kept/four.txt": "4444", "/tree/link": {"link": "/kept"}})");
+    background.connect(login(), [](const qx::Result<qx::Done>& done) { EXPECT_TRUE(done); });
+    letters.readOne();
+  }
+
+  // Runs the job and returns its answer.
+  template <typename Work>
+  auto run(Work work) {
+    std::optional<std::invoke_result_t<Work, const Session&>> answer;
+    background.run(std::move(work), [&](auto got) { answer.emplace(std::move(got)); });
+    letters.readUntil([&] { return answer.has_value(); });
+    return *answer;
+  }
+
+  [[nodiscard]] static std::vector<std::string> pathsOf(const Problems& problems) {
+    std::vector<std::string> paths;
+    for (const hosts::Problem& problem : problems) paths.push_back(problem.path);
+    return paths;
+  }
+  [[nodiscard]] std::vector<std::string> movesOf(const Expansion& expansion) const {
+    std::vector<std::string> moves;
+    for (const Transfer& transfer : expansion.transfers) {
+      const std::string local =
+          transfer.local.empty() ? "" : transfer.local.lexically_relative(scratch.path()).generic_string();
+      moves.push_back(transfer.remote.path + " " + local + transfer.copy);
+    }
+    return moves;
+  }
+  void write(const std::string& name) const {
+    std::filesystem::create_directories((scratch.path() / name).parent_path());
+    std::ofstream(scratch.path() / name) << name;
+  }
+
+  const testing_support::ScratchFolder scratch;
+  Background background{exports(), post()};
+};
+
+TEST_F(TheServerJobs, ListsAFolderWithItsEntries) {
+  const auto entries = run([](const Session& session) { return listFolder(session, "/tree/deep"); });
+  ASSERT_TRUE(entries);
+  EXPECT_EQ(entries->size(), 2U);
+}
+
+// The library lists what is not there as empty.
+TEST_F(TheServerJobs, AFolderThatIsMissingIsNotEmpty) {
+  const auto missing = run([](const Session& session) { return listFolder(session, "/none"); });
+  EXPECT_FALSE(missing);
+  EXPECT_THAT(missing.report().text, HasSubstr("550"));
+  EXPECT_TRUE(run([](const Session& session) { return listFolder(session, "/tree/empty"); }));
+}
+
+TEST_F(TheServerJobs, RemovesATreeButNotWhatALinkLeadsTo) {
+  const auto removed = run([](const Session& session) { return removePlaces(session, {{"/tree", true}}); });
+  ASSERT_TRUE(removed);
+  EXPECT_THAT(pathsOf(*removed), IsEmpty());
+  EXPECT_FALSE(server.exists("/tree"));
+  EXPECT_TRUE(server.exists("/kept/four.txt"));
+}
+
+TEST_F(TheServerJobs, RemovesTheRestOfATreeInWhichOneFileStays) {
+  server.reconfigure(
+      R"({"rules": [{"on": "DELE", "argument": "/tree/deep/two.txt", "do": [{"reply": "550 Mine"}]}]})");
+  const auto removed = run([](const Session& session) { return removePlaces(session, {{"/tree", true}}); });
+  ASSERT_TRUE(removed);
+  EXPECT_THAT(pathsOf(*removed), ElementsAre("/tree/deep/two.txt"));
+  EXPECT_FALSE(server.exists("/tree/one.txt"));
+  EXPECT_FALSE(server.exists("/tree/deep/er"));
+  EXPECT_TRUE(server.exists("/tree/deep/two.txt"));
+}
+
+TEST_F(TheServerJobs, ExpandsADownloadOfFilesAndFolders) {
+  server.put(R"({"/tree/link": null})");
+  const auto expansion = run([this](const Session& session) {
+    return expandDownload(session, {{"/tree/one.txt", false}, {"/tree/deep", true}, {"/tree/empty", true}},
+                          scratch.path() / "here");
+  });
+  ASSERT_TRUE(expansion);
+  EXPECT_THAT(expansion->problems, IsEmpty());
+  EXPECT_THAT(movesOf(*expansion),
+              UnorderedElementsAre("/tree/one.txt here/one.txt", "/tree/deep/two.txt here/deep/two.txt",
+                                   "/tree/deep/er/three.txt here/deep/er/three.txt"));
+  EXPECT_TRUE(std::filesystem::is_directory(scratch.path() / "here" / "empty"));
+  EXPECT_EQ(expansion->transfers.front().size, 1U);
+  EXPECT_TRUE(expansion->transfers.front().remote.time.has_value());
+}
+
+TEST_F(TheServerJobs, ADownloadTellsWhatHasGoneMeanwhile) {
+  const auto expansion = run([this](const Session& session) {
+    return expandDownload(session, {{"/tree/gone", false}, {"/tree/one.txt", false}}, scratch.path());
+  });
+  ASSERT_TRUE(expansion);
+  EXPECT_THAT(pathsOf(expansion->problems), ElementsAre("/tree/gone"));
+  EXPECT_EQ(expansion->transfers.size(), 1U);
+}
+
+// A name that is a path here would have been written elsewhere.
+TEST_F(TheServerJobs, ADownloadLeavesOutNamesThatCannotBeHere) {
+  server.put(R"({"/odd/good": "x"})");
+  server.reconfigure(R"({"rules": [{"on": ["LIST", "MLSD"], "do": [{"normal": {"lines": [
+      "type=file;size=1; good", "type=file;size=1; ..\\..\\bad", "type=dir; up\\.."]}}]}]})");
+  const auto expansion = run([this](const Session& session) {
+    return expandDownload(session, {{"/odd", true}}, scratch.path());
+  });
+  ASSERT_TRUE(expansion);
+  EXPECT_FALSE(std::filesystem::exists(scratch.path().parent_path() / "bad"));
+  for (const Transfer& transfer : expansion->transfers) {
+    EXPECT_THAT(transfer.local.string(), HasSubstr(scratch.path().string()));
+    EXPECT_THAT(transfer.remote.path, testing::Not(HasSubstr("bad")));
+  }
+}
+
+TEST_F(TheServerJobs, ExpandsAnUploadAndMakesItsFolders) {
+  write("up/a.txt");
+  write("up/in/b.txt");
+  write("c.txt");
+  std::filesystem::create_directories(scratch.path() / "up" / "nothing");
+  const auto expansion = run([this](const Session& session) {
+    return expandUpload(session, {scratch.path() / "up", scratch.path() / "c.txt"}, "/tree");
+  });
+  ASSERT_TRUE(expansion);
+  EXPECT_THAT(expansion->problems, IsEmpty());
+  EXPECT_THAT(
+      movesOf(*expansion),
+      UnorderedElementsAre("/tree/up/a.txt up/a.txt", "/tree/up/in/b.txt up/in/b.txt", "/tree/c.txt c.txt"));
+  EXPECT_TRUE(server.exists("/tree/up/nothing"));
+}
+
+TEST_F(TheServerJobs, AnUploadTellsWhatIsNotThere) {
+  const auto expansion = run(
+      [this](const Session& session) { return expandUpload(session, {scratch.path() / "none"}, "/tree"); });
+  ASSERT_TRUE(expansion);
+  EXPECT_EQ(expansion->problems.size(), 1U);
+}
+
+TEST_F(TheServerJobs, ExpandsACopyOfOneAndOfSeveral) {
+  server.put(R"({"/tree/link": null})");
+  const auto one = run([](const Session& session) {
+    return expandCopy(session, {{"/tree", true}}, "/other");
+  });
+  ASSERT_TRUE(one);
+  EXPECT_THAT(movesOf(*one),
+              UnorderedElementsAre("/tree/one.txt /other/one.txt", "/tree/deep/two.txt /other/deep/two.txt",
+                                   "/tree/deep/er/three.txt /other/deep/er/three.txt"));
+  EXPECT_TRUE(server.exists("/other/empty"));
+  const auto several = run([](const Session& session) {
+    return expandCopy(session, {{"/tree/one.txt", false}, {"/kept/four.txt", false}}, "/other");
+  });
+  ASSERT_TRUE(several);
+  EXPECT_THAT(movesOf(*several),
+              ElementsAre("/tree/one.txt /other/one.txt", "/kept/four.txt /other/four.txt"));
+}
+
+// The library would have copied the file over itself.
+TEST_F(TheServerJobs, CopiesNothingOntoItself) {
+  const auto same = run([](const Session& session) {
+    return expandCopy(session, {{"/kept/four.txt", false}}, "/kept/four.txt");
+  });
+  ASSERT_TRUE(same);
+  EXPECT_THAT(same->transfers, IsEmpty());
+  EXPECT_EQ(same->problems.size(), 1U);
+}
+
+TEST_F(TheServerJobs, MovesOneToANewNameAndSeveralIntoAFolder) {
+  const auto one = run([](const Session& session) {
+    return movePlaces(session, {{"/tree/one.txt", false}}, "/kept/1.txt");
+  });
+  ASSERT_TRUE(one);
+  EXPECT_TRUE(server.exists("/kept/1.txt"));
+  const auto several = run([](const Session& session) {
+    return movePlaces(session, {{"/kept/1.txt", false}, {"/none", false}, {"/kept/four.txt", false}},
+                      "/tree");
+  });
+  ASSERT_TRUE(several);
+  EXPECT_THAT(pathsOf(*several), ElementsAre("/none"));
+  EXPECT_TRUE(server.exists("/tree/1.txt"));
+  EXPECT_TRUE(server.exists("/tree/four.txt"));
+}
+
+}  // namespace
+}  // namespace browse
