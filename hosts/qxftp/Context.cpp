@@ -30,6 +30,11 @@ Address atHost(const Settings& settings, const std::string& path) {
   return address;
 }
 
+// A cancel that has left something tells so.
+std::string whyFailed(const qx::Report& report) {
+  return report.isCancelled && !report.text.starts_with("cancelled") ? "cancelled" : report.text;
+}
+
 }  // namespace
 
 Json jsonOf(const qx::Report& report) {
@@ -74,8 +79,8 @@ void Context::addFailure(const std::string& what, Json result, const qx::Report&
   const std::string reply = m_servers.refusal().text();
   if (!reply.empty()) result["error"]["reply"] = reply;
   m_results.push_back(std::move(result));
-  const std::string text = reply.empty() ? report.text : report.text + " (the server: " + reply + ")";
-  warn(what + ": " + (report.isCancelled ? "cancelled" : text));
+  const std::string why = whyFailed(report);
+  warn(what + ": " + (reply.empty() || report.isCancelled ? why : why + " (the server: " + reply + ")"));
 }
 
 void Context::one(const std::string& what, const std::function<void(Json& result)>& work) {

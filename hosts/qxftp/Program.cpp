@@ -5,6 +5,7 @@
 
 #include "QXVersion.h"
 #include "hosts/qxftp/Commands.h"
+#include "hosts/qxftp/TransferCommands.h"
 #include "hosts/shared/Interrupt.h"
 #include "hosts/shared/Terminal.h"
 
@@ -72,6 +73,9 @@ int runProgram(int count, const char* const* words) {
   addLookCommands(commands);
   addContentCommands(commands);
   addChangeCommands(commands);
+  addGet(commands);
+  addPut(commands);
+  addMirror(commands);
   try {
     app.parse(count, words);
     if (app.get_subcommands().empty()) return failed(settings, kWrongUsage, "which command? (qxftp --help)");

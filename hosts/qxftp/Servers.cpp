@@ -47,10 +47,12 @@ std::string Refusal::text() const {
 
 qx::Lambdas Servers::lambdas() {
   qx::Lambdas lambdas;
-  lambdas.poll = [](const qx::Progress&) {
+  lambdas.poll = [this](const qx::Progress& progress) {
+    if (m_onProgress) m_onProgress(progress);
     return hosts::isInterrupted() ? qx::Poll::cancel : qx::Poll::goOn;
   };
   lambdas.line = [this](const char* line) {
+    m_watch.take(line);
     m_refusal.take(line);
     if (m_settings.isVerbose) std::fprintf(stderr, "%s\n", printable(line).c_str());
   };

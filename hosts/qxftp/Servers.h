@@ -2,6 +2,7 @@
 // The clients of a command, one for each login.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -9,6 +10,7 @@
 
 #include "hosts/qxftp/Settings.h"
 #include "hosts/shared/Address.h"
+#include "hosts/shared/ListingWatch.h"
 
 namespace qxftp {
 
@@ -44,6 +46,13 @@ class Servers {
   // The last one of any server.
   [[nodiscard]] Refusal& refusal() { return m_refusal; }
 
+  // What is asked again and again while a client waits; may be null.
+  using OnProgress = std::function<void(const qx::Progress& progress)>;
+  void onProgress(OnProgress onProgress) { m_onProgress = std::move(onProgress); }
+
+  // Of the listing that came last, from whichever server.
+  [[nodiscard]] hosts::ListingWatch& watch() { return m_watch; }
+
  private:
   struct Entry {
     qx::Client client;
@@ -57,6 +66,8 @@ class Servers {
 
   const Settings& m_settings;
   Refusal m_refusal;
+  OnProgress m_onProgress;
+  hosts::ListingWatch m_watch;
   qx::Exports m_exports;
   std::map<std::string, Entry> m_entries;  // by the address without a path
 };

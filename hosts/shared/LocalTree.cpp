@@ -59,14 +59,12 @@ class LocalWalk {
 
   // A link that leads to a folder above would be followed for ever.
   void goInto(const fs::path& folder, const std::string& path) {
-    if (m_walk.links == Links::told) return look(folder, path);
     std::error_code error;
-    const fs::path real = fs::canonical(folder, error);
-    if (error) return problem(path, error.message());
-    if (std::ranges::find(m_above, real) != m_above.end() || real == fs::canonical(m_folder, error)) {
+    const auto isThis = [&](const fs::path& above) { return fs::equivalent(above, folder, error); };
+    if (m_walk.links == Links::followed && std::ranges::any_of(m_above, isThis)) {
       return problem(path, "the link leads to a folder that it is in");
     }
-    m_above.push_back(real);
+    m_above.push_back(folder);
     look(folder, path);
     m_above.pop_back();
   }
@@ -74,7 +72,7 @@ class LocalWalk {
   const fs::path m_folder;
   const Walk& m_walk;
   Tree m_tree;
-  std::vector<fs::path> m_above;  // of the folder that is being looked into, itself included
+  std::vector<fs::path> m_above{m_folder};  // and the folder that is being looked into
 };
 
 }  // namespace

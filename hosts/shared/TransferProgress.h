@@ -20,9 +20,9 @@ struct Amount {
 };
 
 struct ProgressFigures {
-  std::string name;  // of the file; "" between two of them
-  Amount file;       // bytes
-  Amount total;      // bytes of all files
+  std::string name;   // of the file; "" between two of them
+  Amount file = {};   // bytes
+  Amount total = {};  // bytes of all files
   std::uint64_t filesDone = 0;
   std::uint64_t filesInAll = 0;
   double rate = 0;  // bytes a second, of the last seconds

@@ -32,6 +32,7 @@ Outcome outcomeOf(const qx::Report& report, const std::string& left) {
   const std::string why = report.isCancelled ? "cancelled" : isDiskFull ? "the disk is full" : report.text;
   return {.state = report.isCancelled ? State::cancelled : State::failed,
           .text = why + "; " + left,
+          .number = report.number,
           .isDiskFull = isDiskFull,
           .isServerLost = isOutOfReach(report.number)};
 }

@@ -23,8 +23,9 @@ struct Outcome {
   enum class State { done, failed, cancelled };
 
   State state = State::done;
-  std::string text;         // why not, and what is left where
-  bool isDiskFull = false;  // here: the next file would fail as well
+  std::string text;          // why not, and what is left where
+  std::uint32_t number = 0;  // of the library's report
+  bool isDiskFull = false;   // here: the next file would fail as well
   bool isServerLost = false;
 
   explicit operator bool() const { return state == State::done; }
