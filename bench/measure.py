@@ -2,10 +2,50 @@
 """Times whole processes, interleaved, and tells their medians."""
 
 import dataclasses
-import os
+import pathlib
 import statistics
 import subprocess
-import time
+import tempfile
+
+from servers import Build
+
+_RUNNER = Build("linux")
+
+
+@dataclasses.dataclass
+class Sample:
+    """One run of a process: its seconds and its peak memory, and what qxbench has printed of itself."""
+
+    wall: float
+    processor: float
+    memory: int
+    seconds: list = dataclasses.field(default_factory=list)
+    own_processor: float = None
+    own_memory: int = None
+
+    def note(self, line):
+        kind, value = line.split()
+        if kind == "seconds":
+            self.seconds.append(float(value))
+        elif kind == "processor":
+            self.own_processor = float(value)
+        else:
+            self.own_memory = int(value)
+
+
+def run(name, command, reports=False):
+    """The sample of a command, of which `reports` are read."""
+    with tempfile.NamedTemporaryFile("r") as figures:
+        started = [*_RUNNER.command("qxrun"), figures.name, *command]
+        done = subprocess.run(started, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True, errors="replace",
+                              check=False)
+        if done.returncode != 0:
+            raise RuntimeError(f"{name} failed with {done.returncode}: {' '.join(command)}")
+        wall, processor, memory = figures.read().split()
+    sample = Sample(float(wall), float(processor), int(memory))
+    for line in done.stdout.splitlines() if reports else []:
+        sample.note(line)
+    return sample
 
 
 @dataclasses.dataclass
@@ -13,89 +53,113 @@ class Contender:
     """One way to do a piece of work. `before` runs before each process and `after` behind it, both untimed."""
 
     name: str
-    command: list
-    target: float = None  # the most that its median may be, as a multiple of curl's
+    command: object  # a list, or what makes one for each run
     beside: object = None  # another contender, which stands in for curl there
     before: object = None
     after: object = None
-    walls: list = dataclasses.field(default_factory=list)
-    processors: list = dataclasses.field(default_factory=list)
-    inner: list = dataclasses.field(default_factory=list)  # what the program itself measured
+    reports: bool = False  # qxbench does
+    times: int = 1  # how often a process carries the operation out
+    samples: list = dataclasses.field(default_factory=list)
 
     def run_once(self):
-        """Wall and processor seconds of the process, and the seconds that it printed."""
         if self.before:
             self.before()
-        start = time.perf_counter()
-        process = subprocess.Popen(self.command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
-        output = process.stdout.read()
-        _, status, usage = os.wait4(process.pid, 0)
-        wall = time.perf_counter() - start
-        process.returncode = os.waitstatus_to_exitcode(status)
-        if process.returncode != 0:
-            raise RuntimeError(f"{self.name} failed with {process.returncode}")
+        command = self.command() if callable(self.command) else self.command
+        sample = run(self.name, command, self.reports)
         if self.after:
             self.after()
-        return wall, usage.ru_utime + usage.ru_stime, [float(line) for line in output.split()]
+        return sample
 
-    def note(self, wall, processor, inner):
-        self.walls.append(wall)
-        self.processors.append(processor)
-        self.inner += inner
+    def median(self, figure):
+        """None where the program does not tell it."""
+        told = [value for value in (getattr(sample, figure) for sample in self.samples) if value is not None]
+        return statistics.median(told) if told else None
+
+    def operations(self):
+        """The seconds of each operation. A program that does not tell them takes the same for each."""
+        told = [value for sample in self.samples for value in sample.seconds]
+        return sorted(told or [sample.wall / self.times for sample in self.samples])
 
 
-def interleave(contenders, runs):
+def interleave(contenders, runs, warm_up=True):
     """Every contender once to warm up, then `runs` rounds, each beginning with another contender."""
-    for contender in contenders:
+    for contender in contenders if warm_up else []:
         contender.run_once()
     for number in range(runs):
         first = number % len(contenders)
         for contender in contenders[first:] + contenders[:first]:
-            contender.note(*contender.run_once())
+            contender.samples.append(contender.run_once())
 
 
 @dataclasses.dataclass
 class Row:
-    """What one contender took for one piece of work, in seconds. `ratio` is to `beside`, or to curl."""
+    """What one contender took for one piece of work, in seconds and bytes. The ratios are to `beside`, or to curl;
+    `inside` is that of one operation, timed by the host itself."""
 
     work: str
     by: str
     wall: float
     least: float
     most: float
-    processor: float
+    processor: float = None
+    memory: int = None
     one: float = None
+    one_late: float = None  # all but one of a hundred operations are as fast
+    one_most: float = None
+    own_processor: float = None
+    own_memory: int = None
     ratio: float = None
+    processor_ratio: float = None
+    inside: float = None
+    trips: float = None
     beside: str = None
-    target: float = None
 
-    @property
-    def met(self):
-        return not self.target or self.ratio <= self.target
 
-    def cells(self):
-        """As a table shows it under HEAD."""
-        ratio = f"{self.ratio:.2f}{f' of {self.beside}' if self.beside else ''}" if self.ratio else ""
-        target = f"<= {self.target:g}{'' if self.met else ' MISSED'}" if self.target else ""
-        return [self.work, self.by, f"{self.wall:.3f} ({self.least:.3f} - {self.most:.3f})", f"{self.processor:.3f}",
-                f"{self.one:.4f}" if self.one else "", ratio, target]
+def quantile(ordered, share):
+    """The least value that this share of all does not exceed."""
+    return ordered[max(0, -int(-share * len(ordered) // 1) - 1)]
+
+
+def row(work, contender, measure=None):
+    """Its ratios are to the medians of `measure`, or of what it has beside it."""
+    base = contender.beside or measure
+    walls = [sample.wall for sample in contender.samples]
+    made = Row(work, contender.name, statistics.median(walls), min(walls), max(walls), contender.median("processor"),
+               contender.median("memory"))
+    made.own_processor, made.own_memory = contender.median("own_processor"), contender.median("own_memory")
+    if contender.reports or contender.times > 1:
+        each = contender.operations()
+        made.one, made.one_late, made.one_most = statistics.median(each), quantile(each, 0.99), each[-1]
+    if base:
+        made.ratio = made.wall / base.median("wall")
+        made.processor_ratio = made.processor / max(base.median("processor"), 0.001)
+        made.inside = made.one / base.median("wall") if contender.reports and contender.times == 1 else None
+    made.beside = contender.beside.name if contender.beside else None
+    return made
 
 
 def rows(work, contenders, measure=None):
-    """A row for each contender. Its target is a multiple of the median of `measure`, or of what it has beside it."""
-    for contender in contenders:
-        base = contender.beside or measure
-        wall = statistics.median(contender.walls)
-        yield Row(work, contender.name, wall, min(contender.walls), max(contender.walls),
-                  statistics.median(contender.processors),
-                  statistics.median(contender.inner) if contender.inner else None,
-                  wall / statistics.median(base.walls) if base else None,
-                  contender.beside.name if contender.beside else None, contender.target)
+    return [row(work, contender, measure) for contender in contenders]
 
 
-def line(cells):
-    return f"| {' | '.join(cells)} |"
+def _mebibytes(value):
+    return f"{value / (1 << 20):.1f}" if value is not None else ""
 
 
-HEAD = ["work", "by", "wall s, median (min - max)", "processor s", "one operation s", "x curl", "target"]
+def cells(found, targets):
+    """As a table shows a row under HEAD; `targets` is what it has to reach, as a text."""
+    ratio = f"{found.ratio:.2f}{f' of {found.beside}' if found.beside else ''}" if found.ratio else ""
+    return [found.work, found.by, f"{found.wall:.3f} ({found.least:.3f} - {found.most:.3f})",
+            f"{found.processor:.3f}" if found.processor is not None else "",
+            _mebibytes(found.memory), _mebibytes(found.own_memory),
+            f"{found.one:.5f}" if found.one is not None else "",
+            f"{found.trips:.1f}" if found.trips is not None else "", ratio, targets]
+
+
+def line(texts):
+    return f"| {' | '.join(texts)} |"
+
+
+HEAD = ["work", "by", "wall s, median (min - max)", "processor s", "peak MiB", "own MiB", "one operation s",
+        "round trips", "x curl", "targets"]
 RULE = "|" + "---|" * len(HEAD)

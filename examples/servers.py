@@ -9,7 +9,7 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-_FIXTURE = ROOT / "tests/fixture"
+FIXTURE = ROOT / "tests/fixture"
 
 
 def run_under_fixture(scratch=None):
@@ -21,17 +21,17 @@ def run_under_fixture(scratch=None):
         return
     if scratch:
         os.environ["TMPDIR"] = str(scratch)
-    runner = str(_FIXTURE / "run-with-fixture")
+    runner = str(FIXTURE / "run-with-fixture")
     sys.stdout.flush()
     os.execv(runner, [runner, sys.executable, *sys.argv])
 
 
 class Started:
     """A server that the fixture has started, of any kind and script. It ends with `with`, at the latest with the
-    script that asked for it."""
+    script that asked for it. `controller` is the port of another one than that which the script runs beside."""
 
-    def __init__(self, kind, script):
-        self._socket = socket.create_connection(("127.0.0.1", int(os.environ["QX_FIXTURE_PORT"])))
+    def __init__(self, kind, script, controller=None):
+        self._socket = socket.create_connection(("127.0.0.1", controller or int(os.environ["QX_FIXTURE_PORT"])))
         self._answers = self._socket.makefile("r", encoding="utf-8")
         self.started = self._request(op="start", kind=kind, script=script)
         self._number = self.started["id"]
@@ -63,11 +63,12 @@ class Server(Started):
     Where it is `encrypted` it takes no plain login. Programs that go by the environment for it trust its `authority`.
     """
 
-    def __init__(self, kind, encrypted=False):
+    def __init__(self, kind, encrypted=False, host="127.0.0.1", controller=None):
         self.kind = kind
         self.encrypted = encrypted
         # Wine's TLS resumes no sessions, as servers usually want it of data connections.
-        super().__init__(kind, {"tls": {"reuse": False}} if encrypted else {})
+        tls = {"tls": {"reuse": False}} if encrypted else {}
+        super().__init__(kind, {"host": host, **tls}, controller)
         self.user, self.password = self.started["user"], self.started["password"]
         self.authority = f"{os.environ['QX_FIXTURE_DIR']}/certificates/authority.pem"
         if encrypted:
@@ -106,8 +107,8 @@ class WebServer:
 
 def pattern():
     """The module that makes file contents of (seed, size), as the servers do."""
-    if str(_FIXTURE) not in sys.path:
-        sys.path.insert(0, str(_FIXTURE))
+    if str(FIXTURE) not in sys.path:
+        sys.path.insert(0, str(FIXTURE))
     import pattern as module
 
     return module
