@@ -10,5 +10,5 @@
 // The most bytes of memory that the process has had at a time. Windows counts from its start.
 [[nodiscard]] std::uint64_t peakMemory();
 
-// The peak counts from here, where the system can be told so.
-void forgetPeakMemory();
+// The peak counts from here. False where the system cannot be told so.
+[[nodiscard]] bool forgetPeakMemory();

@@ -108,15 +108,20 @@ class Line:
     def _relay(self, *ends):
         command = [sys.executable, str(_HERE / "relay.py"), str(self.seconds / 2), *map(str, ends)]
         # A terminal's Ctrl-C is not for it: it ends with its input.
-        relay = subprocess.Popen(command, stdin=subprocess.PIPE, pass_fds=ends, start_new_session=True)
+        relay = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, pass_fds=ends,
+                                 start_new_session=True)
         for end in ends:
             os.close(end)
         with relay:
+            relay.stdout.readline()
             yield
 
     def near(self):
         """A block whose sockets and processes are at the near end."""
         return _inside(self._near)
+
+    def far(self):
+        return _inside(self._far)
 
     @contextlib.contextmanager
     def server(self, kind):
@@ -125,7 +130,7 @@ class Line:
             environment = {**os.environ, "QX_FIXTURE_DIR": f"{folder}/fixture", "QX_FIXTURE_HOST": FAR}
             os.mkdir(environment["QX_FIXTURE_DIR"])
             command = [sys.executable, "-B", str(FIXTURE / "controller.py")]
-            with _inside(self._far):
+            with self.far():
                 port = stack.enter_context(
                     controller_process.running(command, env=environment, start_new_session=True))
                 server = stack.enter_context(Server(kind, host=FAR, controller=int(port)))

@@ -63,9 +63,6 @@ class Curl(Peer):
     def many_down(self, names, remote, folder):
         return self._command("-o", f"{folder}/{names.curl(1)}", f"{self._address}{remote}/{names.curl()}")
 
-    def many_up(self, names, folder, remote):
-        return self._command("-T", f"{folder}/{names.curl()}", f"{self._address}{remote}/")
-
 
 class Wget(Peer):
     name = "wget"
@@ -146,8 +143,8 @@ class Ncftp(Peer):
     def upload(self, local, remote):
         return self._command("ncftpput", remote.rpartition("/")[0], local)
 
-    def many_down(self, _, remote, folder):
-        return self._command("ncftpget", folder, f"{remote}/*.dat")
+    def many_down(self, names, remote, folder):
+        return self._command("ncftpget", folder, *(f"{remote}/{name}" for name in names.all()))
 
     def many_up(self, names, folder, remote):
         return self._command("ncftpput", remote, *(f"{folder}/{name}" for name in names.all()))

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Draws what bench.py has measured, and fills docs/performance.md with it."""
 
-import itertools
+import dataclasses
 import json
 import pathlib
 import sys
@@ -11,13 +11,18 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tools/documents"))
 
 import blocks  # noqa: E402  (found through the path above)
-from measure import Row  # noqa: E402  (beside this file)
+import tables  # noqa: E402  (beside this file)
+from measure import Row  # noqa: E402
 
 TOOL = "tools/bench"
 DOCUMENT = ROOT / "docs/performance.md"
 PICTURES = "pictures/performance-{}.svg"  # below docs/
-QUERIES = ("exists", "size")
-NAMES = {"linux": "this library, Linux", "windows": "this library, Wine"}
+# Works that share a part of the document and a table, by how their names begin.
+SHARED = {"exists": "queries", "size": "queries", "encrypted": "encrypted", "small files": "small-files",
+          "round trips": "round-trips", "cancel": "cancels", "memory": "memory"}
+# What is drawn of those that have more than a picture can show, and those that are a matter of tables.
+DRAWN_TRIPS = ("download", "upload", "exists", "list")
+NOT_DRAWN = ("cancel", "memory")
 
 # Pixels, and the share of the widest bar that is left for its figure.
 WIDTH, NAMES_WIDTH, BARS_WIDTH, ROW, BAR, TITLE = 720, 200, 400, 26, 16, 34
@@ -35,35 +40,52 @@ text { font: 13px system-ui, "Segoe UI", "DejaVu Sans", sans-serif; fill: #1f232
 """
 
 
-def name(row):
-    by, comma, rest = row.by.partition(", ")
-    return NAMES.get(by, by) + comma + rest
-
-
 def seconds(value):
     return f"{value:.2f} s" if value >= 1 else f"{value * 1000:.0f} ms"
 
 
-def _bar(row, top, scale):
-    middle, width = top + BAR / 2, row.wall * scale
-    whose = "ours" if row.by.partition(", ")[0] in NAMES else "theirs"
-    end = NAMES_WIDTH + max(width, row.most * scale) + 8
-    yield f'<text x="{NAMES_WIDTH - 10}" y="{middle + 4.5:.1f}" text-anchor="end">{escape(name(row))}</text>'
+@dataclasses.dataclass
+class Bar:
+    """`least` and `most` are the ends of its line."""
+
+    name: str
+    is_ours: bool
+    value: float
+    least: float
+    most: float
+    text: str
+
+
+def bar(row):
+    if row.trips is None:
+        value, least, most, text = row.wall, row.least, row.most, seconds(row.wall)
+    else:
+        one = row.wall / row.trips if row.wall else 1
+        value, least, most, text = row.trips, row.least / one, row.most / one, f"{row.trips:.1f}"
+    return Bar(tables.name(row), tables.is_ours(row), value, least, max(value, most), text)
+
+
+def _drawn(one, top, scale):
+    middle, width = top + BAR / 2, one.value * scale
+    whose = "ours" if one.is_ours else "theirs"
+    end = NAMES_WIDTH + one.most * scale + 8
+    yield f'<text x="{NAMES_WIDTH - 10}" y="{middle + 4.5:.1f}" text-anchor="end">{escape(one.name)}</text>'
     yield f'<rect class="{whose}" x="{NAMES_WIDTH}" y="{top}" width="{width:.1f}" height="{BAR}" rx="2"/>'
-    yield (f'<path class="range" d="M{NAMES_WIDTH + row.least * scale:.1f} {middle}'
-           f'H{NAMES_WIDTH + row.most * scale:.1f}"/>')
-    yield f'<text x="{end:.1f}" y="{middle + 4.5:.1f}">{seconds(row.wall)}</text>'
+    yield (f'<path class="range" d="M{NAMES_WIDTH + one.least * scale:.1f} {middle}'
+           f'H{NAMES_WIDTH + one.most * scale:.1f}"/>')
+    yield f'<text x="{end:.1f}" y="{middle + 4.5:.1f}">{one.text}</text>'
 
 
 def svg(panels):
     """A picture of bars below each other; `panels` are (title, rows)."""
-    scale = BARS_WIDTH / max(row.most for _, rows in panels for row in rows)
+    panels = [(title, [bar(row) for row in rows]) for title, rows in panels]
+    scale = BARS_WIDTH / max(one.most for _, bars in panels for one in bars)
     parts, top = [], 0
-    for title, rows in panels:
+    for title, bars in panels:
         parts.append(f'<text class="title" x="{NAMES_WIDTH}" y="{top + 20}">{escape(title)}</text>')
         top += TITLE
-        for row in rows:
-            parts += _bar(row, top, scale)
+        for one in bars:
+            parts += _drawn(one, top, scale)
             top += ROW
     return (f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {top}" width="{WIDTH}" height="{top}">\n'
             f"<style>{STYLE}</style>\n" + "\n".join(parts) + "\n</svg>\n")
@@ -73,41 +95,29 @@ def by_work(rows):
     """The rows of each work in panels: for each server one."""
     works = {}
     for row in rows:
-        work, _, server = row.work.partition(", ")
-        works.setdefault(work, {}).setdefault(f"{work}, {server}", []).append(row)
+        works.setdefault(row.work.rpartition(", ")[0], {}).setdefault(row.work, []).append(row)
     return {work: list(panels.items()) for work, panels in works.items()}
-
-
-def is_drawn(work):
-    """What one process does many times is a matter of tables."""
-    return " x " not in work
-
-
-def picture_of(work):
-    return PICTURES.format(work.replace(" ", "-"))
 
 
 def block_of(work):
     """The part of the document that a work belongs to."""
-    kind = work.split()[0]
-    return "queries" if kind in QUERIES else kind
+    return next((block for begin, block in SHARED.items() if work.startswith(begin)), work)
 
 
-def table(panels):
-    """All in milliseconds."""
-    lines = ["| | by | median | least - most | processor | one operation | x curl |", "|---|---|--:|--:|--:|--:|---|"]
-    for title, rows in panels:
-        for row in rows:
-            ratio = f"{row.ratio:.2f}{f' of {row.beside}' if row.beside else ''}" if row.ratio else ""
-            one = f"{row.one * 1000:.1f}" if row.one else ""
-            times = f"{_ms(row.wall)} | {_ms(row.least)} - {_ms(row.most)} | {_ms(row.processor)}"
-            lines.append(f"| {title} | {name(row)} | {times} | {one} | {ratio} |")
-            title = ""
-    return "\n".join(lines)
+def pictures(works):
+    """The panels of each picture by its name."""
+    made = {}
+    for work, panels in works.items():
+        kind = work.rpartition(" ")[2]
+        if work.startswith("round trips"):
+            made.setdefault("round trips", []).extend(panels if kind in DRAWN_TRIPS else [])
+        elif " in a row" not in work and not work.startswith(NOT_DRAWN):
+            made[work] = panels
+    return {picture: panels for picture, panels in made.items() if panels}
 
 
-def _ms(value):
-    return f"{value * 1000:.0f}"
+def _path(picture):
+    return PICTURES.format(picture.replace(" ", "-"))
 
 
 def _quoted(text):
@@ -115,21 +125,25 @@ def _quoted(text):
     return f"`{text}`" if text.startswith("tools/") else text
 
 
+def _part(block, works, drawn):
+    unit = "round trips" if block == "round-trips" else "seconds"
+    shown = [f"![{picture}: {unit}]({_path(picture)})" for picture in drawn if block_of(picture) == block]
+    panels = [panel for work, found in works.items() if block_of(work) == block for panel in found]
+    return "\n\n".join([*shown, tables.KINDS.get(block, tables.times)(panels)])
+
+
 def parts(figures, works):
     """The document's parts by their names."""
+    drawn = pictures(works)
     made = {"conditions": "\n".join(f"- {key}: {_quoted(text)}" for key, text in figures["conditions"].items())}
-    for block, names in itertools.groupby(works, key=block_of):
-        names = list(names)
-        pictures = [f"![{work}: seconds]({picture_of(work)})" for work in names if is_drawn(work)]
-        made[block] = "\n\n".join([*pictures, table(panel for work in names for panel in works[work])])
-    return made
+    return made | {block: _part(block, works, drawn) for block in dict.fromkeys(map(block_of, works))}
 
 
 def write_pictures(works, only_check):
     """True: nothing differs."""
     same = True
-    for work in filter(is_drawn, works):
-        path, text = DOCUMENT.parent / picture_of(work), svg(works[work])
+    for picture, panels in pictures(works).items():
+        path, text = DOCUMENT.parent / _path(picture), svg(panels)
         if path.exists() and path.read_text() == text:
             continue
         same = False

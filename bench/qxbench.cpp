@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // qxbench: carries out one operation of the loaded library a number of times. Prints the seconds of each,
-// then the processor's for all of them and the bytes of memory that they have added to the process at most.
+// then the processor's for all of them and, on Linux, the bytes of memory that they have added at most.
+// at most.
 #include <cstdio>
 #include <exception>
 #include <stdexcept>
@@ -51,12 +52,12 @@ Arguments numbered(Arguments arguments, int number) {
 void carryOut(TQXIPIFInt& client, const Work& work) {
   const Operation& operation = operations().at(work.name);
   const double before = processorSeconds();
-  forgetPeakMemory();
+  const bool countsMemory = forgetPeakMemory();
   const std::uint64_t atFirst = peakMemory();
   for (int i = 0; i < work.times; ++i)
     std::printf("seconds %.6f\n", operation(client, numbered(work.arguments, work.first + i)));
   std::printf("processor %.6f\n", processorSeconds() - before);
-  std::printf("memory %llu\n", static_cast<unsigned long long>(peakMemory() - atFirst));
+  if (countsMemory) std::printf("memory %llu\n", static_cast<unsigned long long>(peakMemory() - atFirst));
 }
 
 void run(const std::string& path, const Login& login, const Work& work) {

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
 """relay.py SECONDS DEVICE DEVICE: hands the packets of two TUN devices, open as these descriptors, on to each other
-SECONDS later. Ends when its standard input does."""
+SECONDS later. Prints a line when it begins, and ends when its standard input does."""
 
 import collections
 import os
@@ -34,6 +34,7 @@ def _deliver(device, waiting):
 
 
 def relay(delay, first, second):
+    print(flush=True)
     ways = {first: (second, collections.deque()), second: (first, collections.deque())}
     while True:
         pauses = [pause for pause in (_deliver(*way) for way in ways.values()) if pause is not None]

@@ -51,7 +51,7 @@ class Stage:
         return f"{work}, {self.server.kind}"
 
     def measure(self, work, contenders, runs=None, warm_up=True):
-        """The rows of contenders, of whom the first is curl."""
+        """The rows of contenders. The first, usually curl, is what the others are compared with."""
         interleave(contenders, runs or self.arguments.runs, warm_up)
         return rows(self.named(work), contenders, contenders[0])
 

@@ -49,8 +49,9 @@ for _name, _most in _TRIPS.items():
     for _way, _trips in zip(("first", "known", "connected"), _most):
         if _trips is not None:
             TARGETS[(f"round trips of {_name}", f"linux, {_way}")] = {"trips": _trips}
-# Where lftp can do the same: ahead of it.
+# Beside lftp, where it does the same: it makes and removes folders without a look at what is there.
 _AHEAD = {"ratio": 1.0}
+_NOT_THE_SAME = ("mkdir", "rmdir")
 
 
 @dataclasses.dataclass(frozen=True)
@@ -80,6 +81,6 @@ def of(row, entries):
     most = dict(TARGETS.get((work, row.by), {}))
     if (work, row.by) == ("memory of a listing", "linux"):
         most["own_memory"] = listing_memory(entries)
-    if work.startswith("round trips") and row.beside:
+    if work.startswith("round trips") and row.beside and not work.endswith(_NOT_THE_SAME):
         most |= _AHEAD
     return [Target(row, figure, value) for figure, value in most.items() if getattr(row, figure) is not None]

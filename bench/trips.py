@@ -49,6 +49,16 @@ def _tree():
             **{f"/pub/empty{number}": {"dir": True} for number in numbers}}
 
 
+def _as_peers_take_them(operation, words):
+    """They are not told what the answer has to be, and some make one folder after the other."""
+    if operation == "mkdir":
+        path = pathlib.PurePosixPath(words[0])
+        return [str(folder) for folder in (path.parent.parent, path.parent, path)]
+    if operation == "download":
+        return [words[0], pathlib.Path(words[1])]
+    return words[:1] if operation in ("size", "list") else words
+
+
 class Journey:
     """The operations at one server."""
 
@@ -62,28 +72,25 @@ class Journey:
         return [str(word).format(folder=self._stage.folder) for word in OPERATIONS[operation]]
 
     def _ours(self, build, operation, times, connected=False):
+        name = f"connected:{operation}" if connected else operation
+
         def command():
-            first = next(self._numbers)
-            for _ in range(times - 1):
-                next(self._numbers)
-            name = f"connected:{operation}" if connected else operation
+            first, *_ = (next(self._numbers) for _ in range(times))
             return self._stage.ours(build, name, *self._words(operation), times=f"{first}+{times}").command
 
         return Contender(build.name, command, reports=True)
 
     def _by_peer(self, peer, operation, times=1):
-        def command():
-            words = [word.replace("#", f"{next(self._numbers):06}") for word in self._words(operation)]
-            if operation == "mkdir":
-                words = [str(folder) for folder in reversed([pathlib.Path(words[0]),
-                                                             *list(pathlib.Path(words[0]).parents)[:2]])]
-            if operation in ("size", "list"):
-                words = words[:1]
-            if operation == "download":
-                words[1] = pathlib.Path(words[1])
-            return getattr(peer, operation)(*words, **({"times": times} if times > 1 else {}))
+        often = {"times": times} if times > 1 else {}
 
-        return Contender(peer.name, command)
+        def command():
+            number = f"{next(self._numbers):06}"
+            words = [word.replace("#", number) for word in self._words(operation)]
+            return getattr(peer, operation)(*_as_peers_take_them(operation, words), **often)
+
+        # ncftp keeps the file's own name, and fetches no file that it has.
+        fetched = self._stage.folder / pathlib.PurePosixPath(OPERATIONS["download"][0]).name
+        return Contender(peer.name, command, before=lambda: fetched.unlink(missing_ok=True))
 
     def _row(self, operation, name, seconds, first=None, beside=None):
         row = Row(f"round trips of {operation}, {self._stage.server.kind}", name, statistics.median(seconds),

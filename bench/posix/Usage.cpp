@@ -30,4 +30,6 @@ std::uint64_t peakMemory() {
   return kibibytes * 1024;
 }
 
-void forgetPeakMemory() { std::ofstream("/proc/self/clear_refs") << 5; }
+bool forgetPeakMemory() {
+  return static_cast<bool>(std::ofstream("/proc/self/clear_refs") << 5 << std::flush);
+}

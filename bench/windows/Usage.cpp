@@ -29,4 +29,4 @@ std::uint64_t peakMemory() {
   return counters.PeakWorkingSetSize;
 }
 
-void forgetPeakMemory() {}
+bool forgetPeakMemory() { return false; }

@@ -8,18 +8,15 @@ import pathlib
 import sys
 import tempfile
 import unittest
-import xml.etree.ElementTree as ElementTree
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-sys.path[:0] = [str(ROOT / "tools/documents"), str(ROOT / "bench")]
+sys.path.insert(0, str(ROOT / "tools/documents"))
 sys.dont_write_bytecode = True
 
 import blocks  # noqa: E402  (found through the path above)
-import plots  # noqa: E402
 import wire_cases  # noqa: E402
 from client import slots  # noqa: E402
 from conversation import Conversation  # noqa: E402
-from measure import Row  # noqa: E402
 
 DOCUMENT = """Text
 <!-- by tools/some: one -->
@@ -115,46 +112,6 @@ class WireCases(unittest.TestCase):
         life = ["FillWipePattern", "DeletingDestructor", "AddRef", "Release"]
         all_known = [*shown, *wire_cases.SILENT, "FTPKeepAlive", "HTTPDownloadFile", *hooks, *life]
         self.assertEqual(sorted(all_known), sorted(slots()))
-
-
-def row(work, by, wall, **more):
-    return Row(work, by, wall, wall - 0.1, wall + 0.1, wall / 2, **more)
-
-
-class Plots(unittest.TestCase):
-    def test_bars_are_as_long_as_what_they_show(self):
-        rows = [row("get, one", "curl", 1), row("get, one", "linux", 2)]
-        picture = ElementTree.fromstring(plots.svg([("get, one", rows)]))
-        bars = {bar.get("class"): float(bar.get("width")) for bar in picture.iter("{http://www.w3.org/2000/svg}rect")}
-        self.assertAlmostEqual(bars["ours"], 2 * bars["theirs"], delta=0.2)
-        self.assertEqual([text.text for text in picture.iter("{http://www.w3.org/2000/svg}text")],
-                         ["get, one", "curl", "1.00 s", "this library, Linux", "2.00 s"])
-
-    def test_each_server_has_a_panel_and_each_work_a_picture(self):
-        works = plots.by_work([row("get, one", "curl", 1), row("put, one", "curl", 1), row("get, two", "curl", 1)])
-        self.assertEqual([(work, [title for title, _ in panels]) for work, panels in works.items()],
-                         [("get", ["get, one", "get, two"]), ("put", ["put, one"])])
-
-    def test_a_block_has_the_pictures_and_the_figures_of_its_works(self):
-        works = plots.by_work([row("exists, one", "curl", 1), row("exists x 100, one", "linux", 1, one=0.01),
-                               row("encrypted get, one", "windows", 1, ratio=2.5, beside="windows, plain")])
-        made = plots.parts({"conditions": {"command": "tools/bench --runs 3", "runs": "3"}}, works)
-        self.assertEqual(list(made), ["conditions", "queries", "encrypted"])
-        self.assertEqual(made["conditions"], "- command: `tools/bench --runs 3`\n- runs: 3")
-        self.assertEqual(made["queries"].count("performance-exists.svg"), 1)
-        self.assertNotIn("x-100", made["queries"])
-        self.assertIn("| exists x 100, one | this library, Linux | 1000 | 900 - 1100 | 500 | 10.0 |", made["queries"])
-        self.assertIn("| 2.50 of windows, plain |", made["encrypted"])
-        self.assertIn("(pictures/performance-encrypted-get.svg)", made["encrypted"])
-
-
-class Targets(unittest.TestCase):
-    def test_one_that_is_missed_is_told(self):
-        self.assertTrue(row("get", "linux", 1).met)
-        self.assertTrue(row("get", "linux", 1, ratio=0.9, target=0.9).met)
-        missed = row("get", "linux", 1, ratio=0.95, target=0.9)
-        self.assertFalse(missed.met)
-        self.assertEqual(missed.cells()[-1], "<= 0.9 MISSED")
 
 
 if __name__ == "__main__":
