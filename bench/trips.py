@@ -4,6 +4,7 @@
 Where no such line can be made (longline.py) the scripted server of the tests counts what it is asked.
 """
 
+import collections
 import itertools
 import pathlib
 import statistics
@@ -65,7 +66,7 @@ class Journey:
     def __init__(self, stage, seconds):
         self._stage = stage
         self._seconds = seconds
-        self._numbers = itertools.count()
+        self._numbers = collections.defaultdict(itertools.count)
         (stage.folder / "up.txt").write_text(SMALL_TEXT)
 
     def _words(self, operation):
@@ -75,7 +76,7 @@ class Journey:
         name = f"connected:{operation}" if connected else operation
 
         def command():
-            first, *_ = (next(self._numbers) for _ in range(times))
+            first, *_ = (next(self._numbers[operation]) for _ in range(times))
             return self._stage.ours(build, name, *self._words(operation), times=f"{first}+{times}").command
 
         return Contender(build.name, command, reports=True)
@@ -84,7 +85,7 @@ class Journey:
         often = {"times": times} if times > 1 else {}
 
         def command():
-            number = f"{next(self._numbers):06}"
+            number = f"{next(self._numbers[operation]):06}"
             words = [word.replace("#", number) for word in self._words(operation)]
             return getattr(peer, operation)(*_as_peers_take_them(operation, words), **often)
 
