@@ -26,12 +26,13 @@ from cancels import cancels  # noqa: E402
 from conditions import conditions, show  # noqa: E402
 from measure import HEAD, RULE, cells, line  # noqa: E402
 from memory import memory  # noqa: E402
+from operations import OPERATIONS  # noqa: E402
 from queries import listing, queries  # noqa: E402
 from servers import Build, Server, run_under_fixture  # noqa: E402  (found through the path above)
 from small import small  # noqa: E402
 from stage import Stage  # noqa: E402
 from transfers import copy, download, encrypted, http, upload  # noqa: E402
-from trips import OPERATIONS, trips  # noqa: E402
+from trips import trips  # noqa: E402
 
 WORK = {work.__name__: work for work in
         (download, upload, copy, http, listing, queries, encrypted, small, trips, cancels, memory)}
