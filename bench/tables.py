@@ -13,12 +13,16 @@ def name(row):
     return NAMES.get(by, by) + comma + rest
 
 
+def _line(cells):
+    return "|" + "".join(f" {cell} |" if cell else " |" for cell in cells)
+
+
 def _table(head, lines):
     """The first columns of `head` are words, what follows None are figures."""
     words = head.index(None)
     titles = [title for title in head if title is not None]
-    rule = ["---"] * words + ["--:"] * (len(titles) - words)
-    return "\n".join(f"| {' | '.join(cells)} |" for cells in (titles, rule, *lines)).replace("|  |", "| |")
+    rule = "|" + "---|" * words + "--:|" * (len(titles) - words)
+    return "\n".join([_line(titles), rule, *map(_line, lines)])
 
 
 def _rows(panels, cells):

@@ -54,7 +54,8 @@ class Journey:
         alone = [self._commands.by_peer(peer, operation) for peer in peers]
         alone += [self._commands.ours(build, operation, 1) for build in self._stage.builds]
         later = [self._commands.ours(build, operation, 1 + _MORE) for build in self._stage.builds]
-        interleave([*alone, *later], self._stage.few(), warm_up=False)
+        interleave(alone, self._stage.few(), warm_up=False)
+        interleave(later, 1, warm_up=False)
         first = {one.name: self._whole(operation, one) for one in alone}
         made = [*first.values(), *(self._row(operation, f"{one.name}, known", _behind_first(one), first.get("lftp"))
                                    for one in later)]
