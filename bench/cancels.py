@@ -14,7 +14,7 @@ from stage import Stage
 _ZEROS = "/pub/zeros"
 _SIZE = 4 << 30  # without taking room; more than any machine carries before it is cancelled
 _INTO_IT = 1 << 20
-_SECONDS_TO_BEGIN = 20
+_SECONDS_TO_BEGIN = 60
 
 
 def cancels(stage):
