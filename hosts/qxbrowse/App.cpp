@@ -1,34 +1,71 @@
 // SPDX-License-Identifier: MIT
 #include "hosts/qxbrowse/App.h"
 
-#include <system_error>
-
 #include "QXVersion.h"
+#include "hosts/qxbrowse/Keyboard.h"
 #include "hosts/qxbrowse/LocalFolder.h"
 #include "hosts/qxbrowse/Names.h"
+#include "hosts/qxbrowse/SiteMessages.h"
 #include "hosts/qxbrowse/Texts.h"
+#include "hosts/qxbrowse/Utf8.h"
 
 namespace browse {
+namespace {
+
+constexpr const wchar_t* kPlacementFile = L"window.ini";  // beside the sites
+constexpr const wchar_t* kHelpFile = L"qxbrowse.chm";     // beside the program
+
+std::wstring programFolder() {
+  std::wstring path(32767, L'\0');
+  path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+  return localParent(path);
+}
+
+}  // namespace
+
+App::App(const qx::Exports& exports, const std::filesystem::path& siteFile)
+    : m_placementFile(siteFile.parent_path() / kPlacementFile),
+      m_dialogs(exports.library),
+      m_sites(siteFile),
+      m_window(*this),
+      m_queue(exports,
+              {.post = [this](Letter letter) { m_mailbox.post(std::move(letter)); },
+               .ended = [this](const TransferRow& row) { transferEnded(row); },
+               .paused = [this](const TransferRow& row) { m_window.showMessage(fromUtf8(row.text)); }}),
+      m_local(
+          [this](Letter letter) { m_mailbox.post(std::move(letter)); },
+          [this](const std::wstring& path, LocalWork::Answer answer) { showLocal(path, std::move(answer)); }),
+      m_background(exports, [this](Letter letter) { m_mailbox.post(std::move(letter)); }) {
+  m_window.setMayClose([this] { return mayClose(); });
+}
 
 int App::run(int how) {
   m_window.create();
-  m_window.show(how);
+  const Placement placement = readPlacement(m_placementFile);
+  m_window.setPlacement(placement);
+  m_window.show(placement.isMaximized ? SW_SHOWMAXIMIZED : how);
+  const Keyboard keyboard(m_window.handle(), [this](const MSG& key) { return m_window.translate(key); });
   m_window.go(Side::local, homeFolder());
   MSG message{};
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-    if (m_window.translate(message)) continue;
     TranslateMessage(&message);
     DispatchMessageW(&message);
   }
+  writePlacement(m_placementFile, m_window.placement());
   return static_cast<int>(message.wParam);
 }
 
 void App::list(Side side, const std::wstring& path) {
-  try {
-    if (side == Side::local) m_window.showFolder(side, path, readLocalFolder(path));
-  } catch (const std::system_error& problem) {
-    m_window.showFolderFailed(side, path, fromLibrary(problem.code().message()));
+  const Sorting sorting = m_window.pane(side).items().sorting();
+  if (side == Side::local) return m_local.read(path, sorting);
+  listServer(path, sorting);
+}
+
+void App::showLocal(const std::wstring& path, LocalWork::Answer answer) {
+  if (const auto* const why = std::get_if<std::wstring>(&answer)) {
+    return m_window.showFolderFailed(Side::local, path, *why);
   }
+  m_window.showFolder(Side::local, path, std::get<ItemList>(std::move(answer)));
 }
 
 // The folder is listed again in either case, and what went wrong is told behind that.
@@ -45,20 +82,63 @@ void App::changeLocal(const std::wstring& path, Change&& change) {
 }
 
 void App::createFolder(Side side, const std::wstring& path) {
-  if (side == Side::local) changeLocal(path, [&] { createLocalFolder(path); });
+  if (side == Side::server) return createServerFolder(path);
+  changeLocal(path, [&] { createLocalFolder(path); });
 }
 
 void App::rename(Side side, const std::wstring& from, const std::wstring& to) {
-  if (side == Side::local) changeLocal(from, [&] { renameLocal(from, to); });
+  if (side == Side::server) return renameOnServer(from, to);
+  changeLocal(from, [&] { renameLocal(from, to); });
 }
 
 void App::remove(Side side, const std::vector<Place>& places) {
-  if (side == Side::local) changeLocal(places.front().path, [&] { removeLocal(m_window.handle(), places); });
+  if (side == Side::server) return removeOnServer(places);
+  changeLocal(places.front().path, [&] { removeLocal(m_window.handle(), places); });
 }
 
-void App::showAbout() {
-  MessageBoxW(m_window.handle(), text(Text::about, {fromLibrary(QXIP_VERSION)}).c_str(),
-              text(Text::programName), MB_OK | MB_ICONINFORMATION);
+// What runs for a listing or a change first: that is what holds the user up.
+void App::cancel() {
+  if (m_background.isBusy()) return m_background.cancel();
+  m_queue.cancel();
+}
+
+void App::cancelAll() {
+  m_background.cancelAll();
+  m_queue.cancelAll();
+}
+
+std::wstring App::chooseLocalFolder(const std::wstring& start) {
+  return m_dialogs.chooseFolder(start).value_or(std::wstring());
+}
+
+std::vector<Place> App::chooseFiles(const std::wstring& start) {
+  return placesOf(m_dialogs.chooseFiles(start));
+}
+
+std::vector<Place> App::chooseFilesAndFolders(const std::wstring& start) {
+  return placesOf(
+      m_dialogs.chooseFilesAndFolders(start, text(Text::chooseFilesTitle), text(Text::chooseFilesOk)));
+}
+
+std::vector<Place> App::placesOf(const LibraryDialogs::Choice& choice) const {
+  if (choice.isTooLong) tell(m_window.handle(), text(Text::chosenTooLong));
+  std::vector<Place> places;
+  for (const std::wstring& path : choice.paths) places.push_back(localPlace(path));
+  return places;
+}
+
+void App::showHelp() {
+  const std::wstring file = localPath(programFolder(), kHelpFile);
+  if (!m_dialogs.showHelp(m_window.handle(), file)) tell(m_window.handle(), text(Text::helpMissing));
+}
+
+void App::showAbout() { tell(m_window.handle(), text(Text::about, {fromLibrary(QXIP_VERSION)})); }
+
+bool App::mayClose() { return !m_queue.hasWork() || ask(m_window.handle(), text(Text::askClose)); }
+
+void App::end() {
+  m_background.cancelAll();
+  m_queue.end([this] { m_window.close(); });
 }
 
 }  // namespace browse

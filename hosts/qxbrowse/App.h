@@ -1,45 +1,85 @@
 // SPDX-License-Identifier: MIT
-// The program behind the main window: who does what the user asks for.
+// The program behind the main window: who does what the user asks for. All of it on the window's thread.
 #pragma once
 
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "hosts/qxbrowse/Background.h"
+#include "hosts/qxbrowse/LibraryDialogs.h"
+#include "hosts/qxbrowse/LocalWork.h"
+#include "hosts/qxbrowse/Mailbox.h"
 #include "hosts/qxbrowse/MainWindow.h"
+#include "hosts/qxbrowse/ServerJobs.h"
 #include "hosts/qxbrowse/Services.h"
+#include "hosts/qxbrowse/Sites.h"
+#include "hosts/qxbrowse/TransferQueue.h"
 
 namespace browse {
 
 class App : public Services {
  public:
-  App() : m_window(*this) {}
+  // Throws std::runtime_error.
+  App(const qx::Exports& exports, const std::filesystem::path& siteFile);
 
   // Returns when the window has closed; the code that the program ends with.
   int run(int how);
 
-  void connect() override {}
-  void disconnect() override {}
+  void connect() override;
+  void disconnect() override;
   void list(Side side, const std::wstring& path) override;
   void createFolder(Side side, const std::wstring& path) override;
   void rename(Side side, const std::wstring& from, const std::wstring& to) override;
   void remove(Side side, const std::vector<Place>& places) override;
-  void upload(const std::vector<Place>&, const std::wstring&) override {}
-  void download(const std::vector<Place>&, const std::wstring&) override {}
-  void copy(const std::vector<Place>&, const std::wstring&) override {}
-  void move(const std::vector<Place>&, const std::wstring&) override {}
-  void cancel() override {}
-  void cancelAll() override {}
-  void retryFailed() override {}
-  void clearDone() override {}
-  std::wstring chooseLocalFolder(const std::wstring&) override { return {}; }
-  std::vector<Place> chooseFiles(const std::wstring&) override { return {}; }
-  std::vector<Place> chooseFilesAndFolders(const std::wstring&) override { return {}; }
-  void showHelp() override {}
+  void upload(const std::vector<Place>& places, const std::wstring& toFolder) override;
+  void download(const std::vector<Place>& places, const std::wstring& toFolder) override;
+  void copy(const std::vector<Place>& places, const std::wstring& to) override;
+  void move(const std::vector<Place>& places, const std::wstring& to) override;
+  void cancel() override;
+  void cancelAll() override;
+  void retryFailed() override { m_queue.retry(); }
+  void clearDone() override { m_queue.clearDone(); }
+  std::wstring chooseLocalFolder(const std::wstring& start) override;
+  std::vector<Place> chooseFiles(const std::wstring& start) override;
+  std::vector<Place> chooseFilesAndFolders(const std::wstring& start) override;
+  void showHelp() override;
   void showAbout() override;
-  void end() override {}
+  void end() override;
 
  private:
+  using Letter = std::function<void()>;
+
+  void logIn(const Destination& to);
+  void enter(const Destination& at, const qx::Login& login);
+  void showLocal(const std::wstring& path, LocalWork::Answer answer);
+  void listServer(const std::wstring& path, Sorting sorting);
+  void createServerFolder(const std::wstring& path);
+  void renameOnServer(const std::wstring& from, const std::wstring& to);
+  void removeOnServer(const std::vector<Place>& places);
+  void showReport(const std::wstring& what, const qx::Report& report);
+  void showProblem(const hosts::Problem& problem);
+  void transferEnded(const TransferRow& row);
+  [[nodiscard]] std::vector<Place> placesOf(const LibraryDialogs::Choice& choice) const;
+  [[nodiscard]] bool mayClose();
+
   template <typename Change>
   void changeLocal(const std::wstring& path, Change&& change);
+  template <typename Change>
+  void changeServer(const std::wstring& what, Change change);
+  // Finds out what is to be transferred, and puts it into the queue.
+  template <typename Expand>
+  void expand(const std::wstring& what, Expand expand);
 
+  const std::filesystem::path m_placementFile;
+  LibraryDialogs m_dialogs;
+  Mailbox m_mailbox;
+  Sites m_sites;
   MainWindow m_window;
+  TransferQueue m_queue;
+  LocalWork m_local;
+  Background m_background;
+  std::shared_ptr<const qx::Login> m_login;
 };
 
 }  // namespace browse

@@ -53,15 +53,15 @@ std::wstring extensionOf(const Item& item) {
   return lower(item.name.substr(dot + 1));
 }
 
-void ItemList::assign(std::vector<Item> items) {
-  m_items = std::move(items);
-  m_keys.resize(m_items.size());
-  m_extensions.resize(m_items.size());
+ItemList::ItemList(std::vector<Item> items, Sorting sorting)
+    : m_items(std::move(items)),
+      m_keys(m_items.size()),
+      m_extensions(m_items.size()),
+      m_order(m_items.size()) {
   std::ranges::transform(m_items, m_keys.begin(), [](const Item& item) { return naturalKey(item.name); });
   std::ranges::transform(m_items, m_extensions.begin(), &extensionOf);
-  m_order.resize(m_items.size());
   std::iota(m_order.begin(), m_order.end(), std::size_t{0});
-  sort(m_sorting);
+  sort(sorting);
 }
 
 void ItemList::sort(Sorting sorting) {

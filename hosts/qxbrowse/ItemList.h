@@ -26,9 +26,11 @@ std::wstring naturalKey(const std::wstring& name);
 // L"photo.JPG" -> L"jpg"; nothing for a name without one, as L".profile", and for folders.
 std::wstring extensionOf(const Item& item);
 
+// Its making is the larger part of the work for a large folder, and may be done on any thread.
 class ItemList {
  public:
-  void assign(std::vector<Item> items);
+  ItemList() = default;
+  explicit ItemList(std::vector<Item> items, Sorting sorting = {});
   // Folders stay first in either direction, and names decide between equals.
   void sort(Sorting sorting);
   [[nodiscard]] Sorting sorting() const { return m_sorting; }

@@ -19,7 +19,7 @@ struct ColumnInfo {
 };
 
 constexpr std::array<ColumnInfo, kColumns> kColumnInfos = {{
-    {Text::columnName, 220, LVCFMT_LEFT},
+    {Text::columnName, 200, LVCFMT_LEFT},
     {Text::columnSize, 80, LVCFMT_RIGHT},
     {Text::columnType, 90, LVCFMT_LEFT},
     {Text::columnTime, 120, LVCFMT_LEFT},
@@ -102,11 +102,14 @@ void ListPane::place(const RECT& area, UINT dpi) {
   MoveWindow(m_list, area.left, top, width, std::max<int>(0, area.bottom - top), TRUE);
 }
 
-void ListPane::show(const std::wstring& path, std::vector<Item> items) {
+// In the order that the user has chosen meanwhile.
+void ListPane::show(const std::wstring& path, ItemList items) {
   SendMessageW(m_list, LVM_CANCELEDITLABEL, 0, 0);  // the rows get other names
   m_path = path;
   m_isShown = true;
-  m_items.assign(std::move(items));
+  const Sorting sorting = m_items.sorting();
+  m_items = std::move(items);
+  if (m_items.sorting() != sorting) m_items.sort(sorting);
   setWindowText(m_address, path);
   selectRow(-1, 0);
   SendMessageW(m_list, LVM_SETITEMCOUNT, m_items.size(), 0);

@@ -34,7 +34,7 @@ class ListPane {
   void place(const RECT& area, UINT dpi);
   void setFont(HFONT font, UINT dpi);
 
-  void show(const std::wstring& path, std::vector<Item> items);
+  void show(const std::wstring& path, ItemList items);
   void clear();
   // Selects this item alone and brings it into view; the first one where there is none.
   void select(const std::wstring& name);

@@ -92,6 +92,13 @@ void removeLocal(HWND owner, const std::vector<Place>& places) {
   SHFileOperationW(&operation);
 }
 
+Place localPlace(const std::wstring& path) {
+  WIN32_FILE_ATTRIBUTE_DATA data{};
+  GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data);
+  const bool isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  return {path, isFolder, isFolder ? 0 : std::uint64_t{data.nFileSizeHigh} << 32 | data.nFileSizeLow};
+}
+
 std::wstring homeFolder() {
   std::array<wchar_t, MAX_PATH> path{};
   const DWORD length = GetEnvironmentVariableW(L"USERPROFILE", path.data(), static_cast<DWORD>(path.size()));

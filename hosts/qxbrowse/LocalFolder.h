@@ -21,6 +21,9 @@ void renameLocal(const std::wstring& from, const std::wstring& to);
 // already whether to. The shell tells the user what has failed.
 void removeLocal(HWND owner, const std::vector<Place>& places);
 
+// What stands at the path; one that does not is an empty file.
+Place localPlace(const std::wstring& path);
+
 // The user's own folder, where the program begins.
 std::wstring homeFolder();
 

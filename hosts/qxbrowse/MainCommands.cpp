@@ -37,7 +37,7 @@ PaneEvents MainWindow::eventsOf(Side side) {
 }
 
 void MainWindow::execute(Command command) {
-  if (!isPossible(command, situation())) return;
+  if (m_isEnding || !isPossible(command, situation())) return;
   if (!runOnPane(command) && !runOnServices(command)) PostMessageW(m_window, WM_CLOSE, 0, 0);
 }
 

@@ -2,6 +2,7 @@
 // What the system and the user tell the main window.
 #include <cwchar>
 
+#include "hosts/qxbrowse/LocalFolder.h"
 #include "hosts/qxbrowse/MainWindow.h"
 #include "hosts/qxbrowse/Names.h"
 #include "hosts/qxbrowse/Texts.h"
@@ -29,13 +30,6 @@ std::wstring droppedFile(HDROP drop, UINT number) {
   std::wstring path(DragQueryFileW(drop, number, nullptr, 0) + std::size_t{1}, L'\0');
   path.resize(DragQueryFileW(drop, number, path.data(), static_cast<UINT>(path.size())));
   return path;
-}
-
-Place placeOf(const std::wstring& path) {
-  WIN32_FILE_ATTRIBUTE_DATA data{};
-  GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data);
-  const bool isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-  return {path, isFolder, isFolder ? 0 : std::uint64_t{data.nFileSizeHigh} << 32 | data.nFileSizeLow};
 }
 
 }  // namespace
@@ -149,7 +143,7 @@ void MainWindow::drop(POINT screen) {
 void MainWindow::onDropFiles(HDROP drop) {
   std::vector<Place> places;
   const UINT count = DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0);
-  for (UINT number = 0; number < count; ++number) places.push_back(placeOf(droppedFile(drop, number)));
+  for (UINT number = 0; number < count; ++number) places.push_back(localPlace(droppedFile(drop, number)));
   DragFinish(drop);
   upload(places);
 }
@@ -165,9 +159,11 @@ void MainWindow::onContextMenu(HWND control, POINT at) {
 }
 
 void MainWindow::onClose() {
-  if (m_mayClose && !m_mayClose()) return;
+  if (m_isEnding || (m_mayClose && !m_mayClose())) return;
+  m_lastPlacement = placement();
+  m_isEnding = true;
+  ShowWindow(m_window, SW_HIDE);  // to the user it has closed
   m_services.end();
-  DestroyWindow(m_window);
 }
 
 bool MainWindow::translate(const MSG& message) {

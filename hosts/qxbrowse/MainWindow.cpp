@@ -12,9 +12,8 @@ namespace browse {
 namespace {
 
 constexpr const wchar_t* kClassName = L"qxbrowse";
-constexpr int kWidth = 1000;  // at 96 dots per inch
+constexpr int kWidth = 1100;  // at 96 dots per inch
 constexpr int kHeight = 700;
-constexpr WORD kIconId = 1;
 
 struct Button {
   Command command;
@@ -49,7 +48,7 @@ void MainWindow::registerClass() const {
   windowClass.cbSize = sizeof windowClass;
   windowClass.lpfnWndProc = &handleMessage;
   windowClass.hInstance = GetModuleHandleW(nullptr);
-  windowClass.hIcon = LoadIconW(windowClass.hInstance, MAKEINTRESOURCEW(kIconId));
+  windowClass.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
   windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
   windowClass.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
   windowClass.lpszClassName = kClassName;
@@ -106,6 +105,29 @@ void MainWindow::setBottomPane(BottomPane pane) {
   m_bottom = std::move(pane);
   if (m_bottom.setFont) m_bottom.setFont(m_font.get(), m_dpi);
   layOut();
+}
+
+void MainWindow::setPlacement(const Placement& placement) {
+  m_splits = placement.splits;
+  WINDOWPLACEMENT place{};
+  place.length = sizeof place;
+  GetWindowPlacement(m_window, &place);
+  if (!IsRectEmpty(&placement.window)) place.rcNormalPosition = placement.window;
+  place.showCmd = SW_HIDE;  // until show()
+  SetWindowPlacement(m_window, &place);
+  layOut();
+}
+
+Placement MainWindow::placement() const {
+  if (m_isEnding || m_window == nullptr) return m_lastPlacement;
+  WINDOWPLACEMENT place{};
+  place.length = sizeof place;
+  GetWindowPlacement(m_window, &place);
+  return {place.rcNormalPosition, IsZoomed(m_window) != 0, m_splits};
+}
+
+void MainWindow::close() {
+  if (m_window != nullptr) DestroyWindow(m_window);
 }
 
 void MainWindow::useDpi(UINT dpi) {
@@ -234,7 +256,7 @@ void MainWindow::go(Side side, const std::wstring& path) {
   m_services.list(side, path);
 }
 
-void MainWindow::showFolder(Side side, const std::wstring& path, std::vector<Item> items) {
+void MainWindow::showFolder(Side side, const std::wstring& path, ItemList items) {
   if (path != m_requested[static_cast<std::size_t>(side)]) return;
   std::wstring& toSelect = m_toSelect[static_cast<std::size_t>(side)];
   pane(side).show(path, std::move(items));

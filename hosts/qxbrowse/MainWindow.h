@@ -15,6 +15,7 @@
 #include "hosts/qxbrowse/ItemDrag.h"
 #include "hosts/qxbrowse/Layout.h"
 #include "hosts/qxbrowse/ListPane.h"
+#include "hosts/qxbrowse/Placement.h"
 #include "hosts/qxbrowse/Services.h"
 
 namespace browse {
@@ -38,6 +39,12 @@ class MainWindow {
   void create();
   void show(int how);
   void setBottomPane(BottomPane pane);
+  // Between create() and show().
+  void setPlacement(const Placement& placement);
+  // As it is now, or was when the window closed.
+  [[nodiscard]] Placement placement() const;
+  // The end of it, when Services::end() has ended all work.
+  void close();
   [[nodiscard]] HWND handle() const { return m_window; }
   // Whether what is open may be closed; asked when the user closes the window.
   void setMayClose(std::function<bool()> mayClose) { m_mayClose = std::move(mayClose); }
@@ -51,7 +58,7 @@ class MainWindow {
   void showConnected(const std::wstring& site);
   void showDisconnected();
   // Not when another folder of the side was asked for meanwhile.
-  void showFolder(Side side, const std::wstring& path, std::vector<Item> items);
+  void showFolder(Side side, const std::wstring& path, ItemList items);
   void showFolderFailed(Side side, const std::wstring& path, const std::wstring& why);
   void showMessage(const std::wstring& message);
   // Lists the folder again, when it is this one.
@@ -119,6 +126,8 @@ class MainWindow {
   bool m_isConnected = false;
   std::wstring m_message;
   Splits m_splits;
+  Placement m_lastPlacement;
+  bool m_isEnding = false;
   Grip m_grip = Grip::none;
   Font m_font;
   UINT m_dpi = kPlainDpi;

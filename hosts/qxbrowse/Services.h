@@ -57,7 +57,8 @@ class Services {
   virtual void showHelp() = 0;
   virtual void showAbout() = 0;
 
-  // The window closes: ends what runs, within a second.
+  // The user closes the window: ends what runs; then MainWindow::close, within a second. Nothing else is
+  // asked for any more.
   virtual void end() = 0;
 };
 

@@ -4,8 +4,8 @@
 #include "hosts/qxbrowse/Start.h"
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int how) {
-  return browse::start([how](const browse::Start&) {
-    browse::App app;
+  return browse::start([how](const browse::Start& start) {
+    browse::App app(start.library, start.sites);
     return app.run(how);
   });
 }

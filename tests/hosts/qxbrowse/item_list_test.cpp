@@ -10,11 +10,7 @@ namespace {
 using namespace browse;
 using testing::ElementsAre;
 
-ItemList listOf(std::vector<Item> items) {
-  ItemList list;
-  list.assign(std::move(items));
-  return list;
-}
+ItemList listOf(std::vector<Item> items) { return ItemList(std::move(items)); }
 
 std::vector<std::wstring> namesOf(const ItemList& list) {
   std::vector<std::wstring> names;
@@ -53,10 +49,8 @@ TEST(AList, IsSortedByEachColumnAndThenByName) {
   EXPECT_THAT(namesOf(list), ElementsAre(L"b.TXT", L"a.bin", L"c.txt"));
 }
 
-TEST(AList, KeepsItsSortingForTheNextItems) {
-  ItemList list;
-  list.sort({Column::size, true});
-  list.assign({{L"a", false, 1}, {L"b", false, 2}});
+TEST(AList, CanBeMadeInAnyOrder) {
+  const ItemList list({{L"a", false, 1}, {L"b", false, 2}}, {Column::size, true});
   EXPECT_THAT(namesOf(list), ElementsAre(L"b", L"a"));
 }
 

@@ -85,14 +85,15 @@ class TheMainWindow : public testing::Test {
 
   void showLocal() {
     window.go(Side::local, L"C:\\here");
-    window.showFolder(Side::local, L"C:\\here", {{L"b.txt", false, 2}, {L"a.txt", false, 1}, {L"sub", true}});
+    window.showFolder(Side::local, L"C:\\here",
+                      ItemList({{L"b.txt", false, 2}, {L"a.txt", false, 1}, {L"sub", true}}));
     notes.take();
   }
   void showBoth() {
     showLocal();
     window.showConnected(L"site");
     window.go(Side::server, L"/pub");
-    window.showFolder(Side::server, L"/pub", {{L"x", true}, {L"y.bin", false, 5000}});
+    window.showFolder(Side::server, L"/pub", ItemList({{L"x", true}, {L"y.bin", false, 5000}}));
     notes.take();
   }
   void choose(Side side, const std::wstring& name) {
@@ -123,6 +124,7 @@ class TheMainWindow : public testing::Test {
 
   Notes notes;
   MainWindow window{notes};
+  const dialog_test::Driver look{GetCurrentThreadId()};
 };
 
 TEST_F(TheMainWindow, ShowsNamesSizesAndTimes) {
@@ -137,10 +139,29 @@ TEST_F(TheMainWindow, ShowsNamesSizesAndTimes) {
   EXPECT_EQ(windowText(window.handle()), L"site - qxbrowse");
 }
 
+TEST_F(TheMainWindow, CountsWhatIsSelected) {
+  showLocal();
+  const HWND status = look.child(window.handle(), STATUSCLASSNAMEA);
+  const auto shown = [&] {
+    wchar_t text[256] = L"";
+    SendMessageW(status, SB_GETTEXTW, 0, reinterpret_cast<LPARAM>(text));
+    return std::wstring(text);
+  };
+  EXPECT_EQ(shown(), L"1 of 3 items selected");
+  window.pane(Side::local).selectAll();
+  EXPECT_EQ(shown(), L"3 of 3 items selected");
+}
+
+TEST_F(TheMainWindow, KeepsTheOrderOfTheUserInEveryFolder) {
+  window.pane(Side::local).setSorting({Column::size, true});
+  showLocal();
+  EXPECT_EQ(cell(Side::local, 1, Column::name), L"b.txt");
+}
+
 TEST_F(TheMainWindow, ForgetsTheAnswerToAnEarlierQuestion) {
   window.go(Side::local, L"C:\\slow");
   window.go(Side::local, L"C:\\fast");
-  window.showFolder(Side::local, L"C:\\fast", {{L"a"}});
+  window.showFolder(Side::local, L"C:\\fast", ItemList({{L"a"}}));
   window.showFolder(Side::local, L"C:\\slow", {});
   EXPECT_EQ(window.pane(Side::local).path(), L"C:\\fast");
   EXPECT_EQ(rows(Side::local), 1);
@@ -185,7 +206,7 @@ TEST_F(TheMainWindow, FindsWhatIsTyped) {
 
 TEST_F(TheMainWindow, HoldsAHundredThousandItems) {
   window.go(Side::local, L"C:\\large");
-  window.showFolder(Side::local, L"C:\\large", manyItems(100'000));
+  window.showFolder(Side::local, L"C:\\large", ItemList(manyItems(100'000)));
   EXPECT_EQ(rows(Side::local), 100'000);
   EXPECT_EQ(cell(Side::local, 99'999, Column::name), L"file99999");
   window.pane(Side::local).selectAll();
@@ -203,7 +224,7 @@ TEST_F(TheMainWindow, OpensFoldersAndGoesBackToTheOneThatItLeft) {
   window.showFolder(Side::server, L"/pub/x", {});
   EXPECT_TRUE(press(VK_BACK));
   EXPECT_THAT(notes.take(), ElementsAre(L"list server /pub"));
-  window.showFolder(Side::server, L"/pub", {{L"w", true}, {L"x", true}});
+  window.showFolder(Side::server, L"/pub", ItemList({{L"w", true}, {L"x", true}}));
   EXPECT_EQ(window.pane(Side::server).selected().front().name, L"x");
 }
 
@@ -366,6 +387,7 @@ TEST_F(TheMainWindow, DragsToTheOtherSide) {
 
 TEST_F(TheMainWindow, GrowsWithTheDotsPerInchOfItsScreen) {
   const HWND list = window.pane(Side::local).list();
+  const LRESULT plain = SendMessageW(list, LVM_GETCOLUMNWIDTH, 0, 0);
   RECT area{};
   GetWindowRect(window.handle(), &area);
   RECT suggested = area;
@@ -373,13 +395,17 @@ TEST_F(TheMainWindow, GrowsWithTheDotsPerInchOfItsScreen) {
   SendMessageW(window.handle(), WM_DPICHANGED, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(&suggested));
   GetWindowRect(window.handle(), &area);
   EXPECT_EQ(area.right, suggested.right);
-  EXPECT_EQ(SendMessageW(list, LVM_GETCOLUMNWIDTH, 0, 0), 330);
+  EXPECT_EQ(SendMessageW(list, LVM_GETCOLUMNWIDTH, 0, 0), plain * 144 / 96);
 }
 
 TEST_F(TheMainWindow, EndsItsServicesWhenItCloses) {
   SendMessageW(window.handle(), WM_CLOSE, 0, 0);
+  SendMessageW(window.handle(), WM_CLOSE, 0, 0);
+  window.execute(Command::connect);
+  EXPECT_THAT(notes.take(), ElementsAre(L"end")) << "once, and nothing more";
+  EXPECT_FALSE(IsWindowVisible(window.handle()));
+  window.close();
   EXPECT_EQ(window.handle(), nullptr);
-  EXPECT_THAT(notes.take(), ElementsAre(L"end"));
 }
 
 TEST_F(TheMainWindow, StaysWhereItMayNotClose) {
@@ -400,8 +426,9 @@ TEST(TheMainWindows, GiveBackAllThatTheyTook) {
     window.create();
     window.show(SW_SHOWNOACTIVATE);
     window.go(Side::local, L"C:\\");
-    window.showFolder(Side::local, L"C:\\", manyItems(10));
+    window.showFolder(Side::local, L"C:\\", ItemList(manyItems(10)));
     SendMessageW(window.handle(), WM_CLOSE, 0, 0);
+    window.close();
   };
   openAndClose();
   const auto before = counts();

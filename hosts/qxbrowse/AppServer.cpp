@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: MIT
+// What the program does on the server.
+#include <algorithm>
+
+#include "hosts/qxbrowse/App.h"
+#include "hosts/qxbrowse/Names.h"
+#include "hosts/qxbrowse/ServerItems.h"
+#include "hosts/qxbrowse/Texts.h"
+#include "hosts/qxbrowse/Utf8.h"
+
+namespace browse {
+namespace {
+
+std::vector<RemotePlace> remotePlaces(const std::vector<Place>& places) {
+  std::vector<RemotePlace> remote;
+  for (const Place& place : places) remote.push_back({toLibrary(place.path), place.isFolder});
+  return remote;
+}
+
+std::vector<std::filesystem::path> localPlaces(const std::vector<Place>& places) {
+  std::vector<std::filesystem::path> local;
+  for (const Place& place : places) local.emplace_back(place.path);
+  return local;
+}
+
+qx::Result<ItemList> readFolder(const Session& session, const std::string& path, Sorting sorting) {
+  const qx::Result<std::vector<QXDirEntry>> entries = listFolder(session, path);
+  if (!entries) return {std::nullopt, entries.report()};
+  return {ItemList(itemsOf(*entries), sorting), entries.report()};
+}
+
+// The library takes a folder that is there for a made one.
+qx::Result<qx::Done> makeFolder(const Session& session, const std::string& path) {
+  const qx::Result<bool> isThere = session.client.directoryExists(path);
+  if (!isThere || !*isThere) return session.client.createDirectory(path);
+  qx::Report report = isThere.report();
+  report.text = toLibrary(text(Text::folderIsThere));
+  return {std::nullopt, report};
+}
+
+// A change that failed in parts is one that failed, and tells of the first.
+qx::Result<qx::Done> whole(const qx::Result<Problems>& result) {
+  if (!result) return {std::nullopt, result.report()};
+  if (result->empty()) return {qx::Done{}, result.report()};
+  qx::Report report = result.report();
+  report.text = result->front().path + ": " + result->front().text;
+  return {std::nullopt, report};
+}
+
+std::wstring nameOf(const Site& site) { return fromUtf8(site.name.empty() ? site.host : site.name); }
+
+}  // namespace
+
+void App::connect() {
+  if (const auto to = m_sites.ask(m_window.handle())) logIn(*to);
+}
+
+void App::logIn(const Destination& to) {
+  m_window.showMessage(text(Text::statusConnecting, {nameOf(to.site)}));
+  const qx::Login login = loginOf(to.site, to.password);
+  m_background.connect(login, [this, to, login](const qx::Result<qx::Done>& done) {
+    if (done) return enter(to, login);
+    showReport(nameOf(to.site), done.report());
+    if (const auto again = m_sites.askAfterFailure(m_window.handle(), to, done.report())) logIn(*again);
+  });
+}
+
+void App::enter(const Destination& at, const qx::Login& login) {
+  m_login = std::make_shared<qx::Login>(login);
+  m_window.showConnected(nameOf(at.site));
+  if (!at.site.localFolder.empty()) m_window.go(Side::local, fromUtf8(at.site.localFolder));
+  m_window.go(Side::server, at.site.remoteFolder.empty() ? L"/" : fromUtf8(at.site.remoteFolder));
+}
+
+void App::disconnect() {
+  m_background.cancelAll();
+  m_background.disconnect([](const qx::Result<qx::Done>&) {});
+  m_window.showDisconnected();
+}
+
+void App::showReport(const std::wstring& what, const qx::Report& report) {
+  const std::wstring why = report.isCancelled ? text(Text::statusCancelled) : fromLibrary(report.text);
+  m_window.showMessage(text(Text::statusFailed, {what, why}));
+}
+
+void App::showProblem(const hosts::Problem& problem) {
+  m_window.showMessage(text(Text::statusFailed, {fromLibrary(problem.path), fromLibrary(problem.text)}));
+}
+
+void App::listServer(const std::wstring& path, Sorting sorting) {
+  m_background.run([remote = toLibrary(path),
+                    sorting](const Session& session) { return readFolder(session, remote, sorting); },
+                   [this, path](qx::Result<ItemList> items) {
+                     if (items) return m_window.showFolder(Side::server, path, std::move(items).value());
+                     const qx::Report& report = items.report();
+                     m_window.showFolderFailed(
+                         Side::server, path,
+                         report.isCancelled ? text(Text::statusCancelled) : fromLibrary(report.text));
+                   });
+}
+
+// The folder is listed again in either case, and what went wrong is told behind that.
+template <typename Change>
+void App::changeServer(const std::wstring& what, Change change) {
+  m_background.run(std::move(change), [this, what](const qx::Result<qx::Done>& done) {
+    m_window.refresh(Side::server, m_window.pane(Side::server).path());
+    if (!done) showReport(what, done.report());
+  });
+}
+
+void App::createServerFolder(const std::wstring& path) {
+  changeServer(path,
+               [remote = toLibrary(path)](const Session& session) { return makeFolder(session, remote); });
+}
+
+void App::renameOnServer(const std::wstring& from, const std::wstring& to) {
+  changeServer(from, [old = toLibrary(from), now = toLibrary(to)](const Session& session) {
+    return session.client.rename(old, now);
+  });
+}
+
+void App::removeOnServer(const std::vector<Place>& places) {
+  changeServer(text(Text::commandDelete), [remote = remotePlaces(places)](const Session& session) {
+    return whole(removePlaces(session, remote));
+  });
+}
+
+void App::move(const std::vector<Place>& places, const std::wstring& to) {
+  changeServer(to, [remote = remotePlaces(places), target = toLibrary(to)](const Session& session) {
+    return whole(movePlaces(session, remote, target));
+  });
+}
+
+template <typename Expand>
+void App::expand(const std::wstring& what, Expand expand) {
+  m_background.run(std::move(expand), [this, what, login = m_login](qx::Result<Expansion> expansion) {
+    if (!expansion) return showReport(what, expansion.report());
+    if (!expansion->problems.empty()) showProblem(expansion->problems.front());
+    std::vector<Transfer> transfers = expansion->transfers;
+    for (Transfer& transfer : transfers) transfer.server = login;
+    m_queue.add(std::move(transfers));
+  });
+}
+
+void App::upload(const std::vector<Place>& places, const std::wstring& toFolder) {
+  expand(toFolder, [local = localPlaces(places), target = toLibrary(toFolder)](const Session& session) {
+    return expandUpload(session, local, target);
+  });
+}
+
+void App::download(const std::vector<Place>& places, const std::wstring& toFolder) {
+  const std::filesystem::path target = toFolder;
+  expand(toFolder, [remote = remotePlaces(places), target](const Session& session) {
+    return expandDownload(session, remote, target);
+  });
+}
+
+void App::copy(const std::vector<Place>& places, const std::wstring& to) {
+  expand(to, [remote = remotePlaces(places), target = toLibrary(to)](const Session& session) {
+    return expandCopy(session, remote, target);
+  });
+}
+
+// The sides show what has come when the last one has.
+void App::transferEnded(const TransferRow& row) {
+  if (!row.text.empty()) m_window.showMessage(fromUtf8(row.text));
+  if (m_queue.hasWork()) return;
+  for (const Side side : {Side::local, Side::server}) m_window.refresh(side, m_window.pane(side).path());
+}
+
+}  // namespace browse
