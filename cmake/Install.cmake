@@ -49,6 +49,13 @@ if(hosts)
   install(TARGETS ${hosts} DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT hosts)
   add_dependencies(qx_release ${hosts})
 endif()
+if(TARGET qxftp_texts)
+  set(texts "${CMAKE_BINARY_DIR}/hosts/qxftp")
+  install(FILES "${texts}/qxftp.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT hosts)
+  install(FILES "${texts}/qxftp.bash" DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions"
+    RENAME qxftp COMPONENT hosts)
+  add_dependencies(qx_release qxftp_texts)
+endif()
 
 # development: what the programs of others are built with.
 install(DIRECTORY "${CMAKE_SOURCE_DIR}/include/"

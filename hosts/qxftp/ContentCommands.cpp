@@ -103,7 +103,8 @@ void addRead(Commands& commands) {
                                    [=](Context& context) { read(context, *paths, *output); });
   command.alias("cat");
   takePaths(command, *paths, "file on a server");
-  command.add_option("-o,--output", *output, "local file in place of the standard output")->type_name("FILE");
+  command.add_option("-o,--output", *output, "local file in place of the standard output")
+      ->option_text("FILE");
 }
 
 void addFetch(Commands& commands) {

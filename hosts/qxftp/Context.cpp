@@ -6,6 +6,7 @@
 #include "hosts/qxftp/Printable.h"
 #include "hosts/qxftp/Wildcards.h"
 #include "hosts/shared/Interrupt.h"
+#include "hosts/shared/Terminal.h"
 
 namespace qxftp {
 namespace {
@@ -125,8 +126,9 @@ void Context::say(const std::string& line) const {
 
 // In the order in which both came, where they go to one place.
 void Context::warn(const std::string& line) {
+  static const bool hasColours = hosts::takesColours(stderr);
   std::fflush(stdout);
-  std::fprintf(stderr, "qxftp: %s\n", printable(line).c_str());
+  std::fprintf(stderr, hasColours ? "\x1b[31mqxftp:\x1b[0m %s\n" : "qxftp: %s\n", printable(line).c_str());
 }
 
 }  // namespace qxftp

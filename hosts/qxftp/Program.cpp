@@ -5,6 +5,7 @@
 
 #include "QXVersion.h"
 #include "hosts/qxftp/Commands.h"
+#include "hosts/qxftp/Manual.h"
 #include "hosts/qxftp/TransferCommands.h"
 #include "hosts/shared/Interrupt.h"
 #include "hosts/shared/Terminal.h"
@@ -12,23 +13,42 @@
 namespace qxftp {
 namespace {
 
-void addOptions(CLI::App& app, Settings& settings) {
-  app.add_option("--host", settings.host,
-                 "server of paths that are no whole addresses: a name or an address");
-  app.add_option("--port", settings.port, "its port")->check(CLI::Range(1, 65535));
-  app.add_option("--user", settings.user, "user, where an address names none");
-  app.add_option("--password-file", settings.passwordFile,
-                 "file whose first line is the password; \"-\": standard input");
-  app.add_option("--netrc", settings.netrc, "file of logins, in place of ~/.netrc (Windows: _netrc)");
+void addLoginOptions(CLI::App& app, Settings& settings) {
+  app.add_option("--host", settings.host, "server of paths that are no whole addresses: a name or an address")
+      ->option_text("HOST");
+  app.add_option("--port", settings.port, "its port")->check(CLI::Range(1, 65535))->option_text("N");
+  app.add_option("--user", settings.user, "user, where an address names none")->option_text("NAME");
+  app.add_option("--password-file", settings.passwordFile, "file whose first line is the password")
+      ->option_text("FILE");
+  app.add_option("--netrc", settings.netrc, "file of logins, in place of the usual one")->option_text("FILE");
   app.add_flag("--no-netrc", settings.ignoresNetrc, "reads no such file");
-  app.add_option("--library", settings.library,
-                 "file of the library, in place of the one beside this program");
-  app.add_option("--retries", settings.retries, "how often a failed attempt is made again")
-      ->capture_default_str();
   app.add_flag("--active", settings.isActive, "lets the server connect to this machine for data");
+}
+
+void addOptions(CLI::App& app, Settings& settings) {
+  app.set_help_flag("-h,--help", "shows this text, or that of the command");
+  app.set_version_flag("--version", "qxftp " QXIP_VERSION, "shows the version");
+  addLoginOptions(app, settings);
+  app.add_option("--library", settings.library,
+                 "file of the library, in place of the one beside this program")
+      ->option_text("FILE");
+  app.add_option("--retries", settings.retries, "how often a failed attempt is made again; 2 without a word")
+      ->option_text("N");
   app.add_flag("--literal", settings.isLiteral, "takes wildcards for plain characters");
-  app.add_flag("--verbose,-v", settings.isVerbose, "shows the protocol on the standard error output");
+  app.add_flag("-v,--verbose", settings.isVerbose, "shows the protocol on the standard error output");
   app.add_flag("--json", settings.isJson, "writes one JSON document in place of texts");
+}
+
+using Write = std::string (*)(const CLI::App& app);
+
+// For the build alone, and not in the help: what the program says of itself, in other forms.
+void addWriters(CLI::App& app, Write& chosen) {
+  static constexpr std::pair<const char*, Write> kWriters[] = {{"--write-manual", &manualPage},
+                                                               {"--write-page", &markdownPage},
+                                                               {"--write-completion", &bashCompletion}};
+  for (const auto& [name, write] : kWriters) {
+    app.add_flag_callback(name, [&chosen, write = write] { chosen = write; })->group("");
+  }
 }
 
 // The document is there whatever happened.
@@ -66,9 +86,11 @@ int runProgram(int count, const char* const* words) {
   app.allow_windows_style_options(false);  // "/pub" is a path
   app.require_subcommand(0, 1);
   app.fallthrough();
-  app.set_version_flag("--version", "qxftp " QXIP_VERSION);
+  app.footer(helpSections());
   Settings settings;
   addOptions(app, settings);
+  Write write = nullptr;
+  addWriters(app, write);
   Commands commands(app);
   addLookCommands(commands);
   addContentCommands(commands);
@@ -78,6 +100,10 @@ int runProgram(int count, const char* const* words) {
   addMirror(commands);
   try {
     app.parse(count, words);
+    if (write != nullptr) {
+      std::fputs(write(app).c_str(), stdout);
+      return kDone;
+    }
     if (app.get_subcommands().empty()) return failed(settings, kWrongUsage, "which command? (qxftp --help)");
   } catch (const CLI::Success& asked) {
     return app.exit(asked);

@@ -14,7 +14,11 @@ namespace hosts {
 
 [[nodiscard]] bool isTerminal(std::FILE* stream);
 
-// From now on the stream moves bytes as they are, and the console takes texts in this program's code page.
+// Whether people see colours there: a terminal that has them, and no NO_COLOR in the environment.
+[[nodiscard]] bool takesColours(std::FILE* stream);
+
+// From now on the standard streams move bytes as they are, and a console of Windows takes texts in this
+// program's code page.
 void prepareStreams();
 
 }  // namespace hosts

@@ -24,13 +24,13 @@ EVERYWHERE = """
     include/QXExports.h include/QXClientTable.h include/QXClient.h
     docs/tutorial.md docs/pictures/open.png docs/html/index.html
     bindings/csharp/QXClient.cs bindings/pascal/QXClient.pas bindings/python/qxclient.py
-    examples/CMakeLists.txt examples/qxftp/main.cpp examples/qxdialogs/main.cpp
+    docs/qxftp.md examples/CMakeLists.txt examples/qxdialogs/main.cpp hosts/CMakeLists.txt hosts/qxftp/main.cpp
 """.split()
 OF_SYSTEM = {
     "linux": """
         bin/qxftp lib/libZRM_QXKT32x64.so lib/libZRM_QXKT32x64.so.1 symbols/libZRM_QXKT32x64.so.1.debug
         lib/cmake/ZRM_QXKT32x64/ZRM_QXKT32x64Config.cmake lib/cmake/ZRM_QXKT32x64/ZRM_QXKT32x64ConfigVersion.cmake
-        lib/pkgconfig/ZRM_QXKT32x64.pc
+        lib/pkgconfig/ZRM_QXKT32x64.pc share/man/man1/qxftp.1 share/bash-completion/completions/qxftp
     """.split(),
     "windows": """
         bin/ZRM_QXKT32x64.dll bin/qxftp.exe bin/qxdialogs.exe
@@ -39,8 +39,8 @@ OF_SYSTEM = {
         cmake/ZRM_QXKT32x64Config.cmake cmake/ZRM_QXKT32x64ConfigVersion.cmake pkgconfig/ZRM_QXKT32x64.pc
     """.split(),
 }
-FOLDERS = {"linux": "bin bindings docs examples include lib symbols".split(),
-           "windows": "bin bindings cmake def docs examples include lib pkgconfig symbols".split()}
+FOLDERS = {"linux": "bin bindings docs examples hosts include lib share symbols".split(),
+           "windows": "bin bindings cmake def docs examples hosts include lib pkgconfig symbols".split()}
 
 
 def files_of(tree):

@@ -5,6 +5,9 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <cstdlib>
+#include <cstring>
+
 #include "hosts/shared/Interrupt.h"
 
 namespace hosts {
@@ -58,6 +61,13 @@ std::optional<std::string> askSecret(const std::string& question) {
 }
 
 bool isTerminal(std::FILE* stream) { return isatty(fileno(stream)) == 1; }
+
+bool takesColours(std::FILE* stream) {
+  const char* const kind = std::getenv("TERM");
+  const char* const unwanted = std::getenv("NO_COLOR");
+  const bool isDumb = kind == nullptr || *kind == '\0' || std::strcmp(kind, "dumb") == 0;
+  return isTerminal(stream) && !isDumb && (unwanted == nullptr || *unwanted == '\0');
+}
 
 void prepareStreams() {}
 

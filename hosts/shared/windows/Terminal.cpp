@@ -9,6 +9,8 @@
 #include <fcntl.h>
 #include <io.h>
 
+#include <cstdlib>
+
 #include "hosts/shared/Interrupt.h"
 
 namespace hosts {
@@ -80,6 +82,15 @@ std::optional<std::string> askSecret(const std::string& question) {
 }
 
 bool isTerminal(std::FILE* stream) { return _isatty(_fileno(stream)) != 0; }
+
+// Consoles before Windows 10 have none.
+bool takesColours(std::FILE* stream) {
+  const char* const unwanted = std::getenv("NO_COLOR");
+  if (unwanted != nullptr && *unwanted != '\0') return false;
+  auto* const console = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+  DWORD mode = 0;
+  return GetConsoleMode(console, &mode) && SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
 
 void prepareStreams() {
   for (std::FILE* const stream : {stdin, stdout}) _setmode(_fileno(stream), _O_BINARY);
