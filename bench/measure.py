@@ -61,6 +61,7 @@ class Contender:
     after: object = None
     reports: bool = False  # qxbench does
     times: int = 1  # how often a process carries the operation out
+    rounds: int = None  # at most; for what takes so long that once has to do
     samples: list = dataclasses.field(default_factory=list)
 
     def run_once(self):
@@ -99,7 +100,8 @@ def interleave(contenders, runs, warm_up=True):
     for number in range(runs):
         first = number % len(contenders)
         for contender in contenders[first:] + contenders[:first]:
-            contender.samples.append(contender.run_once())
+            if contender.rounds is None or number < contender.rounds:
+                contender.samples.append(contender.run_once())
 
 
 @dataclasses.dataclass

@@ -65,6 +65,14 @@ class Measuring(unittest.TestCase):
         self.assertEqual([(one.ratio, one.processor_ratio, one.inside, one.beside) for one in made],
                          [(1, 1, None, None), (0.5, 0.5, 0.125, None), (6, 6, 1.5, "windows, plain")])
 
+    def test_all_begin_a_round_in_turn_and_some_take_part_in_the_first_alone(self):
+        order = []
+        contenders = [Contender(name, ["true"], before=lambda name=name: order.append(name)) for name in "abc"]
+        contenders[1].rounds = 1
+        measure.interleave(contenders, 3)
+        self.assertEqual("".join(order), "abc" "abc" "ca" "ca")
+        self.assertEqual([len(one.samples) for one in contenders], [3, 1, 3])
+
     def test_the_late_ones_of_many_operations_are_told(self):
         many = Contender("linux", [], reports=True, samples=[Sample(1, 1, 1, [n / 100 for n in range(200, 0, -1)])])
         made = measure.row("cancel", many)
