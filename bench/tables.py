@@ -71,16 +71,23 @@ def memory(panels):
                   _rows(panels, lambda row: [_mebibytes(row.own_memory), _mebibytes(row.memory)]))
 
 
-def trips(panels):
-    """A column for each contender."""
-    names = list(dict.fromkeys(name(row) for _, rows in panels for row in rows))
+def _by_contender(panels, told, text):
+    """A column for each contender of whom there is something `told`."""
+    names = list(dict.fromkeys(name(row) for _, rows in panels for row in rows if told(row) is not None))
 
     def cells(rows):
-        found = {name(row): _figure(row.trips, 1, 1) for row in rows}
+        found = {name(row): text(told(row)) for row in rows}
         return [found.get(one, "") for one in names]
 
-    lines = [[title.partition(",")[0].removeprefix("round trips of "), *cells(rows)] for title, rows in panels]
-    return _table(["", None, *names], lines)
+    lines = [[title.rpartition(", ")[0].removeprefix("round trips of "), *cells(rows)] for title, rows in panels]
+    return _table(["", None, *names], lines) if names else ""
+
+
+def trips(panels):
+    """And what the processes took of the processor, where it was measured, in milliseconds."""
+    counts = _by_contender(panels, lambda row: row.trips, lambda value: _figure(value, 1, 1))
+    processors = _by_contender(panels, lambda row: row.processor, _ms)
+    return "\n\n".join([counts, *(["Of the processor, in milliseconds:", processors] if processors else [])])
 
 
 # By the parts of the document; the others have `times`.
