@@ -45,7 +45,7 @@ class Links(unittest.TestCase):
         self.assertEqual(len(findings(links, text)), count, text)
 
     def test_files_that_are_linked_are_there(self):
-        self.assert_fine("[a](guide.md) ![b](pictures/pick.png) [c](https://example.org/x) [d](../examples/qxftp)")
+        self.assert_fine("[a](guide.md) ![b](pictures/pick.png) [c](https://example.org/x) [d](../examples/qxdialogs)")
         self.assert_refused("[a](none.md)")
         self.assert_refused("![a](none.png) and [b](README.md)", 2)
         self.assert_refused("[a](../../elsewhere.md)")
