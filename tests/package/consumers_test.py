@@ -81,6 +81,12 @@ class Linux(Consumers):
 
     def test_examples_build_from_their_sources(self):
         out = self.scratch.build(self.scratch.package / "examples", "examples")
+        output = self.scratch.run(out / "bin/qxlisting", self.scratch.package / "lib/libZRM_QXKT32x64.so", "127.0.0.1",
+                                  *self.login(), "/pub")
+        self.assertEqual(output.split(), ["folder/", "one.txt", "two.bin"])
+
+    def test_hosts_build_from_their_sources(self):
+        out = self.scratch.build(self.scratch.package / "hosts", "hosts")
         self.assert_qxftp_lists(out / "bin/qxftp")
 
     def test_shipped_host(self):
@@ -121,8 +127,12 @@ class Windows(Consumers):
 
     def test_examples_build_from_their_sources(self):
         out = self.scratch.build(self.scratch.package / "examples", "examples", *MINGW)
-        self.assert_qxftp_lists(out / "bin/qxftp.exe")
+        self.assertTrue((out / "bin/qxlisting.exe").exists())
         self.assertTrue((out / "bin/qxdialogs.exe").exists())
+
+    def test_hosts_build_from_their_sources(self):
+        out = self.scratch.build(self.scratch.package / "hosts", "hosts", *MINGW)
+        self.assert_qxftp_lists(out / "bin/qxftp.exe")
 
     def test_shipped_host(self):
         self.assert_qxftp_lists(self.scratch.package / "bin/qxftp.exe")

@@ -1,15 +1,17 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""The notices name the owner of every file of others that the linker is given for the library."""
+"""The notices name the owner of every file of others that the linker is given for the library, and of the
+headers that hosts are made with."""
 
 import pathlib
+import re
 import shlex
 import subprocess
 import unittest
 
-from packages import RELEASES
+from packages import RELEASES, ROOT
 
-from packaging.third_party import PARTS
+from packaging.third_party import HOST_PARTS, PARTS
 
 LIBRARY = {"linux": "bin/libZRM_QXKT32x64.so.1", "windows": "bin/ZRM_QXKT32x64.dll"}
 
@@ -47,6 +49,11 @@ class ThirdParty(unittest.TestCase):
         self.assertIn("libstdc++.a", {path.name for path in files})
         named = {package for part in PARTS[release.system] for package in part.packages}
         self.assertEqual(owners(files), named)
+
+    def test_headers_of_hosts(self):
+        headers = re.findall(r"^qx_header_only\(\S+ (\S+)\)", (ROOT / "hosts/qxftp/CMakeLists.txt").read_text(), re.M)
+        self.assertEqual(owners(f"/usr/include/{header}" for header in headers),
+                         {package for part in HOST_PARTS for package in part.packages})
 
     def test_linux(self):
         self.check(RELEASES[0])

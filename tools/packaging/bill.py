@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The bill of materials of a package, in SPDX 2.3: its files, and what of others is linked into the library."""
+"""The bill of materials of a package, in SPDX 2.3: its files, and what of others is linked into library and hosts."""
 
 import datetime
 import hashlib
@@ -8,7 +8,7 @@ import re
 import uuid
 
 from .sums import digest
-from .third_party import PARTS
+from .third_party import HOST, HOST_PARTS, PARTS
 
 LICENCE = "MIT"
 
@@ -73,7 +73,9 @@ def bill(root, system, name, version, moment, left_out):
     paths = sorted(str(path.relative_to(root)) for path in root.rglob("*") if path.is_file())
     files = [_file(number, root, path) for number, path in enumerate(paths, 1) if path not in left_out]
     product, parts = _product(name, version, files, left_out), PARTS[system]
-    packages = [product, *map(_third_party, parts)]
+    linked, in_host = list(map(_third_party, parts)), list(map(_third_party, HOST_PARTS))
+    packages = [product, *linked, *in_host]
+    host = next(file for file in files if file["fileName"].removesuffix(".exe") == f"./{HOST}")
     code = product["packageVerificationCode"]["packageVerificationCodeValue"]
     created = datetime.datetime.fromtimestamp(moment, datetime.timezone.utc)
     return json.dumps({
@@ -85,6 +87,7 @@ def bill(root, system, name, version, moment, left_out):
         "hasExtractedLicensingInfos": _own_licences(parts),
         "relationships": [
             _relationship("SPDXRef-DOCUMENT", "DESCRIBES", product["SPDXID"]),
-            *(_relationship(product["SPDXID"], "STATIC_LINK", package["SPDXID"]) for package in packages[1:]),
+            *(_relationship(product["SPDXID"], "STATIC_LINK", package["SPDXID"]) for package in linked),
+            *(_relationship(host["SPDXID"], "STATIC_LINK", package["SPDXID"]) for package in in_host),
             *(_relationship(product["SPDXID"], "CONTAINS", file["SPDXID"]) for file in files)],
     }, indent=1) + "\n"

@@ -42,7 +42,7 @@ def _plain(body):
 
 
 def notices(package, prefix, leave_out=("/include/",)):
-    """The copyrights and licences of the files below `prefix`, each text once."""
+    """The copyrights and licences of the package as a whole and of the files below `prefix`, each text once."""
     paragraphs = list(_paragraphs(copyright_of(package)))
     texts = {}  # licences have them with the first file that they are for, or on their own
     for paragraph in paragraphs:
@@ -50,13 +50,15 @@ def notices(package, prefix, leave_out=("/include/",)):
         if text:
             texts.setdefault(name, _plain(text))
     holders = {}
+    of_prefix = 0
     for paragraph in paragraphs:
         files = [file for file in paragraph.get("Files", "").split()
-                 if file.startswith(prefix) and not any(part in file for part in leave_out)]
+                 if prefix and file.startswith(prefix) and not any(part in file for part in leave_out)]
+        of_prefix += len(files)
         if files or paragraph.get("Files") == "*":
             name = paragraph["License"].partition("\n")[0]
             holders.setdefault(name, []).append(_plain(paragraph["Copyright"]))
-    if len(holders) < 2:
+    if not holders or (prefix and not of_prefix):
         raise NoSuchText(f"{package}: nothing about {prefix}")
     named = {part for name in holders for part in name.split(" and ")}
     copyrights = [f"{name}: {'; '.join(' '.join(who.split()) for who in people)}" for name, people in holders.items()]

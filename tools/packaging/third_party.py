@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What of others is linked into the libraries, and the paper that says so."""
+"""What of others is linked into the libraries and the hosts, and the paper that says so."""
 
 import functools
 import subprocess
@@ -69,15 +69,31 @@ PARTS = {
     ),
 }
 
+# Headers that the host qxftp is compiled with, on both systems.
+HOST = "bin/qxftp"
+HOST_PARTS = (
+    Part("CLI11", "the command line of the program qxftp", ("libcli11-dev",), "https://github.com/CLIUtils/CLI11",
+         "BSD-3-Clause", "University of Cincinnati", lambda: notices("libcli11-dev", "")),
+    Part("JSON for Modern C++", "the JSON output of the program qxftp", ("nlohmann-json3-dev",),
+         "https://json.nlohmann.me/", "MIT", "Niels Lohmann", lambda: notices("nlohmann-json3-dev", "include/")),
+)
+
+
+def listed(parts):
+    lines = []
+    for part in parts:
+        lines += [f"  {part.name} ({part.what})", f"    {part.licence}", f"    {part.home}",
+                  f"    from Debian's {part.packages[0]} {part.version}", ""]
+    return lines
+
 
 def paper(title, system):
     """The text of THIRD-PARTY.txt."""
     parts = PARTS[system]
-    lines = [f"{title} has no third-party code of its own. The compiler's run-time libraries are linked into it:", ""]
-    for part in parts:
-        lines += [f"  {part.name} ({part.what})", f"    {part.licence}", f"    {part.home}",
-                  f"    from Debian's {part.packages[0]} {part.version}", ""]
-    lines += ["None of them puts conditions on programs that use the library. Their texts follow."]
-    for part in parts:
+    lines = [f"{title} has no third-party code of its own. The compiler's run-time libraries are linked into it:", "",
+             *listed(parts), "None of them puts conditions on programs that use the library.", "",
+             "The program qxftp, which uses it, is compiled with these as well:", "",
+             *listed(HOST_PARTS), "Their texts follow."]
+    for part in (*parts, *HOST_PARTS):
         lines += ["", "", "=" * 100, f"{part.name}: {part.what}", "=" * 100, "", part.text()]
     return "\n".join(lines) + "\n"
