@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Src/CollectedFile.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "framework/platform/last_error.h"
 
 CollectedFile::~CollectedFile() {
@@ -12,18 +15,14 @@ CollectedFile::~CollectedFile() {
   }
 }
 
-void CollectedFile::Write(const void* data, std::uint32_t size) {
-  if (m_pieces.size() + size > kCapacity) Flush();
-  if (size > kCapacity) {
-    m_file.Write(data, size);
-  } else {
-    const char* const bytes = static_cast<const char*>(data);
-    m_pieces.insert(m_pieces.end(), bytes, bytes + size);
-  }
+char* CollectedFile::Room(std::uint32_t size) {
+  if (m_used + size > kEnough) Flush();
+  if (m_used + size > m_pieces.size()) m_pieces.resize(std::max(m_used + size, 2 * m_pieces.size()));
+  return m_pieces.data() + m_used;
 }
 
 void CollectedFile::Flush() {
-  const auto size = static_cast<std::uint32_t>(m_pieces.size());
-  m_pieces.clear();  // first: what the system refuses once is not offered again
+  // First: what the system refuses once is not offered again.
+  const auto size = static_cast<std::uint32_t>(std::exchange(m_used, 0));
   if (size > 0) m_file.Write(m_pieces.data(), size);
 }

@@ -15,13 +15,16 @@ class CollectedFile {
   CollectedFile(const CollectedFile&) = delete;
   CollectedFile& operator=(const CollectedFile&) = delete;
 
-  // Throws CFileException*; that the system does not take the data may show only in a later call.
-  void Write(const void* data, std::uint32_t size);
+  // Room for a piece, which Added() then tells the size of. Throws CFileException*; that the system does not
+  // take the data may show only in a later call, or in Flush().
+  [[nodiscard]] char* Room(std::uint32_t size);
+  void Added(std::uint32_t size) noexcept { m_used += size; }
   void Flush();
 
  private:
-  static constexpr std::size_t kCapacity = std::size_t{256} * 1024;
+  static constexpr std::size_t kEnough = std::size_t{256} * 1024;
 
   CFile& m_file;
   std::vector<char> m_pieces;  // grows with what comes: many files are small
+  std::size_t m_used = 0;      // of m_pieces
 };

@@ -48,10 +48,11 @@ Step copyChunks(CopyThread& record, RemoteFile& source, LocalFile& target, const
                 std::uint32_t size) {
   // Whoever is asked finds in his file what he is told of; nobody looks into a temporary copy.
   const bool shows = record.pfnProgress != nullptr && !IsRemotePath(record.pszNewName);
-  char chunk[kChunk];
   CFilePart& part = *record.part;
   for (std::uint32_t count = kChunk; count == kChunk;) {
-    if (!source.Read(chunk, kChunk, &count) || !target.Write(chunk, count)) return Step::failed;
+    char* const chunk = target.Room(kChunk);
+    if (chunk == nullptr || !source.Read(chunk, kChunk, &count)) return Step::failed;
+    target.Added(count);
     part.Add(count);
     if (shows && !target.Flush()) return Step::failed;
     const bool stop = asksToStop(record, shown, percentOf(part.Done(), size));

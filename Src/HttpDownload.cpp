@@ -2,16 +2,17 @@
 // HTTPDownloadFile: one GET request, with at most one redirect, on the caller's thread and in a session of
 // its own. It writes no message lines and no failure report.
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "Src/CollectedFile.h"
 #include "Src/HostCall.h"
 #include "Src/OperationGuard.h"
 #include "Src/QXIP.h"
+#include "Src/SlotRetry.h"
 #include "Src/TInternetSession.h"
 #include "framework/File.h"
 #include "framework/internet/HttpConnection.h"
@@ -19,6 +20,7 @@
 #include "framework/internet/InternetException.h"
 #include "framework/internet/http/HttpUrl.h"
 #include "framework/platform/file.h"
+#include "framework/platform/message_queue.h"
 #include "framework/platform/modal_message.h"
 #include "framework/platform/wait_watch.h"
 #include "framework/text/AsciiText.h"
@@ -98,7 +100,7 @@ class HttpDownload {
   bool RequestAgain(const std::string& object);
   void Transfer();
   void SaveBody();
-  bool WantsMore();
+  bool WantsMore(CollectedFile* file = nullptr);
   [[nodiscard]] platform::WaitWatch LeaveWhenCancelled();
   void Close() noexcept;
 
@@ -198,24 +200,28 @@ void HttpDownload::Transfer() {
   }
 }
 
+// A host that is asked, or gets a message, finds in the file what has come by then. Where neither happens,
+// what comes without a pause is written in larger pieces.
 void HttpDownload::SaveBody() {
   CFile file(m_target.localFile, CFile::modeCreate | CFile::modeWrite | CFile::typeBinary);
-  std::array<char, kHttpChunk> chunk;
+  CollectedFile collected(file);
   bool ended = false;
   do {
-    const std::uint32_t count = m_request->ReadFor(chunk.data(), kHttpChunk, kPatience, ended);
-    if (count > 0) {
-      file.Write(chunk.data(), count);  // ahead of OnPoll, in which the host may look at the file
-    } else if (ended) {
-      break;
-    }
-  } while (WantsMore());
+    char* const room = collected.Room(kHttpChunk);
+    const std::uint32_t count = m_request->ReadFor(room, kHttpChunk, kPatience, ended);
+    if (count == 0 && ended) break;
+    collected.Added(count);
+    if (count < kHttpChunk || !HasOwnSlot(m_client, Slot::OnPoll)) collected.Flush();
+  } while (WantsMore(&collected));
+  collected.Flush();
   file.Close();
 }
 
-bool HttpDownload::WantsMore() {
+bool HttpDownload::WantsMore(CollectedFile* file) {
   m_cancelled = m_client.OnPoll(m_target.pollArg1, m_target.pollArg2, 0, nullptr) != 0;
   if (m_cancelled) return false;  // the client, which may be gone, is asked nothing more
+  if (!HostCall([] { return platform::messageWaiting(); })) return true;
+  if (file != nullptr) file->Flush();
   HostCall([] { PumpMessages(nullptr, 0, 0); });
   return true;
 }

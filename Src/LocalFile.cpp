@@ -33,9 +33,19 @@ bool LocalFile::SeekBehindContent() {
   });
 }
 
+char* LocalFile::Room(std::uint32_t size) {
+  char* room = nullptr;
+  static_cast<void>(Guard([&] {
+    room = m_collected.Room(size);
+    return true;
+  }));
+  return room;
+}
+
 bool LocalFile::Write(const void* data, std::uint32_t size) {
   return Guard([&] {
-    m_collected.Write(data, size);
+    m_collected.Flush();
+    m_file.Write(data, size);
     return true;
   });
 }

@@ -13,7 +13,10 @@ class LocalFile {
   [[nodiscard]] bool Open(const char* path, std::uint32_t flags) noexcept { return m_file.Open(path, flags); }
   // Moves to the end; false for an empty file.
   [[nodiscard]] bool SeekBehindContent();
-  // That the system does not take the data may show only later, or in Close.
+  // As CollectedFile's, but null on failure. That the system does not take the data may show only later, or
+  // in Close.
+  [[nodiscard]] char* Room(std::uint32_t size);
+  void Added(std::uint32_t size) noexcept { m_collected.Added(size); }
   [[nodiscard]] bool Write(const void* data, std::uint32_t size);
   // What was written so far is in the file then.
   [[nodiscard]] bool Flush();

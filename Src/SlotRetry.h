@@ -17,6 +17,7 @@
 
 enum class Slot : std::size_t {
   OnStatus = 17,
+  OnPoll = 19,
   FTPGetDirectory = 31,
   FTPDownloadFile = 32,
   FTPUploadFile = 33,

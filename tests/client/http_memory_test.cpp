@@ -25,6 +25,29 @@ TEST_F(HttpMemory, EveryChunkIsInTheFileWhenOnPollIsAsked) {
   EXPECT_EQ(sizes, (std::vector<std::uintmax_t>{4096, 8192, 10'000}));
 }
 
+class PlainClient final : public TQXIP {
+ public:
+  using TQXIP::TQXIP;
+  ~PlainClient() = default;
+};
+
+// Where OnPoll is the library's own, chunks are collected.
+TEST_F(HttpMemory, EveryChunkIsInTheFileWhenAMessageIsDispatched) {
+  server.answer = head(10'000) + std::string(10'000, 'x');
+  std::vector<std::uintmax_t> sizes;
+  TestQueue* posted = nullptr;
+  TestQueue queue([&](unsigned) {
+    sizes.push_back(std::filesystem::file_size(local));
+    if (sizes.size() < 2) posted->post(1);
+  });
+  posted = &queue;
+  server.onAnswer = [&] { queue.post(1); };
+  PlainClient plain(nullptr);
+  EXPECT_EQ(plain.HTTPDownloadFile("127.0.0.1", "/a", 80, local.c_str(), nullptr, 0, 0), 1u);
+  EXPECT_EQ(sizes, (std::vector<std::uintmax_t>{4096, 4096}));
+  EXPECT_EQ(content(), std::string(10'000, 'x'));
+}
+
 TEST_F(HttpMemory, CancelledAfterTheFirstChunkDeletesTheFile) {
   server.answer = head(100'000) + std::string(100'000, 'x');
   for (const bool readOnly : {false, true}) {

@@ -2,7 +2,6 @@
 #include "framework/internet/http/HttpExchange.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <utility>
 
@@ -156,14 +155,14 @@ bool HttpExchange::receiveBody(const Deadline* patience) {
 
 // False when nothing has come before the deadline.
 bool HttpExchange::receive(const Deadline& deadline) {
-  std::array<char, kHttpBlock> block;
-  const auto received = receiveSome(*sock_, block, deadline);
+  if (!block_) block_ = std::make_unique_for_overwrite<char[]>(kHttpBlock);
+  const auto received = receiveSome(*sock_, {block_.get(), kHttpBlock}, deadline);
   if (received.status == IoStatus::wouldBlock) return false;
   if (received.status == IoStatus::closed) {
     if (!response_.endOfStream()) fail(kConnectionAborted);
   } else if (received.status != IoStatus::done) {
     throw sock_->failureOf(received.status);
-  } else if (!response_.feed({block.data(), received.bytes})) {
+  } else if (!response_.feed({block_.get(), received.bytes})) {
     fail(kInvalidServerResponse);
   }
   return true;

@@ -80,6 +80,7 @@ class HttpExchange : public SessionMember {
   std::vector<std::string> headers_;
   State state_ = State::idle;
   std::unique_ptr<Sock> sock_;
+  std::unique_ptr<char[]> block_;  // what has been received last
   HttpResponse response_;
   Deadline silence_{std::chrono::milliseconds(0)};  // of the body; put off by every byte
 };
