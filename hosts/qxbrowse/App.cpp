@@ -28,23 +28,30 @@ App::App(const qx::Exports& exports, const std::filesystem::path& siteFile)
       m_dialogs(exports.library),
       m_sites(siteFile),
       m_window(*this),
+      m_log(m_mailbox, [this](std::vector<std::string> lines) { m_work.tellProtocol(std::move(lines)); }),
       m_queue(exports,
               {.post = [this](Letter letter) { m_mailbox.post(std::move(letter)); },
+               .line = [this](const char* line) { m_log.add(line); },
+               .changed = [this] { m_work.queueChanged(); },
                .ended = [this](const TransferRow& row) { transferEnded(row); },
-               .paused = [this](const TransferRow& row) { m_window.showMessage(fromUtf8(row.text)); }}),
+               .paused = [this](const TransferRow&) { m_window.showMessage(text(Text::queuePaused)); }}),
       m_local(
           [this](Letter letter) { m_mailbox.post(std::move(letter)); },
           [this](const std::wstring& path, LocalWork::Answer answer) { showLocal(path, std::move(answer)); }),
-      m_background(exports, [this](Letter letter) { m_mailbox.post(std::move(letter)); }) {
+      m_background(
+          exports, [this](Letter letter) { m_mailbox.post(std::move(letter)); },
+          [this](const char* line) { m_log.add(line); }) {
   m_window.setMayClose([this] { return mayClose(); });
 }
 
 int App::run(int how) {
   m_window.create();
+  m_window.setBottomPane(m_work.create(m_window.handle(), m_queue));
   const Placement placement = readPlacement(m_placementFile);
   m_window.setPlacement(placement);
   m_window.show(placement.isMaximized ? SW_SHOWMAXIMIZED : how);
-  const Keyboard keyboard(m_window.handle(), [this](const MSG& key) { return m_window.translate(key); });
+  const Keyboard keyboard(m_window.handle(),
+                          [this](const MSG& key) { return m_work.takeKey(key) || m_window.translate(key); });
   m_window.go(Side::local, homeFolder());
   MSG message{};
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {

@@ -11,10 +11,12 @@
 #include "hosts/qxbrowse/LocalWork.h"
 #include "hosts/qxbrowse/Mailbox.h"
 #include "hosts/qxbrowse/MainWindow.h"
+#include "hosts/qxbrowse/ProtocolLog.h"
 #include "hosts/qxbrowse/ServerJobs.h"
 #include "hosts/qxbrowse/Services.h"
 #include "hosts/qxbrowse/Sites.h"
 #include "hosts/qxbrowse/TransferQueue.h"
+#include "hosts/qxbrowse/WorkPane.h"
 
 namespace browse {
 
@@ -25,6 +27,8 @@ class App : public Services {
 
   // Returns when the window has closed; the code that the program ends with.
   int run(int how);
+  // What connect() does behind its question.
+  void logIn(const Destination& to);
 
   void connect() override;
   void disconnect() override;
@@ -50,7 +54,6 @@ class App : public Services {
  private:
   using Letter = std::function<void()>;
 
-  void logIn(const Destination& to);
   void enter(const Destination& at, const qx::Login& login);
   void showLocal(const std::wstring& path, LocalWork::Answer answer);
   void listServer(const std::wstring& path, Sorting sorting);
@@ -58,7 +61,7 @@ class App : public Services {
   void renameOnServer(const std::wstring& from, const std::wstring& to);
   void removeOnServer(const std::vector<Place>& places);
   void showReport(const std::wstring& what, const qx::Report& report);
-  void showProblem(const hosts::Problem& problem);
+  void showProblems(const Problems& problems);
   void transferEnded(const TransferRow& row);
   [[nodiscard]] std::vector<Place> placesOf(const LibraryDialogs::Choice& choice) const;
   [[nodiscard]] bool mayClose();
@@ -76,6 +79,8 @@ class App : public Services {
   Mailbox m_mailbox;
   Sites m_sites;
   MainWindow m_window;
+  WorkPane m_work;
+  ProtocolLog m_log;
   TransferQueue m_queue;
   LocalWork m_local;
   Background m_background;

@@ -80,11 +80,23 @@ void App::disconnect() {
 
 void App::showReport(const std::wstring& what, const qx::Report& report) {
   const std::wstring why = report.isCancelled ? text(Text::statusCancelled) : fromLibrary(report.text);
-  m_window.showMessage(text(Text::statusFailed, {what, why}));
+  const std::wstring line = text(Text::statusFailed, {what, why});
+  std::vector<std::string> lines{toLibrary(line)};
+  if (report.number != 0) {
+    lines.push_back(toLibrary(text(Text::reportNumber, {std::to_wstring(report.number)})));
+  }
+  if (!report.message.empty()) lines.push_back("    " + report.message);
+  m_work.report(std::move(lines));
+  m_window.showMessage(line);
 }
 
-void App::showProblem(const hosts::Problem& problem) {
-  m_window.showMessage(text(Text::statusFailed, {fromLibrary(problem.path), fromLibrary(problem.text)}));
+// The first in the status bar, all of them in the pane.
+void App::showProblems(const Problems& problems) {
+  if (problems.empty()) return;
+  std::vector<std::string> lines;
+  for (const hosts::Problem& problem : problems) lines.push_back(problem.path + ": " + problem.text);
+  m_window.showMessage(fromLibrary(lines.front()));
+  m_work.report(std::move(lines));
 }
 
 void App::listServer(const std::wstring& path, Sorting sorting) {
@@ -135,7 +147,7 @@ template <typename Expand>
 void App::expand(const std::wstring& what, Expand expand) {
   m_background.run(std::move(expand), [this, what, login = m_login](qx::Result<Expansion> expansion) {
     if (!expansion) return showReport(what, expansion.report());
-    if (!expansion->problems.empty()) showProblem(expansion->problems.front());
+    showProblems(expansion->problems);
     std::vector<Transfer> transfers = expansion->transfers;
     for (Transfer& transfer : transfers) transfer.server = login;
     m_queue.add(std::move(transfers));
@@ -163,7 +175,12 @@ void App::copy(const std::vector<Place>& places, const std::wstring& to) {
 
 // The sides show what has come when the last one has.
 void App::transferEnded(const TransferRow& row) {
-  if (!row.text.empty()) m_window.showMessage(fromUtf8(row.text));
+  if (!row.text.empty()) {
+    const std::wstring line =
+        text(Text::statusFailed, {queueCell(row, QueueColumn::name), fromLibrary(row.text)});
+    m_work.report({toLibrary(line)});
+    m_window.showMessage(line);
+  }
   if (m_queue.hasWork()) return;
   for (const Side side : {Side::local, Side::server}) m_window.refresh(side, m_window.pane(side).path());
 }
