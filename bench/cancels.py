@@ -22,13 +22,16 @@ def cancels(stage):
     source, target = stage.folder / "zeros", stage.folder / "cancelled"
     with open(source, "wb") as file:
         file.truncate(_SIZE)
+    sent = "/pub/cancelled"
     made = _rows(stage, "cancel of a copy down", "cancel-copy", _ZEROS, f"Z:{target}",
                  others=_downloads(stage, target))
-    made += _rows(stage, "cancel of a copy up", "cancel-copy", f"Z:{source}", "/pub/cancelled")
+    made += _rows(stage, "cancel of a copy up", "cancel-copy", f"Z:{source}", sent)
+    if target.stat().st_size == _SIZE or stage.server.size(sent) == _SIZE:
+        raise RuntimeError("a copy was not cancelled")
     made += _of_http(stage, source, target)
     for file in (source, target):
         file.unlink(missing_ok=True)
-    stage.server.ask("put", files={_ZEROS: "", "/pub/cancelled": ""})
+    stage.server.ask("put", files={_ZEROS: "", sent: ""})
     return made
 
 

@@ -200,12 +200,16 @@ class Quick(unittest.TestCase):
                 self.assertTrue(0 <= row.own_processor <= row.processor + 0.01)
 
     def test_later_operations_take_fewer_round_trips(self):
-        first, known, connected = (self.found("round trips of exists", f"linux, {way}").trips
-                                   for way in ("first", "known", "connected"))
+        first, known, connected = (self.trips("exists", way) for way in ("first", "known", "connected"))
         self.assertGreaterEqual(first, 5)
         self.assertGreaterEqual(known, 4)
         self.assertGreaterEqual(connected, 1)
-        self.assertLess(connected, known)
+        self.assertLess(connected, known - 1)
+
+    def trips(self, operation, way):
+        """Those of the quickest, which the machine has held up least."""
+        row = self.found(f"round trips of {operation}", f"linux, {way}")
+        return row.trips * row.least / row.wall if row.wall else row.trips
 
     def test_cancels_are_timed(self):
         for work in ("cancel of a copy down", "cancel of a copy up", "cancel of a web download"):
