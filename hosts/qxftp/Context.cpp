@@ -73,7 +73,8 @@ bool Context::isPattern(const Place& place) const {
   return !m_settings.isLiteral && hasWildcards(place.path());
 }
 
-void Context::addFailure(const std::string& what, Json result, const qx::Report& report) {
+void Context::addFailure(const std::string& what, Json result, qx::Report report) {
+  report.isCancelled = report.isCancelled || hosts::isInterrupted();  // also what could not be cancelled
   m_tally.addFailure(report);
   result["ok"] = false;
   result["error"] = jsonOf(report);

@@ -86,7 +86,7 @@ class Context {
   [[nodiscard]] const Json& results() const { return m_results; }
 
  private:
-  void addFailure(const std::string& what, Json result, const qx::Report& report);
+  void addFailure(const std::string& what, Json result, qx::Report report);
 
   const Settings& m_settings;
   Servers m_servers;

@@ -72,7 +72,7 @@ class Runner {
       if (mayGoOn()) {
         m_context.one(sourceText(m_jobs[i]), [&](Json& result) { carryOut(m_jobs[i], result); });
       } else {
-        return giveUp(m_jobs.size() - i);
+        return giveUp(m_jobs[i], m_jobs.size() - i - 1);
       }
     }
     if (std::ranges::any_of(m_jobs, movesFile)) m_display.sum();
@@ -81,9 +81,10 @@ class Runner {
  private:
   bool mayGoOn() const { return !hosts::isInterrupted() && !m_isDiskFull && m_losses < kLossesInARow; }
 
-  void giveUp(std::size_t count) {
-    const std::string text = std::to_string(count) + (count == 1 ? " was" : " were") + " not tried";
-    m_context.one("what was left to do", [&](Json&) { fail(text); });
+  void giveUp(const FileJob& first, std::size_t others) {
+    std::string text = hosts::isInterrupted() ? "cancelled; not tried" : "not tried";
+    if (others > 0) text += ", and " + std::to_string(others) + " more";
+    m_context.attempt(first.place, [&] { fail(text); });
   }
 
   void carryOut(const FileJob& job, Json& result) {

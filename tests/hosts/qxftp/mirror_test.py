@@ -1,0 +1,138 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: MIT
+"""mirror_test.py QXFTP...: mirror at real servers, both ways, again, after changes, interrupted and continued."""
+
+import os
+import re
+import time
+
+from program import WINDOWS, ProgramCase, Terminal, files_in, main
+
+HOUR = 3600
+MOVED = re.compile(r"(\d+) files? to move, (\d+) folders? to make, (\d+) to remove, (\d+) files? (?:is|are) the same")
+
+
+class Mirror(ProgramCase):
+    def tree(self, folders, each):
+        """A folder with so many files; one folder more is empty, and there are a folder and a file in a folder."""
+        for folder in range(folders):
+            for number in range(each):
+                self.write(f"source/folder {folder:02}/f{number}.txt", f"{folder}/{number} " * (1 + number % 9))
+        (self.folder / "source/empty").mkdir()
+        self.write("source/folder 00/deep/gr\u00fc\u00df.txt", "deep")
+        self.many = folders * each + 1
+        self.source, self.target = self.local(self.folder / "source"), self.local(self.folder / "target")
+
+    def mirror(self, source, target, *options):
+        """(files moved, folders made, removed, the same)"""
+        told = self.succeed("mirror", source, target, *options)
+        return tuple(map(int, MOVED.search(told).groups()))
+
+    def connections(self, server):
+        return server.ask("log")["connections"]
+
+    def changed_here(self, folder):
+        return {path: os.stat(path).st_ctime_ns for path in folder.rglob("*")}
+
+    def both_ways(self, server, scheme):
+        site = self.address(server, "/pub/site", scheme)
+        folders = len([path for path in (self.folder / "source").rglob("*") if path.is_dir()])
+        self.assertEqual(self.mirror(self.source, site), (self.many, folders, 0, 0))
+        self.assertEqual(self.mirror(site, self.target), (self.many, folders, 0, 0))
+        self.assertEqual(files_in(self.folder / "target"), files_in(self.folder / "source"))
+        self.nothing_moves_again(server, site)
+        self.only_changes_move(server, site)
+
+    def nothing_moves_again(self, server, site):
+        logins, here = self.connections(server), self.changed_here(self.folder / "target")
+        self.assertEqual(self.mirror(self.source, site), (0, 0, 0, self.many))
+        self.assertEqual(self.mirror(site, self.target, "--delete", "--yes"), (0, 0, 0, self.many))
+        self.assertEqual(self.connections(server), logins + 2, "each has listed over one connection")
+        self.assertEqual(self.changed_here(self.folder / "target"), here)
+
+    def only_changes_move(self, server, site):
+        """Upwards: one has grown, one is newer, one is new, one is gone. Then all of that downwards."""
+        self.write("source/folder 00/f0.txt", "now it is longer than it has been before")
+        server.ask("put", files={"/pub/site/folder 00/f1.txt": {"text": "0/1 " * 2, "mtime": "20240229123456"}})
+        self.write("source/folder 00/f1.txt", "0+1 " * 2)
+        self.write("source/new/file", "new")
+        (self.folder / "source/folder 01/f0.txt").unlink()
+        self.assertEqual(self.mirror(self.source, site, "--delete", "--yes"), (3, 1, 1, self.many - 3))
+        # What has changed within a listing's minute cannot be seen to be newer.
+        server.ask("put", files={"/pub/site/folder 00/f1.txt": {"text": "0+1 " * 2, "mtime": "20240301123456"}})
+        time_here = time.time() - 100 * 24 * HOUR  # of a file that was not touched on the server
+        os.utime(self.folder / "target/folder 01/f1.txt", (time_here, time_here))
+        self.assertEqual(self.mirror(site, self.target, "--delete", "--yes"), (4, 1, 1, self.many - 4))
+        self.assertEqual(files_in(self.folder / "target"), files_in(self.folder / "source"))
+
+
+class AtServers(Mirror):
+    def try_server(self, kind, scheme="ftp"):
+        self.tree(2, 5)
+        script = {} if scheme == "ftp" else {"tls": {"reuse": False, "implicit": scheme == "ftps"}}
+        self.both_ways(self.start(kind, **script), scheme)
+
+    def test_vsftpd(self):
+        self.try_server("vsftpd")
+
+    def test_vsftpd_encrypted(self):
+        self.try_server("vsftpd", "ftpes")
+
+    def test_proftpd(self):
+        self.try_server("proftpd")
+
+    def test_proftpd_encrypted(self):
+        self.try_server("proftpd", "ftps")
+
+    def test_pyftpdlib_encrypted(self):
+        self.try_server("pyftpdlib", "ftpes")
+
+    def test_pyftpdlib_with_two_thousand_files(self):
+        self.tree(50, 40)
+        self.both_ways(self.start("pyftpdlib"), "ftp")
+
+
+class OtherClocks(Mirror):
+    def test_a_server_that_shows_another_zone_gets_nothing_twice(self):
+        """This server tells the time of a file in its own zone, too, so that nothing shows how far that is off."""
+        server = self.start("vsftpd", extra=["use_localtime=YES"])
+        an_hour_ago = time.time() - HOUR
+        for name in ("a", "b"):
+            self.write(f"source/{name}", name, mtime=an_hour_ago)
+        site = self.address(server, "/pub/site")
+        source, target = self.folder / "source", self.folder / "target"
+        self.assertEqual(self.mirror(source, site), (2, 0, 0, 0))
+        self.assertEqual(self.mirror(source, site), (0, 0, 0, 2))
+        self.assertEqual(server.ask("list", path="/pub/site")["names"], ["a", "b"], "what asked the clock is gone")
+        self.assertEqual(self.mirror(site, target), (2, 0, 0, 0))
+        self.assertEqual(self.mirror(site, target), (0, 0, 0, 2))
+
+
+class Interrupted(Mirror):
+    def test_goes_on_where_it_was(self):
+        self.tree(10, 40)
+        site = self.address(self.start("pyftpdlib"), "/pub/site")
+        for source, target in ((self.source, site), (site, self.target)):
+            terminal = Terminal(["mirror", source, target])
+            terminal.wait_for(r"(\d+)/401 ", lambda match: int(match[1]) >= 30)
+            terminal.type("\x03")
+            self.assertEqual(terminal.exit_code(), 130, terminal.output[-500:])
+            self.assertIn("cancelled", terminal.output)
+            moved, _, _, same = self.mirror(source, target)
+            self.assertEqual(moved + same, self.many)
+            self.assertGreaterEqual(same, 29, "one of them may have been cut")
+            self.assertGreater(moved, 0)
+        self.assertEqual(files_in(self.folder / "target"), files_in(self.folder / "source"))
+
+
+if WINDOWS:  # the same code; a part of it tells whether files and names come along
+    del AtServers, OtherClocks, Interrupted
+
+    class UnderWine(Mirror):
+        def test_pyftpdlib(self):
+            self.tree(2, 5)
+            self.both_ways(self.start("pyftpdlib"), "ftp")
+
+
+if __name__ == "__main__":
+    main()
