@@ -79,9 +79,13 @@ class TheWorkPane : public testing::Test {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) DispatchMessageW(&message);
   }
+  // Past the quit messages of windows that other tests have closed.
   static void pumpUntil(const std::function<bool()>& holds) {
     MSG message;
-    while (!holds() && GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
+    while (!holds()) {
+      GetMessageW(&message, nullptr, 0, 0);
+      DispatchMessageW(&message);
+    }
   }
 
   void add(std::size_t count) {
