@@ -70,7 +70,7 @@ Json jsonOf(const QXDirEntry& entry, const Place& place) {
   if (entry.bIsDirectory == 0) json["size"] = sizeOf(entry);
   const std::string time = timeText(entry.ftLastWriteTime);
   json["time"] = time.empty() ? Json() : Json(time);
-  json["url"] = hosts::textOf(place.address);
+  if (place.path().starts_with('/')) json["url"] = hosts::textOf(place.address);
   return json;
 }
 

@@ -26,7 +26,7 @@ namespace qxftp {
 // The name, of a directory with a slash behind it.
 [[nodiscard]] std::string shortLine(const QXDirEntry& entry);
 
-// With "url", by which the very bytes of the name come back.
+// With "url", by which the very bytes of the name come back; a path that begins at no root has none.
 [[nodiscard]] Json jsonOf(const QXDirEntry& entry, const Place& place);
 
 }  // namespace qxftp

@@ -38,7 +38,7 @@ void list(Context& context, const Paths& paths, bool isLong) {
 }
 
 void connect(Context& context, const Paths& addresses) {
-  context.each(addresses, [&](const Place& place, Json&) {
+  context.each(addresses.empty() ? Paths{"/"} : addresses, [&](const Place& place, Json&) {
     static_cast<void>(context.connected(place));
     context.say("connected to " + place.text);
   });

@@ -73,12 +73,13 @@ bool matchesWildcards(Text pattern, Text name) {
 
 SplitPath splitPath(Text path) {
   const std::size_t slash = path.find_last_of("/\\");
-  if (slash == path.npos) return {"", std::string(path)};
+  if (slash == path.npos) return {".", std::string(path)};
   return {std::string(path.substr(0, std::max<std::size_t>(slash, 1))), std::string(path.substr(slash + 1))};
 }
 
 std::string joinedPath(const std::string& folder, const std::string& name) {
-  return folder.empty() || folder.ends_with('/') ? folder + name : folder + "/" + name;
+  if (folder == ".") return name;
+  return folder.ends_with('/') ? folder + name : folder + "/" + name;
 }
 
 std::vector<QXDirEntry> matchingEntries(Context& context, const Place& place) {

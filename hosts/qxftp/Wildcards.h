@@ -14,7 +14,7 @@ namespace qxftp {
 // Of one name; letters match in their own case. A bracket that is never closed is a plain character.
 [[nodiscard]] bool matchesWildcards(std::string_view pattern, std::string_view name);
 
-// "/pub/a" -> "/pub", "a"; "/a" -> "/", "a"; "a" -> "", "a".
+// "/pub/a" -> "/pub", "a"; "/a" -> "/", "a"; "a" -> ".", "a".
 struct SplitPath {
   std::string folder;
   std::string name;

@@ -138,7 +138,8 @@ std::string textOf(const Address& address) {
   const auto& [login, path] = address;
   const std::string user = login.user.empty() ? "" : percentEncoded(login.user) + "@";
   const std::string port = login.port == usualPort(scheme) ? "" : ":" + std::to_string(login.port);
-  return scheme + "://" + user + std::string(server) + port + percentEncoded(path, "/") + options;
+  const std::string slash = path.empty() || path.starts_with('/') ? "" : "/";
+  return scheme + "://" + user + std::string(server) + port + slash + percentEncoded(path, "/") + options;
 }
 
 qx::WebFile parseWebAddress(Text text) {

@@ -28,7 +28,8 @@ struct Address {
 // password. "ftp.example.org" without a scheme is an address as well.
 [[nodiscard]] Address parseAddress(std::string_view text);
 
-// The address as a text that parseAddress() takes, without the password.
+// The address as a text that parseAddress() takes, without the password. A path without a slash at its begin
+// gets one.
 [[nodiscard]] std::string textOf(const Address& address);
 
 // "http://" or "https://", a host, perhaps a port and options as above, and what is asked for, which stays as

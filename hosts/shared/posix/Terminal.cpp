@@ -2,9 +2,11 @@
 #include "hosts/shared/Terminal.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 
@@ -12,6 +14,30 @@
 
 namespace hosts {
 namespace {
+
+// A Ctrl-C that came just before the reading began would not end it: it may come while that waits, and at no
+// other moment.
+class HeldSignals {
+ public:
+  HeldSignals() {
+    sigset_t held;
+    sigemptyset(&held);
+    for (const int signal : {SIGINT, SIGTERM}) sigaddset(&held, signal);
+    pthread_sigmask(SIG_BLOCK, &held, &m_before);
+  }
+  ~HeldSignals() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+  HeldSignals(const HeldSignals&) = delete;
+  HeldSignals& operator=(const HeldSignals&) = delete;
+
+  // Whether there is something to read, or the end of it; false: a signal has come.
+  [[nodiscard]] bool waitFor(int handle) const {
+    pollfd waited{handle, POLLIN, 0};
+    return ppoll(&waited, 1, nullptr, &m_before) == 1;
+  }
+
+ private:
+  sigset_t m_before;
+};
 
 class Tty {
  public:
@@ -38,10 +64,11 @@ class Tty {
   // None at the end and when a signal comes.
   [[nodiscard]] std::optional<char> read() const {
     char c = 0;
-    return ::read(m_handle, &c, 1) == 1 ? std::optional(c) : std::nullopt;
+    return m_signals.waitFor(m_handle) && ::read(m_handle, &c, 1) == 1 ? std::optional(c) : std::nullopt;
   }
 
  private:
+  const HeldSignals m_signals;
   int m_handle;
   bool m_isOpen;
   termios m_before{};

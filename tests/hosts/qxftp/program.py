@@ -29,10 +29,10 @@ SECONDS = 120  # for what has to come; a machine may be busy
 class Terminal:
     """The program as the foreground of a terminal of some columns."""
 
-    def __init__(self, arguments, columns=80):
+    def __init__(self, arguments, columns=80, command=COMMAND):
         self._process, self._master = pty.fork()
         if self._process == 0:
-            os.execv(COMMAND[0], [*COMMAND, *map(str, arguments)])
+            os.execvp(command[0], [*command, *map(str, arguments)])
         fcntl.ioctl(self._master, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
         self.output = ""
 
@@ -132,6 +132,12 @@ def commands(server, verb):
     """The arguments that a scripted server has got with a verb."""
     lines = [line.split(" ", 1) for line in server.ask("log")["commands"]]
     return [line[1] if len(line) > 1 else "" for line in lines if line[0] == verb]
+
+
+def chosen(tests, beginnings):
+    """Those of the tests whose names begin so."""
+    cases = [case for suite in tests for case in suite]
+    return unittest.TestSuite(case for case in cases if case.id().rsplit(".", 1)[1].startswith(beginnings))
 
 
 def main():

@@ -55,9 +55,9 @@ TEST(RemotePath, IsSplitAtItsLastSlash) {
   EXPECT_EQ(qxftp::splitPath("/pub/a").folder, "/pub");
   EXPECT_EQ(qxftp::splitPath("/pub/a").name, "a");
   EXPECT_EQ(qxftp::splitPath("/a").folder, "/");
-  EXPECT_EQ(qxftp::splitPath("a").folder, "");
+  EXPECT_EQ(qxftp::splitPath("a").folder, ".");
   EXPECT_EQ(qxftp::splitPath("a").name, "a");
   EXPECT_EQ(qxftp::joinedPath("/pub", "a"), "/pub/a");
   EXPECT_EQ(qxftp::joinedPath("/", "a"), "/a");
-  EXPECT_EQ(qxftp::joinedPath("", "a"), "a");
+  EXPECT_EQ(qxftp::joinedPath(".", "a"), "a");
 }
