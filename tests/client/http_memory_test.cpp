@@ -5,6 +5,7 @@
 
 #include "support/Messages.h"
 #include "tests/client/HttpMemoryTest.h"
+#include "tests/client/PlainClient.h"
 #include "tests/unit/TestQueue.h"
 
 namespace {
@@ -24,12 +25,6 @@ TEST_F(HttpMemory, EveryChunkIsInTheFileWhenOnPollIsAsked) {
   EXPECT_EQ(fetch(), 1u);
   EXPECT_EQ(sizes, (std::vector<std::uintmax_t>{4096, 8192, 10'000}));
 }
-
-class PlainClient final : public TQXIP {
- public:
-  using TQXIP::TQXIP;
-  ~PlainClient() = default;
-};
 
 // Where OnPoll is the library's own, chunks are collected.
 TEST_F(HttpMemory, EveryChunkIsInTheFileWhenAMessageIsDispatched) {

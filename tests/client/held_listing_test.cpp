@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "Src/EntryArray.h"
-#include "Src/QXIP.h"
+#include "tests/client/PlainClient.h"
 #include "tests/support/AllocationWatch.h"
 #include "tests/support/MemoryFtp.h"
 
@@ -16,12 +16,6 @@ using testing_support::MemoryFtp;
 using testing_support::MemoryLink;
 
 constexpr std::uint32_t kRows = 100'000;
-
-class Client final : public TQXIP {
- public:
-  using TQXIP::TQXIP;
-  ~Client() = default;
-};
 
 std::string manyRows() {
   std::string text;
@@ -45,7 +39,7 @@ TEST(ListingMemory, EntriesAreHeldOnceAndLittleElse) {
     server.data->server = MemoryLink::End::ended;
   };
   QXErrorInfo record{};
-  Client client(&record);
+  PlainClient client(&record);
   client.FTPSetLogin("127.0.0.1", "user", "password", 21, 1);
   std::uint32_t count = 0;
   const testing_support::MostBytesHeld held;
