@@ -63,6 +63,9 @@ class Curl(Peer):
     def many_down(self, names, remote, folder):
         return self._command("-o", f"{folder}/{names.curl(1)}", f"{self._address}{remote}/{names.curl()}")
 
+    def many_up(self, names, folder, remote):
+        return self._command("-T", f"{folder}/{names.curl()}", f"{self._address}{remote}/")
+
 
 class Wget(Peer):
     name = "wget"

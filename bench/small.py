@@ -29,16 +29,30 @@ class Names:
         return f"file#{reference}.dat" if reference else f"file[000000-{self.count - 1:06}].dat"
 
 
-def _rounds(build):
-    """Under Wine a connection takes so long that two thousand of them have to do."""
-    return 1 if build.windows else None
-
-
 def small(stage):
     names = Names(stage.arguments.count)
     for folder in (_REMOTE, _SENT):
         stage.server.ask("put", files={f"{folder}/": {"many": {"count": names.count, "size": _SIZE, "seed": 1}}})
     return _down(stage, names) + _up(stage, names)
+
+
+def _peers(stage, operation):
+    """The one to compare with, which keeps its connection as the others do, and last curl: behind some files it waits
+    for a whole second."""
+    return [*sorted(stage.others(operation), key=lambda peer: peer.name != "lftp"), stage.curl]
+
+
+def _rounds(contender):
+    """Once has to do for curl, and under Wine, where connections take long."""
+    return 1 if contender in ("curl", "windows") else None
+
+
+def _measure(stage, work, by_peer, by_build, operation, **details):
+    contenders = [Contender(peer.name, by_peer(peer), **details) for peer in _peers(stage, operation)]
+    contenders += [by_build(build) for build in stage.builds]
+    for contender in contenders:
+        contender.rounds = _rounds(contender.name)
+    return stage.measure(work, contenders, stage.few(), warm_up=False)
 
 
 def _down(stage, names):
@@ -54,13 +68,13 @@ def _down(stage, names):
         if wrong:
             raise RuntimeError(f"of {names.count} small files {len(wrong)} are wrong")
 
-    details = {"before": before, "after": after, "times": names.count}
-    peers = [stage.curl, *stage.others("many_down")]
-    contenders = [Contender(peer.name, peer.many_down(names, _REMOTE, target), **details) for peer in peers]
-    for build in stage.builds:
+    def by_build(build):
         words = f"{_REMOTE}/{names.ours()}", f"{build.local(target)}/{names.ours()}"
-        contenders.append(stage.ours(build, "download", *words, rounds=_rounds(build), **details))
-    made = stage.measure("small files down", contenders, stage.few(), warm_up=False)
+        return stage.ours(build, "download", *words, **details)
+
+    details = {"before": before, "after": after, "times": names.count}
+    made = _measure(stage, "small files down", lambda peer: peer.many_down(names, _REMOTE, target), by_build,
+                    "many_down", **details)
     shutil.rmtree(target)
     return made
 
@@ -79,13 +93,12 @@ def _up(stage, names):
             if not stage.server.matches(f"{_SENT}/{names.all()[number]}", UP_SEED + number, _SIZE):
                 raise RuntimeError(f"small file {number} is wrong on the server")
 
-    details = {"before": before, "after": after, "times": names.count}
-    # Not curl: behind some uploads it waits for a whole second, which would be most of the run.
-    contenders = [Contender(peer.name, peer.many_up(names, source, _SENT), **details)
-                  for peer in stage.others("many_up")]
-    for build in stage.builds:
+    def by_build(build):
         words = f"{build.local(source)}/{names.ours()}", f"{_SENT}/{names.ours()}"
-        contenders.append(stage.ours(build, "upload", *words, rounds=_rounds(build), **details))
-    made = stage.measure("small files up", contenders, stage.few(), warm_up=False)
+        return stage.ours(build, "upload", *words, **details)
+
+    details = {"before": before, "after": after, "times": names.count}
+    made = _measure(stage, "small files up", lambda peer: peer.many_up(names, source, _SENT), by_build, "many_up",
+                    **details)
     shutil.rmtree(source)
     return made
