@@ -47,9 +47,12 @@ def _rounds(contender):
     return 1 if contender in ("curl", "windows") else None
 
 
-def _measure(stage, work, by_peer, by_build, operation, **details):
-    contenders = [Contender(peer.name, by_peer(peer), **details) for peer in _peers(stage, operation)]
-    contenders += [by_build(build) for build in stage.builds]
+def _measure(stage, work, told, ours, **details):
+    """`told` is how peers are told it: their method and its arguments. `ours(build)` are qxbench's words."""
+    operation, *words = told
+    contenders = [Contender(peer.name, getattr(peer, operation)(*words), **details)
+                  for peer in _peers(stage, operation)]
+    contenders += [stage.ours(build, *ours(build), **details) for build in stage.builds]
     for contender in contenders:
         contender.rounds = _rounds(contender.name)
     return stage.measure(work, contenders, stage.few(), warm_up=False)
@@ -68,13 +71,11 @@ def _down(stage, names):
         if wrong:
             raise RuntimeError(f"of {names.count} small files {len(wrong)} are wrong")
 
-    def by_build(build):
-        words = f"{_REMOTE}/{names.ours()}", f"{build.local(target)}/{names.ours()}"
-        return stage.ours(build, "download", *words, **details)
+    def ours(build):
+        return "download", f"{_REMOTE}/{names.ours()}", f"{build.local(target)}/{names.ours()}"
 
-    details = {"before": before, "after": after, "times": names.count}
-    made = _measure(stage, "small files down", lambda peer: peer.many_down(names, _REMOTE, target), by_build,
-                    "many_down", **details)
+    made = _measure(stage, "small files down", ("many_down", names, _REMOTE, target), ours,
+                    before=before, after=after, times=names.count)
     shutil.rmtree(target)
     return made
 
@@ -93,12 +94,10 @@ def _up(stage, names):
             if not stage.server.matches(f"{_SENT}/{names.all()[number]}", UP_SEED + number, _SIZE):
                 raise RuntimeError(f"small file {number} is wrong on the server")
 
-    def by_build(build):
-        words = f"{build.local(source)}/{names.ours()}", f"{_SENT}/{names.ours()}"
-        return stage.ours(build, "upload", *words, **details)
+    def ours(build):
+        return "upload", f"{build.local(source)}/{names.ours()}", f"{_SENT}/{names.ours()}"
 
-    details = {"before": before, "after": after, "times": names.count}
-    made = _measure(stage, "small files up", lambda peer: peer.many_up(names, source, _SENT), by_build, "many_up",
-                    **details)
+    made = _measure(stage, "small files up", ("many_up", names, source, _SENT), ours,
+                    before=before, after=after, times=names.count)
     shutil.rmtree(source)
     return made
