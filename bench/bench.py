@@ -126,7 +126,7 @@ def report(rows, arguments):
         print("\ntiny sizes: no target is judged")
         return 0
     missed = [target for row in rows for target in judged(row, arguments) if not target.met]
-    print(f"\n{len(missed)} targets missed" if missed else "\nevery target is met")
+    print(f"\ntargets missed: {len(missed)}" if missed else "\nevery target is met")
     for target in missed:
         print(f"  {target.row.work}, {target.row.by}: {target.text()}")
     return 1 if missed else 0

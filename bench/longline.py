@@ -77,7 +77,7 @@ def why_not():
     try:
         with contextlib.ExitStack() as stack:
             _held(stack, _device(_held(stack, _new_namespace()), NEAR))
-    except OSError as error:
+    except (OSError, subprocess.CalledProcessError) as error:
         return str(error)
     return None
 

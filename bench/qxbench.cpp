@@ -15,8 +15,7 @@ namespace {
 
 constexpr const char* kUsage =
     "usage: qxbench LIBRARY HOST PORT USER PASSWORD [connected:]OPERATION [FIRST+]TIMES [ARGUMENT...]\n"
-    "# in an argument stands for six digits: FIRST (0) in the first operation, one more in each further "
-    "one\n";
+    "# in an argument stands for a number of six digits: FIRST (0), and one more each time\n";
 
 struct Login {
   std::string host, user, password;
@@ -79,13 +78,12 @@ void run(const std::string& path, const Login& login, const Work& work) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 8) {
-    std::fputs(kUsage, stderr);
-    return 2;
-  }
   try {
+    if (argc < 8) throw std::invalid_argument(kUsage);
     const Login login{argv[2], argv[4], argv[5], static_cast<std::uint32_t>(std::stoul(argv[3]))};
-    run(argv[1], login, parseWork(argv[6], argv[7], {argv + 8, argv + argc}));
+    const Work work = parseWork(argv[6], argv[7], {argv + 8, argv + argc});
+    if (!operations().contains(work.name)) throw std::invalid_argument(kUsage);
+    run(argv[1], login, work);
     return 0;
   } catch (const std::exception& problem) {
     std::fprintf(stderr, "qxbench: %s\n", problem.what());

@@ -127,7 +127,7 @@ class Plots(unittest.TestCase):
 class Targets(unittest.TestCase):
     def test_the_run_ends_with_a_list_of_those_that_are_missed(self):
         late, soon = (row("download, one", "linux", 1, ratio=ratio, own_memory=MEBIBYTE) for ratio in (0.7, 0.5))
-        self.assertEqual(self.report(late), (1, ["1 targets missed",
+        self.assertEqual(self.report(late), (1, ["targets missed: 1",
                                                  "download, one, linux: wall x curl <= 0.55 MISSED by 0.7"]))
         self.assertEqual(self.report(soon), (0, ["every target is met"]))
 
