@@ -121,12 +121,17 @@ void ListPane::clear() {
   m_isShown = false;
 }
 
-void ListPane::select(const std::wstring& name) {
+void ListPane::select(const std::vector<std::wstring>& names) {
   if (m_items.size() == 0) return;
-  const auto row = static_cast<int>(m_items.findName(name).value_or(0));
   selectRow(-1, 0);
-  selectRow(row, kBoth);
-  SendMessageW(m_list, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+  std::optional<std::size_t> first;
+  for (const std::wstring& name : names) {
+    const auto row = m_items.findName(name);
+    if (row) selectRow(static_cast<int>(*row), LVIS_SELECTED);
+    if (!first) first = row;
+  }
+  selectRow(static_cast<int>(first.value_or(0)), kBoth);
+  SendMessageW(m_list, LVM_ENSUREVISIBLE, first.value_or(0), FALSE);
 }
 
 void ListPane::selectAll() { selectRow(-1, LVIS_SELECTED); }

@@ -36,8 +36,8 @@ class ListPane {
 
   void show(const std::wstring& path, ItemList items);
   void clear();
-  // Selects this item alone and brings it into view; the first one where there is none.
-  void select(const std::wstring& name);
+  // Selects these items alone and brings the first of them into view; the first of all where there is none.
+  void select(const std::vector<std::wstring>& names);
   void selectAll();
   void sort(Column column);  // a second time: the other way round
   void setSorting(Sorting sorting);

@@ -68,7 +68,8 @@ std::wstring ListPane::cellText(const Item& item, Column column) {
 }
 
 LRESULT ListPane::findRow(const NMLVFINDITEMW& wanted) const {
-  if ((wanted.lvfi.flags & LVFI_STRING) == 0 || wanted.lvfi.psz == nullptr) return -1;
+  constexpr UINT kByText = LVFI_STRING | LVFI_PARTIAL;  // the second implies the first
+  if ((wanted.lvfi.flags & kByText) == 0 || wanted.lvfi.psz == nullptr) return -1;
   const auto start = static_cast<std::size_t>(wanted.iStart < 0 ? 0 : wanted.iStart);
   const auto row = m_items.findPrefix(wanted.lvfi.psz, start);
   return row ? static_cast<LRESULT>(*row) : -1;

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "hosts/qxbrowse/MainWindow.h"
 
+#include <algorithm>
 #include <system_error>
+#include <utility>
 
 #include "hosts/qxbrowse/Formats.h"
 #include "hosts/qxbrowse/Names.h"
@@ -14,6 +16,7 @@ namespace {
 constexpr const wchar_t* kClassName = L"qxbrowse";
 constexpr int kWidth = 1100;  // at 96 dots per inch
 constexpr int kHeight = 700;
+constexpr std::size_t kMostKept = 100;  // selected items: each is looked for among all
 
 struct Button {
   Command command;
@@ -29,6 +32,12 @@ constexpr Button kButtons[] = {
 
 [[noreturn]] void throwLastError() {
   throw std::system_error(static_cast<int>(GetLastError()), std::system_category());
+}
+
+std::vector<std::wstring> namesOf(const std::vector<Item>& items) {
+  std::vector<std::wstring> names;
+  for (std::size_t i = 0; i < std::min(items.size(), kMostKept); ++i) names.push_back(items[i].name);
+  return names;
 }
 
 }  // namespace
@@ -259,9 +268,11 @@ void MainWindow::go(Side side, const std::wstring& path) {
 void MainWindow::showFolder(Side side, const std::wstring& path, ItemList items) {
   if (path != m_requested[static_cast<std::size_t>(side)]) return;
   std::wstring& toSelect = m_toSelect[static_cast<std::size_t>(side)];
+  // A folder that is listed again, behind a transfer for one, stays as the user has it.
+  std::vector<std::wstring> names{std::exchange(toSelect, {})};
+  if (names.front().empty() && pane(side).path() == path) names = namesOf(pane(side).selected());
   pane(side).show(path, std::move(items));
-  pane(side).select(toSelect);
-  toSelect.clear();
+  pane(side).select(names);
   // A message that came meanwhile stays.
   if (m_message == text(Text::statusListing, {path})) showMessage(text(Text::statusReady));
   updateCommands();
