@@ -33,7 +33,7 @@ std::wstring shownPin(const std::string& pin) {
 std::wstring factsOf(const Site& site, const ShownCertificate& certificate) {
   std::wstring facts = text(Text::certificateFacts, {shownPin(certificate.fingerprint)}) + kParagraph;
   if (!site.pin.empty()) facts += text(Text::certificateAccepted, {shownPin(site.pin)}) + kParagraph;
-  facts += fromLibrary(certificate.reason);
+  facts += text(Text::certificateReason, {fromLibrary(certificate.reason)});
   if (certificate.validFrom.empty()) return facts;
   facts += kParagraph;
   facts += text(Text::certificateValid, {fromUtf8(certificate.validFrom), fromUtf8(certificate.validTo)});
@@ -46,7 +46,7 @@ class CertificateDialog : public Dialog {
  public:
   CertificateDialog(const Site& site, const ShownCertificate& certificate)
       : Dialog(Text::certificateTitle, 280, 220), m_site(site), m_certificate(certificate) {
-    addField(kWarning, {7, 7, 266, 34}, ES_MULTILINE | ES_READONLY);
+    addText(kWarning, {7, 7, 266, 34});
     addField(kFacts, {7, 44, 266, 134}, ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | WS_VSCROLL);
     addLabel(Text::certificateAdvice, {7, 182, 266, 10});
     addButton(kForGood, Text::certificateForGood, {60, 199, 68, 14});

@@ -56,19 +56,19 @@ class ConnectDialog : public Dialog {
   }
 
   void addFields() {
-    addText(Text::siteAddress, kAddress, {127, 7, 206, kLine});
-    addText(Text::siteName, kName, {127, 35, 206, kLine});
-    addText(Text::siteHost, kHost, {127, 63, 156, kLine});
-    addText(Text::sitePort, kPort, {288, 63, 45, kLine}, ES_NUMBER);
-    addText(Text::siteUser, kUser, {127, 91, 100, kLine});
-    addText(Text::sitePassword, kPassword, {233, 91, 100, kLine}, ES_PASSWORD);
+    addLabelled(Text::siteAddress, kAddress, {127, 7, 206, kLine});
+    addLabelled(Text::siteName, kName, {127, 35, 206, kLine});
+    addLabelled(Text::siteHost, kHost, {127, 63, 156, kLine});
+    addLabelled(Text::sitePort, kPort, {288, 63, 45, kLine}, ES_NUMBER);
+    addLabelled(Text::siteUser, kUser, {127, 91, 100, kLine});
+    addLabelled(Text::sitePassword, kPassword, {233, 91, 100, kLine}, ES_PASSWORD);
     addButton(kKeepPassword, Text::siteKeepPassword, {127, 119, 206, 10}, BS_AUTOCHECKBOX);
     addLabel(Text::siteEncryption, {127, 133, 206, 9});
     addChoice(kEncryption, {127, 143, 206, 60});
     addButton(kPassive, Text::sitePassive, {127, 161, 206, 10}, BS_AUTOCHECKBOX);
-    addText(Text::siteLocalFolder, kLocalFolder, {127, 175, 100, kLine});
-    addText(Text::siteRemoteFolder, kRemoteFolder, {233, 175, 100, kLine});
-    addText(Text::sitePin, kPin, {127, 203, 206, kLine});
+    addLabelled(Text::siteLocalFolder, kLocalFolder, {127, 175, 100, kLine});
+    addLabelled(Text::siteRemoteFolder, kRemoteFolder, {233, 175, 100, kLine});
+    addLabelled(Text::sitePin, kPin, {127, 203, 206, kLine});
   }
 
   void addButtons() {
@@ -77,7 +77,7 @@ class ConnectDialog : public Dialog {
   }
 
   // The label stands above the field.
-  void addText(Text label, WORD id, const DialogArea& area, DWORD style = 0) {
+  void addLabelled(Text label, WORD id, const DialogArea& area, DWORD style = 0) {
     addLabel(label, {area.x, area.y, area.width, 9});
     addField(id, {area.x, static_cast<short>(area.y + 10), area.width, area.height}, ES_AUTOHSCROLL | style);
   }

@@ -14,6 +14,10 @@ void Dialog::addLabel(Text name, const DialogArea& area) {
   m_template.add(ControlClass::label, kLabelId, SS_LEFT, area, text(name));
 }
 
+void Dialog::addText(WORD id, const DialogArea& area) {
+  m_template.add(ControlClass::label, id, SS_LEFT | SS_NOPREFIX, area, {});
+}
+
 void Dialog::addField(WORD id, const DialogArea& area, DWORD style) {
   m_template.add(ControlClass::edit, id, WS_TABSTOP | WS_BORDER | style, area, {});
 }

@@ -24,6 +24,8 @@ class Dialog {
  protected:
   // In the order of the Tab key. The label in front of a field is its name to a screen reader.
   void addLabel(Text name, const DialogArea& area);
+  // A text that setText() gives, of several lines.
+  void addText(WORD id, const DialogArea& area);
   void addField(WORD id, const DialogArea& area, DWORD style = ES_AUTOHSCROLL);
   void addButton(WORD id, Text name, const DialogArea& area, DWORD style = BS_PUSHBUTTON);
   void addList(WORD id, const DialogArea& area);
