@@ -89,6 +89,8 @@ class Packer:
         command = [word for word, name in zip(test["command"], words) if name not in RUNNERS]
         python = Path(command[0]).name == "python3"
         labels = properties.get("LABELS", [])
+        if "screen" in labels:
+            raise LeftOut("needs a screen of Linux")
         settings = dict(each.split("=", 1) for each in properties.get("ENVIRONMENT", []))
         entry = {
             "name": test["name"],
