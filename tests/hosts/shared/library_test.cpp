@@ -46,6 +46,10 @@ TEST(Library, IsLookedForBesideTheProgram) {
   EXPECT_THAT(refusalOfLibrary({}), testing::HasSubstr("is not there"));
 }
 
+TEST(Library, IsRefusedWhenItIsOfAnotherVersion) {
+  EXPECT_THAT(refusalOfLibrary(std::getenv("QX_OTHER_VERSION")), testing::HasSubstr("is of version 9"));
+}
+
 TEST(Library, IsRefusedWhenItIsNone) {
   const testing_support::ScratchFolder scratch;
   const std::filesystem::path file = scratch.path() / "no library";
