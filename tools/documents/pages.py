@@ -19,7 +19,8 @@ HERE = pathlib.Path(__file__).resolve().parent
 # These come first, in this order; the other documents follow by their names.
 START = pathlib.Path("README.md")
 FIRST = [str(START), *(f"docs/{name}.md" for name in (
-    "tutorial", "guide", "bindings", "security", "proxies", "dialogs", "binary-interface", "wire", "performance"))]
+    "tutorial", "guide", "qxftp", "bindings", "security", "proxies", "dialogs", "binary-interface", "wire",
+    "performance"))]
 LAST = ["CHANGELOG.md", "CONTRIBUTING.md", "LICENSE"]
 
 
