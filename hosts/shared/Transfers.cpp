@@ -80,9 +80,10 @@ class Part {
 // and files grow.
 std::optional<std::string> whyNotWhole(qx::Client& client, const RemoteFile& source, std::uint64_t came) {
   if (!source.size || *source.size == came) return {};
+  const std::string why = std::to_string(came) + " bytes have come of " + std::to_string(*source.size);
+  if (*source.size % kBytesOfSize == came % kBytesOfSize) return why;  // what is asked next could not tell
   const auto now = client.size(source.path);
-  if (now && *now == came % kBytesOfSize) return {};
-  return std::to_string(came) + " bytes have come of " + std::to_string(now ? *now : *source.size);
+  return now && *now == came % kBytesOfSize ? std::nullopt : std::optional(why);
 }
 
 Outcome finish(qx::Client& client, const RemoteFile& source, Part& part) {

@@ -90,6 +90,15 @@ TEST_F(Transfers, AFileOfWhichTheServerTellsAnotherSizeIsNoFile) {
   EXPECT_EQ(filesHere(), 0);
 }
 
+// The library counts sizes modulo 2^32: of such a file five bytes are all to it.
+TEST_F(Transfers, WhatIsShorterByFourGibibytesIsNoFile) {
+  server.reconfigure(R"({"rules": [{"on": "SIZE", "do": [{"reply": "213 4294967301"}]}, {"on": "MLST", "do": [
+    {"reply": ["250-Listing", " type=file;size=4294967301; /pub/a.txt", "250 End"]}]}]})");
+  const Outcome outcome = download(client, {"/pub/a.txt", 4294967301, {}}, local);
+  EXPECT_EQ(outcome.state, Outcome::State::failed);
+  EXPECT_EQ(filesHere(), 0);
+}
+
 TEST_F(Transfers, AFolderInTheWayIsToldOf) {
   fs::create_directory(local);
   const Outcome outcome = download(client, {"/pub/a.txt", 5, {}}, local);
