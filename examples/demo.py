@@ -1,7 +1,8 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
 """Shows the library at its main job: qxftp loads it and works on a real FTP server on loopback, first the Linux
-library, then the DLL under Wine. Every result is compared with what is true; a wrong one makes the exit code 1."""
+library, then the DLL under Wine; last a morning with qxbrowse, by real keys on a screen that nobody sees. Every result
+is compared with what is true; a wrong one makes the exit code 1."""
 
 import argparse
 import os
@@ -12,7 +13,7 @@ import subprocess
 import sys
 import tempfile
 
-from servers import Build, Server, WebServer, file_matches, run_under_fixture, write_pattern
+from servers import ROOT, Build, Server, WebServer, file_matches, run_under_fixture, write_pattern
 
 LARGE = 64 << 20
 NOTE = 10_000
@@ -144,6 +145,13 @@ def demonstrate(build, kind):
         be_refused(client)
 
 
+def browse(build):
+    print(f"== {build.name}: qxbrowse against a server that encrypts\n", flush=True)
+    files = [build.folder / "qxbrowse.exe", build.folder.parent / "tests/bin/screen_reader.exe", build.library]
+    done = subprocess.run([ROOT / "tests/hosts/qxbrowse/screen_test.py", *files], timeout=600)
+    judge(done.returncode == 0, "each step did what it should")
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--build", action="append", choices=["linux", "windows"], help="default: both")
@@ -152,6 +160,8 @@ def main():
     run_under_fixture()
     for name in arguments.build or ["linux", "windows"]:
         demonstrate(Build(name), arguments.server)
+        if Build(name).windows:
+            browse(Build(name))
     print(f"{wrong} results were wrong" if wrong else "every result was right")
     return 1 if wrong else 0
 

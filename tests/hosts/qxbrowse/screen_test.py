@@ -58,11 +58,16 @@ class Morning:
 
         self.browser.wait(f"'{text}' in the status bar", has)
 
+    @staticmethod
+    def queue(seen):
+        """The rows of the queue."""
+        main = next((each for each in seen if not each.is_dialog), None)
+        return main.of_class("SysListView32")[QUEUE]["rows"] if main else []
+
     def wait_for_queue(self, name, state):
         """Until the last entry is about this file and says this of it."""
         def has(seen):
-            main = next((each for each in seen if not each.is_dialog), None)
-            rows = main.of_class("SysListView32")[QUEUE]["rows"] if main else []
+            rows = self.queue(seen)
             return rows and rows[-1][0] == name and state in rows[-1][-1]
 
         self.browser.wait(f"{name} to be {state}", has)
