@@ -149,7 +149,7 @@ void addGet(Commands& commands) {
                                "not touched before.",
                                "qxftp get 'ftp://ftp.example.org/pub/*.iso' Downloads",
                                [options](Context& context) { Get(context, *options).run(); });
-  get.add_option("path", options->paths, "files or folders on a server, and the target")->required();
+  takePaths(get, options->paths, "files or folders on a server, and the target");
   get.add_flag("-r,--recursive", options->isRecursive, "folders with all that is in them");
   get.add_flag("-n,--no-overwrite", options->keepsExisting, "leaves files alone that are there");
 }

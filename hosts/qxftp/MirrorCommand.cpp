@@ -234,8 +234,8 @@ void addMirror(Commands& commands) {
                                   "with a dot are left out, for listings do not tell them.",
                                   "qxftp mirror --dry-run --delete site ftp://me@ftp.example.org/www",
                                   [options](Context& context) { Mirror(context, *options).run(); });
-  mirror.add_option("source", options->source, "folder that is read")->required();
-  mirror.add_option("target", options->target, "folder that is made like it")->required();
+  takeWord(mirror, options->source, "SOURCE", "folder that is read");
+  takeWord(mirror, options->target, "TARGET", "folder that is made like it");
   mirror.add_flag("--dry-run", options->isDry, "tells what would be done, and does nothing");
   mirror.add_flag(
       "--delete", options->deletes,

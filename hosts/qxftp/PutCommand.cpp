@@ -129,7 +129,7 @@ void addPut(Commands& commands) {
       "file that is there is replaced. A file counts as sent when the server has all of its bytes.",
       "qxftp put -r site/index.html site/pictures ftp://me@ftp.example.org/www/",
       [options](Context& context) { Put(context, *options).run(); });
-  put.add_option("path", options->paths, "local files or folders, and the target")->required();
+  takePaths(put, options->paths, "local files or folders, and the target");
   put.add_flag("-r,--recursive", options->isRecursive, "folders with all that is in them");
   put.add_flag("-n,--no-overwrite", options->keepsExisting, "leaves files alone that are there");
 }
