@@ -22,7 +22,7 @@ class CollectedFile {
   void Flush();
 
  private:
-  static constexpr std::size_t kEnough = std::size_t{256} * 1024;
+  static constexpr std::size_t kEnough = std::size_t{1024} * 1024;
 
   CFile& m_file;
   std::vector<char> m_pieces;  // grows with what comes: many files are small

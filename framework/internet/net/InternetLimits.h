@@ -43,7 +43,7 @@ inline constexpr std::size_t kMaxHttpHead = std::size_t{256} * 1024;  // all hea
 inline constexpr std::size_t kMaxHttpChunkLine = std::size_t{4} * 1024;  // between the chunks
 inline constexpr std::size_t kMaxProxyAnswer = std::size_t{16} * 1024;   // all heads of an answer to CONNECT
 inline constexpr std::size_t kHttpBlock = std::size_t{512} * 1024;
-inline constexpr std::size_t kTransferBuffer = std::size_t{512} * 1024;
+inline constexpr std::size_t kTransferBuffer = std::size_t{1024} * 1024;
 inline constexpr std::size_t kListingBlock = std::size_t{64} * 1024;
 inline constexpr std::size_t kMaxListingBytes = std::size_t{256} * 1024 * 1024;
 inline constexpr std::chrono::milliseconds kNextAddressAfter{250};
