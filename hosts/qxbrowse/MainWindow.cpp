@@ -266,7 +266,7 @@ void MainWindow::go(Side side, const std::wstring& path) {
 }
 
 void MainWindow::showFolder(Side side, const std::wstring& path, ItemList items) {
-  if (path != m_requested[static_cast<std::size_t>(side)]) return;
+  if (m_window == nullptr || path != m_requested[static_cast<std::size_t>(side)]) return;
   std::wstring& toSelect = m_toSelect[static_cast<std::size_t>(side)];
   // A folder that is listed again, behind a transfer for one, stays as the user has it.
   std::vector<std::wstring> names{std::exchange(toSelect, {})};
@@ -279,7 +279,7 @@ void MainWindow::showFolder(Side side, const std::wstring& path, ItemList items)
 }
 
 void MainWindow::showFolderFailed(Side side, const std::wstring& path, const std::wstring& why) {
-  if (path != m_requested[static_cast<std::size_t>(side)]) return;
+  if (m_window == nullptr || path != m_requested[static_cast<std::size_t>(side)]) return;
   m_requested[static_cast<std::size_t>(side)] = pane(side).path();
   setWindowText(pane(side).address(), pane(side).path());
   showMessage(text(Text::statusFolderFailed, {path, why}));
