@@ -73,6 +73,11 @@ class Screen:
         subprocess.run(["xdotool", *arguments], env=dict(os.environ, DISPLAY=self.display), check=True,
                        stdout=subprocess.DEVNULL)
 
+    def active_title(self):
+        """Of the window that gets the keys; "" where there is none for a moment."""
+        return subprocess.run(["xdotool", "getactivewindow", "getwindowname"], text=True, capture_output=True,
+                              env=dict(os.environ, DISPLAY=self.display)).stdout.rstrip("\n")
+
     def key(self, *keys):
         self.xdotool("key", "--clearmodifiers", "--delay", "5", *keys)
 
@@ -161,19 +166,23 @@ class Browser:
         except TooLate as late:
             raise TooLate("\n".join([f"{late}; the windows:", *map(str, seen)])) from None
 
+    def wait_for_keys_of(self, window):
+        """Until the window gets what is typed: the screen's focus comes a moment after the window."""
+        wait_for(f"the keys to go to '{window.title}'", lambda: self.screen.active_title() == window.title)
+        return window
+
     def main(self):
-        return self.wait("the main window", lambda seen: next((each for each in seen if not each.is_dialog), None))
+        """The main window, once no dialog is in front of it."""
+        return self.wait_for_keys_of(self.wait("the main window alone", lambda seen: (
+            seen[0] if len(seen) == 1 and not seen[0].is_dialog else None)))
 
     def dialog(self, title, *texts):
         """Waits for the dialog of this title whose controls show these texts."""
         def fits(each):
             return each.is_dialog and each.title == title and all(text in each.texts for text in texts)
 
-        return self.wait(f"the dialog '{title}' with {texts}",
-                         lambda seen: next((each for each in seen if fits(each)), None))
-
-    def no_dialog(self):
-        self.wait("no dialog", lambda seen: not any(each.is_dialog for each in seen))
+        return self.wait_for_keys_of(self.wait(f"the dialog '{title}' with {texts}",
+                                               lambda seen: next((each for each in seen if fits(each)), None)))
 
     def ended(self):
         wait_for("the end", lambda: self.look() == [] and self.exit_code is not None)
