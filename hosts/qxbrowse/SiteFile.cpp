@@ -12,7 +12,7 @@
 namespace browse {
 namespace {
 
-constexpr DWORD kAnswerOfBusyMs = 5000;
+constexpr DWORD kPatienceMs = 2000;  // others hold the file for a moment
 constexpr DWORD kPauseMs = 10;
 constexpr LONGLONG kLargestFile = 16 << 20;
 
@@ -27,9 +27,33 @@ using File = std::unique_ptr<HANDLE, Closer>;
   throw std::system_error(static_cast<int>(error), std::system_category(), {name.begin(), name.end()});
 }
 
+// Another program has it, or it is just going away.
+bool isBusy(DWORD error) { return error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED; }
+
+// Tries until it goes well, or fails for something else than others. The last error tells.
+template <typename Try>
+auto patiently(Try&& attempt) {
+  for (const ULONGLONG begin = GetTickCount64();;) {
+    auto result = attempt();
+    const DWORD error = GetLastError();
+    if (result || !isBusy(error) || GetTickCount64() - begin > kPatienceMs) {
+      SetLastError(error);
+      return result;
+    }
+    Sleep(kPauseMs);  // allowed: Sleep: others tell nobody that they are done
+  }
+}
+
 File open(const std::filesystem::path& file, DWORD access, DWORD share, DWORD how, DWORD flags) {
-  HANDLE const opened = CreateFileW(file.c_str(), access, share, nullptr, how, flags, nullptr);
-  return File(opened != INVALID_HANDLE_VALUE ? opened : nullptr);
+  return patiently([&] {
+    HANDLE const opened = CreateFileW(file.c_str(), access, share, nullptr, how, flags, nullptr);
+    return File(opened != INVALID_HANDLE_VALUE ? opened : nullptr);
+  });
+}
+
+bool rename(const std::filesystem::path& from, const std::filesystem::path& to, DWORD flags) {
+  return patiently(
+      [&] { return MoveFileExW(from.c_str(), to.c_str(), flags | MOVEFILE_WRITE_THROUGH) != 0; });
 }
 
 std::string read(const std::filesystem::path& path) {
@@ -59,23 +83,16 @@ std::filesystem::path with(std::filesystem::path file, const wchar_t* ending) { 
 // Held by one program at a time, and by none that has ended.
 File lock(const std::filesystem::path& file) {
   const std::filesystem::path path = with(file, L".lock");
-  for (const ULONGLONG begin = GetTickCount64();;) {
-    File held = open(path, GENERIC_WRITE, 0, OPEN_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE);
-    if (held) return held;
-    // The name of one that is just going away is refused for a moment.
-    const DWORD error = GetLastError();
-    const bool isHeld = error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED;
-    if (!isHeld || GetTickCount64() - begin > kAnswerOfBusyMs) fail(path, error);
-    Sleep(kPauseMs);  // allowed: Sleep: the other program tells nobody that it is done
-  }
+  File held = open(path, GENERIC_WRITE, 0, OPEN_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE);
+  if (!held) fail(path);
+  return held;
 }
 
 void replace(const std::filesystem::path& file, const std::string& text) {
   const std::filesystem::path fresh = with(file, L".new");
   try {
     write(fresh, text);
-    if (!MoveFileExW(fresh.c_str(), file.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
-      fail(file);
+    if (!rename(fresh, file, MOVEFILE_REPLACE_EXISTING)) fail(file);
   } catch (...) {
     DeleteFileW(fresh.c_str());
     throw;
@@ -108,7 +125,7 @@ std::filesystem::path SiteFile::setAside() const {
   for (int number = 1;; ++number) {
     std::filesystem::path aside = m_file;
     aside.replace_extension("broken-" + std::to_string(number) + m_file.extension().string());
-    if (MoveFileExW(m_file.c_str(), aside.c_str(), MOVEFILE_WRITE_THROUGH)) return aside;
+    if (rename(m_file, aside, 0)) return aside;
     const DWORD error = GetLastError();
     if (error != ERROR_ALREADY_EXISTS && error != ERROR_FILE_EXISTS) fail(m_file, error);
   }

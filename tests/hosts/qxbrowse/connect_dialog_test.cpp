@@ -239,6 +239,14 @@ qx::Report reportOf(const std::string& pin, std::uint32_t number = 12045) {
       ""};
 }
 
+// What Enter presses.
+HWND focusIn(HWND dialog) {
+  GUITHREADINFO info{};
+  info.cbSize = sizeof info;
+  GetGUIThreadInfo(GetWindowThreadProcessId(dialog, nullptr), &info);
+  return info.hwndFocus;
+}
+
 class TheCertificateQuestion : public TheConnectDialog {
  protected:
   std::optional<Destination> askAbout(const Site& site, int answer, std::string* facts = nullptr,
@@ -251,8 +259,7 @@ class TheCertificateQuestion : public TheConnectDialog {
           const HWND dialog = user.waitForDialog();
           if (facts != nullptr) *facts = text(user, dialog, question::kFacts);
           if (warning != nullptr) *warning = text(user, dialog, question::kWarning);
-          const int pressed = answer != 0 ? answer : LOWORD(user.send(dialog, DM_GETDEFID));
-          user.press(dialog, pressed);
+          user.press(dialog, answer != 0 ? answer : GetDlgCtrlID(focusIn(dialog)));
         });
   }
 

@@ -76,6 +76,20 @@ TEST_F(TheSiteFile, HasTheSitesOfAllProgramsThatChangedItAtATime) {
   EXPECT_THAT(file.sites(), SizeIs(kPrograms * kSites));
 }
 
+// A program that read the file at that moment made the change of another fail.
+TEST_F(TheSiteFile, IsChangedWhileOthersReadIt) {
+  constexpr int kChanges = 10;
+  file.put(siteOf("0"));
+  {
+    const std::jthread reader([this](const std::stop_token& stop) {
+      while (!stop.stop_requested()) EXPECT_FALSE(file.sites().empty());
+    });
+    for (int change = 1; change < kChanges; ++change)
+      EXPECT_NO_THROW(file.put(siteOf(std::to_string(change))));
+  }
+  EXPECT_THAT(file.sites(), SizeIs(kChanges));
+}
+
 TEST_F(TheSiteFile, IsNotWrittenWhileItIsBroken) {
   const std::string broken = "[a]\nhost=h\nport=many\n";
   write(broken);
