@@ -187,13 +187,15 @@ void MainWindow::rename(Side side, const Item& item, const std::wstring& name) {
   m_services.rename(side, join(side, item.name), join(side, name));
 }
 
+bool MainWindow::isBottomFocused() const {
+  const HWND focus = GetFocus();
+  return m_bottom.window != nullptr && (focus == m_bottom.window || IsChild(m_bottom.window, focus));
+}
+
 // The two lists and what is below them, in a circle in either direction.
 void MainWindow::focusNext() {
-  const HWND focus = GetFocus();
-  const bool isBottom =
-      m_bottom.window != nullptr && (focus == m_bottom.window || IsChild(m_bottom.window, focus));
   const int places = m_bottom.window != nullptr && m_bottom.focus ? 3 : 2;
-  const int now = isBottom ? 2 : static_cast<int>(m_active);
+  const int now = isBottomFocused() ? 2 : static_cast<int>(m_active);
   const int next = (now + (GetKeyState(VK_SHIFT) < 0 ? places - 1 : 1)) % places;
   if (next == 2) return m_bottom.focus();
   pane(Side{next}).focusList();

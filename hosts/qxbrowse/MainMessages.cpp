@@ -173,7 +173,9 @@ bool MainWindow::translate(const MSG& message) {
   if (m_drag.isRunning() && message.wParam == VK_ESCAPE) return m_drag.end(), true;
   const auto code = static_cast<WORD>(message.wParam);
   const BYTE ignored = code == VK_TAB ? FSHIFT : 0;
-  const auto command = commandOf(code, static_cast<BYTE>(modifiersNow() & ~ignored), isTextEdited());
+  // Below the two sides only Esc means what it does in them.
+  const bool isNoList = isTextEdited() || (isBottomFocused() && code != VK_ESCAPE);
+  const auto command = commandOf(code, static_cast<BYTE>(modifiersNow() & ~ignored), isNoList);
   if (command) execute(*command);
   return command.has_value();
 }

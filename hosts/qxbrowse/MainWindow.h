@@ -111,6 +111,7 @@ class MainWindow {
   void rename(Side side, const Item& item, const std::wstring& name);
   void upload(const std::vector<Place>& places);
   void focusNext();
+  [[nodiscard]] bool isBottomFocused() const;
   [[nodiscard]] std::vector<Place> selectedPlaces(Side side) const;
   [[nodiscard]] std::wstring join(Side side, const std::wstring& name) const;
 

@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: MIT
+// The whole program in one process, at a server: the user is a second thread.
+#include "hosts/qxbrowse/App.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+#include "hosts/qxbrowse/Commands.h"
+#include "hosts/qxbrowse/ConnectDialog.h"
+#include "tests/dialogs/Driver.h"
+#include "tests/hosts/qxbrowse/LaneTest.h"
+#include "tests/support/ScratchFolder.h"
+
+namespace browse {
+namespace {
+
+using dialog_test::Driver;
+using testing::ElementsAre;
+using testing::HasSubstr;
+namespace fields = connect_dialog;
+
+struct FoundWindow {
+  HWND window = nullptr;
+};
+
+BOOL CALLBACK isMainWindow(HWND window, LPARAM found) {
+  wchar_t name[16] = L"";
+  GetClassNameW(window, name, static_cast<int>(std::size(name)));
+  if (std::wstring_view(name) != L"qxbrowse" || !IsWindowVisible(window)) return TRUE;
+  reinterpret_cast<FoundWindow*>(found)->window = window;
+  return FALSE;
+}
+
+class TheProgram : public LaneTest {
+ protected:
+  // Runs it until `user` has closed it.
+  void run(const std::function<void(Driver&)>& user) {
+    const DWORD thread = GetCurrentThreadId();
+    dialog_test::drive(
+        [this] {
+          App app(exports(), scratch.path() / "sites.ini");
+          EXPECT_EQ(app.run(SW_SHOWNOACTIVATE), 0);
+        },
+        [this, thread, &user](Driver& driver) {
+          driver.waitUntil("the main window", [&] {
+            FoundWindow found;
+            EnumThreadWindows(thread, &isMainWindow, reinterpret_cast<LPARAM>(&found));
+            window = found.window;
+            return window != nullptr;
+          });
+          user(driver);
+          PostMessageW(window, WM_CLOSE, 0, 0);
+          driver.waitUntilGone(window);
+        });
+  }
+
+  void order(Command command) const { PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(command), 0); }
+
+  void connect(Driver& user, const std::string& password = "secret") {
+    order(Command::connect);
+    const HWND dialog = user.waitForDialog("Connect to a server");
+    user.type(user.control(dialog, fields::kHost), "127.0.0.1");
+    user.type(user.control(dialog, fields::kPort), std::to_string(server.port()));
+    user.type(user.control(dialog, fields::kUser), "me");
+    user.type(user.control(dialog, fields::kPassword), password);
+    user.type(user.control(dialog, fields::kLocalFolder), here.path().string());
+    user.type(user.control(dialog, fields::kRemoteFolder), "/pub");
+    user.press(dialog, fields::kConnect);
+    user.waitUntilGone(dialog);
+  }
+
+  [[nodiscard]] HWND list(Text title) const {
+    return FindWindowExW(window, nullptr, WC_LISTVIEWW, text(title));
+  }
+  void waitForNames(const Driver& user, Text side, const std::vector<std::string>& names) const {
+    std::string wanted = "a list with";
+    for (const std::string& name : names) wanted += ' ' + name;
+    user.waitUntil(wanted, [&] { return user.items(list(side)) == names; });
+  }
+  void choose(const Driver& user, Text side, const std::string& name) const {
+    user.send(list(side), WM_SETFOCUS);
+    LVITEMW none{};
+    none.stateMask = LVIS_SELECTED;
+    user.send(list(side), LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&none));
+    user.select(list(side), name);
+  }
+  [[nodiscard]] std::string status(const Driver& user) const {
+    char text[512] = "";
+    user.send(user.child(window, STATUSCLASSNAMEA), SB_GETTEXTA, 1, reinterpret_cast<LPARAM>(text));
+    return text;
+  }
+  void answer(const Driver& user, WORD button) const {
+    const HWND box = user.waitForBox(window);
+    user.press(box, button);
+    user.waitUntilGone(box);
+  }
+  void write(const std::string& name, const std::string& content) const {
+    std::ofstream(here.path() / name, std::ios::binary) << content;
+  }
+
+  static constexpr Text kLocal = Text::localFiles;
+  static constexpr Text kServer = Text::serverFiles;
+  const testing_support::ScratchFolder scratch;
+  const testing_support::ScratchFolder here;
+  HWND window = nullptr;
+};
+
+TEST_F(TheProgram, CarriesFilesInBothDirections) {
+  write("mine.txt", "from here");
+  run([this](Driver& user) {
+    connect(user);
+    waitForNames(user, kServer, {"sub", "a.txt"});
+    waitForNames(user, kLocal, {"mine.txt"});
+    choose(user, kLocal, "mine.txt");
+    order(Command::transfer);
+    waitForNames(user, kServer, {"sub", "a.txt", "mine.txt"});
+    choose(user, kServer, "a.txt");
+    order(Command::transfer);
+    waitForNames(user, kLocal, {"a.txt", "mine.txt"});
+  });
+  EXPECT_EQ(server.content("/pub/mine.txt"), "from here");
+  EXPECT_EQ(std::filesystem::file_size(here.path() / "a.txt"), 1U);
+}
+
+TEST_F(TheProgram, ChangesWhatIsOnTheServer) {
+  run([this](Driver& user) {
+    connect(user);
+    waitForNames(user, kServer, {"sub", "a.txt"});
+    choose(user, kServer, "a.txt");
+    order(Command::newFolder);
+    const HWND dialog = user.waitForDialog("qxbrowse");
+    user.type(user.control(dialog, 100), "new");
+    user.press(dialog, IDOK);
+    waitForNames(user, kServer, {"new", "sub", "a.txt"});
+
+    choose(user, kServer, "a.txt");
+    order(Command::moveTo);
+    const HWND question = user.waitForDialog("qxbrowse");
+    user.type(user.control(question, 100), "/pub/new/b.txt");
+    user.press(question, IDOK);
+    waitForNames(user, kServer, {"new", "sub"});
+
+    choose(user, kServer, "sub");
+    order(Command::remove);
+    answer(user, IDYES);
+    waitForNames(user, kServer, {"new"});
+  });
+  EXPECT_THAT(server.names("/pub"), ElementsAre("new"));
+  EXPECT_THAT(server.names("/pub/new"), ElementsAre("b.txt"));
+}
+
+TEST_F(TheProgram, TellsWhyItIsNotConnected) {
+  run([this](Driver& user) {
+    connect(user, "wrong");
+    user.waitUntil("the reason", [&] { return status(user).starts_with("127.0.0.1: "); });
+    EXPECT_THAT(status(user), HasSubstr("12014"));
+  });
+}
+
+TEST_F(TheProgram, TellsThatAFolderIsThereAlready) {
+  run([this](Driver& user) {
+    connect(user);
+    waitForNames(user, kServer, {"sub", "a.txt"});
+    choose(user, kServer, "a.txt");
+    order(Command::newFolder);
+    const HWND dialog = user.waitForDialog("qxbrowse");
+    user.type(user.control(dialog, 100), "sub");
+    user.press(dialog, IDOK);
+    user.waitUntil("the reason", [&] { return status(user).find("already") != std::string::npos; });
+  });
+}
+
+// A server that says nothing more holds neither a listing's end nor the program's.
+TEST_F(TheProgram, ClosesInTheMiddleOfAListing) {
+  run([this](Driver& user) {
+    connect(user);
+    waitForNames(user, kServer, {"sub", "a.txt"});
+    server.reconfigure(R"({"rules": [{"on": ["LIST", "MLSD"], "do": [{"gate": "never"}]}]})");
+    choose(user, kServer, "a.txt");
+    order(Command::refresh);
+    server.waitAtGate("never");
+  });
+  server.waitUntilAllClosed();
+}
+
+}  // namespace
+}  // namespace browse
