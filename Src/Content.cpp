@@ -153,20 +153,36 @@ bool readContent(ContentThread& record, CFtpConnection& connection) {
   return true;
 }
 
+internet::FtpErrand::Kind writeKind(const ContentThread& record) {
+  return record.append ? internet::FtpErrand::Kind::append : internet::FtpErrand::Kind::upload;
+}
+
+internet::FtpErrand errandOf(internet::FtpErrand::Kind kind, const char* name) {
+  PathText target;
+  if (!MakeFtpPath(name, target)) return {};
+  if (kind != internet::FtpErrand::Kind::download) ToFtpPath(target.data());
+  return {.kind = kind, .path = target.c_str()};
+}
+
 template <bool move(ContentThread&, CFtpConnection&)>
-AttemptOutcome attempt(QXFtpThread& base) {
+AttemptOutcome attempt(QXFtpThread& base, internet::FtpErrand::Kind kind) {
   auto& record = static_cast<ContentThread&>(base);
-  return AttemptOverPrivateConnection(record, MayGoToServer(record.pszName),
-                                      [&](CFtpConnection& connection) { return move(record, connection); });
+  return AttemptOverPrivateConnection(
+      record, MayGoToServer(record.pszName),
+      [&](CFtpConnection& connection) { return move(record, connection); }, errandOf(kind, record.pszName));
 }
 
-void FTPWriteFileThr(void* argument) {
-  RunReportedWorker(argument, sites::kWriteFileThr, &attempt<writeContent>);
+AttemptOutcome attemptToWrite(QXFtpThread& base) {
+  return attempt<writeContent>(base, writeKind(static_cast<ContentThread&>(base)));
 }
 
-void FTPReadFileThr(void* argument) {
-  RunReportedWorker(argument, sites::kReadFileThr, &attempt<readContent>);
+AttemptOutcome attemptToRead(QXFtpThread& base) {
+  return attempt<readContent>(base, internet::FtpErrand::Kind::download);
 }
+
+void FTPWriteFileThr(void* argument) { RunReportedWorker(argument, sites::kWriteFileThr, &attemptToWrite); }
+
+void FTPReadFileThr(void* argument) { RunReportedWorker(argument, sites::kReadFileThr, &attemptToRead); }
 
 }  // namespace
 

@@ -24,6 +24,7 @@ struct CopyThread : QXFtpThread {
 
   // For the attempts behind one that has broken off.
   std::optional<CFilePart> part;      // what has come of a remote source
+  bool goesOn = false;                // there may be several
   std::optional<TemporaryCopy> copy;  // where it is on its way to the server
 };
 
@@ -162,17 +163,25 @@ bool mayBeUsed(const char* path) {
   return false;
 }
 
+// A part has questions of its own.
+internet::FtpErrand errandOf(const CopyThread& record) {
+  PathText source;
+  const bool asks = record.pszName != nullptr && IsRemotePath(record.pszName) && record.part->Done() == 0;
+  if (!asks || !MakeFtpPath(record.pszName, source)) return {};
+  return {.kind = internet::FtpErrand::Kind::download, .path = source.c_str(), .goesOn = record.goesOn};
+}
+
 AttemptOutcome attempt(QXFtpThread& base) {
   auto& record = static_cast<CopyThread&>(base);
   record.bWhole = false;
-  if (!record.part) record.part.emplace(*record.pRetries > 0);
+  if (!record.part) record.part.emplace(record.goesOn = *record.pRetries > 0);
   const auto copy = [&](CFtpConnection& connection) {
     const bool ok = copyFile(record, connection);
     if (!ok) record.part->BrokenOff(platform::lastError());
     return ok;
   };
-  const AttemptOutcome outcome =
-      AttemptOverPrivateConnection(record, mayBeUsed(record.pszName) && mayBeUsed(record.pszNewName), copy);
+  const AttemptOutcome outcome = AttemptOverPrivateConnection(
+      record, mayBeUsed(record.pszName) && mayBeUsed(record.pszNewName), copy, errandOf(record));
   if (outcome.ok || *record.pRetries == 0 || record.part->Done() == 0) record.copy.reset();
   return outcome;
 }

@@ -3,7 +3,9 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "Src/QXIP.h"
 #include "Src/RemotePath.h"
@@ -15,10 +17,11 @@
 
 namespace {
 
-// Creates what the slashes of `name` end, from the root on; that most of it is there already does not
+// What the slashes of `name` end, from the root on. All of it is created; that most is there already does not
 // matter. Hosts rely on the pairing: the slashes are those of the name as it was given, the letters those of
 // the FTP path at the same places.
-void createAbove(CFtpConnection& connection, const char* name, const PathText& path) {
+std::vector<std::string> namesAbove(const char* name, const PathText& path) {
+  std::vector<std::string> names;
   BoundedText<kPathCapacity + 1> prefix;  // a relative path gets the root's slash in front
   bool fits = prefix.assign("/");
   const std::size_t length = path.size();
@@ -27,9 +30,16 @@ void createAbove(CFtpConnection& connection, const char* name, const PathText& p
       fits = prefix.append({path.c_str() + i, 1});
       continue;
     }
-    connection.CreateDirectory(prefix.c_str());
+    names.emplace_back(prefix.c_str());
     if (prefix.size() > 1) fits = prefix.append("/");
   }
+  return names;
+}
+
+void createAbove(CFtpConnection& connection, const char* name, const PathText& path) {
+  const std::vector<std::string> names = namesAbove(name, path);
+  connection.WillCreate(names);
+  for (const std::string& each : names) connection.CreateDirectory(each.c_str());
 }
 
 bool createDirectory(QXFtpThread& record, CFtpConnection& connection, const PathText& path) {

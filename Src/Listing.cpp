@@ -87,6 +87,12 @@ std::string searchText(const TQXIP& client, const PathText& directory, const cha
   return std::string(directory.c_str()) + join + pattern;
 }
 
+internet::FtpErrand searchIn(const TQXIP& client, const char* path, const char* pattern) {
+  PathText directory;
+  if (!MakeFtpPath(path, directory) || !MayGoToServer(pattern)) return {};
+  return {.kind = internet::FtpErrand::Kind::find, .path = searchText(client, directory, pattern)};
+}
+
 void keepPending(TQXIP& client, std::unique_ptr<QXDirEntry[]> array) {
   delete[] std::exchange(client.m_pFileBuffer, array.release());
 }
@@ -148,7 +154,9 @@ SlotRun listOnce(TQXIP& client, const ListingCall& call, std::uint32_t& retries)
   bool ok = call.path != nullptr && *call.path != '\0' && call.pattern != nullptr && call.pnCount != nullptr;
   if (!ok) platform::setLastError(platform::kErrorInvalidParameter);
   FinderLoan loan(client);
-  CFtpFileFind* finder = ok && mayBeListed(client, call.path) ? loan.Take("m_pFTPGetDir", nullptr) : nullptr;
+  CFtpFileFind* finder = ok && mayBeListed(client, call.path)
+                             ? loan.Take("m_pFTPGetDir", searchIn(client, call.path, call.pattern), nullptr)
+                             : nullptr;
   Raised raised;
   ok = finder != nullptr && GuardInternet(client, &retries, &raised, [&] {
          return list(client, *finder, call.path, call.pattern, count);

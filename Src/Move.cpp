@@ -26,7 +26,11 @@ bool renameOnce(TQXIP& client, const char* from, const char* to) {
   PrivateConnection connection(client);
   PathText source;
   PathText target;
-  return connection.Open() && BothGiven(from, to) && MakeFtpPath(from, source) && MakeFtpPath(to, target) &&
+  internet::FtpErrand errand;
+  if (MakeFtpPath(from, source) && MakeFtpPath(to, target)) {
+    errand = {.kind = internet::FtpErrand::Kind::rename, .path = source.c_str()};
+  }
+  return connection.Open(errand) && BothGiven(from, to) &&
          connection.Connection()->Rename(source.c_str(), target.c_str());
 }
 

@@ -10,12 +10,14 @@
 
 // Connects, lets `work(connection)` answer whether it succeeded, and disconnects. `mayStart` is the outcome
 // of the checks that come before anything is sent. The outcome carries the last error that the failure left.
+// `errand`: what `work` begins with.
 template <typename Work>
-AttemptOutcome AttemptOverPrivateConnection(QXFtpThread& record, bool mayStart, Work&& work) {
+AttemptOutcome AttemptOverPrivateConnection(QXFtpThread& record, bool mayStart, Work&& work,
+                                            const internet::FtpErrand& errand = {}) {
   AttemptOutcome outcome;
   if (mayStart) {
     PrivateConnection connection(*record.pQXIP);
-    outcome.ok = connection.Open() && work(*connection.Connection());
+    outcome.ok = connection.Open(errand) && work(*connection.Connection());
   }
   if (!outcome.ok) outcome.error = platform::lastError();
   return outcome;

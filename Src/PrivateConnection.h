@@ -9,6 +9,7 @@
 #include "Src/TInternetSession.h"
 #include "framework/internet/FtpConnection.h"
 #include "framework/internet/FtpFileFind.h"
+#include "framework/internet/net/FtpErrand.h"
 
 struct Raised;
 
@@ -20,10 +21,10 @@ class PrivateConnection {
   PrivateConnection& operator=(const PrivateConnection&) = delete;
 
   // Connects and logs in. A failure goes to OnIPError without a retry counter; *pRaised (may be null) tells
-  // of it.
-  [[nodiscard]] bool Open(Raised* pRaised = nullptr);
+  // of it. `errand`: what comes first.
+  [[nodiscard]] bool Open(const internet::FtpErrand& errand = {}, Raised* pRaised = nullptr);
   // Open(), and a finder on the connection.
-  [[nodiscard]] bool OpenWithFinder(Raised* pRaised = nullptr);
+  [[nodiscard]] bool OpenWithFinder(const internet::FtpErrand& errand, Raised* pRaised = nullptr);
   void Close() noexcept;
 
   [[nodiscard]] CFtpConnection* Connection() const noexcept { return m_connection.get(); }
@@ -41,4 +42,5 @@ class PrivateConnection {
 
 // Opens a connection on `session` from the client's login data; null when that may not be (MayLogIn) or after
 // a failure, which went to OnIPError.
-CFtpConnection* OpenFtpConnection(TQXIP& client, CInternetSession& session, Raised* pRaised);
+CFtpConnection* OpenFtpConnection(TQXIP& client, CInternetSession& session, Raised* pRaised,
+                                  const internet::FtpErrand& errand = {});

@@ -15,20 +15,25 @@
 
 namespace {
 
-using Query = bool (*)(QXFtpThread& record, CFtpFileFind& finder);
+// How a worker asks, and what its own connection is made for.
+struct Query {
+  bool (*ask)(QXFtpThread& record, CFtpFileFind& finder);
+  internet::FtpErrand (*errand)(const char* name);
+};
 
 struct FileSizeThread : QXFtpThread {
   std::uint32_t nFileSize = 0;
 };
 
-AttemptOutcome askServer(QXFtpThread& record, const char* finderField, Query query) {
+AttemptOutcome askServer(QXFtpThread& record, const char* finderField, const Query& query) {
   TQXIP& client = *record.pQXIP;
   Raised raised;
   AttemptOutcome outcome;
   FinderLoan loan(client);
-  CFtpFileFind* finder = MayGoToServer(record.pszName) ? loan.Take(finderField, &raised) : nullptr;
+  CFtpFileFind* finder =
+      MayGoToServer(record.pszName) ? loan.Take(finderField, query.errand(record.pszName), &raised) : nullptr;
   if (finder != nullptr) {
-    outcome.ok = GuardInternet(client, record.pRetries, &raised, [&] { return query(record, *finder); });
+    outcome.ok = GuardInternet(client, record.pRetries, &raised, [&] { return query.ask(record, *finder); });
     finder->Close();
   }
   if (!outcome.ok) {
@@ -68,6 +73,26 @@ bool walkFindsDirectory(CFtpFileFind& finder, const PathText& name) {
   return false;
 }
 
+PathText directoryOf(const PathText& path) {
+  PathText directory;
+  SplitPath(path.c_str(), &directory, nullptr, nullptr);
+  ToFtpPath(directory.data());
+  return directory;
+}
+
+// The directory above is searched, and most likely there.
+internet::FtpErrand searchAbove(const char* name) {
+  PathText path;
+  if (!MakeFtpPath(name, path) || EqualNames(path.c_str(), "/")) return {};
+  return {.kind = internet::FtpErrand::Kind::content, .path = directoryOf(path).c_str()};
+}
+
+internet::FtpErrand searchFor(const char* name) {
+  PathText path;
+  if (!MakeFtpPath(name, path)) return {};
+  return {.kind = internet::FtpErrand::Kind::find, .path = path.c_str()};
+}
+
 bool queryDirExist(QXFtpThread& record, CFtpFileFind& finder) {
   record.bResult = 0;
   PathText path;
@@ -76,9 +101,8 @@ bool queryDirExist(QXFtpThread& record, CFtpFileFind& finder) {
     record.bResult = 1;
     return true;
   }
-  PathText directory;
-  SplitPath(path.c_str(), &directory, nullptr, nullptr);
-  ToFtpPath(directory.data());
+  const PathText directory = directoryOf(path);
+  finder.ExpectContent();
   if (!finder.FindFile(directory.c_str(), internet::kFlagReload)) return true;
   record.bResult = walkFindsDirectory(finder, lastComponent(path)) ? 1 : 0;
   return true;
@@ -114,18 +138,21 @@ WorkerShape existenceShape(const FailureSite& site) {
 }
 
 void FTPDirExistThr(void* argument) {
-  RunWorker(argument, existenceShape(sites::kDirExistThr),
-            [](QXFtpThread& record) { return askServer(record, "m_pFTPDirFind", &queryDirExist); });
+  RunWorker(argument, existenceShape(sites::kDirExistThr), [](QXFtpThread& record) {
+    return askServer(record, "m_pFTPDirFind", {&queryDirExist, &searchAbove});
+  });
 }
 
 void FTPFileExistsThr(void* argument) {
-  RunWorker(argument, existenceShape(sites::kFileExistsThr),
-            [](QXFtpThread& record) { return askServer(record, "m_pFTPFileFind", &queryFileExists); });
+  RunWorker(argument, existenceShape(sites::kFileExistsThr), [](QXFtpThread& record) {
+    return askServer(record, "m_pFTPFileFind", {&queryFileExists, &searchFor});
+  });
 }
 
 void FTPFileSizeThr(void* argument) {
-  RunWorker(argument, {.pause = std::chrono::milliseconds(10)},
-            [](QXFtpThread& record) { return askServer(record, "m_pFTPFileSize", &queryFileSize); });
+  RunWorker(argument, {.pause = std::chrono::milliseconds(10)}, [](QXFtpThread& record) {
+    return askServer(record, "m_pFTPFileSize", {&queryFileSize, &searchFor});
+  });
 }
 
 struct Existence {

@@ -40,8 +40,9 @@ void FTPRmvFileThr(void* argument) {
 }
 
 void FTPRmvDirThr(void* argument) {
-  RunReportedWorker(argument, sites::kRmvDirThr,
-                    [](QXFtpThread& record) { return ChangeServer(record, &removeDirectory); });
+  RunReportedWorker(argument, sites::kRmvDirThr, [](QXFtpThread& record) {
+    return ChangeServer(record, &removeDirectory, {.kind = internet::FtpErrand::Kind::directory});
+  });
 }
 
 }  // namespace

@@ -13,11 +13,12 @@ bool MayChange(const TQXIP& client, const char* path) noexcept {
   return false;
 }
 
-AttemptOutcome ChangeServer(QXFtpThread& record, Change change) {
-  return AttemptOverPrivateConnection(record, true, [&](CFtpConnection& connection) {
+AttemptOutcome ChangeServer(QXFtpThread& record, Change change, const internet::FtpErrand& errand) {
+  const auto work = [&](CFtpConnection& connection) {
     PathText path;
     return MakeFtpPath(record.pszName, path) && change(record, connection, path);
-  });
+  };
+  return AttemptOverPrivateConnection(record, true, work, errand);
 }
 
 bool DirectoryIsThere(QXFtpThread& record, const PathText& path) {

@@ -5,6 +5,7 @@
 
 #include "Src/OperationRunner.h"
 #include "Src/WorkerFrame.h"
+#include "framework/internet/net/FtpErrand.h"
 #include "support/Paths.h"
 
 class CFtpConnection;
@@ -19,7 +20,7 @@ class CFtpConnection;
 using Change = bool (*)(QXFtpThread& record, CFtpConnection& connection, const PathText& path);
 
 // One attempt of a change's worker.
-AttemptOutcome ChangeServer(QXFtpThread& record, Change change);
+AttemptOutcome ChangeServer(QXFtpThread& record, Change change, const internet::FtpErrand& errand = {});
 
 // Asks FTPDirExist from a change's worker. Leaves the last error alone.
 [[nodiscard]] bool DirectoryIsThere(QXFtpThread& record, const PathText& path);

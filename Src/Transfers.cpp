@@ -53,29 +53,40 @@ bool acceptRefusedUpload(TQXIP& client, const char* target, const char* local) {
 class Download {
  public:
   Download(const char* local, const std::uint32_t& retries)
-      : m_local(local), m_file(textOrEmpty(local), true, platform::kFileAttributeNormal, retries > 0) {}
+      : m_local(local),
+        m_goesOn(retries > 0),
+        m_file(textOrEmpty(local), true, platform::kFileAttributeNormal, m_goesOn) {}
 
   bool Move(TQXIP& client, PrivateConnection& connection, const char* target) {
     return connection.Connection()->GetFile(target, m_file) ||
            acceptEmptyRemote(client, target, m_local, m_file.HoldsPart());
+  }
+  // A part has questions of its own.
+  [[nodiscard]] internet::FtpErrand Errand(const char* target) const {
+    if (m_file.HoldsPart()) return {};
+    return {.kind = internet::FtpErrand::Kind::download, .path = target, .goesOn = m_goesOn};
   }
   // A host's function makes the next run, with a file of its own.
   void Leave() noexcept { m_file.Drop(); }
 
  private:
   const char* m_local;
+  const bool m_goesOn;
   CFileDownload m_file;
 };
 
 class Upload {
  public:
   Upload(const char* local, std::uint32_t& retries)
-      : m_local(local), m_retries(retries), m_file(textOrEmpty(local), retries > 0) {}
+      : m_local(local), m_retries(retries), m_goesOn(retries > 0), m_file(textOrEmpty(local), m_goesOn) {}
 
   bool Move(TQXIP& client, PrivateConnection& connection, const char* target) {
     if (Put(connection, target)) return true;
     CopyWatch::TellDoubt();
     return acceptRefusedUpload(client, target, m_local);
+  }
+  [[nodiscard]] internet::FtpErrand Errand(const char* target) const {
+    return {.kind = internet::FtpErrand::Kind::upload, .path = target, .goesOn = m_goesOn};
   }
   void Leave() noexcept {}
 
@@ -95,6 +106,7 @@ class Upload {
   static constexpr std::chrono::milliseconds kPause{10};
   const char* m_local;
   std::uint32_t& m_retries;
+  const bool m_goesOn;
   CFileUpload m_file;
 };
 
@@ -103,8 +115,10 @@ bool transferOnce(TQXIP& client, const char* remote, const char* local, File& fi
   if (!MayGoToServer(remote)) return false;
   PrivateConnection connection(client);
   PathText target;
-  if (!connection.Open() || !BothGiven(remote, local) || !MakeFtpPath(remote, target)) return false;
+  const bool given = MakeFtpPath(remote, target) && BothGiven(remote, local);
   ToFtpPath(target.data());  // twice: of three leading slashes one remains
+  const internet::FtpErrand errand = given ? file.Errand(target.c_str()) : internet::FtpErrand{};
+  if (!connection.Open(errand) || !BothGiven(remote, local)) return false;
   return file.Move(client, connection, target.c_str());
 }
 

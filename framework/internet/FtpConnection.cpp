@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "framework/internet/FtpConnection.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -15,6 +16,7 @@
 #include "framework/internet/ftp/RemotePart.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/platform/last_error.h"
+#include "framework/text/AsciiText.h"
 
 using internet::FtpControl;
 using internet::FtpTransfer;
@@ -83,6 +85,15 @@ CFtpConnection::~CFtpConnection() { Close(); }
 bool CFtpConnection::Remove(const char* path) { return simpleCommand(m_control, "DELE", path); }
 
 bool CFtpConnection::CreateDirectory(const char* path) { return simpleCommand(m_control, "MKD", path); }
+
+void CFtpConnection::WillCreate(std::span<const std::string> paths) {
+  const internet::FtpTraits& known = m_control->knownTraits();
+  const bool isName = std::all_of(paths.begin(), paths.end(), &ascii::isAscii);
+  if (!known.takesPackets || !(isName || known.utf8)) return;
+  for (const std::string& path : paths) {
+    if (!m_control->foresee("MKD", nameForServer(*m_control, path))) return;
+  }
+}
 
 bool CFtpConnection::RemoveDirectory(const char* path) {
   return internet::answer([&, control = m_control] {

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "framework/internet/net/InternetErrors.h"
@@ -33,6 +34,9 @@ class CFtpConnection {
   bool Remove(const char* path);
   bool Rename(const char* from, const char* to);
   bool CreateDirectory(const char* path);
+  // Tells that CreateDirectory() comes next, and for each of these: a server that is known to take several
+  // lines in one packet gets them with the first.
+  void WillCreate(std::span<const std::string> paths);
   // Of a link to a directory the link goes, and what it leads to stays.
   bool RemoveDirectory(const char* path);
   // The directory that relative names refer to, as the server told it.

@@ -94,13 +94,14 @@ bool CFtpFileFind::FindFile(const char* pattern, std::uint32_t) {
   const std::string asked = pattern && *pattern ? pattern : "*";
   const auto state = std::make_shared<FindState>();
   m_state = state;
+  const bool content = std::exchange(m_expectsContent, false);
   bool unusable = false;
   const auto search = [&] {
     unusable = false;
     internet::FindRule rule(*control, internet::secondsNow());
     internet::Found found;
     try {
-      found = rule.find(internet::nameForServer(*control, asked));
+      found = rule.find(internet::nameForServer(*control, asked), content);
     } catch (const internet::Failure&) {
       unusable = rule.listingUnusable();
       throw;

@@ -38,6 +38,8 @@ class CFtpFileFind {
   // 12003 with the server's text when it says so, 12030 when it ends in the middle of a row, 12152 when it is
   // beyond the limits or not one row of it can be read.
   virtual bool FindFile(const char* pattern = nullptr, std::uint32_t flags = 0);
+  // A hint for the next FindFile: its path is most likely a directory's.
+  void ExpectContent() noexcept { m_expectsContent = true; }
   // Makes the next entry current. False when that entry is the last one (it is still the current entry) or
   // when there is none at all (last error 18).
   virtual bool FindNextFile();
@@ -67,6 +69,7 @@ class CFtpFileFind {
 
  private:
   std::shared_ptr<internet::FtpControl> m_control;
+  bool m_expectsContent = false;
   // A running call holds it too: a status callback may delete the finder.
   std::shared_ptr<internet::FindState> m_state;
 };

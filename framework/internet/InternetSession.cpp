@@ -119,12 +119,13 @@ bool CInternetSession::EnableStatusCallback(bool enable) noexcept {
 }
 
 CFtpConnection* CInternetSession::GetFtpConnection(const char* server, const char* user, const char* password,
-                                                   std::uint16_t port, bool passive) {
+                                                   std::uint16_t port, bool passive,
+                                                   const internet::FtpErrand& errand) {
   std::unique_ptr<CFtpConnection> connection;
   internet::raising([&, impl = m_impl] {
     auto login = checkedLogin(server, user, password, port, passive);
     if (!platform::startSockets()) internet::fail(platform::lastError());
-    const auto control = FtpControl::open(impl, std::move(login));
+    const auto control = FtpControl::open(impl, std::move(login), errand);
     impl->adopt(control);
     connection.reset(new CFtpConnection(control));
     control->channel().notify(internet::kStatusHandleCreated);

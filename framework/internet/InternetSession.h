@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "framework/internet/http/HttpUrl.h"
+#include "framework/internet/net/FtpErrand.h"
 #include "framework/internet/net/InternetLimits.h"
 
 class CFtpConnection;
@@ -31,10 +32,10 @@ class CInternetSession {
   // server offers (FEAT) is asked later, once per server, by what needs to know it. A null or empty user logs
   // in as "anonymous"; port 0 is the default port. The caller deletes the result (before or after this
   // session). The server's text is read as net/ServerName.h says. Throws CInternetException*: 12007, 12029,
-  // 12002, 12030, 12031, 12014 (530), 12015, 87 for a bad argument.
+  // 12002, 12030, 12031, 12014 (530), 12015, 87 for a bad argument. See FtpErrand.h.
   CFtpConnection* GetFtpConnection(const char* server, const char* user = nullptr,
                                    const char* password = nullptr, std::uint16_t port = 21,
-                                   bool passive = false);
+                                   bool passive = false, const internet::FtpErrand& errand = {});
 
   // A web server to make requests to; port 0 is the default port. No I/O: what is wrong with the server shows
   // in the requests. User and password are not used. The caller deletes the result (before or after this

@@ -236,7 +236,7 @@ class FindCommands : public FindTest {
 
 using Commands = std::vector<std::string>;
 
-TEST_F(FindCommands, AreTheFewestThatTell) {
+TEST_F(FindCommands, AreThoseThatTellInTheFewestTurns) {
   EXPECT_EQ(commandsFor(kFacts, "/pub/*.*"), (Commands{"FEAT", "MLSD /pub"}));
   EXPECT_EQ(commandsFor(kFacts, "*.*"), (Commands{"FEAT", "MLSD"}));
   EXPECT_EQ(commandsFor(kFacts, "/pub"), (Commands{"FEAT", "MLST /pub", "MLSD /pub"}));
@@ -244,7 +244,8 @@ TEST_F(FindCommands, AreTheFewestThatTell) {
   EXPECT_EQ(commandsFor(kFacts, "/missing"), (Commands{"FEAT", "MLST /missing"}));
   EXPECT_EQ(commandsFor(kUnix, "*.*"), (Commands{"FEAT", "LIST"}));
   EXPECT_EQ(commandsFor(kUnix, "/pub/*.*"), (Commands{"FEAT", "PWD", "CWD /pub", "LIST", "CWD /"}));
-  EXPECT_EQ(commandsFor(kUnix, "/pub"), (Commands{"FEAT", "PWD", "CWD /pub", "LIST", "CWD /"}));
+  EXPECT_EQ(commandsFor(kUnix, "/pub"), (Commands{"FEAT", "PWD", "CWD /pub", "SIZE /pub", "LIST", "CWD /"}))
+      << "SIZE goes along, for what is no directory";
   EXPECT_EQ(commandsFor(kUnix, "/pub/a.txt"),
             (Commands{"FEAT", "PWD", "CWD /pub/a.txt", "SIZE /pub/a.txt", "MDTM /pub/a.txt"}));
   EXPECT_EQ(commandsFor(kUnix, "/missing"), (Commands{"FEAT", "PWD", "CWD /missing", "SIZE /missing"}));

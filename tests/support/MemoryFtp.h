@@ -19,6 +19,7 @@ class MemoryFtp : public MemoryPeer {
 
   // By verb, line ends included; any other command is done.
   std::map<std::string, std::string> answers{{"USER", "331 Password?\r\n"},
+                                             {"PASS", "230 Welcome\r\n"},
                                              {"EPSV", "229 Here (|||1000|)\r\n"},
                                              {"PWD", "257 \"/\"\r\n"},
                                              {"SIZE", "550 Not told\r\n"}};

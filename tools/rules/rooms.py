@@ -32,7 +32,7 @@ INTERNET_ARROWS = {
     "http": {"framework/platform", "framework/text", f"{INTERNET}/net", f"{INTERNET}/tls"},
 }
 # What the product may include of those rooms: the numbers that hosts know, and AfxParseURL.
-INTERNET_OPEN = {f"{INTERNET}/net/InternetErrors.h", f"{INTERNET}/http/HttpUrl.h"}
+INTERNET_OPEN = {f"{INTERNET}/net/FtpErrand.h", f"{INTERNET}/net/InternetErrors.h", f"{INTERNET}/http/HttpUrl.h"}
 
 # The folders that only one platform builds. Their headers are for folders of the same platform: in the product for
 # those of the same room, framework/ui/ for dialogs/, which is made of windows throughout, and dialogs/ for the exports.

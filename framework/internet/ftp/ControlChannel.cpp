@@ -14,8 +14,6 @@ namespace internet {
 using platform::IoStatus;
 using std::chrono::milliseconds;
 
-namespace {}  // namespace
-
 ControlChannel::ControlChannel(std::shared_ptr<SessionLink> session) noexcept
     : dialer_(std::move(session)), progressUntil_(kAtOnce), closeError_(kConnectionAborted) {}
 
@@ -40,12 +38,13 @@ void ControlChannel::secure(TlsLogin& tls) {
 }
 
 void ControlChannel::send(std::string_view line) {
-  settle();
+  if (!window_.foresees(line)) settle();
   notify(kStatusSendingRequest);
   requireOpen();
   awaiting_ = true;
   progressed();
   window_.command(line);
+  if (window_.astray()) closeWith(kConnectionAborted);
   transmit();
   requireOpen();
   notify(kStatusRequestSent);
@@ -137,8 +136,9 @@ void ControlChannel::accept(const FtpReply& reply) {
 std::optional<FtpReply> ControlChannel::nextReply(const Deadline& deadline) {
   std::optional<FtpReply> own;
   do {
+    if ((own = window_.takeForeseen())) return own;
     while (takeOne(own)) {
-      if (own) return own;
+      if (own || (own = window_.takeForeseen())) return own;
     }
   } while (receiveMore(deadline));
   return std::nullopt;
@@ -188,9 +188,9 @@ bool ControlChannel::takeOne(std::optional<FtpReply>& own) {
   if (!reply) return false;
   doubt_.reset();
   if (!reply->preliminary()) progressed();
-  const bool single = window_.singly();
+  const LineWindow::Packets known = window_.packets();
   own = window_.take(std::move(*reply));
-  if (window_.singly() && !single && onSingleLines_) onSingleLines_();
+  if (window_.packets() != known && onPackets_) onPackets_(window_.packets());
   if (isOpen()) transmit();
   return true;
 }

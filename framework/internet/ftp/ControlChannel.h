@@ -36,12 +36,18 @@ class ControlChannel {
   // taken is a failure: anybody on the way may have put it there.
   void secure(TlsLogin& tls);
 
-  // Sends what was queued and `line` (30, 31): in one go, unless the server takes single lines; then each as
-  // soon as the one before it is answered.
+  // Sends what was queued and `line` (30, 31), unless it has gone out already: in one go, where the server
+  // does not take single lines; else each as soon as the one before it is answered.
   void send(std::string_view line);
   // Keeps `line` back for the next send(); the reply is taken ahead of that command's own. It may be sent
   // twice, but the server sees it once.
   void queue(std::string_view line, ReplyHandler handler);
+  // Tells that `line` will be queued or sent next, behind those that were told before: it goes out along with
+  // the first of them, and nothing of it is notified before its turn. It must do no harm if its turn never
+  // comes. False when it will wait for its turn.
+  bool foresee(std::string_view line) { return isOpen() && window_.foresee(line); }
+  [[nodiscard]] bool foresees() const noexcept { return window_.foresees(); }
+  void forgetForeseen() noexcept { window_.forgetForeseen(); }
   // Sends `line` now without waiting for its reply, which is taken before the next command goes out. Closes
   // the connection when it cannot take the line at once.
   void sendAhead(std::string_view line, ReplyHandler handler) noexcept;
@@ -75,8 +81,8 @@ class ControlChannel {
   [[nodiscard]] ProtocolLog& log() noexcept { return dialer_.log(); }
   // The server is known to take single lines.
   void sendSingly() noexcept { window_.sendSingly(); }
-  // Called when that is found out.
-  void onSingleLines(std::function<void()> learn) noexcept { onSingleLines_ = std::move(learn); }
+  // Called when more is known of how the server takes several lines in one packet.
+  void onPackets(std::function<void(LineWindow::Packets)> learn) noexcept { onPackets_ = std::move(learn); }
 
   // For waits on something else that end early when the server speaks.
   [[nodiscard]] platform::SocketInterest readInterest() noexcept;
@@ -144,7 +150,7 @@ class ControlChannel {
   LineWindow window_;
   Deadline progressUntil_;
   std::optional<Deadline> doubt_;  // when a line that was sent along counts as late
-  std::function<void()> onSingleLines_;
+  std::function<void(LineWindow::Packets)> onPackets_;
   bool awaiting_ = false;
   bool answered_ = false;
   unsigned preliminaryReplies_ = 0;  // since the last final one

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "framework/internet/ftp/FtpDataChannel.h"
 #include "framework/internet/ftp/OpenRows.h"
 #include "framework/internet/ftp/ServerWords.h"
 #include "framework/internet/listing/FtpListing.h"
@@ -71,9 +72,40 @@ FindRule::Path FindRule::split(std::string_view asked) noexcept {
   return path;
 }
 
-Found FindRule::find(std::string_view asked) {
+bool FindRule::Path::isPattern() const noexcept { return name.find_first_of("*?") != std::string_view::npos; }
+
+void FindRule::foresee(std::string_view asked, bool content) {
   const Path path = split(asked);
-  if (path.name.find_first_of("*?") != std::string_view::npos) {
+  const bool facts = control_.knownTraits().mlst;
+  if (path.isPattern()) {
+    if (facts || path.parent.empty() || control_.foresee("CWD", path.parent)) foreseeListing();
+    return;
+  }
+  if (!control_.foresee(facts ? "MLST" : "CWD", path.whole)) return;
+  if (content) {
+    foreseeListing();
+  } else if (!facts && control_.foreseeBinary()) {
+    static_cast<void>(control_.foresee("SIZE", path.whole));
+  }
+}
+
+void FindRule::foreseeListing() {
+  if (control_.foreseeBinary()) FtpDataChannel::foresee(control_);
+}
+
+// Whoever goes to another directory has to know the way back before.
+void FindRule::prepare(const Path& path, std::string_view asked, bool content) {
+  const bool visits = !control_.traits().mlst && !(path.isPattern() && path.parent.empty());
+  if (visits && !control_.visitsOnce()) static_cast<void>(control_.currentDirectory());
+  if (control_.visitsOnce() && control_.foresees()) return;
+  control_.forgetForeseen();
+  foresee(asked, content);
+}
+
+Found FindRule::find(std::string_view asked, bool content) {
+  const Path path = split(asked);
+  prepare(path, asked, content);
+  if (path.isPattern()) {
     wanted_ = [&path](const FtpEntry& entry) { return matchesPattern(path.name, entry.name); };
     return {.entries = list(path.parent, path.parent.empty())};
   }

@@ -31,7 +31,10 @@ class FindRule {
   // `now` in seconds UTC.
   FindRule(FtpControl& control, std::int64_t now) noexcept : control_(control), now_(now) {}
 
-  Found find(std::string_view asked);
+  // `content`: the path is most likely a directory's.
+  Found find(std::string_view asked, bool content = false);
+  // Tells the connection the first lines of find(). REQUIRES: the server's features are known.
+  void foresee(std::string_view asked, bool content);
   // Whether the path itself is a link, wherever that leads, as far as the listing of its directory tells.
   bool isLink(std::string_view asked);
 
@@ -44,6 +47,7 @@ class FindRule {
     std::string_view whole;
     std::string_view parent;  // "" = the current directory
     std::string_view name;
+    [[nodiscard]] bool isPattern() const noexcept;
   };
   struct Answer {
     FtpReply reply;
@@ -52,6 +56,8 @@ class FindRule {
   };
 
   static Path split(std::string_view asked) noexcept;
+  void foreseeListing();
+  void prepare(const Path& path, std::string_view asked, bool content);
   std::optional<Found> byFacts(const Path& path, const FtpReply& reply);
   Found byKindUnknown(const Path& path, const MlsxRow& row);
   Found byFileFacts(const Path& path, const MlsxRow& row);

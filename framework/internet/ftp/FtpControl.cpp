@@ -19,6 +19,11 @@ bool isControlByte(char c) noexcept {
   return byte < 0x20 || byte == 0x7f;
 }
 
+bool mayBeSent(std::string_view argument) noexcept {
+  return !argument.empty() && argument.size() <= kMaxArgument &&
+         std::none_of(argument.begin(), argument.end(), isControlByte);
+}
+
 // What a server in plain text tells of itself can come from anybody on the way.
 std::string traitsKeyOf(const FtpLogin& login) {
   const char* const protection = login.tls.encryption == Encryption::none ? "" : "tls:";
@@ -31,6 +36,13 @@ std::string lineOf(std::string_view verb, std::string_view argument) {
   return line;
 }
 
+void learnPackets(LineWindow::Packets known, FtpTraits& traits) {
+  using Packets = LineWindow::Packets;
+  if (known == Packets::refused) traits.singleLines = true;
+  if (known == Packets::taken || known == Packets::takenAtLogin) traits.takesPackets = true;
+  if (known == Packets::takenAtLogin) traits.takesLoginPackets = true;
+}
+
 }  // namespace
 
 FtpControl::FtpControl(std::shared_ptr<SessionLink> session, FtpLogin login)
@@ -40,99 +52,12 @@ FtpControl::FtpControl(std::shared_ptr<SessionLink> session, FtpLogin login)
       channel_(session_),
       traits_(cachedTraits(traitsKey_)) {
   channel_.log().hide(login_.password.view());
-  channel_.onSingleLines([this] { learn([](FtpTraits& traits) { traits.singleLines = true; }); });
+  channel_.onPackets([this](LineWindow::Packets known) {
+    learn([known](FtpTraits& traits) { learnPackets(known, traits); });
+  });
 }
 
 FtpControl::~FtpControl() = default;
-
-std::shared_ptr<FtpControl> FtpControl::open(std::shared_ptr<SessionLink> session, FtpLogin login) {
-  std::shared_ptr<FtpControl> control(new FtpControl(std::move(session), std::move(login)));
-  std::chrono::milliseconds pause = control->timeouts().crowdedPause;
-  for (unsigned left = control->timeouts().crowdedRetries;; --left, pause *= 2) {
-    try {
-      control->connect();
-      return control;
-    } catch (const Failure& failure) {
-      // Nobody will ever have this connection to close.
-      control->channel_.drop();
-      control->channel_.reportClosed();
-      if (left == 0 || !tellsOfCrowd(failure.serverText)) throw Failure(control->forHost(failure));
-    }
-    rest(pause);
-  }
-}
-
-void FtpControl::connect() {
-  if (traits_.singleLines) channel_.sendSingly();
-  tls_.reset();
-  TlsPolicy policy = login_.tls;
-  policy.onlyTls12 = policy.onlyTls12 || traits_.onlyTls12;
-  if (policy.encryption != Encryption::none) tls_ = std::make_unique<TlsLogin>(login_.server, policy);
-  channel_.open(login_.server, login_.port);
-  if (policy.encryption == Encryption::fromStart) secureChannel();
-  logIn();
-}
-
-void FtpControl::secureChannel() {
-  channel_.secure(*tls_);
-  newestTls_ = tls_->description().starts_with("TLS 1.3");
-}
-
-void FtpControl::logIn() {
-  const auto refuse = [](const FtpReply& reply) {
-    fail(reply.code == 530 ? kIncorrectPassword : kLoginFailure, reply.text);
-  };
-  const FtpReply greeting = finalReply();
-  if (!greeting.completed()) refuse(greeting);
-  if (login_.tls.encryption == Encryption::onDemand) startTls();
-  FtpReply reply = exchange("USER " + login_.user);
-  if (reply.code == 331) reply = exchange(secret::Text("PASS ").append(login_.password.view()).view());
-  if (!reply.completed()) refuse(reply);
-  if (tls_) protectData();
-  enableUtf8();
-}
-
-void FtpControl::startTls() {
-  const FtpReply reply = exchange("AUTH TLS");
-  if (!reply.completed()) fail(kExtendedError, reply.text);
-  secureChannel();
-}
-
-void FtpControl::protectData() {
-  // A buffer size without a meaning, which has to be told all the same.
-  channel_.queue("PBSZ 0", [](const FtpReply&) { return true; });
-  const FtpReply reply = exchange("PROT P");
-  if (!reply.completed()) fail(kExtendedError, reply.text);
-}
-
-// A new connection in the place of a closed one. The session hears nothing of it: on its word that a
-// connection comes up a client makes its finders anew, also the one that is asking.
-void FtpControl::logInAgain() {
-  const ControlChannel::Silence silence(channel_);
-  const std::optional<std::string> directory = directoryForReturn();
-  traits_ = cachedTraits(traitsKey_);
-  binary_ = utf8Asked_ = false;
-  if (!moved_) directory_.reset();
-  try {
-    if (!directory) fail(kConnectionAborted);
-    connect();
-    returnTo(*directory);
-  } catch (Failure& failure) {
-    channel_.drop();
-    failure.connectionLost = true;
-    throw;
-  } catch (...) {
-    channel_.drop();
-    throw;
-  }
-}
-
-void FtpControl::returnTo(const std::string& directory) {
-  if (directory.empty()) return;
-  const FtpReply reply = command("CWD", directory);
-  // In any other directory relative names would mean something else.
-  if (!reply.completed()) fail(kConnectionAborted, reply.text);
-}
 
 // --- Frame of a public operation ---
 
@@ -233,6 +158,10 @@ void FtpControl::sendCommand(std::string_view verb, std::string_view argument) {
   channel_.send(lineOf(verb, argument));
 }
 
+bool FtpControl::foresee(std::string_view verb, std::string_view argument) {
+  return (argument.empty() || mayBeSent(argument)) && channel_.foresee(lineOf(verb, argument));
+}
+
 FtpReply FtpControl::require(std::string_view verb, std::string_view argument) {
   FtpReply reply = command(verb, argument);
   if (reply.refused()) raise(reply);
@@ -311,10 +240,7 @@ void FtpControl::raise(const FtpReply& reply) {
 }
 
 void FtpControl::checkArgument(std::string_view argument) {
-  if (argument.empty() || argument.size() > kMaxArgument ||
-      std::any_of(argument.begin(), argument.end(), isControlByte)) {
-    fail(platform::kErrorInvalidParameter);
-  }
+  if (!mayBeSent(argument)) fail(platform::kErrorInvalidParameter);
 }
 
 FtpReply FtpControl::exchange(std::string_view line) {
@@ -401,6 +327,7 @@ std::optional<std::string> FtpControl::directoryForReturn() const {
 }
 
 FtpReply FtpControl::DirectoryVisit::enter(std::string_view path) {
+  if (control_.visitsOnce() && path.starts_with('/')) return control_.command("CWD", path);
   std::string wayBack = wayBack_.empty() ? "CWD " + control_.currentDirectory() : wayBack_;
   FtpReply reply = control_.command("CWD", path);
   if (reply.completed()) wayBack_ = std::move(wayBack);
@@ -408,7 +335,7 @@ FtpReply FtpControl::DirectoryVisit::enter(std::string_view path) {
 }
 
 bool FtpControl::DirectoryVisit::leave() {
-  if (!wayBack_.empty()) return true;
+  if (!wayBack_.empty() || control_.visitsOnce()) return true;
   try {
     wayBack_ = "CWD " + control_.currentDirectory();
   } catch (const Failure&) {

@@ -18,6 +18,7 @@
 #include "framework/internet/ftp/FtpReply.h"
 #include "framework/internet/ftp/FtpTraits.h"
 #include "framework/internet/net/Failure.h"
+#include "framework/internet/net/FtpErrand.h"
 #include "framework/internet/net/SessionLink.h"
 #include "framework/internet/tls/TlsSock.h"
 #include "framework/text/Secret.h"
@@ -36,7 +37,8 @@ struct FtpLogin {
 class FtpControl : public SessionMember, public std::enable_shared_from_this<FtpControl> {
  public:
   // Connects and logs in, with notifications 10 to 41. Also fails with 12007, 12029, 12014, 12015.
-  static std::shared_ptr<FtpControl> open(std::shared_ptr<SessionLink> session, FtpLogin login);
+  static std::shared_ptr<FtpControl> open(std::shared_ptr<SessionLink> session, FtpLogin login,
+                                          const FtpErrand& errand = {});
   ~FtpControl() override;  // closes the socket silently
 
   // --- Frame of a public operation ---
@@ -63,6 +65,16 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   FtpReply command(std::string_view verb, std::string_view argument = {});
   // The same, but a refusal is raised.
   FtpReply require(std::string_view verb, std::string_view argument = {});
+  // Tells that this command will be the next one, behind those that were told before, and does no harm if it
+  // is not: it travels along with the first of them. False when nothing may be told behind it any more,
+  // also for an argument that command() will turn down.
+  bool foresee(std::string_view verb, std::string_view argument = {});
+  // The same of useBinary().
+  bool foreseeBinary() { return binary_ || foresee("TYPE I"); }
+  // Something told is still to come.
+  [[nodiscard]] bool foresees() const noexcept { return channel_.foresees(); }
+  // The rest will not come.
+  void forgetForeseen() noexcept { channel_.forgetForeseen(); }
   // Runs a command that answers over a data connection (LIST, NLST, MLSD), in binary type, and hands its text
   // over as it comes. The final reply; or the refusal, before or after some text, which is the caller's to
   // judge. A text above kMaxListingBytes fails with 12152.
@@ -108,15 +120,18 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   std::string currentDirectory();
   // The same, asked of the server each time.
   std::string askDirectory();
+  // The connection is made for one search alone: nobody asks where it is, or goes back there.
+  [[nodiscard]] bool visitsOnce() const noexcept { return visitsOnce_; }
   // Changes it for good (SetCurrentDirectory).
   void changeDirectory(std::string_view path);
   // What CWD takes on a fresh connection to come to the same directory; "" when it starts there, none when
   // unknown.
   [[nodiscard]] std::optional<std::string> directoryForReturn() const;
 
-  // A visit to another directory that leaves the logical one untouched. enter() asks for the current
-  // directory first (once per connection). The way back is sent by the destructor without waiting; its reply
-  // is taken before the next command goes out, and a refusal there ends the connection.
+  // A visit to another directory that leaves the logical one untouched, unless the connection visitsOnce().
+  // enter() asks for the current directory first (once per connection). The way back is sent by the
+  // destructor without waiting; its reply is taken before the next command goes out, and a refusal there ends
+  // the connection.
   class DirectoryVisit {
    public:
     explicit DirectoryVisit(FtpControl& control) noexcept : control_(control) {}
@@ -170,8 +185,13 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
 
  private:
   FtpControl(std::shared_ptr<SessionLink> session, FtpLogin login);
-  void connect();
-  void logIn();
+  void connect(const FtpErrand& errand);
+  void dial();
+  void logIn(const FtpErrand& errand);
+  void identify(const FtpErrand& errand);
+  void foreseeRest(const secret::Text& password, const FtpErrand& errand);
+  [[noreturn]] void refuseLogin(const FtpReply& reply);
+  bool turnedDownForPacket(const Failure& failure);
   void secureChannel();
   void startTls();
   void protectData();
@@ -195,6 +215,9 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   bool newestTls_ = false;   // the control connection's is newer than 1.2
   bool wantsTls12_ = false;  // for the data connections of what runs now
   FtpTraits traits_;
+  std::optional<FtpReply> loginRefusal_;
+  bool packetAtLogin_ = false;  // other lines were sent with the password
+  bool visitsOnce_ = false;
   std::string lastServerText_;
   std::optional<std::string> directory_;  // the logical one, where known
   bool moved_ = false;                    // not in the directory of the login any more

@@ -78,13 +78,22 @@ void note(FtpDataChannel::Opening& opening, const FtpReply& reply) {
 
 FtpDataChannel::~FtpDataChannel() { (encrypted_ ? encrypted_->socket() : socket_).abort(); }
 
-void FtpDataChannel::prepare() {
+bool FtpDataChannel::isActive(FtpControl& control) noexcept {
+  return !control.login().passive && !control.channel().proxy();
+}
+
+void FtpDataChannel::foresee(FtpControl& control) {
+  if (!isActive(control))
+    static_cast<void>(control.foresee(control.knownTraits().noExtendedPassive ? "PASV" : "EPSV"));
+}
+
+void FtpDataChannel::prepare(std::string_view verb, std::string_view argument) {
   ControlChannel& channel = control_.channel();
   peer_ = channel.peerAddress();
-  const bool active = !control_.login().passive;
-  if (active && channel.proxy()) channel.log().note("passive, for a proxy takes no connections");
-  if (active && !channel.proxy()) {
-    prepareActive();
+  const bool active = isActive(control_);
+  if (!active && !control_.login().passive) channel.log().note("passive, for a proxy takes no connections");
+  if (active) {
+    prepareActive(verb, argument);
   } else if (!prepareExtendedPassive()) {
     preparePassive();
   }
@@ -121,7 +130,7 @@ void FtpDataChannel::preparePassive() {
   startToConnect(*port);
 }
 
-void FtpDataChannel::prepareActive() {
+void FtpDataChannel::prepareActive(std::string_view verb, std::string_view argument) {
   const platform::SocketAddress local = control_.channel().localAddress();
   listening_ = true;
   if (!socket_.listen(local)) fail(kCannotConnect);
@@ -130,9 +139,14 @@ void FtpDataChannel::prepareActive() {
     control_.require("PORT", portArgument(bound));
     return;
   }
-  const FtpReply reply = control_.command("EPRT", extendedPortArgument(bound));
-  if (reply.completed()) return;
-  if (!forbidden(reply) || bound.v6) control_.raise(reply);
+  const std::string port = extendedPortArgument(bound);
+  const bool along = control_.knownTraits().activeWorks && !verb.empty();
+  if (along && control_.foresee("EPRT", port)) static_cast<void>(control_.foresee(verb, argument));
+  const FtpReply reply = control_.command("EPRT", port);
+  extendedActive_ = reply.completed();
+  if (extendedActive_) return;
+  control_.learn([](FtpTraits& traits) { traits.activeWorks = false; });
+  if (along || !forbidden(reply) || bound.v6) control_.raise(reply);
   control_.require("PORT", portArgument(bound));
   control_.learn([](FtpTraits& traits) { traits.noExtendedActive = true; });
 }
@@ -222,6 +236,7 @@ FtpDataChannel::Opening FtpDataChannel::establish() {
     std::array watched{interest(), opening.final ? platform::SocketInterest{} : channel.readInterest()};
     if (!wait(watched, deadline)) failWithReason(control_, {kTimeout, {}});
   }
+  if (extendedActive_ && stands_) control_.learn([](FtpTraits& traits) { traits.activeWorks = true; });
   if (control_.tls()) shakeHands(opening);
   if (!replied(opening)) {
     opening.first = channel.reply(timeouts.reply);

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string_view>
 
 #include "framework/internet/ftp/FtpControl.h"
 #include "framework/internet/net/ProxyTalk.h"
@@ -32,9 +33,12 @@ class FtpDataChannel {
   FtpDataChannel(const FtpDataChannel&) = delete;
   FtpDataChannel& operator=(const FtpDataChannel&) = delete;
 
+  // Tells `control` the line that prepare() will send, as far as that is known.
+  static void foresee(FtpControl& control);
   // Before the transfer command: agrees with the server on a port. Goes on to connect while the command
-  // travels.
-  void prepare();
+  // travels. `verb` and `argument`: that command where it comes next and changes nothing, so that it may
+  // travel along; else "".
+  void prepare(std::string_view verb, std::string_view argument);
   // After the transfer command: waits until the data connection stands and the server has replied, or until
   // the server says that the transfer is over. Notifies 40 and 41 for the first reply alone.
   Opening establish();
@@ -42,9 +46,10 @@ class FtpDataChannel {
   std::unique_ptr<Sock> take();
 
  private:
+  [[nodiscard]] static bool isActive(FtpControl& control) noexcept;
   bool prepareExtendedPassive();
   void preparePassive();
-  void prepareActive();
+  void prepareActive(std::string_view verb, std::string_view argument);
   void startToConnect(std::uint16_t port);
   bool tryToStand();
   void tryToConnect();
@@ -66,6 +71,7 @@ class FtpDataChannel {
   bool listening_ = false;
   bool connected_ = false;
   bool stands_ = false;
+  bool extendedActive_ = false;
   bool extendedPassiveRefused_ = false;
   bool extendedPassiveUnreachable_ = false;
 };

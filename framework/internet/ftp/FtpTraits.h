@@ -21,11 +21,16 @@ struct FtpTraits {
   bool extendedPassiveWorks = false;  // a data connection through EPSV was made
   bool noExtendedActive = false;      // EPRT is not known there
   bool singleLines = false;           // of several lines in one packet it takes the first alone
-  bool onlyTls12 = false;             // over a newer TLS it takes no data connection of ours
-  bool takesFreshTls = false;         // it takes data connections that resume no session
-  bool noSize = false;                // SIZE is not known there, whatever FEAT has told
-  std::optional<int> zone;            // seconds that the clocks of its listings are ahead of UTC
-  int zoneQuestions = 0;              // that have not told the zone
+  bool takesPackets = false;          // it has answered each of several lines in one packet
+  bool takesLoginPackets = false;     // also where PASS was one of them
+  bool aloneAtLogin = false;   // it turns down a login with other lines in its packet, or answers oddly
+  bool asksPassword = false;   // it has answered USER with 331
+  bool activeWorks = false;    // a data connection to a port that EPRT told was made
+  bool onlyTls12 = false;      // over a newer TLS it takes no data connection of ours
+  bool takesFreshTls = false;  // it takes data connections that resume no session
+  bool noSize = false;         // SIZE is not known there, whatever FEAT has told
+  std::optional<int> zone;     // seconds that the clocks of its listings are ahead of UTC
+  int zoneQuestions = 0;       // that have not told the zone
 
   [[nodiscard]] bool speaksUtf8() const noexcept { return utf8 || utf8ByOption.value_or(false); }
 };

@@ -33,7 +33,8 @@ FtpReply FtpTransfer::begin(std::string_view verb, std::string_view argument) {
   control_->useBinary();
   const auto size = kind_ == Kind::download || behindContent_ ? control_->askSizeAlong(argument) : nullptr;
   FtpDataChannel data(*control_);
-  data.prepare();
+  const bool plain = kind_ != Kind::upload && position_ == 0;
+  data.prepare(plain ? verb : "", argument);
   if (behindContent_) position_ = size->value_or(0);
   if (position_ > 0) restartAt(position_);
   asked_ = true;

@@ -25,7 +25,8 @@ constexpr std::array kAnswers{
     Answers{"RMD", {250}},       Answers{"RNFR", {350}},      Answers{"RNTO", {250}},
     Answers{"REST", {350}},      Answers{"LIST", {226, 250}}, Answers{"MLSD", {226, 250}},
     Answers{"NLST", {226, 250}}, Answers{"RETR", {226, 250}}, Answers{"STOR", {226, 250}},
-    Answers{"PBSZ", {200}},      Answers{"PROT", {200}}};
+    Answers{"PBSZ", {200}},      Answers{"PROT", {200}},      Answers{"USER", {331, 230}},
+    Answers{"PASS", {230, 202}}};
 
 std::string_view verbOf(std::string_view line) noexcept { return line.substr(0, line.find(' ')); }
 
@@ -38,6 +39,9 @@ bool canBeAnswered(std::string_view line, int code) noexcept {
   return std::find(known->codes.begin(), known->codes.end(), code) != known->codes.end();
 }
 
+// What the server says before it has answered these may be its word on them.
+bool isOfLogin(std::string_view line) noexcept { return verbOf(line) == "USER" || verbOf(line) == "PASS"; }
+
 // A server that does not know this one transfers nothing.
 bool everyServerKnows(std::string_view line) noexcept { return line == "TYPE I"; }
 
@@ -46,6 +50,12 @@ bool everyServerKnows(std::string_view line) noexcept { return line == "TYPE I";
 // --- Lines ---
 
 void LineWindow::queue(std::string_view line, ReplyHandler handler) {
+  const Foresight::LinePtr foreseen = foresight_.take(line);
+  if (foreseen && foreseen->reply) return deliver({secret::Text(line), std::move(handler)}, *foreseen->reply);
+  if (foreseen) {
+    foreseen->handler = std::move(handler);
+    return;
+  }
   queued_.push_back({secret::Text(line), std::move(handler)});
 }
 
@@ -54,9 +64,28 @@ void LineWindow::ahead(std::string_view line, ReplyHandler handler) {
 }
 
 void LineWindow::command(std::string_view line) {
+  if (const Foresight::LinePtr foreseen = foresight_.take(line)) return await(foreseen);
   for (Line& each : queued_) waiting_.push_back(std::move(each));
   queued_.clear();
   waiting_.push_back({secret::Text(line), nullptr});
+  for (const Foresight::LinePtr& foreseen : foresight_.takeUnsent()) {
+    waiting_.push_back(
+        {foreseen->text, [foreseen](const FtpReply& reply) { return foreseen->answer(reply); }, foreseen});
+  }
+}
+
+// The line has gone out, and now it is the command.
+void LineWindow::await(const Foresight::LinePtr& foreseen) {
+  if (foreseen->reply) {
+    awaited_ = foreseen;
+    return;
+  }
+  const auto turn = [&foreseen](Line& line) {
+    if (line.foreseen == foreseen) line.handler = nullptr;
+  };
+  std::for_each(sent_.begin(), sent_.end(), turn);
+  std::for_each(waiting_.begin(), waiting_.end(), turn);
+  if (refusal_) turn(refusal_->line);
 }
 
 secret::Text LineWindow::takeSendable() {
@@ -65,7 +94,9 @@ secret::Text LineWindow::takeSendable() {
   const std::size_t count = singly_ ? std::min<std::size_t>(waiting_.size(), 1) : waiting_.size();
   if (count == 0) return bytes;
   const auto end = waiting_.begin() + static_cast<std::ptrdiff_t>(count);
+  loggingIn_ = false;
   for (auto line = waiting_.begin(); line != end; ++line) {
+    loggingIn_ = loggingIn_ || isOfLogin(line->text.view());
     bytes.append(line->text.view()).append("\r\n");
     sent_.push_back(std::move(*line));
   }
@@ -80,6 +111,7 @@ void LineWindow::forgetCommand() noexcept {
   const auto isCommand = [](const Line& line) { return !line.handler; };
   std::erase_if(sent_, isCommand);
   std::erase_if(waiting_, isCommand);
+  awaited_.reset();
   begun_ = false;
 }
 
@@ -95,9 +127,18 @@ std::optional<FtpReply> LineWindow::take(FtpReply reply) {
     return std::nullopt;
   }
   if (probing_ && !begun_ && (!fits || reply.unsupported())) return endProbe(reply);
-  if (fits || !strayPossible_) return answerFront(std::move(reply));
+  // In place of an answer to PASS the next line's would let everybody in.
+  const bool sure = !strayPossible_ && !(together_ && isOfLogin(sent_.front().text.view()));
+  if (fits || sure) return answerFront(std::move(reply));
   if (!odd_) odd_ = std::move(reply);
   return std::nullopt;
+}
+
+std::optional<FtpReply> LineWindow::takeForeseen() {
+  if (!awaited_) return std::nullopt;
+  std::optional<FtpReply> reply = std::move(awaited_->reply);
+  if (reply) awaited_.reset();
+  return reply;
 }
 
 std::optional<FtpReply> LineWindow::takePreliminary(FtpReply reply) {
@@ -118,21 +159,29 @@ std::optional<FtpReply> LineWindow::takeBehindAll(FtpReply reply) {
 }
 
 std::optional<FtpReply> LineWindow::answerFront(FtpReply reply) {
-  confirmRefusal();
+  std::optional<FtpReply> own = confirmRefusal();
   // Its handler may have closed the connection.
-  if (sent_.empty()) return std::nullopt;
+  if (sent_.empty()) return own;
   const Line line = std::move(sent_.front());
   sent_.erase(sent_.begin());
   odd_.reset();
-  strayPossible_ = together_ && !std::exchange(begun_, false);
+  // Behind a login that was answered line by line nothing is left over.
+  strayPossible_ = together_ && !std::exchange(begun_, false) && !(loggingIn_ && sent_.empty());
   const bool first = !std::exchange(answered_, true);
-  if (!line.handler) return reply;
-  if (first && !sent_.empty() && reply.unsupported()) {
+  noteTaken();
+  if (first && !sent_.empty() && reply.unsupported() && !isOfLogin(line.text.view())) {
     refusal_ = Refusal{line, std::move(reply)};
-  } else {
-    deliver(line, reply);
+    return own;
   }
-  return std::nullopt;
+  if (!line.handler) return reply;
+  deliver(line, reply);
+  return own;
+}
+
+// Each line of a packet has had its own answer.
+void LineWindow::noteTaken() noexcept {
+  if (!together_ || !sent_.empty() || probing_) return;
+  if (packets_ != Packets::takenAtLogin) packets_ = loggingIn_ ? Packets::takenAtLogin : Packets::taken;
 }
 
 // The server has answered the probe, and so has never seen the lines before it. What it has said meanwhile is
@@ -156,12 +205,15 @@ void LineWindow::sendAgain() {
   sent_.clear();
 }
 
-// A later line was answered: the reply to the first one was meant for that line alone.
-void LineWindow::confirmRefusal() {
-  if (!refusal_) return;
-  const Refusal refusal = std::move(*refusal_);
+// A later line was answered: the reply to the first one was meant for that line alone. Handed back when that
+// is the command.
+std::optional<FtpReply> LineWindow::confirmRefusal() {
+  if (!refusal_) return std::nullopt;
+  Refusal refusal = std::move(*refusal_);
   refusal_.reset();
+  if (!refusal.line.handler) return std::move(refusal.reply);
   deliver(refusal.line, refusal.reply);
+  return std::nullopt;
 }
 
 void LineWindow::deliver(const Line& line, const FtpReply& reply) {
@@ -174,7 +226,9 @@ std::string LineWindow::takeRefusal() noexcept { return std::exchange(refusalTex
 
 LineWindow::Doubt LineWindow::doubt() const noexcept {
   const bool restIsLate = together_ && answered_ && !begun_;
+  const auto ofLogin = [](const Line& line) { return isOfLogin(line.text.view()); };
   if (sent_.empty() || probing_ || !(restIsLate || odd_)) return Doubt::none;
+  if (std::any_of(sent_.begin(), sent_.end(), ofLogin)) return Doubt::none;
   return refusal_ && everyServerKnows(refusal_->line.text.view()) ? Doubt::now : Doubt::soon;
 }
 
@@ -188,6 +242,8 @@ std::string_view LineWindow::probe() {
 }
 
 void LineWindow::clear() noexcept {
+  foresight_.clear();
+  awaited_.reset();
   queued_.clear();
   waiting_.clear();
   sent_.clear();

@@ -5,6 +5,8 @@
 // answered one stay unanswered for too long (doubt()), a probe is sent behind them, a command without effect:
 // a server that has merely been slow answers them first, in their order, and one that answers the probe has
 // never seen them. Only then are they sent again, and from then on one by one: nothing is ever done twice.
+// Lines behind USER and PASS are no exception, but before the server has answered those two nothing is asked:
+// the answer could be taken for theirs.
 #pragma once
 
 #include <functional>
@@ -13,6 +15,7 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/internet/ftp/Foresight.h"
 #include "framework/internet/ftp/FtpReply.h"
 #include "framework/text/Secret.h"
 
@@ -20,16 +23,25 @@ namespace internet {
 
 class LineWindow {
  public:
-  // Takes the reply to a line ahead of a command. False = the command fails with that reply's text.
-  using ReplyHandler = std::function<bool(const FtpReply&)>;
+  using ReplyHandler = Foresight::ReplyHandler;
 
   // --- Lines ---
 
   // Keeps a line back for the next command().
   void queue(std::string_view line, ReplyHandler handler);
+  // Tells a line that is going to be queued, or a command, behind those told before: they go out together.
+  // Nothing where the server takes single lines. False when it will not.
+  bool foresee(std::string_view line) { return !singly_ && foresight_.add(line); }
+  [[nodiscard]] bool foresees() const noexcept { return !foresight_.empty(); }
+  void forgetForeseen() noexcept { foresight_.forget(); }
+  // The line has gone out behind an earlier command, and its turn is now.
+  [[nodiscard]] bool foresees(std::string_view line) const noexcept { return foresight_.holds(line); }
+  // The server is not where the caller believes it.
+  [[nodiscard]] bool astray() const noexcept { return foresight_.astray(); }
   // A line that goes out for itself, before whatever is queued.
   void ahead(std::string_view line, ReplyHandler handler);
-  // What was queued, and a command, whose reply take() hands back.
+  // What was queued, a command, whose reply take() hands back, and what was foreseen behind it. Of a command
+  // that was foreseen itself takeForeseen() has the reply, once that has come.
   void command(std::string_view line);
   // The lines that are to be sent now, with their line ends: all of them, or the next one.
   secret::Text takeSendable();
@@ -43,6 +55,7 @@ class LineWindow {
   // The oldest reply: handed back when it is the command's, or one that nobody has asked for. Else it has
   // been given to its handler, kept until it is clear whose it is, or dropped.
   std::optional<FtpReply> take(FtpReply reply);
+  std::optional<FtpReply> takeForeseen();
   // The first refusal that a handler did not accept, once; "" if there was none.
   std::string takeRefusal() noexcept;
 
@@ -54,9 +67,11 @@ class LineWindow {
   // The line to send when that has lasted. There is no doubt until it is answered.
   std::string_view probe();
 
+  // What is known of how the server takes several lines in one packet.
+  enum class Packets { unknown, refused, taken, takenAtLogin };
+  [[nodiscard]] Packets packets() const noexcept { return singly_ ? Packets::refused : packets_; }
   // The server takes one line at a time: known from the start, or found out.
   void sendSingly() noexcept { singly_ = true; }
-  [[nodiscard]] bool singly() const noexcept { return singly_; }
 
   // The connection is gone. Keeps what is known of the server.
   void clear() noexcept;
@@ -65,26 +80,33 @@ class LineWindow {
   struct Line {
     secret::Text text;     // one of them carries the password
     ReplyHandler handler;  // null: the command
+    Foresight::LinePtr foreseen{};
   };
   struct Refusal {
     Line line;
     FtpReply reply;
   };
 
+  void await(const Foresight::LinePtr& foreseen);
   std::optional<FtpReply> takePreliminary(FtpReply reply);
   std::optional<FtpReply> takeBehindAll(FtpReply reply);
   std::optional<FtpReply> answerFront(FtpReply reply);
   std::optional<FtpReply> endProbe(const FtpReply& reply);
   void sendAgain();
-  void confirmRefusal();
+  std::optional<FtpReply> confirmRefusal();
+  void noteTaken() noexcept;
   void deliver(const Line& line, const FtpReply& reply);
 
-  std::vector<Line> queued_;   // until the next command
-  std::vector<Line> waiting_;  // to be sent
-  std::vector<Line> sent_;     // without a final reply
+  Foresight foresight_;
+  Foresight::LinePtr awaited_;  // the command, where its reply has come before
+  std::vector<Line> queued_;    // until the next command
+  std::vector<Line> waiting_;   // to be sent
+  std::vector<Line> sent_;      // without a final reply
   bool singly_ = false;
+  Packets packets_ = Packets::unknown;
   bool together_ = false;       // what is sent went out in one piece with other lines
   bool answered_ = false;       // a line of that piece was
+  bool loggingIn_ = false;      // one of that piece is of the login
   bool begun_ = false;          // all that is sent is a command that has had a preliminary reply
   bool probing_ = false;        // the probe has not been answered
   bool strayPossible_ = false;  // the next reply may be one that nobody has asked for

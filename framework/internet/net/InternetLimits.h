@@ -37,7 +37,10 @@ inline constexpr std::size_t kMaxReplyLine = std::size_t{64} * 1024;  // bytes o
 inline constexpr std::size_t kMaxReply = std::size_t{1024} * 1024;    // bytes of one reply, all its lines
 inline constexpr unsigned kMaxPreliminaryReplies = 1000;              // ahead of one final reply
 inline constexpr unsigned kMaxStrayReplies = 100;                     // that nobody asked for, at a time
-inline constexpr std::size_t kMaxArgument = 4096;                     // bytes of one command argument
+// Command lines that go out in one packet behind the one whose turn it is.
+inline constexpr std::size_t kMaxForeseenLines = 16;
+inline constexpr std::size_t kMaxForeseenBytes = std::size_t{8} * 1024;
+inline constexpr std::size_t kMaxArgument = 4096;  // bytes of one command argument
 inline constexpr std::size_t kMaxHttpHeadLine = std::size_t{64} * 1024;
 inline constexpr std::size_t kMaxHttpHead = std::size_t{256} * 1024;  // all heads of a response; its trailers
 inline constexpr std::size_t kMaxHttpChunkLine = std::size_t{4} * 1024;  // between the chunks
