@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "framework/internet/FtpConnection.h"
@@ -16,6 +17,7 @@
 #include "framework/internet/InternetFile.h"
 #include "framework/internet/InternetSession.h"
 #include "framework/internet/ftp/FtpTraits.h"
+#include "framework/internet/net/FtpErrand.h"
 #include "framework/platform/last_error.h"
 #include "framework/platform/stop_token.h"
 #include "tests/fuzz/HostileFtp.h"
@@ -50,7 +52,7 @@ class Client {
   Client(Choices& choices, HostileFtp& server, bool passive)
       : choices_(choices), server_(server), passive_(passive) {}
 
-  void perform(unsigned operation);
+  void perform(unsigned operation, unsigned errand);
   // How many control connections it was told of that have not been closed, once all are.
   int openAtEnd() {
     connection_.reset();
@@ -67,6 +69,7 @@ class Client {
 
   template <class Work>
   void change(std::string_view verb, const Work& work);
+  void connect(internet::FtpErrand::Kind errand);
   void askDirectory();
   void read();
   void readPart();
@@ -81,15 +84,17 @@ class Client {
   const bool passive_;
   CountingSession session_;
   std::unique_ptr<CFtpConnection> connection_;
-  // What the server had seen before the current operation.
+  // What the server had seen before the current operation, and before the login if that is the one before it:
+  // it may have taken the operation's first commands along.
   std::size_t commandsBefore_ = 0;
+  std::size_t commandsBeforeLogin_ = SIZE_MAX;
   std::size_t transfersBefore_ = 0;
 };
 
 // `work` answers false with the last error set, or throws an exception that tells it.
 template <class Work>
 bool Client::succeeds(const Work& work) {
-  commandsBefore_ = server_.commands().size();
+  commandsBefore_ = std::min(server_.commands().size(), std::exchange(commandsBeforeLogin_, SIZE_MAX));
   transfersBefore_ = server_.transfers().size();
   try {
     if (work()) return true;
@@ -155,7 +160,9 @@ void Client::read() {
   if (!good || !server_.orderly()) return;
   const HostileFtp::Transfer* const sent = transfer();
   require(content == (sent ? sent->content : ""));
-  require(!sent || (sent->claimed && content.size() >= sent->announced));
+  // The size may stand for the lost word of the server.
+  require(!sent || sent->claimed || sent->content == server_.fileContent());
+  require(!sent || content.size() >= sent->announced);
 }
 
 void Client::readPart() {
@@ -168,7 +175,6 @@ void Client::readPart() {
   });
 }
 
-// The size may stand for the lost word of the server.
 void Client::get() {
   const bool good = succeeds([&] { return connection_->GetFile("/f", kNowhere, false); });
   const HostileFtp::Transfer* const sent = transfer();
@@ -222,16 +228,23 @@ void Client::find(const char* pattern) {
   });
 }
 
-void Client::perform(unsigned operation) {
+void Client::connect(internet::FtpErrand::Kind errand) {
+  static constexpr const char* kPaths[] = {"", "/d", "/d/*", "/f", "/up", "/up", "/f", ""};
+  const char* const path = kPaths[static_cast<std::size_t>(errand)];
+  connection_.reset();
+  succeeds([&] {
+    connection_.reset(session_.GetFtpConnection("127.0.0.1", "u", "p", 21, passive_, {errand, path}));
+    return true;
+  });
+  commandsBeforeLogin_ = commandsBefore_;
+  if (connection_) connection_->ReopenOnDemand(true);
+}
+
+void Client::perform(unsigned operation, unsigned errand) {
   if (!connection_) operation = 0;
   switch (operation) {
-    case 0: {
-      connection_.reset();
-      const auto connect = [&] { return session_.GetFtpConnection("127.0.0.1", "u", "p", 21, passive_); };
-      succeeds([&] { return (connection_.reset(connect()), true); });
-      if (connection_) connection_->ReopenOnDemand(true);
-      return;
-    }
+    case 0:
+      return connect(static_cast<internet::FtpErrand::Kind>(errand % 8));
     case 1:
       return change("DELE", [&] { return connection_->Remove("/f"); });
     case 2:
@@ -265,10 +278,21 @@ void Client::perform(unsigned operation) {
   }
 }
 
+// What the process has learnt of the server before: nothing, that it takes packets, also at a login, or what
+// it can do besides.
+void learnBefore(unsigned known) {
+  internet::changeCachedTraits("127.0.0.1:21:u", [known](internet::FtpTraits& traits) {
+    traits.takesPackets = known > 0;
+    traits.takesLoginPackets = traits.asksPassword = known > 1;
+    traits.featuresKnown = traits.mlst = traits.utf8 = known > 2;
+    traits.extendedPassiveWorks = traits.activeWorks = known > 2;
+  });
+}
+
 }  // namespace
 
-// The first bytes: what the conversation is like, when the client is told to stop (0 = never), its
-// operations. The server does with the rest what it likes.
+// The first bytes: what the conversation is like, when the client is told to stop (0 = never), its operations
+// with the errands that it connects for. The server does with the rest what it likes.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static constexpr std::size_t kSizes[] = {0, 7, 1'000, 5'000};
   constexpr std::size_t kHead = 10;
@@ -277,7 +301,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Choices choices(bytes.substr(std::min(kHead, size)));
   internet::forgetCachedTraits();
 
-  const bool passive = head.of(2) == 0;
+  const unsigned way = head.of(8);
+  const bool passive = way % 2 == 0;
+  learnBefore(way / 2);
   HostileFtp server(choices, {.features = head.of(2) == 0, .fileSize = head.from(kSizes)});
   MemoryNetwork network(server, head.of(2) == 1);
   server.join(network);
@@ -286,7 +312,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   network.stopAt(head.of(256));
   Client client(choices, server, passive);
   try {
-    for (std::size_t at = 5; at < kHead; ++at) client.perform(head.of(16));
+    for (std::size_t at = 5; at < kHead; ++at) {
+      const unsigned choice = head.of(256);
+      client.perform(choice % 16, choice / 16);
+    }
   } catch (const platform::OperationStopped&) {
     require(token.raised());
   }
