@@ -1,7 +1,9 @@
 # SPDX-License-Identifier: MIT
 """What the scripted FTP server has recorded, as the turns of a conversation."""
 
+import copy
 import dataclasses
+import itertools
 import re
 
 # What differs from run to run.
@@ -28,6 +30,7 @@ class Turn:
     replies: list = dataclasses.field(default_factory=list)
     is_answered: bool = False
     is_waited_for: bool = True
+    unused: int = 0  # of its lines, the last ones: the client goes and does not hear the answers
 
     def sent(self, line):
         self.lines.append(line)
@@ -47,8 +50,9 @@ class Turn:
         return len(self.lines) == 1 and self.lines[0].split()[:1] == [verb] and code in (None, *self.replies[0])
 
     def rows(self):
-        return [(line or "(connects)", codes if self.is_waited_for else ["(not waited for)"])
-                for line, codes in zip(self.lines, self.replies)]
+        last = len(self.lines) - (self.unused if self.is_waited_for else len(self.lines))
+        return [(line or "(connects)", codes if index < last else ["(not waited for)"])
+                for index, (line, codes) in enumerate(zip(self.lines, self.replies))]
 
 
 def turns(events):
@@ -73,7 +77,17 @@ def turns(events):
         elif kind == "reply" and connection in latest.keys() - leaving:
             latest[connection].answered(event["text"][:3])
     _mark_ways_back(found)
+    for last in {turn.connection: turn for turn in found if turn.connection in leaving}.values():
+        _mark_unused(last)
     return found
+
+
+def _mark_unused(turn):
+    """What leads to a port, where no transfer follows."""
+    if turn.lines[-1] in ("EPSV", "PASV"):
+        prepares = ("OPTS", "TYPE", "MDTM", "SIZE", "EPSV", "PASV")
+        turn.unused = sum(1 for _ in itertools.takewhile(lambda line: line.split()[0] in prepares,
+                                                         reversed([line for line in turn.lines if line])))
 
 
 def _mark_ways_back(found):
@@ -103,13 +117,17 @@ class Conversation:
     def rows(self, folds_logins=True):
         """(connection, line, codes) for each line; of those that went together the first alone has a connection."""
         numbers = list(dict.fromkeys(turn.connection for turn in self.turns))
-        left = list(self.turns)
+        left = copy.deepcopy(self.turns)
         while left:
             number = numbers.index(left[0].connection) + 1
             if folds_logins and _begins_with_login(left):
                 yield number, "(login)", ["220", "331", "230"]
                 del left[:3]
                 continue
+            if folds_logins and _begins_with_packet(left):
+                yield number, "(login in one packet)", ["220", "331", "230"]
+                del left[0], left[0].lines[:2], left[0].replies[:2]
+                number = ""
             for line, codes in left.pop(0).rows():
                 yield number, line, codes
                 number = ""
@@ -128,6 +146,14 @@ def _begins_with_login(left):
     greeting, user, password = left[:3]
     is_usual = greeting.rows() == [("(connects)", ["220"])]
     return is_usual and user.is_only("USER", "331") and password.is_only("PASS", "230")
+
+
+def _begins_with_packet(left):
+    if len(left) < 2 or left[0].connection != left[1].connection:
+        return False
+    greeting, packet = left[:2]
+    is_usual = greeting.rows() == [("(connects)", ["220"])]
+    return is_usual and [line.split()[0] for line in packet.lines[:2]] == ["USER", "PASS"]
 
 
 def _text(rows):

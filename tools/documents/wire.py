@@ -63,11 +63,12 @@ class Stage:
 
 
 def observe(case, library, folder):
-    """The conversations of an operation: at a server that is new to the client, at one that is known, and over the
-    connection of FTPConnect."""
+    """The conversations of an operation: at a server that is new to the client, at one that it knows as well as it can,
+    and over the connection of FTPConnect."""
     with Stage(library, folder, case.script) as stage:
         stage.client.FTPSetLogin(*stage.place.login(case.is_passive))
         yield _once(stage, case, 0)
+        _once(stage, case, 0)
         yield _once(stage, case, 0)
         stage.client.FTPConnect(*stage.place.login(case.is_passive), 0, None)
         _once(stage, case, 1)
@@ -81,6 +82,8 @@ def _once(stage, case, connections_left):
 
 def observe_connecting(case, library, folder):
     with Stage(library, folder, case.script) as stage:
+        for _ in range(case.calls_before):
+            stage.record(case.call, 1)
         return stage.record(case.call, 1 if case.answer else 0, case.answer)
 
 
@@ -140,6 +143,8 @@ def table(seen):
         for case, ways in cases:
             rows.append(f"| {name} | {case.situation} | {' | '.join(way.size() for way in ways)} |")
             name = ""
+    sums = [sum(ways[i].count() for _, ways in seen) for i in range(len(WAYS))]
+    rows.append(f"| all of them | turns | {' | '.join(map(str, sums))} |")
     return "\n".join(rows)
 
 

@@ -22,6 +22,7 @@ class Case:
     answer: object = True
     script: dict = dataclasses.field(default_factory=dict)  # of the server, beside its files
     is_passive: bool = True
+    calls_before: int = 0  # of the same kind, which are not shown
 
 
 @dataclasses.dataclass
@@ -95,6 +96,8 @@ def _rename(situation, path, answer=True):
 CONNECTING = [
     _connect("plain", encryption="{}"),
     _connect("encrypted from AUTH TLS on", encryption="ftpes://{};verify=no", script={"tls": {}}),
+    _connect("encrypted from AUTH TLS on, at a known server", encryption="ftpes://{};verify=no", script={"tls": {}},
+             calls_before=2),
     _connect("encrypted from the first byte", encryption="ftps://{};verify=no", script={"tls": {"implicit": True}}),
     _connect("the password is wrong", False, "{}", "wrong", script={"user": "user", "password": "password"}),
 ]
