@@ -30,7 +30,7 @@ class Turn:
     replies: list = dataclasses.field(default_factory=list)
     is_answered: bool = False
     is_waited_for: bool = True
-    unused: int = 0  # of its lines, the last ones: the client goes and does not hear the answers
+    unused: int = 0  # of its lines, the last ones: the client does not wait for the answers
 
     def sent(self, line):
         self.lines.append(line)
@@ -77,7 +77,7 @@ def turns(events):
         elif kind == "reply" and connection in latest.keys() - leaving:
             latest[connection].answered(event["text"][:3])
     _mark_ways_back(found)
-    for last in {turn.connection: turn for turn in found if turn.connection in leaving}.values():
+    for last in {turn.connection: turn for turn in found}.values():
         _mark_unused(last)
     return found
 
