@@ -173,16 +173,16 @@ void App::copy(const std::vector<Place>& places, const std::wstring& to) {
   });
 }
 
-// The sides show what has come when the last one has.
+// The sides show what has come when the last one has; what went wrong is told behind that.
 void App::transferEnded(const TransferRow& row) {
-  if (!row.text.empty()) {
-    const std::wstring line =
-        text(Text::statusFailed, {queueCell(row, QueueColumn::name), fromLibrary(row.text)});
-    m_work.report({toLibrary(line)});
-    m_window.showMessage(line);
+  if (!m_queue.hasWork()) {
+    for (const Side side : {Side::local, Side::server}) m_window.refresh(side, m_window.pane(side).path());
   }
-  if (m_queue.hasWork()) return;
-  for (const Side side : {Side::local, Side::server}) m_window.refresh(side, m_window.pane(side).path());
+  if (row.text.empty()) return;
+  const std::wstring line =
+      text(Text::statusFailed, {queueCell(row, QueueColumn::name), fromLibrary(row.text)});
+  m_work.report({toLibrary(line)});
+  m_window.showMessage(line);
 }
 
 }  // namespace browse

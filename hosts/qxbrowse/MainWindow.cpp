@@ -260,6 +260,7 @@ void MainWindow::showDisconnected() {
 }
 
 void MainWindow::go(Side side, const std::wstring& path) {
+  if (m_isEnding) return;
   m_requested[static_cast<std::size_t>(side)] = path;
   showMessage(text(Text::statusListing, {path}));
   m_services.list(side, path);

@@ -184,5 +184,41 @@ TEST_F(TheProgram, ClosesInTheMiddleOfAListing) {
   server.waitUntilAllClosed();
 }
 
+TEST_F(TheProgram, ClosesInTheMiddleOfADownloadWhenTheUserSaysSo) {
+  server.put(R"({"/pub/large": {"size": 700000, "seed": 5}})");
+  run([this](Driver& user) {
+    connect(user);
+    waitForNames(user, kServer, {"sub", "a.txt", "large"});
+    server.reconfigure(
+        R"({"rules": [{"on": "RETR", "do": [{"normal": {"stall_after": 300000, "gate": "half"}}]}]})");
+    choose(user, kServer, "large");
+    order(Command::transfer);
+    server.waitAtGate("half");
+    PostMessageW(window, WM_CLOSE, 0, 0);
+    answer(user, IDNO);
+    EXPECT_TRUE(IsWindowVisible(window)) << "it stays";
+    PostMessageW(window, WM_CLOSE, 0, 0);
+    answer(user, IDYES);
+    user.waitUntilGone(window);
+  });
+  EXPECT_TRUE(std::filesystem::is_empty(here.path())) << "a part of a file is left";
+}
+
+TEST_F(TheProgram, CancelsWhatRunsAtEscape) {
+  server.put(R"({"/pub/large": {"size": 700000, "seed": 5}})");
+  run([this](Driver& user) {
+    connect(user);
+    waitForNames(user, kServer, {"sub", "a.txt", "large"});
+    server.reconfigure(
+        R"({"rules": [{"on": "RETR", "do": [{"normal": {"stall_after": 300000, "gate": "half"}}]}]})");
+    choose(user, kServer, "large");
+    order(Command::transfer);
+    server.waitAtGate("half");
+    PostMessageW(list(kServer), WM_KEYDOWN, VK_ESCAPE, 0);
+    user.waitUntil("the end of the transfer",
+                   [&] { return status(user).find("cancelled") != std::string::npos; });
+  });
+}
+
 }  // namespace
 }  // namespace browse
