@@ -2,12 +2,12 @@
 #include "hosts/qxbrowse/App.h"
 
 #include "QXVersion.h"
-#include "hosts/qxbrowse/Keyboard.h"
-#include "hosts/qxbrowse/LocalFolder.h"
-#include "hosts/qxbrowse/Names.h"
-#include "hosts/qxbrowse/SiteMessages.h"
-#include "hosts/qxbrowse/Texts.h"
-#include "hosts/qxbrowse/Utf8.h"
+#include "hosts/qxbrowse/jobs/LocalFolder.h"
+#include "hosts/qxbrowse/sites/SiteMessages.h"
+#include "hosts/qxbrowse/ui/Keyboard.h"
+#include "hosts/qxbrowse/ui/Names.h"
+#include "hosts/qxbrowse/ui/Texts.h"
+#include "hosts/qxbrowse/ui/Utf8.h"
 
 namespace browse {
 namespace {

@@ -6,17 +6,17 @@
 #include <memory>
 #include <optional>
 
-#include "hosts/qxbrowse/Background.h"
 #include "hosts/qxbrowse/LibraryDialogs.h"
-#include "hosts/qxbrowse/LocalWork.h"
-#include "hosts/qxbrowse/Mailbox.h"
-#include "hosts/qxbrowse/MainWindow.h"
-#include "hosts/qxbrowse/ProtocolLog.h"
-#include "hosts/qxbrowse/ServerJobs.h"
-#include "hosts/qxbrowse/Services.h"
-#include "hosts/qxbrowse/Sites.h"
-#include "hosts/qxbrowse/TransferQueue.h"
-#include "hosts/qxbrowse/WorkPane.h"
+#include "hosts/qxbrowse/jobs/Background.h"
+#include "hosts/qxbrowse/jobs/LocalWork.h"
+#include "hosts/qxbrowse/jobs/Mailbox.h"
+#include "hosts/qxbrowse/jobs/ProtocolLog.h"
+#include "hosts/qxbrowse/jobs/ServerJobs.h"
+#include "hosts/qxbrowse/jobs/TransferQueue.h"
+#include "hosts/qxbrowse/pane/WorkPane.h"
+#include "hosts/qxbrowse/sites/Sites.h"
+#include "hosts/qxbrowse/window/MainWindow.h"
+#include "hosts/qxbrowse/window/Services.h"
 
 namespace browse {
 

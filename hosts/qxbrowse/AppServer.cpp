@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "hosts/qxbrowse/App.h"
-#include "hosts/qxbrowse/Names.h"
-#include "hosts/qxbrowse/ServerItems.h"
-#include "hosts/qxbrowse/Texts.h"
-#include "hosts/qxbrowse/Utf8.h"
+#include "hosts/qxbrowse/jobs/ServerItems.h"
+#include "hosts/qxbrowse/ui/Names.h"
+#include "hosts/qxbrowse/ui/Texts.h"
+#include "hosts/qxbrowse/ui/Utf8.h"
 
 namespace browse {
 namespace {

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "hosts/qxbrowse/Names.h"
+#include "hosts/qxbrowse/ui/Names.h"
 // Only now:
 #include <commdlg.h>
 

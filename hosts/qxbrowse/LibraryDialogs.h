@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "QXDialogs.h"
-#include "hosts/qxbrowse/System.h"
+#include "hosts/qxbrowse/ui/System.h"
 
 namespace browse {
 

@@ -5,13 +5,13 @@
 #include <stdexcept>
 #include <vector>
 
-#include "hosts/qxbrowse/Names.h"
-#include "hosts/qxbrowse/SiteFile.h"
-#include "hosts/qxbrowse/Texts.h"
-#include "hosts/qxbrowse/Utf8.h"
+#include "hosts/qxbrowse/sites/SiteFile.h"
+#include "hosts/qxbrowse/ui/Names.h"
+#include "hosts/qxbrowse/ui/Texts.h"
+#include "hosts/qxbrowse/ui/Utf8.h"
 #include "hosts/shared/Library.h"
 // Only now:
-#include "hosts/qxbrowse/System.h"
+#include "hosts/qxbrowse/ui/System.h"
 
 namespace browse {
 namespace {

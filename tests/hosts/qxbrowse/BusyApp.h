@@ -6,8 +6,8 @@
 #include <thread>
 
 #include "hosts/qxbrowse/App.h"
-#include "hosts/qxbrowse/Texts.h"
-#include "hosts/qxbrowse/WindowText.h"
+#include "hosts/qxbrowse/ui/Texts.h"
+#include "hosts/qxbrowse/ui/WindowText.h"
 #include "tests/dialogs/Driver.h"
 #include "tests/hosts/qxbrowse/LaneTest.h"
 #include "tests/support/ProcessCounters.h"

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "hosts/qxbrowse/Site.h"
+#include "hosts/qxbrowse/sites/Site.h"
 
 namespace some_sites {
 

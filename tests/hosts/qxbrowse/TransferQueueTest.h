@@ -6,7 +6,7 @@
 #include <iterator>
 #include <utility>
 
-#include "hosts/qxbrowse/TransferQueue.h"
+#include "hosts/qxbrowse/jobs/TransferQueue.h"
 #include "tests/hosts/qxbrowse/LaneTest.h"
 #include "tests/support/ScratchFolder.h"
 

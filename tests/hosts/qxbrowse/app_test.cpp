@@ -6,8 +6,8 @@
 
 #include <fstream>
 
-#include "hosts/qxbrowse/Commands.h"
-#include "hosts/qxbrowse/ConnectDialog.h"
+#include "hosts/qxbrowse/sites/ConnectDialog.h"
+#include "hosts/qxbrowse/window/Commands.h"
 #include "tests/dialogs/Driver.h"
 #include "tests/hosts/qxbrowse/LaneTest.h"
 #include "tests/support/ScratchFolder.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The thread that lists, renames and deletes, at servers that answer and at some that never do.
-#include "hosts/qxbrowse/Background.h"
+#include "hosts/qxbrowse/jobs/Background.h"
 
 #include <atomic>
 #include <string>

@@ -3,7 +3,7 @@
 // the library's.
 #include <gmock/gmock.h>
 
-#include "hosts/qxbrowse/Certificates.h"
+#include "hosts/qxbrowse/sites/Certificates.h"
 
 namespace {
 

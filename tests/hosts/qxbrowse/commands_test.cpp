@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "hosts/qxbrowse/Commands.h"
+#include "hosts/qxbrowse/window/Commands.h"
 
 #include <gtest/gtest.h>
 

@@ -5,9 +5,9 @@
 #include <fstream>
 #include <set>
 
-#include "hosts/qxbrowse/CertificateQuestion.h"
-#include "hosts/qxbrowse/Protection.h"
-#include "hosts/qxbrowse/Sites.h"
+#include "hosts/qxbrowse/sites/CertificateQuestion.h"
+#include "hosts/qxbrowse/sites/Protection.h"
+#include "hosts/qxbrowse/sites/Sites.h"
 #include "tests/dialogs/Driver.h"
 #include "tests/hosts/qxbrowse/SomeSites.h"
 #include "tests/support/ScratchFolder.h"

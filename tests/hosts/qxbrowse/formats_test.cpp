@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "hosts/qxbrowse/Formats.h"
+#include "hosts/qxbrowse/lists/Formats.h"
 
 #include <gtest/gtest.h>
 
-#include "hosts/qxbrowse/DeleteQuestion.h"
-#include "hosts/qxbrowse/Texts.h"
+#include "hosts/qxbrowse/ui/DeleteQuestion.h"
+#include "hosts/qxbrowse/ui/Texts.h"
 
 namespace {
 

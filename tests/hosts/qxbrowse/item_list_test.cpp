@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "hosts/qxbrowse/ItemList.h"
+#include "hosts/qxbrowse/lists/ItemList.h"
 
 #include <gmock/gmock.h>
 

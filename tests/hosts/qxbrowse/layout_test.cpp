@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "hosts/qxbrowse/Layout.h"
+#include "hosts/qxbrowse/window/Layout.h"
 
 #include <gtest/gtest.h>
 

@@ -7,7 +7,7 @@
 
 #include <fstream>
 
-#include "hosts/qxbrowse/Names.h"
+#include "hosts/qxbrowse/ui/Names.h"
 #include "tests/dialogs/Driver.h"
 #include "tests/dialogs/SettledFolder.h"
 #include "tests/hosts/qxbrowse/LaneTest.h"

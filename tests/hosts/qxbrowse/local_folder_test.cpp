@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "hosts/qxbrowse/LocalFolder.h"
+#include "hosts/qxbrowse/jobs/LocalFolder.h"
 
 #include <gmock/gmock.h>
 

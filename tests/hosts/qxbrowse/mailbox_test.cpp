@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Letters to the window's thread, and its keys, in loops of messages that are not the main one.
-#include "hosts/qxbrowse/Mailbox.h"
+#include "hosts/qxbrowse/jobs/Mailbox.h"
 
 #include <gmock/gmock.h>
 
@@ -8,8 +8,8 @@
 #include <thread>
 #include <vector>
 
-#include "hosts/qxbrowse/Keyboard.h"
-#include "hosts/qxbrowse/WindowText.h"
+#include "hosts/qxbrowse/ui/Keyboard.h"
+#include "hosts/qxbrowse/ui/WindowText.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The main window with services that write down what they are asked.
-#include "hosts/qxbrowse/MainWindow.h"
+#include "hosts/qxbrowse/window/MainWindow.h"
 
 #include <gmock/gmock.h>
 
-#include "hosts/qxbrowse/Texts.h"
-#include "hosts/qxbrowse/WindowText.h"
+#include "hosts/qxbrowse/ui/Texts.h"
+#include "hosts/qxbrowse/ui/WindowText.h"
 #include "tests/dialogs/Driver.h"
 
 namespace {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "hosts/qxbrowse/Names.h"
+#include "hosts/qxbrowse/ui/Names.h"
 
 #include <gtest/gtest.h>
 
-#include "hosts/qxbrowse/TextQuestion.h"
+#include "hosts/qxbrowse/ui/TextQuestion.h"
 
 namespace {
 

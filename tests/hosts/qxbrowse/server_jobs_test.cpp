@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What the background thread does for the panes, at a server with all kinds of names.
-#include "hosts/qxbrowse/ServerJobs.h"
+#include "hosts/qxbrowse/jobs/ServerJobs.h"
 
 #include <fstream>
 

@@ -6,9 +6,9 @@
 #include <iterator>
 #include <thread>
 
-#include "hosts/qxbrowse/Protection.h"
-#include "hosts/qxbrowse/SiteFile.h"
-#include "hosts/qxbrowse/System.h"
+#include "hosts/qxbrowse/sites/Protection.h"
+#include "hosts/qxbrowse/sites/SiteFile.h"
+#include "hosts/qxbrowse/ui/System.h"
 #include "tests/hosts/qxbrowse/SomeSites.h"
 #include "tests/support/ScratchFolder.h"
 

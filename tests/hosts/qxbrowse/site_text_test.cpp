@@ -2,7 +2,7 @@
 // Sites from and to the text of their file.
 #include <gmock/gmock.h>
 
-#include "hosts/qxbrowse/SiteText.h"
+#include "hosts/qxbrowse/sites/SiteText.h"
 #include "tests/hosts/qxbrowse/SomeSites.h"
 
 namespace {

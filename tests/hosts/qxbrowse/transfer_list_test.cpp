@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The queue's entries without a library and without a window.
-#include "hosts/qxbrowse/TransferList.h"
+#include "hosts/qxbrowse/jobs/TransferList.h"
 
 #include <gmock/gmock.h>
 

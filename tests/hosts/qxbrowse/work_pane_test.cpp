@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The pane below the two sides, in a window that nobody sees.
-#include "hosts/qxbrowse/WorkPane.h"
+#include "hosts/qxbrowse/pane/WorkPane.h"
 
 #include <gmock/gmock.h>
 
 #include <chrono>
 
-#include "hosts/qxbrowse/ProtocolLog.h"
-#include "hosts/qxbrowse/WindowText.h"
+#include "hosts/qxbrowse/jobs/ProtocolLog.h"
+#include "hosts/qxbrowse/ui/WindowText.h"
 
 namespace {
 

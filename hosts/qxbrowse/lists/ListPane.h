@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+// One side of the window: a line for its folder, and below it the list. The list asks for what it shows, so
+// that its size costs nothing. On the window's thread alone.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "hosts/qxbrowse/lists/FileKinds.h"
+#include "hosts/qxbrowse/lists/ItemList.h"
+#include "hosts/qxbrowse/ui/System.h"
+
+namespace browse {
+
+// What the user does in a pane.
+struct PaneEvents {
+  std::function<void(const std::wstring& path)> pathTyped;
+  std::function<void()> parentPressed;
+  std::function<void()> activated;  // a double click
+  std::function<void(const Item& item, const std::wstring& name)> renamed;
+  std::function<void()> focused;
+  std::function<void()> selectionChanged;
+  std::function<void(const NMLISTVIEW& what)> dragBegun;
+};
+
+class ListPane {
+ public:
+  ListPane(Side side, PaneEvents events) : m_side(side), m_events(std::move(events)) {}
+
+  // Makes the controls in `parent`, which gives their messages to onNotify and onCommand.
+  void create(HWND parent);
+  void place(const RECT& area, UINT dpi);
+  void setFont(HFONT font, UINT dpi);
+
+  void show(const std::wstring& path, ItemList items);
+  void clear();
+  // Selects these items alone and brings the first of them into view; the first of all where there is none.
+  void select(const std::vector<std::wstring>& names);
+  void selectAll();
+  void sort(Column column);  // a second time: the other way round
+  void setSorting(Sorting sorting);
+  void editName();     // of the focused item
+  void editAddress();  // puts the caret into it
+  void focusList();
+
+  [[nodiscard]] const std::wstring& path() const { return m_path; }
+  [[nodiscard]] bool isShown() const { return m_isShown; }
+  [[nodiscard]] const ItemList& items() const { return m_items; }
+  [[nodiscard]] std::vector<Item> selected() const;
+  [[nodiscard]] int selectedCount() const;
+  // The folder at this place of the screen, for a drop on it.
+  [[nodiscard]] const Item* folderAt(POINT screen) const;
+
+  [[nodiscard]] HWND list() const { return m_list; }
+  [[nodiscard]] HWND address() const { return m_address; }
+  [[nodiscard]] bool owns(HWND control) const;
+
+  // Nothing: it was not for this pane.
+  std::optional<LRESULT> onNotify(const NMHDR& header);
+  bool onCommand(HWND control, WORD what);
+
+ private:
+  HWND makeChild(const wchar_t* className, const wchar_t* title, DWORD style, DWORD extendedStyle) const;
+  void makeColumns() const;
+  void scaleColumns(UINT dpi);
+  void showArrow() const;
+  void fillIn(NMLVDISPINFOW& wanted);
+  [[nodiscard]] std::wstring cellText(const Item& item, Column column);
+  [[nodiscard]] LRESULT findRow(const NMLVFINDITEMW& wanted) const;
+  LRESULT endEdit(const NMLVDISPINFOW& edit);
+  [[nodiscard]] std::vector<std::size_t> selectedRows() const;
+  void selectRow(int row, UINT state) const;
+  static LRESULT CALLBACK handleAddress(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                        DWORD_PTR pane);
+  bool onAddressKey(WPARAM key);
+
+  const Side m_side;
+  const PaneEvents m_events;
+  ItemList m_items;
+  FileKinds m_kinds;
+  std::wstring m_path;
+  std::wstring m_cell;  // what the list shows just now, until it asks for the next
+  bool m_isShown = false;
+  UINT m_dpi = 0;
+  HWND m_parent = nullptr;
+  HWND m_label = nullptr;
+  HWND m_up = nullptr;
+  HWND m_address = nullptr;
+  HWND m_list = nullptr;
+};
+
+}  // namespace browse

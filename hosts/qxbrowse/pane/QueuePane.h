@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// The queue as a list: what comes from where, how far it is, and what has become of it. It asks for the rows
+// that it shows, and draws again what has changed, ten times a second at most. On the window's thread.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "hosts/qxbrowse/jobs/TransferQueue.h"
+#include "hosts/qxbrowse/ui/System.h"
+
+namespace browse {
+
+enum class QueueColumn { name, direction, size, progress, rate, left, state };
+constexpr std::size_t kQueueColumns = 7;
+
+// What a row shows in a column.
+std::wstring queueCell(const TransferRow& row, QueueColumn column);
+// How much of the progress cell is filled, of 100; none: that is not known.
+std::optional<int> percentOf(const TransferRow& row);
+
+class QueuePane {
+ public:
+  // `parent` gives notifications and WM_TIMER to onNotify and onTimer.
+  void create(HWND parent, TransferQueue& queue);
+  [[nodiscard]] HWND window() const { return m_list; }
+  void place(const RECT& area) const;
+  void setFont(UINT dpi);
+
+  // Something has changed; it is shown soon.
+  void changed();
+  // Shows it now.
+  void update();
+  void cancelSelected();
+
+  // Nothing: it was not for this pane.
+  std::optional<LRESULT> onNotify(const NMHDR& header);
+  bool onTimer(UINT_PTR id);
+
+ private:
+  void fillIn(LVITEMW& cell);
+  [[nodiscard]] LRESULT onDraw(const NMLVCUSTOMDRAW& draw) const;
+  void drawBar(HDC context, const RECT& cell, const TransferRow& row) const;
+
+  TransferQueue* m_queue = nullptr;
+  std::wstring m_cell;
+  bool m_isTimed = false;
+  UINT m_dpi = 0;
+  HWND m_parent = nullptr;
+  HWND m_list = nullptr;
+};
+
+}  // namespace browse
