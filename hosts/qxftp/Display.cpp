@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "hosts/qxftp/ProgressLine.h"
-#include "hosts/shared/Screen.h"
+#include "hosts/shared/Terminal.h"
 
 namespace qxftp {
 namespace {

@@ -10,7 +10,7 @@
 #include "hosts/qxftp/TransferCommands.h"
 #include "hosts/shared/Interrupt.h"
 #include "hosts/shared/Names.h"
-#include "hosts/shared/Screen.h"
+#include "hosts/shared/Terminal.h"
 
 namespace qxftp {
 namespace {
@@ -32,6 +32,9 @@ std::string counted(std::uint64_t count, const char* one, const char* several) {
   return std::to_string(count) + " " + (isPlural(count) ? several : one);
 }
 
+// Whether somebody sits there who could answer.
+bool canAsk() { return hosts::isTerminal(stdin) && hosts::isTerminal(stderr); }
+
 class Mirror {
  public:
   Mirror(Context& context, const MirrorOptions& options) : m_context(context), m_options(options) {
@@ -39,7 +42,7 @@ class Mirror {
     if (isDown == hosts::isAddress(options.target)) {
       throw WrongUsage("one of the two has to be an address (ftp://...), the other one a local folder");
     }
-    if (options.deletes && !options.isDry && !options.isSure && !hosts::canAsk()) {
+    if (options.deletes && !options.isDry && !options.isSure && !canAsk()) {
       throw WrongUsage("--delete asks before it removes anything; where nobody can be asked it wants --yes");
     }
     m_rules.direction = isDown ? Direction::down : Direction::up;
@@ -188,7 +191,8 @@ class Mirror {
       if (isRemoval(step) && shown++ < kShown) Context::warn("to be removed: " + step.entry.path);
     }
     const auto answer = hosts::ask("Remove " + counted(plan.removals(), "name", "names") + " from " +
-                                   (isDown() ? hosts::shown(m_local) : m_place.text) + "? [y/N] ");
+                                       (isDown() ? hosts::shown(m_local) : m_place.text) + "? [y/N] ",
+                                   hosts::Echo::on);
     return answer && (*answer == "y" || *answer == "Y" || *answer == "yes");
   }
 

@@ -67,7 +67,7 @@ std::optional<NetrcLogin> fromNetrc(const PasswordSources& sources, const qx::Lo
 
 std::string asked(const qx::Login& login, bool mayAsk) {
   const std::string who = login.user + " at " + bareHost(login.host);
-  auto answer = mayAsk ? askSecret("Password of " + who + ": ") : std::nullopt;
+  auto answer = mayAsk ? ask("Password of " + who + ": ", Echo::off) : std::nullopt;
   if (!answer) throw NoPassword("there is no password of " + who + ", and no terminal to ask for it");
   return *answer;
 }

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -76,18 +77,25 @@ class Tty {
 
 }  // namespace
 
-std::optional<std::string> askSecret(const std::string& question) {
+std::optional<std::string> ask(const std::string& question, Echo echo) {
   const Tty tty;
-  if (!tty.isOpen()) return {};
-  tty.hideWhatIsTyped();
+  if (!tty.isOpen() || isInterrupted()) return {};
+  if (echo == Echo::off) tty.hideWhatIsTyped();
   tty.write(question);
   std::string line;
   for (auto c = tty.read(); c && *c != '\n'; c = tty.read()) line += *c;
-  tty.write("\n");
+  if (echo == Echo::off) tty.write("\n");
   return isInterrupted() ? std::nullopt : std::optional(line);
 }
 
 bool isTerminal(std::FILE* stream) { return isatty(fileno(stream)) == 1; }
+
+std::size_t columnsOfErrorOutput() {
+  if (!isTerminal(stderr)) return 0;
+  winsize size{};
+  const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return isKnown ? size.ws_col : 80;
+}
 
 bool takesColours(std::FILE* stream) {
   const char* const kind = std::getenv("TERM");

@@ -59,6 +59,8 @@ std::string narrow(const std::wstring& text) {
   return result;
 }
 
+HANDLE handleOf(std::FILE* stream) { return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream))); }
+
 void write(const Console& console, const std::string& text) {
   const std::wstring shown = wide(text);
   WriteConsoleW(console.handle(), shown.data(), static_cast<DWORD>(shown.size()), nullptr, nullptr);
@@ -66,28 +68,39 @@ void write(const Console& console, const std::string& text) {
 
 }  // namespace
 
-std::optional<std::string> askSecret(const std::string& question) {
+std::optional<std::string> ask(const std::string& question, Echo echo) {
   const Console in(L"CONIN$");
   const Console out(L"CONOUT$");
   if (!in.isOpen() || !out.isOpen()) return {};
-  in.hideWhatIsTyped();
+  if (echo == Echo::off) in.hideWhatIsTyped();
   write(out, question);
   std::wstring line(2048, L'\0');
   DWORD size = 0;
   ReadConsoleW(in.handle(), line.data(), static_cast<DWORD>(line.size()), &size, nullptr);
-  write(out, "\r\n");
+  if (echo == Echo::off) write(out, "\r\n");
   line.resize(size);
   line.resize(line.find_last_not_of(L"\r\n") + 1);
   return isInterrupted() ? std::nullopt : std::optional(narrow(line));
 }
 
-bool isTerminal(std::FILE* stream) { return _isatty(_fileno(stream)) != 0; }
+// NUL is a terminal to _isatty().
+bool isTerminal(std::FILE* stream) {
+  DWORD mode = 0;
+  return GetConsoleMode(handleOf(stream), &mode) != 0;
+}
+
+std::size_t columnsOfErrorOutput() {
+  CONSOLE_SCREEN_BUFFER_INFO info{};
+  if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &info)) return 0;
+  const int columns = info.srWindow.Right - info.srWindow.Left + 1;
+  return columns > 0 ? static_cast<std::size_t>(columns) : 80;
+}
 
 // Consoles before Windows 10 have none.
 bool takesColours(std::FILE* stream) {
   const char* const unwanted = std::getenv("NO_COLOR");
   if (unwanted != nullptr && *unwanted != '\0') return false;
-  auto* const console = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+  HANDLE const console = handleOf(stream);
   DWORD mode = 0;
   return GetConsoleMode(console, &mode) && SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
