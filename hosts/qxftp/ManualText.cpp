@@ -23,6 +23,27 @@ const std::vector<Section> kSections = {
      "quotation marks, "
      "or the shell takes them for its own. With --literal they are characters as any other.",
      {}},
+    {"Transfers",
+     "On a terminal a line shows how far they are. After a cancel, on a full disk, and where a server was "
+     "out "
+     "of reach twice in a row, what is left to do is not tried.",
+     {{"download",
+       "comes in a file \".qx-NUMBER.part\" beside its target, which gets the name when it is "
+       "whole; a failure and a cancel remove it, a second Ctrl-C does not"},
+      {"upload", "is done when the server has all bytes; one that was cancelled may be there in part"},
+      {"links", "are followed here, but not to a folder above; on a server they are what they lead to"},
+      {"names",
+       "one that is no name here, or differs from another one in nothing that counts here, is a "
+       "failure; on a server those that begin with a dot are not listed"}}},
+    {"Mirrors",
+     "Files are the same when their sizes and times are.",
+     {{"times",
+       "of a download are the server's, as exactly as it lists them: in seconds, minutes or days; an "
+       "upload is not older than what it was made of"},
+      {"clock", "a server's that may be behind is asked by a file \"qx-clock-NUMBER.tmp\", which goes again"},
+      {"in the way",
+       "a file where a folder has to be, or the other way round, is a failure without --delete"},
+      {"--delete", "removes nothing where a folder could not be listed, here or there"}}},
     {"Passwords",
      "None has to stand on the command line, where other users of the machine can read it. The first of "
      "these that "
