@@ -128,7 +128,7 @@ class TheEndOfTheApp : public AppTest {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
     Counts now = counted();
     while (now.process.threads > before.process.threads && std::chrono::steady_clock::now() < deadline) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+      std::this_thread::yield();
       now = counted();
     }
     return now;
