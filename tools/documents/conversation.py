@@ -49,6 +49,9 @@ class Turn:
     def is_only(self, verb, code=None):
         return len(self.lines) == 1 and self.lines[0].split()[:1] == [verb] and code in (None, *self.replies[0])
 
+    def enters_a_directory(self):
+        return any(line.startswith("CWD ") and "250" in codes for line, codes in zip(self.lines, self.replies))
+
     def rows(self):
         last = len(self.lines) - (self.unused if self.is_waited_for else len(self.lines))
         return [(line or "(connects)", codes if index < last else ["(not waited for)"])
@@ -93,7 +96,7 @@ def _mark_unused(turn):
 def _mark_ways_back(found):
     """What has entered a directory leaves it in the end, and goes on without waiting."""
     for last in {turn.connection: turn for turn in found}.values():
-        entered = [turn for turn in found if turn.connection == last.connection and turn.is_only("CWD", "250")]
+        entered = [turn for turn in found if turn.connection == last.connection and turn.enters_a_directory()]
         if last.is_only("CWD") and entered and entered[0] is not last:
             last.is_waited_for = False
 
