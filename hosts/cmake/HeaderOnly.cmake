@@ -14,4 +14,7 @@ function(qx_header_only target header)
   file(CREATE_LINK "${QX_HEADERS_OF_${folder}}/${folder}" "${shown}/${folder}" SYMBOLIC)
   add_library(${target} INTERFACE)
   target_include_directories(${target} SYSTEM INTERFACE "${shown}")
+  # Else GCC names a header by where the link leads when that is the shorter name, so that the bytes of a program would
+  # depend on the length of the build folder's name.
+  target_compile_options(${target} INTERFACE $<$<CXX_COMPILER_ID:GNU>:-fno-canonical-system-headers>)
 endfunction()
