@@ -201,10 +201,9 @@ class Quick(unittest.TestCase):
 
     def test_later_operations_take_fewer_round_trips(self):
         first, known, connected = (self.trips("exists", way) for way in ("first", "known", "connected"))
-        self.assertGreaterEqual(first, 5)
-        self.assertGreaterEqual(known, 4)
-        self.assertGreaterEqual(connected, 1)
-        self.assertLess(connected, known - 1)
+        self.assertGreater(connected, 0.5)
+        self.assertGreater(known, connected + 1)
+        self.assertGreater(first, known + 0.5)
 
     def trips(self, operation, way):
         """Those of the quickest, which the machine has held up least."""
