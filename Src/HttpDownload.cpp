@@ -44,6 +44,9 @@ constexpr std::size_t kMostOfName = 255;
 constexpr std::uint32_t kHttpChunk = 4096;
 // How long a server may keep the host waiting: with a chunk that is not full, and with all that comes before.
 constexpr std::chrono::milliseconds kPatience{50};
+// What is in the queue is dispatched no later. A look takes a hundred times as long as a chunk where the
+// queue is another process's, as in Wine.
+constexpr std::chrono::milliseconds kLookEvery{1};
 
 enum Status : std::uint32_t {
   kOk = 200,
@@ -101,6 +104,8 @@ class HttpDownload {
   void Transfer();
   void SaveBody();
   bool WantsMore(CollectedFile* file = nullptr);
+  [[nodiscard]] bool HostIsAsked() const noexcept { return !HasOwnSlot(m_client, Slot::OnPoll); }
+  bool LookIsDue() noexcept;
   [[nodiscard]] platform::WaitWatch LeaveWhenCancelled();
   void Close() noexcept;
 
@@ -112,6 +117,7 @@ class HttpDownload {
   std::unique_ptr<CHttpFile> m_request;
   std::uint32_t m_status = kOk;  // stays what it was when a response tells none
   bool m_cancelled = false;
+  std::chrono::steady_clock::time_point m_nextLook{};
 };
 
 HttpDownload::HttpDownload(TQXIP& client, const Target& target)
@@ -211,18 +217,29 @@ void HttpDownload::SaveBody() {
     const std::uint32_t count = m_request->ReadFor(room, kHttpChunk, kPatience, ended);
     if (count == 0 && ended) break;
     collected.Added(count);
-    if (count < kHttpChunk || !HasOwnSlot(m_client, Slot::OnPoll)) collected.Flush();
+    if (count < kHttpChunk || HostIsAsked()) collected.Flush();
   } while (WantsMore(&collected));
   collected.Flush();
   file.Close();
 }
 
+// A host that is asked may post a message, and finds it dispatched when it is asked again. Where it is not,
+// no code of its own runs on this thread between two chunks.
 bool HttpDownload::WantsMore(CollectedFile* file) {
+  const bool asked = HostIsAsked();
   m_cancelled = m_client.OnPoll(m_target.pollArg1, m_target.pollArg2, 0, nullptr) != 0;
   if (m_cancelled) return false;  // the client, which may be gone, is asked nothing more
-  if (!HostCall([] { return platform::messageWaiting(); })) return true;
+  const auto messageWaits = [&] { return (asked || LookIsDue()) && platform::messageWaiting(); };
+  if (!HostCall(messageWaits)) return true;
   if (file != nullptr) file->Flush();
   HostCall([] { PumpMessages(nullptr, 0, 0); });
+  return true;
+}
+
+bool HttpDownload::LookIsDue() noexcept {
+  const auto now = std::chrono::steady_clock::now();
+  if (now < m_nextLook) return false;
+  m_nextLook = now + kLookEvery;
   return true;
 }
 

@@ -3,12 +3,14 @@
 // exactly.
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "tests/client/HttpDownloadTest.h"
+#include "tests/client/PlainClient.h"
 #include "tests/support/MemoryNetwork.h"
 
 // Answers every request by `answer`.
@@ -21,6 +23,8 @@ class MemoryWeb final : public testing_support::MemoryPeer {
   std::size_t firstRoom = SIZE_MAX;  // that a link has for the request
   std::string answer;
   std::function<void()> onAnswer;
+  std::function<void()> onPiece;  // whenever some of the answer is about to be received
+  std::size_t pieceSize = SIZE_MAX;
   std::vector<Link> links;
 
   void connecting(const Link& link, std::uint16_t) override {
@@ -34,6 +38,10 @@ class MemoryWeb final : public testing_support::MemoryPeer {
     if (onAnswer) onAnswer();
   }
   void left(const Link&) override {}
+  std::size_t portion(std::size_t most) override {
+    if (onPiece && !links.empty() && !links.back()->toClient.empty()) onPiece();
+    return std::min(most, pieceSize);
+  }
 };
 
 class HttpMemoryTest : public HttpDownloadTest {
@@ -43,6 +51,11 @@ class HttpMemoryTest : public HttpDownloadTest {
   }
   std::uint32_t fetch() {
     return client.HTTPDownloadFile("127.0.0.1", "/a", 80, local.c_str(), nullptr, 0, 0);
+  }
+  // By a client whose OnPoll is the library's own.
+  std::uint32_t fetchUnasked() {
+    PlainClient plain(nullptr);
+    return plain.HTTPDownloadFile("127.0.0.1", "/a", 80, local.c_str(), nullptr, 0, 0);
   }
   void pollBy(std::function<void()> look) {
     client.poll = [look = std::move(look)](auto...) -> QXBool {

@@ -5,7 +5,6 @@
 
 #include "support/Messages.h"
 #include "tests/client/HttpMemoryTest.h"
-#include "tests/client/PlainClient.h"
 #include "tests/unit/TestQueue.h"
 
 namespace {
@@ -37,10 +36,39 @@ TEST_F(HttpMemory, EveryChunkIsInTheFileWhenAMessageIsDispatched) {
   });
   posted = &queue;
   server.onAnswer = [&] { queue.post(1); };
-  PlainClient plain(nullptr);
-  EXPECT_EQ(plain.HTTPDownloadFile("127.0.0.1", "/a", 80, local.c_str(), nullptr, 0, 0), 1u);
+  EXPECT_EQ(fetchUnasked(), 1u);
   EXPECT_EQ(sizes, (std::vector<std::uintmax_t>{4096, 4096}));
   EXPECT_EQ(content(), std::string(10'000, 'x'));
+}
+
+// Each of them was one, and took a hundred times as long as the chunk under Wine.
+TEST_F(HttpMemory, ChunksOfOneMillisecondHaveOneLookAtTheQueueWhereNoHostIsAsked) {
+  server.answer = head(100'000) + std::string(100'000, 'x');
+  server.pieceSize = 4096;
+  unsigned posted = 0;
+  unsigned dispatched = 0;
+  TestQueue queue([&](unsigned) { ++dispatched; });
+  server.onPiece = [&] { queue.post(++posted); };
+  EXPECT_EQ(fetchUnasked(), 1u);
+  EXPECT_EQ(dispatched, 2u) << "those ahead of the first chunk: its head had a piece of its own";
+  EXPECT_GE(posted, 25u);
+  PumpMessages(nullptr, 0, 0);
+}
+
+TEST_F(HttpMemory, AMessageIsDispatchedAMillisecondLaterAtTheLatest) {
+  server.answer = head(3 * 4096) + std::string(4096, 'x');
+  std::vector<std::uintmax_t> sizes;
+  TestQueue queue([&](unsigned) { sizes.push_back(std::filesystem::file_size(local)); });
+  const auto sendMore = [&] {
+    queue.post(1);
+    server.links[0]->toClient += std::string(4096, 'y');
+  };
+  server.onAnswer = [&] {
+    queue.post(1);
+    for (int piece = 1; piece < 3; ++piece) network.later(milliseconds(1), sendMore);
+  };
+  EXPECT_EQ(fetchUnasked(), 1u);
+  EXPECT_EQ(sizes, (std::vector<std::uintmax_t>{4096, 8192, 12'288}));
 }
 
 TEST_F(HttpMemory, CancelledAfterTheFirstChunkDeletesTheFile) {
