@@ -6,6 +6,7 @@
 
 #include "framework/internet/FtpFileFind.h"
 #include "framework/internet/ftp/FtpControl.h"
+#include "framework/internet/net/Failure.h"
 #include "framework/platform/stop_token.h"
 #include "tests/internet/FtpMemoryTest.h"
 
@@ -107,6 +108,90 @@ TEST_F(FtpLines, WhatIsNoReplyBehindTheReplyToALineSentAlongIsNoticedAtOnce) {
     EXPECT_EQ(far.network.now(), before) << line;
     EXPECT_EQ(errorOf([&] { return connection->Remove("/f"); }), 12030u) << line;
   }
+}
+
+// --- The way back from a directory ---
+
+// A server that takes its time for each answer to CWD.
+struct SlowVisits : FileServer {
+  SlowVisits() {
+    server.answers["CWD"] = "";
+    server.onCommand = [this](const std::string& line) {
+      behind(line);
+      if (!line.starts_with("CWD")) return;
+      mostUnanswered = std::max(mostUnanswered, ++unanswered_);
+      network.later(seconds(1), [this, line] { answer(line); });
+    };
+  }
+
+  std::string refused;
+  int mostUnanswered = 0;
+
+ private:
+  void answer(std::string_view line) {
+    --unanswered_;
+    server.control->toClient += line == "CWD " + refused ? "550 No\r\n" : "250 Fine\r\n";
+  }
+
+  int unanswered_ = 0;
+};
+
+class FtpWayBack : public FtpLines {
+ protected:
+  void logIn() {
+    m_connection = loginWithOptions();
+    EXPECT_TRUE(finds(*m_connection)) << "and takes two lines in a packet";
+  }
+  void visit(const std::vector<std::string>& directories) {
+    const std::shared_ptr<internet::FtpControl> control = m_connection->Control();
+    control->request([&] {
+      for (const std::string& directory : directories) {
+        internet::FtpControl::DirectoryVisit visit(*control);
+        EXPECT_TRUE(visit.enter(directory).completed());
+      }
+    });
+  }
+  [[nodiscard]] std::uint32_t removalError() {
+    return errorOf([&] { return m_connection->Remove("/f"); });
+  }
+
+  SlowVisits m_far;
+  std::unique_ptr<CFtpConnection> m_connection;
+};
+
+TEST_F(FtpWayBack, TheNextDirectoryDoesNotWaitForIt) {
+  logIn();
+  visit({"/pub", "/pub"});
+  EXPECT_EQ(m_far.mostUnanswered, 2);
+  EXPECT_TRUE(works(*m_connection));
+}
+
+TEST_F(FtpWayBack, ARelativeNameWaitsForIt) {
+  logIn();
+  visit({"/pub", "pub"});
+  EXPECT_EQ(m_far.mostUnanswered, 1);
+}
+
+TEST_F(FtpWayBack, AServerOfSingleLinesIsWaitedFor) {
+  m_far.server.packets = Packets::cutToOneLine;
+  logIn();
+  visit({"/pub", "/pub"});
+  EXPECT_EQ(m_far.mostUnanswered, 1);
+}
+
+TEST_F(FtpWayBack, NothingIsDeletedBeforeItsAnswer) {
+  logIn();
+  m_far.refused = "/";
+  visit({"/pub"});
+  EXPECT_EQ(removalError(), 12030u);
+  EXPECT_EQ(m_far.count("DELE"), 0);
+}
+
+TEST_F(FtpWayBack, WhatHasGoneOutBehindOneThatIsRefusedFails) {
+  logIn();
+  m_far.refused = "/";
+  EXPECT_THROW(visit({"/pub", "/pub"}), internet::Failure);
+  EXPECT_EQ(removalError(), 12030u);
 }
 
 // --- Servers that take one line per packet ---

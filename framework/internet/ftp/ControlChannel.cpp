@@ -38,7 +38,7 @@ void ControlChannel::secure(TlsLogin& tls) {
 }
 
 void ControlChannel::send(std::string_view line) {
-  if (!window_.foresees(line)) settle();
+  if (!window_.foresees(line)) settle(line);
   notify(kStatusSendingRequest);
   requireOpen();
   awaiting_ = true;
@@ -70,14 +70,14 @@ void ControlChannel::sendAhead(std::string_view line, ReplyHandler handler) noex
   }
 }
 
-// Takes the replies that must come before the next command may go: those to lines sent ahead, and any that
-// nobody has asked for, which would otherwise be taken for the command's own.
-void ControlChannel::settle() {
+// Takes the replies that must come before `next` may go: those to lines sent ahead that it depends on, and
+// any that nobody has asked for, which would otherwise be taken for the command's own.
+void ControlChannel::settle(std::string_view next) {
   requireOpen();
   window_.forgetCommand();
   const Deadline deadline(dialer_.timeouts().reply);
   std::optional<FtpReply> none;
-  while (!window_.idle()) {
+  while (!window_.idle() && !window_.canFollow(next)) {
     if (takeOne(none) || receiveMore(deadline)) continue;
     if (isOpen()) closeWith(kTimeout);
     requireOpen();

@@ -42,6 +42,17 @@ bool canBeAnswered(std::string_view line, int code) noexcept {
 // What the server says before it has answered these may be its word on them.
 bool isOfLogin(std::string_view line) noexcept { return verbOf(line) == "USER" || verbOf(line) == "PASS"; }
 
+// It changes no file, and means the same in whatever directory the server is.
+bool asksTheSameAnywhere(std::string_view line) noexcept {
+  constexpr std::array<std::string_view, 6> kOfNone{"TYPE", "OPTS", "EPSV", "PASV", "NOOP", "FEAT"};
+  constexpr std::array<std::string_view, 4> kOfPath{"CWD", "SIZE", "MDTM", "MLST"};
+  const std::string_view verb = verbOf(line);
+  const auto isOf = [verb](const auto& verbs) {
+    return std::find(verbs.begin(), verbs.end(), verb) != verbs.end();
+  };
+  return isOf(kOfNone) || (isOf(kOfPath) && line.substr(verb.size()).starts_with(" /"));
+}
+
 // A server that does not know this one transfers nothing.
 bool everyServerKnows(std::string_view line) noexcept { return line == "TYPE I"; }
 
@@ -60,7 +71,15 @@ void LineWindow::queue(std::string_view line, ReplyHandler handler) {
 }
 
 void LineWindow::ahead(std::string_view line, ReplyHandler handler) {
-  waiting_.push_back({secret::Text(line), std::move(handler)});
+  waiting_.push_back({.text = secret::Text(line), .handler = std::move(handler), .ahead = true});
+}
+
+bool LineWindow::canFollow(std::string_view line) const noexcept {
+  const bool takesMore = packets() == Packets::taken || packets() == Packets::takenAtLogin;
+  if (!takesMore || probing_ || refusal_ || odd_ || !waiting_.empty()) return false;
+  const auto anywhere = [](const Line& each) { return asksTheSameAnywhere(each.text.view()); };
+  return asksTheSameAnywhere(line) && std::all_of(queued_.begin(), queued_.end(), anywhere) &&
+         std::all_of(sent_.begin(), sent_.end(), [](const Line& each) { return each.ahead; });
 }
 
 void LineWindow::command(std::string_view line) {

@@ -40,6 +40,9 @@ class LineWindow {
   [[nodiscard]] bool astray() const noexcept { return foresight_.astray(); }
   // A line that goes out for itself, before whatever is queued.
   void ahead(std::string_view line, ReplyHandler handler);
+  // Only lines that went ahead are unanswered, the server takes several at a time, and `line` and what is
+  // queued do no harm where one of those fails.
+  [[nodiscard]] bool canFollow(std::string_view line) const noexcept;
   // What was queued, a command, whose reply take() hands back, and what was foreseen behind it. Of a command
   // that was foreseen itself takeForeseen() has the reply, once that has come.
   void command(std::string_view line);
@@ -81,6 +84,7 @@ class LineWindow {
     secret::Text text;     // one of them carries the password
     ReplyHandler handler;  // null: the command
     Foresight::LinePtr foreseen{};
+    bool ahead = false;
   };
   struct Refusal {
     Line line;
