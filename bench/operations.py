@@ -19,20 +19,21 @@ OPERATIONS = {
     "exists": ("/pub/file.txt",),
     "size": ("/pub/file.txt", len(SMALL_TEXT)),
     "list": ("/pub/few", _FEW),
-    "rename": ("/pub/old#", "/pub/new#"),
-    "remove": ("/pub/removed#",),
-    "mkdir": ("/pub/made#/one/two",),
-    "rmdir": ("/pub/empty#",),
+    "rename": ("/old/file#", "/old/renamed#"),
+    "remove": ("/removed/file#",),
+    "mkdir": ("/made/folder#/one/two",),
+    "rmdir": ("/empty/folder#",),
 }
 # They use the connection of FTPConnect where there is one.
 CONNECTED = ("exists", "size", "list")
 
 
 def tree():
+    """Folders so short that a listing of them does not wait for the line's window to grow."""
     numbers = [f"{number:06}" for number in range(_SUPPLY)]
     return {"/pub/file.txt": SMALL_TEXT, **{f"/pub/few/file{number}": "" for number in range(_FEW)},
-            **{f"/pub/{kind}{number}": "" for kind in ("old", "removed") for number in numbers},
-            **{f"/pub/empty{number}": {"dir": True} for number in numbers}}
+            **{f"/{folder}/file{number}": "" for folder in ("old", "removed") for number in numbers},
+            **{f"/empty/folder{number}": {"dir": True} for number in numbers}, "/made/": {}}
 
 
 def _as_peers_take_them(operation, words):
