@@ -224,7 +224,7 @@ void HttpDownload::SaveBody() {
 }
 
 // A host that is asked may post a message, and finds it dispatched when it is asked again. Where it is not,
-// no code of its own runs on this thread between two chunks.
+// no code of its own runs on this thread between two chunks unless there were messages.
 bool HttpDownload::WantsMore(CollectedFile* file) {
   const bool asked = HostIsAsked();
   m_cancelled = m_client.OnPoll(m_target.pollArg1, m_target.pollArg2, 0, nullptr) != 0;
@@ -233,6 +233,7 @@ bool HttpDownload::WantsMore(CollectedFile* file) {
   if (!HostCall(messageWaits)) return true;
   if (file != nullptr) file->Flush();
   HostCall([] { PumpMessages(nullptr, 0, 0); });
+  m_nextLook = {};  // there may be more, or what has run may have posted more
   return true;
 }
 

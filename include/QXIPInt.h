@@ -186,17 +186,17 @@ class TQXIPIFInt {
   // "https://" the request is encrypted, port 0 means 443, and the options of slot 25 may follow) into
   // pszLocalFile, or, with pnLength, only the available length. Runs on the caller's thread. OnPoll is asked
   // and the caller's messages are dispatched for each 4096 bytes of the body, and after 50 ms at the latest
-  // when fewer come; what has come is in the file by then. Where OnPoll is the library's own, bytes that come
-  // within a millisecond have their messages dispatched together. A server that keeps the caller waiting
-  // before that (name lookup, connecting, the head, and the length) has them asked and dispatched every 50 ms
-  // as well. A cancel deletes the file once the body has begun; before that it leaves alone what has its
-  // name. Failures of the network are shown in a message box; neither m_szMessage nor the error record is
-  // written. The one operation whose result (1 or 0) has 32 bits. Works without login data. Any other status
-  // than 200, behind one redirect (301 to 303), is a 0 in silence. Server and object count up to 255 bytes, a
-  // null object is "/"; nPort modulo 65536, 0 is 80. The length is what has come of the body when it is
-  // asked. Where the local file cannot be made or written, the call throws the library's file exception, a
-  // pointer to a class that hosts cannot name, by a C++ runtime that is the library's own:
-  // std::uncaught_exceptions() of the host counts wrong from then on. Make sure of the folder before.
+  // when fewer come; what has come is in the file by then. Where OnPoll is the library's own, a queue that
+  // was empty is looked at again a millisecond later. A server that keeps the caller waiting before that
+  // (name lookup, connecting, the head, and the length) has them asked and dispatched every 50 ms as well. A
+  // cancel deletes the file once the body has begun; before that it leaves alone what has its name. Failures
+  // of the network are shown in a message box; neither m_szMessage nor the error record is written. The one
+  // operation whose result (1 or 0) has 32 bits. Works without login data. Any other status than 200, behind
+  // one redirect (301 to 303), is a 0 in silence. Server and object count up to 255 bytes, a null object is
+  // "/"; nPort modulo 65536, 0 is 80. The length is what has come of the body when it is asked. Where the
+  // local file cannot be made or written, the call throws the library's file exception, a pointer to a class
+  // that hosts cannot name, by a C++ runtime that is the library's own: std::uncaught_exceptions() of the
+  // host counts wrong from then on. Make sure of the folder before.
   //   Proxies: as in slot 25, but an HTTP proxy gets the request with the whole address unless the server is
   // "https://"; a login that it wants and does not get (407) is a failure of the network.
   virtual std::uint32_t HTTPDownloadFile(const char* pszServer, const char* pszObject, std::uint32_t nPort,
