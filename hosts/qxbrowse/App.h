@@ -13,6 +13,7 @@
 #include "hosts/qxbrowse/jobs/ProtocolLog.h"
 #include "hosts/qxbrowse/jobs/ServerJobs.h"
 #include "hosts/qxbrowse/jobs/TransferQueue.h"
+#include "hosts/qxbrowse/pane/ReplaceQuestion.h"
 #include "hosts/qxbrowse/pane/WorkPane.h"
 #include "hosts/qxbrowse/sites/Sites.h"
 #include "hosts/qxbrowse/window/MainWindow.h"
@@ -42,7 +43,7 @@ class App : public Services {
   void move(const std::vector<Place>& places, const std::wstring& to) override;
   void cancel() override;
   void cancelAll() override;
-  void retryFailed() override { m_queue.retry(); }
+  void retryFailed() override;
   void clearDone() override { m_queue.clearDone(); }
   std::wstring chooseLocalFolder(const std::wstring& start) override;
   std::vector<Place> chooseFiles(const std::wstring& start) override;
@@ -70,9 +71,10 @@ class App : public Services {
   void changeLocal(const std::wstring& path, Change&& change);
   template <typename Change>
   void changeServer(const std::wstring& what, Change change);
-  // Finds out what is to be transferred, and puts it into the queue.
+  // Finds out what is to be transferred, asks about what would be replaced, and gives the rest to `then`.
   template <typename Expand>
-  void expand(const std::wstring& what, Expand expand);
+  void expand(const std::wstring& what, Expand expand, ReplaceQuestions::Then then);
+  [[nodiscard]] ReplaceQuestions::Then intoQueue();
 
   const std::filesystem::path m_placementFile;
   LibraryDialogs m_dialogs;
@@ -82,6 +84,7 @@ class App : public Services {
   WorkPane m_work;
   ProtocolLog m_log;
   TransferQueue m_queue;
+  ReplaceQuestions m_questions;
   LocalWork m_local;
   Background m_background;
   std::shared_ptr<const qx::Login> m_login;

@@ -126,8 +126,8 @@ void App::createServerFolder(const std::wstring& path) {
 }
 
 void App::renameOnServer(const std::wstring& from, const std::wstring& to) {
-  changeServer(from, [old = toLibrary(from), now = toLibrary(to)](const Session& session) {
-    return session.client.rename(old, now);
+  changeServer(to, [old = toLibrary(from), now = toLibrary(to)](const Session& session) {
+    return whole(movePlaces(session, {{old, false}}, now));
   });
 }
 
@@ -144,33 +144,57 @@ void App::move(const std::vector<Place>& places, const std::wstring& to) {
 }
 
 template <typename Expand>
-void App::expand(const std::wstring& what, Expand expand) {
-  m_background.run(std::move(expand), [this, what, login = m_login](qx::Result<Expansion> expansion) {
+void App::expand(const std::wstring& what, Expand expand, ReplaceQuestions::Then then) {
+  m_background.run(std::move(expand), [this, what, then](const qx::Result<Expansion>& expansion) {
     if (!expansion) return showReport(what, expansion.report());
     showProblems(expansion->problems);
-    std::vector<Transfer> transfers = expansion->transfers;
-    for (Transfer& transfer : transfers) transfer.server = login;
-    m_queue.add(std::move(transfers));
+    m_questions.ask(m_window.handle(), expansion->transfers, then);
   });
 }
 
+ReplaceQuestions::Then App::intoQueue() {
+  return [this, login = m_login](std::vector<Transfer> transfers) {
+    for (Transfer& transfer : transfers) transfer.server = login;
+    m_queue.add(std::move(transfers));
+  };
+}
+
+// Meanwhile something may have come where they go to.
+void App::retryFailed() {
+  expand(
+      text(Text::commandRetry),
+      [transfers = m_queue.list().ended(), login = m_login](const Session& session) {
+        return lookAgain(session, transfers, login);
+      },
+      [this](const std::vector<Transfer>& transfers) { m_queue.retry(transfers); });
+}
+
 void App::upload(const std::vector<Place>& places, const std::wstring& toFolder) {
-  expand(toFolder, [local = localPlaces(places), target = toLibrary(toFolder)](const Session& session) {
-    return expandUpload(session, local, target);
-  });
+  expand(
+      toFolder,
+      [local = localPlaces(places), target = toLibrary(toFolder)](const Session& session) {
+        return expandUpload(session, local, target);
+      },
+      intoQueue());
 }
 
 void App::download(const std::vector<Place>& places, const std::wstring& toFolder) {
   const std::filesystem::path target = toFolder;
-  expand(toFolder, [remote = remotePlaces(places), target](const Session& session) {
-    return expandDownload(session, remote, target);
-  });
+  expand(
+      toFolder,
+      [remote = remotePlaces(places), target](const Session& session) {
+        return expandDownload(session, remote, target);
+      },
+      intoQueue());
 }
 
 void App::copy(const std::vector<Place>& places, const std::wstring& to) {
-  expand(to, [remote = remotePlaces(places), target = toLibrary(to)](const Session& session) {
-    return expandCopy(session, remote, target);
-  });
+  expand(
+      to,
+      [remote = remotePlaces(places), target = toLibrary(to)](const Session& session) {
+        return expandCopy(session, remote, target);
+      },
+      intoQueue());
 }
 
 // The sides show what has come when the last one has; what went wrong is told behind that.

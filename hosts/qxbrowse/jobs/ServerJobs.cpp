@@ -5,6 +5,7 @@
 #include <set>
 #include <string_view>
 
+#include "hosts/qxbrowse/jobs/RemoteTargets.h"
 #include "hosts/shared/Names.h"
 
 namespace browse {
@@ -26,6 +27,14 @@ qx::Result<Value> answerOf(const Session& session, Value value) {
 std::string targetOf(const std::vector<RemotePlace>& places, const RemotePlace& place,
                      const std::string& to) {
   return places.size() == 1 ? to : hosts::joined(to, hosts::lastPart(place.path));
+}
+
+// Most servers replace what is there without a word. Where case alone changes, the name that a server finds
+// is the old one.
+bool isTaken(RemoteTargets& targets, const std::string& from, const std::string& to) {
+  constexpr auto kNoCase = hosts::NameRules::windows;
+  const bool isSame = hosts::folded(from, kNoCase) == hosts::folded(to, kNoCase);
+  return (isSame ? targets.findShown(to) : targets.find(to)).has_value();
 }
 
 class Removal {
@@ -70,15 +79,42 @@ hosts::Walk walkOf(const Session& session) {
   return walk;
 }
 
+// What a name that leads to a link leads to is what would be replaced.
+std::optional<FileFacts> localFile(const fs::path& path) {
+  std::error_code error;
+  const hosts::LocalFacts facts = hosts::factsOf(path, hosts::Links::followed, error);
+  if (error || facts.kind != hosts::Kind::file) return {};
+  return FileFacts{facts.size, hosts::Moment{facts.changed}};
+}
+
+std::optional<FileFacts> remoteFile(RemoteTargets& targets, const std::string& path) {
+  const auto found = targets.find(path);
+  return found && !found->isFolder ? std::optional(found->facts) : std::nullopt;
+}
+
+void lookAtTarget(RemoteTargets& targets, Transfer& transfer) {
+  switch (transfer.direction) {
+    case Direction::download:
+      transfer.replaces = localFile(transfer.local);
+      break;
+    case Direction::upload:
+      transfer.replaces = remoteFile(targets, transfer.remote.path);
+      break;
+    case Direction::copy:
+      transfer.replaces = remoteFile(targets, transfer.copy);
+      break;
+  }
+}
+
 class Expander {
  public:
-  explicit Expander(const Session& session) : m_session(session) {}
+  explicit Expander(const Session& session) : m_session(session), m_targets(session) {}
 
   void upload(const fs::path& place, const std::string& to) {
     std::error_code error;
     const hosts::LocalFacts facts = hosts::factsOf(place, hosts::Links::followed, error);
     if (error) return problem(hosts::shown(place), error.message());
-    if (facts.kind != hosts::Kind::folder) return uploadFile(place, to, facts.size);
+    if (facts.kind != hosts::Kind::folder) return uploadFile(place, to, facts.size, hosts::Moment{facts.changed});
     const hosts::Tree tree = hosts::readLocalTree(place, walkOf(m_session));
     take(tree, hosts::shown(place));
     if (!makeFolder(to)) return;
@@ -91,12 +127,12 @@ class Expander {
     fs::path local = to;
     for (const std::string& part : partsOf(entry.path)) local /= hosts::nameFromServer(part);
     if (entry.kind == hosts::Kind::folder) return makeLocalFolder(path, local);
-    add({Direction::download, {path, entry.size, entry.time}, local, {}, {}, entry.size});
+    add({Direction::download, {path, entry.size, entry.time}, local, {}, {}, entry.size, entry.time});
   }
 
   void copy(const RemotePlace& place, const std::string& to) {
     if (to == place.path) return problem(place.path, "this is the file itself");
-    if (!place.isFolder) return add({Direction::copy, {place.path, {}, {}}, {}, to, {}, {}});
+    if (!place.isFolder) return copyFile(place.path, to);
     const hosts::Tree tree = treeOf(place.path);
     if (!makeFolder(to)) return;
     for (const hosts::Entry& entry : tree.entries)
@@ -113,6 +149,12 @@ class Expander {
 
   void problem(const std::string& path, const std::string& text) {
     m_expansion.problems.push_back({path, text});
+  }
+
+  void add(Transfer transfer, bool canLook = true) {
+    if (m_session.isStopped) return;
+    if (canLook && !transfer.mayReplace) lookAtTarget(m_targets, transfer);
+    m_expansion.transfers.push_back(std::move(transfer));
   }
 
   Expansion expansion() && { return std::move(m_expansion); }
@@ -143,6 +185,8 @@ class Expander {
 
   bool makeFolder(const std::string& path) {
     if (m_session.isStopped) return false;
+    const auto there = m_targets.find(path);
+    if (there && there->isFolder) return true;
     const auto made = m_session.client.createDirectory(path);
     if (!made) problem(path, made.report().text);
     return static_cast<bool>(made);
@@ -154,26 +198,34 @@ class Expander {
     if (error) problem(path, error.message());
   }
 
-  void uploadFile(const fs::path& local, const std::string& to, std::uint64_t size) {
-    add({Direction::upload, {to, {}, {}}, local, {}, {}, size});
+  void uploadFile(const fs::path& local, const std::string& to, std::uint64_t size,
+                  const std::optional<hosts::Moment>& time) {
+    add({Direction::upload, {to, {}, {}}, local, {}, {}, size, time});
+  }
+
+  // What it would replace is compared with it.
+  void copyFile(const std::string& from, const std::string& to) {
+    const auto found = m_targets.findShown(from);
+    const FileFacts facts = found ? found->facts : FileFacts{};
+    add({Direction::copy, {from, facts.size, facts.time}, {}, to, {}, facts.size, facts.time});
   }
 
   void uploadEntry(const fs::path& folder, const hosts::Entry& entry, const std::string& to) {
     fs::path local = folder;
     for (const std::string& part : partsOf(entry.path)) local /= hosts::nameFromServer(part);
     if (entry.kind == hosts::Kind::folder) return static_cast<void>(makeFolder(to));
-    if (entry.kind == hosts::Kind::file) return uploadFile(local, to, entry.size);
+    if (entry.kind == hosts::Kind::file) return uploadFile(local, to, entry.size, entry.time);
     problem(hosts::shown(local), "this is neither a file nor a folder");
   }
 
   void copyEntry(const std::string& folder, const hosts::Entry& entry, const std::string& to) {
     if (entry.kind == hosts::Kind::folder) return static_cast<void>(makeFolder(to));
-    add({Direction::copy, {hosts::joined(folder, entry.path), entry.size, {}}, {}, to, {}, entry.size});
+    const std::string from = hosts::joined(folder, entry.path);
+    add({Direction::copy, {from, entry.size, entry.time}, {}, to, {}, entry.size, entry.time});
   }
 
-  void add(Transfer transfer) { m_expansion.transfers.push_back(std::move(transfer)); }
-
   const Session& m_session;
+  RemoteTargets m_targets;
   Expansion m_expansion;
   std::set<std::string> m_here;
 };
@@ -232,12 +284,28 @@ qx::Result<Expansion> expandCopy(const Session& session, const std::vector<Remot
   return answerOf(session, std::move(expander).expansion());
 }
 
+qx::Result<Expansion> lookAgain(const Session& session, std::vector<Transfer> transfers,
+                                const std::shared_ptr<const qx::Login>& server) {
+  Expander expander(session);
+  for (Transfer& transfer : transfers) {
+    const bool canLook = transfer.direction == Direction::download || transfer.server == server;
+    expander.add(std::move(transfer), canLook);
+  }
+  return answerOf(session, std::move(expander).expansion());
+}
+
 qx::Result<Problems> movePlaces(const Session& session, const std::vector<RemotePlace>& places,
                                 const std::string& to) {
   Problems problems;
+  RemoteTargets targets(session);
   for (const RemotePlace& place : places) {
     if (session.isStopped) break;
-    const auto moved = session.client.rename(place.path, targetOf(places, place, to));
+    const std::string target = targetOf(places, place, to);
+    if (isTaken(targets, place.path, target)) {
+      problems.push_back({place.path, "there is one of that name already"});
+      continue;
+    }
+    const auto moved = session.client.rename(place.path, target);
     if (!moved) problems.push_back({place.path, moved.report().text});
   }
   return answerOf(session, std::move(problems));

@@ -29,7 +29,7 @@ qx::Result<Problems> removePlaces(const Session& session, const std::vector<Remo
 
 // What is to be transferred, file by file; the folders for it are there by then.
 struct Expansion {
-  std::vector<Transfer> transfers;
+  std::vector<Transfer> transfers;  // each with the file that it would replace
   Problems problems;
 };
 
@@ -42,7 +42,12 @@ qx::Result<Expansion> expandDownload(const Session& session, const std::vector<R
 qx::Result<Expansion> expandCopy(const Session& session, const std::vector<RemotePlace>& places,
                                  const std::string& to);
 
-// To `to`, which is as above. Where a server cannot, nothing is lost.
+// The same transfers, with what they would replace now. Not of those that the user has agreed to already, nor
+// of those to another server than this session's.
+qx::Result<Expansion> lookAgain(const Session& session, std::vector<Transfer> transfers,
+                                const std::shared_ptr<const qx::Login>& server);
+
+// To `to`, which is as above. Where something is there by the name, or the server cannot, nothing is lost.
 qx::Result<Problems> movePlaces(const Session& session, const std::vector<RemotePlace>& places,
                                 const std::string& to);
 

@@ -15,6 +15,12 @@ namespace browse {
 
 enum class Direction { upload, download, copy };
 
+// As far as whoever told it knows.
+struct FileFacts {
+  std::optional<std::uint64_t> size;
+  std::optional<hosts::Moment> time;
+};
+
 struct Transfer {
   Direction direction = Direction::download;
   hosts::RemoteFile remote;     // where it comes from; of an upload where it goes to
@@ -22,6 +28,11 @@ struct Transfer {
   std::string copy;             // of a copy: where it goes to
   std::shared_ptr<const qx::Login> server;
   std::optional<std::uint64_t> size;
+  std::optional<hosts::Moment> time = {};
+  // The file that stood where this one goes to, when somebody looked.
+  std::optional<FileFacts> replaces = {};
+  bool mayReplace = false;   // the user has said so
+  std::uint64_t number = 0;  // the list's, which gives none twice
 };
 
 enum class TransferState { waiting, running, done, failed, cancelled };

@@ -8,7 +8,10 @@ namespace browse {
 
 void TransferList::add(std::vector<Transfer> transfers) {
   m_rows.reserve(m_rows.size() + transfers.size());
-  for (Transfer& transfer : transfers) m_rows.push_back({std::move(transfer), {}, {}, {}});
+  for (Transfer& transfer : transfers) {
+    transfer.number = ++m_lastNumber;
+    m_rows.push_back({std::move(transfer), {}, {}, {}});
+  }
   m_counts[static_cast<std::size_t>(TransferState::waiting)] += transfers.size();
   m_changes.isAll = true;
 }
@@ -57,14 +60,29 @@ void TransferList::cancelWaiting(std::size_t row) {
   if (row < m_rows.size() && m_rows[row].state == TransferState::waiting) set(row, TransferState::cancelled);
 }
 
-void TransferList::retry() {
-  for (std::size_t row = 0; row < m_rows.size(); ++row) retry(row);
+bool TransferList::isEnded(std::size_t row) const {
+  const TransferState state = m_rows[row].state;
+  return state == TransferState::failed || state == TransferState::cancelled;
 }
 
-void TransferList::retry(std::size_t row) {
-  if (row >= m_rows.size()) return;
-  const TransferState state = m_rows[row].state;
-  if (state == TransferState::failed || state == TransferState::cancelled) set(row, TransferState::waiting);
+std::vector<Transfer> TransferList::ended() const {
+  std::vector<Transfer> transfers;
+  for (std::size_t row = 0; row < m_rows.size(); ++row) {
+    if (isEnded(row)) transfers.push_back(m_rows[row].transfer);
+  }
+  return transfers;
+}
+
+// Rows come and go, and stand in the order of their numbers.
+void TransferList::retry(const std::vector<Transfer>& transfers) {
+  for (const Transfer& transfer : transfers) {
+    const auto found = std::ranges::lower_bound(m_rows, transfer.number, {},
+                                                [](const TransferRow& each) { return each.transfer.number; });
+    const auto row = static_cast<std::size_t>(found - m_rows.begin());
+    if (row == m_rows.size() || found->transfer.number != transfer.number || !isEnded(row)) continue;
+    found->transfer = transfer;
+    set(row, TransferState::waiting);
+  }
 }
 
 void TransferList::clearDone() {

@@ -39,9 +39,10 @@ class TransferList {
   // Of those that wait. `row` may be any.
   void cancelWaiting();
   void cancelWaiting(std::size_t row);
-  // What failed or was cancelled waits again.
-  void retry();
-  void retry(std::size_t row);
+  // What failed or was cancelled.
+  [[nodiscard]] std::vector<Transfer> ended() const;
+  // Those of them wait again, with what is known of them now.
+  void retry(const std::vector<Transfer>& transfers);
   // What is done or cancelled is forgotten.
   void clearDone();
 
@@ -55,11 +56,13 @@ class TransferList {
  private:
   void set(std::size_t row, TransferState state);
   void touch(std::size_t row);
+  [[nodiscard]] bool isEnded(std::size_t row) const;
 
   std::vector<TransferRow> m_rows;
   std::array<std::size_t, 5> m_counts{};
   std::size_t m_firstWaiting = 0;  // none waits in front of it
   std::size_t m_running = 0;
+  std::uint64_t m_lastNumber = 0;
   Changes m_changes;
 };
 

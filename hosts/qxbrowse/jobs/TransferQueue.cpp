@@ -40,7 +40,12 @@ hosts::Outcome copyOnServer(qx::Client& client, const Transfer& transfer) {
 hosts::Outcome downloadInto(qx::Client& client, const Transfer& transfer) {
   std::error_code error;
   std::filesystem::create_directories(transfer.local.parent_path(), error);
-  return error ? notMoved(error.message()) : hosts::download(client, transfer.remote, transfer.local);
+  if (error) return notMoved(error.message());
+  // It has come since the user was asked, or is another entry of the queue.
+  if (!transfer.mayReplace && std::filesystem::is_regular_file(transfer.local, error)) {
+    return notMoved("a file of this name has come meanwhile");
+  }
+  return hosts::download(client, transfer.remote, transfer.local);
 }
 
 hosts::Outcome carry(qx::Client& client, const Transfer& transfer) {
@@ -182,8 +187,8 @@ void TransferQueue::cancelAll() {
   cancel();
 }
 
-void TransferQueue::retry() {
-  m_list.retry();
+void TransferQueue::retry(const std::vector<Transfer>& transfers) {
+  m_list.retry(transfers);
   tellOfChange();
   resume();
 }

@@ -45,7 +45,8 @@ class TransferQueue {
   void cancel();
   void cancel(std::size_t row);
   void cancelAll();
-  void retry();
+  // Of those in the list that have failed or were cancelled, with what is known of them now.
+  void retry(const std::vector<Transfer>& transfers);
   void clearDone();
   void resume();
 

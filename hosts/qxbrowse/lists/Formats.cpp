@@ -21,6 +21,10 @@ std::wstring threeDigits(std::uint64_t hundredths) {
   return whole + L'.' + both.substr(0, 3 - whole.size());
 }
 
+constexpr std::int64_t kTicks = 10'000'000;       // of 100 ns in a second
+constexpr std::int64_t kTo1970 = 11'644'473'600;  // seconds since 1601
+constexpr std::size_t kDateLength = 10;
+
 }  // namespace
 
 std::wstring sizeText(std::uint64_t bytes) {
@@ -47,6 +51,20 @@ std::wstring timeText(std::int64_t time) {
   std::swprintf(buffer.data(), buffer.size(), L"%04u-%02u-%02u %02u:%02u", parts.wYear, parts.wMonth,
                 parts.wDay, parts.wHour, parts.wMinute);
   return buffer.data();
+}
+
+std::wstring momentText(const hosts::Moment& moment) {
+  const auto ticks = static_cast<std::uint64_t>((moment.at.time_since_epoch().count() + kTo1970) * kTicks);
+  const FILETIME universal{static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+  SYSTEMTIME parts{}, here{};
+  FILETIME local{};
+  const bool isTime = FileTimeToSystemTime(&universal, &parts) &&
+                      SystemTimeToTzSpecificLocalTime(nullptr, &parts, &here) &&
+                      SystemTimeToFileTime(&here, &local);
+  if (!isTime) return {};
+  const std::wstring all =
+      timeText(static_cast<std::int64_t>(std::uint64_t{local.dwHighDateTime} << 32 | local.dwLowDateTime));
+  return moment.precision == hosts::Precision::day ? all.substr(0, kDateLength) : all;
 }
 
 }  // namespace browse

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "hosts/qxbrowse/lists/Formats.h"
+#include "hosts/qxbrowse/lists/SidePaths.h"
 #include "hosts/qxbrowse/ui/Dpi.h"
 #include "hosts/qxbrowse/ui/Texts.h"
 #include "hosts/qxbrowse/ui/WindowText.h"
@@ -107,39 +108,46 @@ void ListPane::show(const std::wstring& path, ItemList items) {
   SendMessageW(m_list, LVM_CANCELEDITLABEL, 0, 0);  // the rows get other names
   m_path = path;
   m_isShown = true;
+  m_hasParent = parentOn(m_side, path) != path;
   const Sorting sorting = m_items.sorting();
   m_items = std::move(items);
   if (m_items.sorting() != sorting) m_items.sort(sorting);
   setWindowText(m_address, path);
-  selectRow(-1, 0);
-  SendMessageW(m_list, LVM_SETITEMCOUNT, m_items.size(), 0);
+  setRowState(-1, 0);
+  SendMessageW(m_list, LVM_SETITEMCOUNT, static_cast<WPARAM>(rowOf(m_items.size())), 0);
   m_events.selectionChanged();
 }
 
 void ListPane::clear() {
-  show({}, {});
+  show(m_side == Side::local ? L"" : L"/", {});  // which have none above them
+  m_path.clear();
+  setWindowText(m_address, m_path);
   m_isShown = false;
 }
 
 void ListPane::select(const std::vector<std::wstring>& names) {
-  if (m_items.size() == 0) return;
-  selectRow(-1, 0);
+  setRowState(-1, 0);
   std::optional<std::size_t> first;
   for (const std::wstring& name : names) {
-    const auto row = m_items.findName(name);
-    if (row) selectRow(static_cast<int>(*row), LVIS_SELECTED);
-    if (!first) first = row;
+    const auto item = m_items.findName(name);
+    if (item) selectItem(*item, LVIS_SELECTED);
+    if (!first) first = item;
   }
-  selectRow(static_cast<int>(first.value_or(0)), kBoth);
-  SendMessageW(m_list, LVM_ENSUREVISIBLE, first.value_or(0), FALSE);
+  const int row = m_items.size() > 0 ? rowOf(first.value_or(0)) : 0;
+  if (m_items.size() > 0 || m_hasParent) setRowState(row, kBoth);
+  // Above the first item is what leads up.
+  SendMessageW(m_list, LVM_ENSUREVISIBLE, first.value_or(0) > 0 ? static_cast<WPARAM>(row) : 0, FALSE);
 }
 
-void ListPane::selectAll() { selectRow(-1, LVIS_SELECTED); }
+void ListPane::selectAll() {
+  setRowState(-1, LVIS_SELECTED);
+  if (m_hasParent) setRowState(0, 0);
+}
 
 // Row -1 stands for all of them.
-void ListPane::selectRow(int row, UINT state) const {
+void ListPane::setRowState(int row, UINT state) const {
   LVITEMW item{};
-  item.stateMask = row < 0 ? UINT{LVIS_SELECTED} : kBoth;
+  item.stateMask = row < 0 || state == 0 ? UINT{LVIS_SELECTED} : kBoth;
   item.state = state;
   SendMessageW(m_list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
 }
@@ -155,8 +163,8 @@ void ListPane::setSorting(Sorting sorting) {
   for (const std::size_t row : selectedRows()) chosen.push_back(m_items.identity(row));
   m_items.sort(sorting);
   if (chosen.size() < m_items.size()) {
-    selectRow(-1, 0);
-    for (const std::size_t row : m_items.rowsOf(chosen)) selectRow(static_cast<int>(row), LVIS_SELECTED);
+    setRowState(-1, 0);
+    for (const std::size_t item : m_items.rowsOf(chosen)) selectItem(item, LVIS_SELECTED);
   }
   showArrow();
   InvalidateRect(m_list, nullptr, FALSE);
@@ -177,7 +185,8 @@ void ListPane::showArrow() const {
 }
 
 void ListPane::editName() {
-  const auto row = SendMessageW(m_list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED);
+  const int above = m_hasParent ? 0 : -1;
+  const auto row = SendMessageW(m_list, LVM_GETNEXTITEM, static_cast<WPARAM>(above), LVNI_SELECTED);
   if (row < 0) return;
   SetFocus(m_list);
   SendMessageW(m_list, LVM_EDITLABELW, static_cast<WPARAM>(row), 0);
@@ -192,11 +201,24 @@ void ListPane::focusList() { SetFocus(m_list); }
 
 std::vector<std::size_t> ListPane::selectedRows() const {
   std::vector<std::size_t> rows;
-  LRESULT row = -1;
+  LRESULT row = m_hasParent ? 0 : -1;
   while ((row = SendMessageW(m_list, LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED)) >= 0) {
-    rows.push_back(static_cast<std::size_t>(row));
+    rows.push_back(static_cast<std::size_t>(row - rowOf(0)));
   }
   return rows;
+}
+
+bool ListPane::isSelected(int row) const {
+  return SendMessageW(m_list, LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_SELECTED) != 0;
+}
+
+bool ListPane::isParentSelected() const { return m_hasParent && isSelected(0) && selectedCount() == 0; }
+
+const Item* ListPane::itemAt(int row) const {
+  const int item = row - rowOf(0);
+  return item >= 0 && static_cast<std::size_t>(item) < m_items.size()
+             ? &m_items[static_cast<std::size_t>(item)]
+             : nullptr;
 }
 
 std::vector<Item> ListPane::selected() const {
@@ -206,17 +228,19 @@ std::vector<Item> ListPane::selected() const {
 }
 
 int ListPane::selectedCount() const {
-  return static_cast<int>(SendMessageW(m_list, LVM_GETSELECTEDCOUNT, 0, 0));
+  const auto rows = static_cast<int>(SendMessageW(m_list, LVM_GETSELECTEDCOUNT, 0, 0));
+  return rows - (m_hasParent && isSelected(0) ? 1 : 0);
 }
 
-const Item* ListPane::folderAt(POINT screen) const {
+std::wstring ListPane::folderAt(POINT screen) const {
   LVHITTESTINFO hit{};
   hit.pt = screen;
   ScreenToClient(m_list, &hit.pt);
   const auto row = static_cast<int>(SendMessageW(m_list, LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
-  if (row < 0 || static_cast<std::size_t>(row) >= m_items.size()) return nullptr;
-  const Item& item = m_items[static_cast<std::size_t>(row)];
-  return item.isFolder ? &item : nullptr;
+  const std::wstring above = isParent(row) ? parentOn(m_side, m_path) : std::wstring();
+  if (!above.empty()) return above;  // nothing can be among the drives
+  const Item* const item = itemAt(row);
+  return item != nullptr && item->isFolder ? pathOn(m_side, m_path, item->name) : m_path;
 }
 
 bool ListPane::owns(HWND control) const {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // One side of the window: a line for its folder, and below it the list. The list asks for what it shows, so
-// that its size costs nothing. On the window's thread alone.
+// that its size costs nothing. Its first row leads to the folder above, where there is one, and is no item.
+// On the window's thread alone.
 #pragma once
 
 #include <functional>
@@ -36,7 +37,8 @@ class ListPane {
 
   void show(const std::wstring& path, ItemList items);
   void clear();
-  // Selects these items alone and brings the first of them into view; the first of all where there is none.
+  // Selects these items alone and brings the first of them into view; the first of all where there is none,
+  // and the way up where there are no items.
   void select(const std::vector<std::wstring>& names);
   void selectAll();
   void sort(Column column);  // a second time: the other way round
@@ -50,8 +52,10 @@ class ListPane {
   [[nodiscard]] const ItemList& items() const { return m_items; }
   [[nodiscard]] std::vector<Item> selected() const;
   [[nodiscard]] int selectedCount() const;
-  // The folder at this place of the screen, for a drop on it.
-  [[nodiscard]] const Item* folderAt(POINT screen) const;
+  // Whether the way up is what is selected, and nothing else.
+  [[nodiscard]] bool isParentSelected() const;
+  // Where a drop at this place of the screen goes to: the folder there, or the one above, or the shown one.
+  [[nodiscard]] std::wstring folderAt(POINT screen) const;
 
   [[nodiscard]] HWND list() const { return m_list; }
   [[nodiscard]] HWND address() const { return m_address; }
@@ -70,8 +74,14 @@ class ListPane {
   [[nodiscard]] std::wstring cellText(const Item& item, Column column);
   [[nodiscard]] LRESULT findRow(const NMLVFINDITEMW& wanted) const;
   LRESULT endEdit(const NMLVDISPINFOW& edit);
-  [[nodiscard]] std::vector<std::size_t> selectedRows() const;
-  void selectRow(int row, UINT state) const;
+  [[nodiscard]] std::vector<std::size_t> selectedRows() const;  // of m_items
+  void setRowState(int row, UINT state) const;
+  void selectItem(std::size_t item, UINT state) const { setRowState(rowOf(item), state); }
+  // Rows of the list and of m_items: the list's first may be the way up.
+  [[nodiscard]] int rowOf(std::size_t item) const { return static_cast<int>(item) + (m_hasParent ? 1 : 0); }
+  [[nodiscard]] const Item* itemAt(int row) const;
+  [[nodiscard]] bool isParent(int row) const { return m_hasParent && row == 0; }
+  [[nodiscard]] bool isSelected(int row) const;
   static LRESULT CALLBACK handleAddress(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                         DWORD_PTR pane);
   bool onAddressKey(WPARAM key);
@@ -83,6 +93,7 @@ class ListPane {
   std::wstring m_path;
   std::wstring m_cell;  // what the list shows just now, until it asks for the next
   bool m_isShown = false;
+  bool m_hasParent = false;
   UINT m_dpi = 0;
   HWND m_parent = nullptr;
   HWND m_label = nullptr;

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the list asks of its pane, and what the user does in it.
+#include <algorithm>
+
 #include "hosts/qxbrowse/lists/Formats.h"
 #include "hosts/qxbrowse/lists/ListPane.h"
 #include "hosts/qxbrowse/ui/WindowText.h"
@@ -17,6 +19,8 @@ std::optional<LRESULT> ListPane::onNotify(const NMHDR& header) {
     case LVN_COLUMNCLICK:
       sort(static_cast<Column>(reinterpret_cast<const NMLISTVIEW&>(header).iSubItem));
       return 0;
+    case LVN_BEGINLABELEDITW:  // true: there is none
+      return isParent(reinterpret_cast<const NMLVDISPINFOW&>(header).item.iItem) ? TRUE : FALSE;
     case LVN_ENDLABELEDITW:
       return endEdit(reinterpret_cast<const NMLVDISPINFOW&>(header));
     case LVN_BEGINDRAG:
@@ -45,11 +49,12 @@ bool ListPane::onCommand(HWND control, WORD what) {
 
 void ListPane::fillIn(NMLVDISPINFOW& wanted) {
   LVITEMW& cell = wanted.item;
-  if (cell.iItem < 0 || static_cast<std::size_t>(cell.iItem) >= m_items.size()) return;
-  const Item& item = m_items[static_cast<std::size_t>(cell.iItem)];
-  if ((cell.mask & LVIF_IMAGE) != 0) cell.iImage = m_kinds.icon(item);
+  static const Item up{L"..", true, 0, 0};
+  const Item* const item = isParent(cell.iItem) ? &up : itemAt(cell.iItem);
+  if (item == nullptr) return;
+  if ((cell.mask & LVIF_IMAGE) != 0) cell.iImage = m_kinds.icon(*item);
   if ((cell.mask & LVIF_TEXT) == 0) return;
-  m_cell = cellText(item, static_cast<Column>(cell.iSubItem));
+  m_cell = cellText(*item, static_cast<Column>(cell.iSubItem));
   cell.pszText = m_cell.data();
 }
 
@@ -70,17 +75,16 @@ std::wstring ListPane::cellText(const Item& item, Column column) {
 LRESULT ListPane::findRow(const NMLVFINDITEMW& wanted) const {
   constexpr UINT kByText = LVFI_STRING | LVFI_PARTIAL;  // the second implies the first
   if ((wanted.lvfi.flags & kByText) == 0 || wanted.lvfi.psz == nullptr) return -1;
-  const auto start = static_cast<std::size_t>(wanted.iStart < 0 ? 0 : wanted.iStart);
-  const auto row = m_items.findPrefix(wanted.lvfi.psz, start);
-  return row ? static_cast<LRESULT>(*row) : -1;
+  const auto start = static_cast<std::size_t>(std::max(wanted.iStart - rowOf(0), 0));
+  const auto item = m_items.findPrefix(wanted.lvfi.psz, start);
+  return item ? rowOf(*item) : -1;
 }
 
 // The list keeps the old name: the new one comes with the next listing, if there is one.
 LRESULT ListPane::endEdit(const NMLVDISPINFOW& edit) {
-  if (edit.item.pszText == nullptr || edit.item.iItem < 0) return FALSE;
-  const auto row = static_cast<std::size_t>(edit.item.iItem);
-  if (row >= m_items.size() || m_items[row].name == edit.item.pszText) return FALSE;
-  m_events.renamed(Item(m_items[row]), edit.item.pszText);
+  const Item* const item = itemAt(edit.item.iItem);
+  if (edit.item.pszText == nullptr || item == nullptr || item->name == edit.item.pszText) return FALSE;
+  m_events.renamed(Item(*item), edit.item.pszText);
   return FALSE;
 }
 

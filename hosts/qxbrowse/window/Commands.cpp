@@ -18,7 +18,7 @@ bool canList(const Situation& now) { return now.side == Side::local || now.isCon
 bool canUpload(const Situation& now) { return now.isConnected; }
 bool anySelected(const Situation& now) { return now.selected > 0 && folderShown(now); }
 bool oneSelected(const Situation& now) { return now.selected == 1 && folderShown(now); }
-bool canOpen(const Situation& now) { return now.selected == 1 && canList(now); }
+bool canOpen(const Situation& now) { return (now.selected == 1 || now.isParentSelected) && canList(now); }
 bool canTransfer(const Situation& now) {
   return anySelected(now) && now.isConnected && now.isLocalFolderShown;
 }

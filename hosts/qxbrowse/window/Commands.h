@@ -48,6 +48,7 @@ struct Situation {
   bool isConnected = false;
   bool isLocalFolderShown = true;  // not the list of drives
   int selected = 0;                // in that pane
+  bool isParentSelected = false;   // its row that leads to the folder above
 };
 
 struct Key {

@@ -2,6 +2,7 @@
 // What the commands of the main window do.
 #include <algorithm>
 
+#include "hosts/qxbrowse/lists/SidePaths.h"
 #include "hosts/qxbrowse/ui/DeleteQuestion.h"
 #include "hosts/qxbrowse/ui/Names.h"
 #include "hosts/qxbrowse/ui/TextQuestion.h"
@@ -111,8 +112,7 @@ bool MainWindow::runOnServices(Command command) {
 }
 
 std::wstring MainWindow::join(Side side, const std::wstring& name) const {
-  const std::wstring& folder = pane(side).path();
-  return side == Side::local ? localPath(folder, name) : serverPath(folder, name);
+  return pathOn(side, pane(side).path(), name);
 }
 
 std::vector<Place> MainWindow::selectedPlaces(Side side) const {
@@ -122,8 +122,9 @@ std::vector<Place> MainWindow::selectedPlaces(Side side) const {
   return places;
 }
 
-// A folder is entered, a file transferred.
+// A folder is entered, also the one above, a file transferred.
 void MainWindow::open() {
+  if (pane(m_active).isParentSelected()) return goToParent(m_active);
   const std::vector<Item> chosen = pane(m_active).selected();
   if (chosen.size() != 1) return;
   if (chosen.front().isFolder) return go(m_active, join(m_active, chosen.front().name));
@@ -133,7 +134,7 @@ void MainWindow::open() {
 // The folder that was left is the one that is selected.
 void MainWindow::goToParent(Side side) {
   const std::wstring path = pane(side).path();
-  const std::wstring parent = side == Side::local ? localParent(path) : serverParent(path);
+  const std::wstring parent = parentOn(side, path);
   if (!pane(side).isShown() || parent == path) return;
   m_toSelect[static_cast<std::size_t>(side)] = lastPart(path);
   go(side, parent);

@@ -136,8 +136,7 @@ void MainWindow::drop(POINT screen) {
   m_drag.end();
   const Side to = m_dragFrom == Side::local ? Side::server : Side::local;
   if (WindowFromPoint(screen) != pane(to).list()) return;
-  const Item* const folder = pane(to).folderAt(screen);
-  transfer(m_dragFrom, folder != nullptr ? join(to, folder->name) : pane(to).path());
+  transfer(m_dragFrom, pane(to).folderAt(screen));
 }
 
 void MainWindow::onDropFiles(HDROP drop) {

@@ -214,6 +214,7 @@ Situation MainWindow::situation() const {
   now.isConnected = m_isConnected;
   now.isLocalFolderShown = pane(Side::local).isShown() && !pane(Side::local).path().empty();
   now.selected = pane(m_active).selectedCount();
+  now.isParentSelected = pane(m_active).isParentSelected();
   return now;
 }
 

@@ -48,7 +48,7 @@ class AppTest : public LaneTest {
     site.remoteFolder = "/pub";
     site.localFolder = scratch.path().string();
     later([this, site] { app->logIn({site, "secret"}); });
-    user.waitUntil("the folder of the server", [this] { return rowsOf(Text::serverFiles) >= 3; });
+    user.waitUntil("the folder of the server", [this] { return rowsOf(Text::serverFiles) >= 4; });
   }
 
   [[nodiscard]] HWND frame() {

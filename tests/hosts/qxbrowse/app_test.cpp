@@ -73,7 +73,8 @@ class TheProgram : public LaneTest {
   [[nodiscard]] HWND list(Text title) const {
     return FindWindowExW(window, nullptr, WC_LISTVIEWW, text(title));
   }
-  void waitForNames(const Driver& user, Text side, const std::vector<std::string>& names) const {
+  void waitForNames(const Driver& user, Text side, std::vector<std::string> names) const {
+    names.insert(names.begin(), "..");
     std::string wanted = "a list with";
     for (const std::string& name : names) wanted += ' ' + name;
     user.waitUntil(wanted, [&] { return user.items(list(side)) == names; });
@@ -94,6 +95,15 @@ class TheProgram : public LaneTest {
     const HWND box = user.waitForBox(window);
     user.press(box, button);
     user.waitUntilGone(box);
+  }
+  static void answerQuestion(const Driver& user, WORD button) {
+    const HWND question = user.waitForDialog("Replace a file?");
+    user.press(question, button);
+    user.waitUntilGone(question);
+  }
+  [[nodiscard]] std::string read(const std::string& name) const {
+    std::ifstream file(here.path() / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
   }
   void write(const std::string& name, const std::string& content) const {
     std::ofstream(here.path() / name, std::ios::binary) << content;
@@ -121,6 +131,42 @@ TEST_F(TheProgram, CarriesFilesInBothDirections) {
   });
   EXPECT_EQ(server.content("/pub/mine.txt"), "from here");
   EXPECT_EQ(std::filesystem::file_size(here.path() / "a.txt"), 1U);
+}
+
+// A transfer took the place of a file of the same name without a word.
+TEST_F(TheProgram, AsksBeforeItReplacesAFileOnEitherSide) {
+  write("a.txt", "mine, and longer");
+  run([this](Driver& user) {
+    connect(user);
+    waitForNames(user, kServer, {"sub", "a.txt"});
+    waitForNames(user, kLocal, {"a.txt"});
+    choose(user, kServer, "a.txt");
+    order(Command::transfer);
+    answerQuestion(user, replace_question::kSkip);
+    choose(user, kLocal, "a.txt");
+    order(Command::transfer);
+    answerQuestion(user, replace_question::kReplace);
+    user.waitUntil("the upload", [this] { return server.content("/pub/a.txt").size() > 1; });
+  });
+  EXPECT_EQ(server.content("/pub/a.txt"), "mine, and longer");
+  EXPECT_EQ(read("a.txt"), "mine, and longer");
+}
+
+TEST_F(TheProgram, AsksAgainWhereAFileHasComeBeforeARetry) {
+  server.reconfigure(R"({"rules": [{"on": "RETR", "first": 1, "do": [{"reply": "550 Not now"}]}]})");
+  run([this](Driver& user) {
+    connect(user);
+    waitForNames(user, kServer, {"sub", "a.txt"});
+    choose(user, kServer, "a.txt");
+    order(Command::transfer);
+    user.waitUntil("the failure", [&] { return status(user).find("550") != std::string::npos; });
+    write("a.txt", "mine");
+    order(Command::retryFailed);
+    answerQuestion(user, replace_question::kSkip);
+    order(Command::retryFailed);
+    answerQuestion(user, replace_question::kReplace);
+    user.waitUntil("the download", [this] { return read("a.txt") == "x"; });
+  });
 }
 
 TEST_F(TheProgram, ChangesWhatIsOnTheServer) {

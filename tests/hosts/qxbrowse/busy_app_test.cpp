@@ -72,7 +72,7 @@ TEST_F(TheApp, ListsWhileATransferStalls) {
     later([this] { app->list(Side::server, L"/pub"); });
     server.put(R"({"/pub/new": "1"})");
     later([this] { app->createFolder(Side::server, L"/pub/newer"); });
-    user.waitUntil("the new listing", [this] { return rowsOf(Text::serverFiles) == 5; });
+    user.waitUntil("the new listing", [this] { return rowsOf(Text::serverFiles) == 6; });
     close(user);
   });
 }

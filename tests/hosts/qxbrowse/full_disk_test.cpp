@@ -44,7 +44,7 @@ TEST_F(TheTransferQueue, StopsBeforeAFullDiskFailsAll) {
   EXPECT_EQ(pauses, 1);
   EXPECT_EQ(localCount(), 0U) << "a part is left";
   limit.reset();
-  queue->retry();
+  queue->retry(queue->list().ended());
   runAll();
   EXPECT_EQ(queue->list().count(TransferState::done), 3U);
 }

@@ -1,135 +1,22 @@
 // SPDX-License-Identifier: MIT
-// The main window with services that write down what they are asked.
 #include "hosts/qxbrowse/window/MainWindow.h"
 
 #include <gmock/gmock.h>
 
-#include "hosts/qxbrowse/ui/Texts.h"
-#include "hosts/qxbrowse/ui/WindowText.h"
-#include "tests/dialogs/Driver.h"
+#include "tests/hosts/qxbrowse/MainWindowTest.h"
 
 namespace {
 
 using namespace browse;
+using main_window_test::manyItems;
+using main_window_test::Notes;
+using main_window_test::TheMainWindow;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class Notes : public Services {
- public:
-  void connect() override { note(L"connect"); }
-  void disconnect() override { note(L"disconnect"); }
-  void list(Side side, const std::wstring& path) override { note(L"list " + nameOf(side) + path); }
-  void createFolder(Side side, const std::wstring& path) override { note(L"create " + nameOf(side) + path); }
-  void rename(Side side, const std::wstring& from, const std::wstring& to) override {
-    note(L"rename " + nameOf(side) + from + L" to " + to);
-  }
-  void remove(Side side, const std::vector<Place>& places) override {
-    note(L"remove " + nameOf(side) + paths(places));
-  }
-  void upload(const std::vector<Place>& places, const std::wstring& to) override {
-    note(L"upload " + paths(places) + L" to " + to);
-  }
-  void download(const std::vector<Place>& places, const std::wstring& to) override {
-    note(L"download " + paths(places) + L" to " + to);
-  }
-  void copy(const std::vector<Place>& places, const std::wstring& to) override {
-    note(L"copy " + paths(places) + L" to " + to);
-  }
-  void move(const std::vector<Place>& places, const std::wstring& to) override {
-    note(L"move " + paths(places) + L" to " + to);
-  }
-  void cancel() override { note(L"cancel"); }
-  void cancelAll() override { note(L"cancel all"); }
-  void retryFailed() override { note(L"retry"); }
-  void clearDone() override { note(L"clear"); }
-  std::wstring chooseLocalFolder(const std::wstring&) override { return L"C:\\chosen"; }
-  std::vector<Place> chooseFiles(const std::wstring&) override { return {{L"C:\\picked"}}; }
-  std::vector<Place> chooseFilesAndFolders(const std::wstring&) override { return {}; }
-  void showHelp() override { note(L"help"); }
-  void showAbout() override { note(L"about"); }
-  void end() override { note(L"end"); }
-
-  std::vector<std::wstring> take() { return std::exchange(m_notes, {}); }
-
- private:
-  void note(std::wstring what) { m_notes.push_back(std::move(what)); }
-  static std::wstring nameOf(Side side) { return side == Side::local ? L"local " : L"server "; }
-  static std::wstring paths(const std::vector<Place>& places) {
-    std::wstring all;
-    for (const Place& place : places) all += (all.empty() ? L"" : L" ") + place.path;
-    return all;
-  }
-
-  std::vector<std::wstring> m_notes;
-};
-
-std::vector<Item> manyItems(int count) {
-  std::vector<Item> items;
-  for (int i = 0; i < count; ++i)
-    items.push_back({L"file" + std::to_wstring(i), false, static_cast<std::uint64_t>(i)});
-  return items;
-}
-
-class TheMainWindow : public testing::Test {
- protected:
-  void SetUp() override {
-    window.create();
-    window.show(SW_SHOWNOACTIVATE);
-  }
-  // A window that has closed asks its thread to end.
-  ~TheMainWindow() override {
-    if (window.handle() != nullptr) DestroyWindow(window.handle());
-    MSG message{};
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-  }
-
-  void showLocal() {
-    window.go(Side::local, L"C:\\here");
-    window.showFolder(Side::local, L"C:\\here",
-                      ItemList({{L"b.txt", false, 2}, {L"a.txt", false, 1}, {L"sub", true}}));
-    notes.take();
-  }
-  void showBoth() {
-    showLocal();
-    window.showConnected(L"site");
-    window.go(Side::server, L"/pub");
-    window.showFolder(Side::server, L"/pub", ItemList({{L"x", true}, {L"y.bin", false, 5000}}));
-    notes.take();
-  }
-  void choose(Side side, const std::wstring& name) {
-    window.pane(side).focusList();
-    window.pane(side).select({name});
-  }
-  // As the loop of messages has it.
-  bool press(WORD key) {
-    MSG message{};
-    message.hwnd = GetFocus();
-    message.message = WM_KEYDOWN;
-    message.wParam = key;
-    return window.translate(message);
-  }
-  std::wstring cell(Side side, int row, Column column) {
-    wchar_t text[512] = L"";
-    LVITEMW item{};
-    item.iSubItem = static_cast<int>(column);
-    item.pszText = text;
-    item.cchTextMax = static_cast<int>(std::size(text));
-    SendMessageW(window.pane(side).list(), LVM_GETITEMTEXTW, static_cast<WPARAM>(row),
-                 reinterpret_cast<LPARAM>(&item));
-    return text;
-  }
-  int rows(Side side) {
-    return static_cast<int>(SendMessageW(window.pane(side).list(), LVM_GETITEMCOUNT, 0, 0));
-  }
-
-  Notes notes;
-  MainWindow window{notes};
-  const dialog_test::Driver look{GetCurrentThreadId()};
-};
-
 TEST_F(TheMainWindow, ShowsNamesSizesAndTimes) {
   showBoth();
-  EXPECT_EQ(rows(Side::local), 3);
+  EXPECT_EQ(items(Side::local), 3);
   EXPECT_EQ(cell(Side::local, 0, Column::name), L"sub");
   EXPECT_EQ(cell(Side::local, 0, Column::size), L"");
   EXPECT_EQ(cell(Side::local, 1, Column::name), L"a.txt");
@@ -164,14 +51,14 @@ TEST_F(TheMainWindow, ForgetsTheAnswerToAnEarlierQuestion) {
   window.showFolder(Side::local, L"C:\\fast", ItemList({{L"a"}}));
   window.showFolder(Side::local, L"C:\\slow", {});
   EXPECT_EQ(window.pane(Side::local).path(), L"C:\\fast");
-  EXPECT_EQ(rows(Side::local), 1);
+  EXPECT_EQ(items(Side::local), 1);
 }
 
 TEST_F(TheMainWindow, StaysInItsFolderWhereAnotherCannotBeRead) {
   showLocal();
   window.go(Side::local, L"C:\\locked");
   window.showFolderFailed(Side::local, L"C:\\locked", L"no entry");
-  EXPECT_EQ(rows(Side::local), 3);
+  EXPECT_EQ(items(Side::local), 3);
   EXPECT_EQ(windowText(window.pane(Side::local).address()), L"C:\\here");
 }
 
@@ -217,7 +104,7 @@ TEST_F(TheMainWindow, KeepsWhatIsSelectedWhenAFolderIsListedAgain) {
 TEST_F(TheMainWindow, HoldsAHundredThousandItems) {
   window.go(Side::local, L"C:\\large");
   window.showFolder(Side::local, L"C:\\large", ItemList(manyItems(100'000)));
-  EXPECT_EQ(rows(Side::local), 100'000);
+  EXPECT_EQ(items(Side::local), 100'000);
   EXPECT_EQ(cell(Side::local, 99'999, Column::name), L"file99999");
   window.pane(Side::local).selectAll();
   EXPECT_EQ(window.situation().selected, 100'000);
@@ -378,7 +265,7 @@ TEST_F(TheMainWindow, DragsToTheOtherSide) {
   choose(Side::local, L"a.txt");
   NMLISTVIEW begin{};
   begin.hdr = {window.pane(Side::local).list(), 0, LVN_BEGINDRAG};
-  begin.iItem = 1;
+  begin.iItem = 2;
   SendMessageW(window.handle(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&begin));
   EXPECT_EQ(GetCapture(), window.handle());
   EXPECT_TRUE(press(VK_ESCAPE));
@@ -439,6 +326,7 @@ TEST(TheMainWindows, GiveBackAllThatTheyTook) {
     window.showFolder(Side::local, L"C:\\", ItemList(manyItems(10)));
     SendMessageW(window.handle(), WM_CLOSE, 0, 0);
     window.close();
+    main_window_test::forgetTheEnd();
   };
   openAndClose();
   const auto before = counts();

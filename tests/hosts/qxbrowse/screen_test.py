@@ -49,7 +49,7 @@ class Morning:
         return [row[0] for row in main.of_class("SysListView32")[side]["rows"]] if main else None
 
     def wait_for_names(self, side, *names):
-        self.browser.wait(f"the list {names}", lambda seen: self.names(seen, side) == list(names))
+        self.browser.wait(f"the list {names}", lambda seen: self.names(seen, side) == ["..", *names])
 
     def wait_for_status(self, text):
         def has(seen):

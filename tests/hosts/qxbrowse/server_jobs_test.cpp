@@ -47,6 +47,14 @@ class TheServerJobs : public LaneTest {
     }
     return moves;
   }
+  [[nodiscard]] static std::vector<std::string> replacedBy(const Expansion& expansion) {
+    std::vector<std::string> replaced;
+    for (const Transfer& transfer : expansion.transfers) {
+      if (!transfer.replaces) continue;
+      replaced.push_back(transfer.remote.path + " " + std::to_string(transfer.replaces->size.value_or(999)));
+    }
+    return replaced;
+  }
   void write(const std::string& name) const {
     std::filesystem::create_directories((scratch.path() / name).parent_path());
     std::ofstream(scratch.path() / name) << name;
@@ -195,6 +203,90 @@ TEST_F(TheServerJobs, MovesOneToANewNameAndSeveralIntoAFolder) {
   EXPECT_THAT(pathsOf(*several), ElementsAre("/none"));
   EXPECT_TRUE(server.exists("/tree/1.txt"));
   EXPECT_TRUE(server.exists("/tree/four.txt"));
+}
+
+// A transfer that replaced a file did so without a word.
+TEST_F(TheServerJobs, TellsTheFilesThatADownloadWouldReplace) {
+  server.put(R"({"/tree/link": null})");
+  write("deep/two.txt");
+  const auto expansion = run([this](const Session& session) {
+    return expandDownload(session, {{"/tree/one.txt", false}, {"/tree/deep", true}}, scratch.path());
+  });
+  ASSERT_TRUE(expansion);
+  EXPECT_THAT(replacedBy(*expansion), ElementsAre("/tree/deep/two.txt 12"));
+  for (const Transfer& transfer : expansion->transfers) EXPECT_FALSE(transfer.mayReplace);
+}
+
+TEST_F(TheServerJobs, TellsTheFilesThatAnUploadWouldReplace) {
+  for (const char* name : {"deep/two.txt", "deep/new.txt", "deep/er/three.txt", "deep/other/four.txt"})
+    write(name);
+  const auto expansion = run(
+      [this](const Session& session) { return expandUpload(session, {scratch.path() / "deep"}, "/tree"); });
+  ASSERT_TRUE(expansion);
+  EXPECT_THAT(replacedBy(*expansion),
+              UnorderedElementsAre("/tree/deep/two.txt 2", "/tree/deep/er/three.txt 3"));
+}
+
+TEST_F(TheServerJobs, TellsTheFilesThatACopyWouldReplace) {
+  const auto expansion = run([](const Session& session) {
+    return expandCopy(session, {{"/kept/four.txt", false}}, "/tree/one.txt");
+  });
+  ASSERT_TRUE(expansion);
+  EXPECT_THAT(replacedBy(*expansion), ElementsAre("/kept/four.txt 1"));
+  EXPECT_EQ(expansion->transfers.front().size, 4U) << "it can be compared";
+}
+
+// Servers do not list names that begin with a dot, and some take "ONE.TXT" for "one.txt".
+TEST_F(TheServerJobs, AsksTheServerForNamesThatItsListingsMayNotTell) {
+  server.put(R"({"/tree/.profile": "hidden", "/tree/ONE.TXT": "other"})");
+  server.reconfigure(R"({"rules": [{"on": ["LIST", "MLSD"], "argument": "/tree", "do": [{"normal": {"lines": [
+      "type=file;size=1; one.txt"]}}]}]})");
+  for (const char* name : {".profile", "ONE.TXT", ".none"}) write(name);
+  const auto expansion = run([this](const Session& session) {
+    return expandUpload(session,
+                        {scratch.path() / ".profile", scratch.path() / "ONE.TXT", scratch.path() / ".none"},
+                        "/tree");
+  });
+  ASSERT_TRUE(expansion);
+  EXPECT_THAT(replacedBy(*expansion), UnorderedElementsAre("/tree/.profile 6", "/tree/ONE.TXT 5"));
+}
+
+TEST_F(TheServerJobs, LooksAgainAtWhatTheUserHasNotAgreedTo) {
+  const auto access = std::make_shared<const qx::Login>(login());
+  Transfer free{Direction::upload, {"/tree/fresh", {}, {}}, scratch.path() / "x", {}, access, {}};
+  Transfer taken{Direction::upload, {"/tree/one.txt", {}, {}}, scratch.path() / "x", {}, access, {}};
+  Transfer agreed = taken;
+  agreed.mayReplace = true;
+  Transfer elsewhere = taken;
+  elsewhere.server = std::make_shared<const qx::Login>();
+  const auto expansion = run([&](const Session& session) {
+    return lookAgain(session, {free, taken, agreed, elsewhere}, access);
+  });
+  ASSERT_TRUE(expansion);
+  ASSERT_EQ(expansion->transfers.size(), 4U);
+  EXPECT_THAT(replacedBy(*expansion), ElementsAre("/tree/one.txt 1"));
+  EXPECT_TRUE(expansion->transfers[1].replaces);
+  EXPECT_TRUE(expansion->transfers[2].mayReplace);
+}
+
+// Most servers replace a file by one that is renamed to its name.
+TEST_F(TheServerJobs, MovesNothingOverWhatIsThere) {
+  const auto moved = run([](const Session& session) {
+    return movePlaces(session, {{"/tree/one.txt", false}}, "/kept/four.txt");
+  });
+  ASSERT_TRUE(moved);
+  EXPECT_THAT(pathsOf(*moved), ElementsAre("/tree/one.txt"));
+  EXPECT_EQ(server.content("/kept/four.txt"), "4444");
+  EXPECT_TRUE(server.exists("/tree/one.txt"));
+}
+
+TEST_F(TheServerJobs, ChangesTheCaseOfAName) {
+  const auto moved = run([](const Session& session) {
+    return movePlaces(session, {{"/tree/one.txt", false}}, "/tree/One.txt");
+  });
+  ASSERT_TRUE(moved);
+  EXPECT_THAT(*moved, IsEmpty());
+  EXPECT_TRUE(server.exists("/tree/One.txt"));
 }
 
 }  // namespace

@@ -63,7 +63,7 @@ TEST_F(TheTransferList, LetsWhatFailedOrWasCancelledWaitAgain) {
   run(failed);
   run(done);
   run(cancelled);
-  list.retry();
+  list.retry(list.ended());
   EXPECT_THAT(states(), ElementsAre(waiting, done, waiting, waiting));
   EXPECT_EQ(list.begin()->remote.path, "/0");
   EXPECT_EQ(list[0].text, "") << "of the attempt before";
@@ -112,6 +112,23 @@ TEST_F(TheTransferList, TakesManyEntries) {
   while (list.begin() != nullptr) list.end(done, "");
   EXPECT_EQ(list.count(done), 20'004U);
   list.clearDone();
+  EXPECT_EQ(list.size(), 0U);
+}
+
+TEST_F(TheTransferList, RetriesThoseThatAreChosenWhereverTheyStandNow) {
+  list.cancelWaiting();
+  std::vector<Transfer> chosen = list.ended();
+  chosen.erase(chosen.begin() + 1, chosen.begin() + 3);
+  chosen.front().mayReplace = true;
+  list.retry(chosen);
+  EXPECT_EQ(list[0].state, TransferState::waiting);
+  EXPECT_TRUE(list[0].transfer.mayReplace);
+  EXPECT_EQ(list[1].state, TransferState::cancelled);
+  EXPECT_EQ(list[3].state, TransferState::waiting);
+  list.clearDone();
+  list.cancelWaiting();
+  list.clearDone();
+  list.retry(chosen);
   EXPECT_EQ(list.size(), 0U);
 }
 

@@ -37,7 +37,7 @@ TEST_F(TheTransferQueue, GoesOnBehindOneThatFailsAndTriesItAgain) {
   EXPECT_EQ(state(1), TransferState::failed);
   EXPECT_THAT(textOf(1), HasSubstr("nothing is left"));
   EXPECT_EQ(state(2), TransferState::done);
-  queue->retry();
+  queue->retry(queue->list().ended());
   runAll();
   EXPECT_EQ(local("b.txt"), "two");
   EXPECT_EQ(queue->list().count(TransferState::done), 3U);
@@ -119,6 +119,21 @@ TEST_F(TheTransferQueue, ForgetsLettersThatComeAfterItsEnd) {
   queue.reset();
   letters.readOne();
   EXPECT_EQ(localCount(), 0U);
+}
+
+// It was not there when the user was asked.
+TEST_F(TheTransferQueue, ReplacesNothingHereThatNobodyAgreedTo) {
+  std::ofstream(scratch.path() / "b.txt") << "mine";
+  queue->add({download("b.txt")});
+  runAll();
+  EXPECT_EQ(state(0), TransferState::failed);
+  EXPECT_EQ(local("b.txt"), "mine");
+  std::vector<Transfer> agreed = queue->list().ended();
+  agreed.front().mayReplace = true;
+  queue->retry(agreed);
+  runAll();
+  EXPECT_EQ(state(0), TransferState::done);
+  EXPECT_EQ(local("b.txt"), "two");
 }
 
 }  // namespace
