@@ -8,7 +8,7 @@ from stage import MANY
 
 _MEBIBYTE = 1 << 20
 _HUGE = 10 << 30
-_REMOTE = "/pub/zeros"
+_REMOTE, _SENT = "/pub/zeros", "/pub/sent"
 
 
 def _text(size):
@@ -35,12 +35,29 @@ def _linux(stage):
     return [build for build in stage.builds if not build.windows]
 
 
+def _down(stage, size):
+    target = stage.folder / "zeros"
+    stage.server.ask("put", files={_REMOTE: {"size": size, "zeros": True}})
+    made = _of(stage, f"memory of a download, {_text(size)}", "download", _REMOTE, target)
+    target.unlink()
+    return made
+
+
+def _up(stage, size):
+    source = stage.folder / "zeros"
+    with open(source, "wb") as file:
+        file.truncate(size)
+    made = _of(stage, f"memory of an upload, {_text(size)}", "upload", source, _SENT)
+    if stage.server.size(_SENT) != size:
+        raise RuntimeError(f"the server has not got {_text(size)}")
+    stage.server.ask("put", files={_SENT: ""})
+    source.unlink()
+    return made
+
+
 def memory(stage):
     made = []
-    target = stage.folder / "zeros"
     for size in sorted(set(_sizes(stage))):
-        stage.server.ask("put", files={_REMOTE: {"size": size, "zeros": True}})
-        made += _of(stage, f"memory of a download, {_text(size)}", "download", _REMOTE, target)
-        target.unlink()
+        made += _down(stage, size) + _up(stage, size)
     entries = stage.arguments.entries
     return made + _of(stage, f"memory of a listing, {entries} entries", "count", MANY, entries)

@@ -34,6 +34,7 @@ TARGETS = {
     ("encrypted upload", "windows"): {"ratio": 4.0},
     ("exists in a row, connected", "linux"): {"one": 0.0003},
     ("memory of a download", "linux"): _TRANSFER,
+    ("memory of an upload", "linux"): _TRANSFER,
 }
 # On a connection of its own to a host that is new, to one that is known, and on the connection of FTPConnect.
 _TRIPS = {
