@@ -110,7 +110,7 @@ class Get {
       if (entry.kind == Kind::folder) m_refused.push_back(entry.path + "/");
       fail("cannot be here: " + *reason);
     }
-    const fs::path local = target / hosts::nameFromServer(entry.path);
+    const fs::path local = target / hosts::pathFromServer(entry.path);
     if (entry.kind == Kind::file) return add(source, entry, local);
     m_jobs.push_back({.action = JobAction::makeLocalFolder, .place = source, .local = local});
   }

@@ -89,12 +89,12 @@ class Put {
     needUncancelled(tree);
     m_jobs.push_back({.action = JobAction::makeRemoteFolder, .place = place});
     for (const hosts::Problem& problem : tree.problems)
-      tell(hosts::shown(source / hosts::nameFromServer(problem.path)), problem.text);
+      tell(hosts::shown(source / hosts::pathFromServer(problem.path)), problem.text);
     for (const Entry& entry : tree.entries) collectBelow(source, place, entry);
   }
 
   void collectBelow(const fs::path& source, const Place& place, const Entry& entry) {
-    const fs::path local = source / hosts::nameFromServer(entry.path);
+    const fs::path local = source / hosts::pathFromServer(entry.path);
     const Place below = Context::at(place, hosts::joined(place.path(), entry.path));
     if (const auto reason = hosts::whyNotRemote(hosts::lastPart(entry.path)))
       return tell(hosts::shown(local), *reason);

@@ -9,21 +9,13 @@ namespace {
 
 bool controls(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }
 
-char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-std::string withoutCase(std::string_view text) {
-  std::string result(text);
-  std::ranges::transform(result, result.begin(), lowered);
-  return result;
-}
-
 // Names of devices, whatever follows behind a dot.
 bool isDevice(std::string_view name) {
   std::string base = withoutCase(name.substr(0, name.find('.')));
   base.erase(base.find_last_not_of(' ') + 1);
-  static constexpr std::array kDevices = {"con", "prn", "aux", "nul", "conin$", "conout$"};
+  static constexpr std::array kDevices = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
   if (std::ranges::find(kDevices, base) != kDevices.end()) return true;
-  return base.size() == 4 && (base.starts_with("com") || base.starts_with("lpt")) && base[3] >= '0' &&
+  return base.size() == 4 && (base.starts_with("COM") || base.starts_with("LPT")) && base[3] >= '0' &&
          base[3] <= '9';
 }
 
@@ -52,6 +44,17 @@ std::optional<std::string> whyNotLocal(std::string_view name, NameRules rules) {
 
 std::string folded(std::string_view name, NameRules rules) {
   return rules == NameRules::windows ? withoutCase(name) : std::string(name);
+}
+
+std::filesystem::path pathFromServer(std::string_view path) {
+  std::filesystem::path::string_type local;
+  for (;;) {
+    const std::size_t end = path.find('/');
+    local += nameFromServer(std::string(path.substr(0, end))).native();
+    if (end == path.npos) return local;
+    local += '/';
+    path.remove_prefix(end + 1);
+  }
 }
 
 std::string joined(std::string_view folder, std::string_view name) {

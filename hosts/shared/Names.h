@@ -19,8 +19,10 @@ std::optional<std::string> whyNotLocal(std::string_view name, NameRules rules = 
 // Why nothing on a server can be reached by the name: the library takes it for a path, or for none.
 std::optional<std::string> whyNotRemote(std::string_view name);
 
-// Two names that are the same to the system come out the same. Windows regards no case.
+// Two names that are the same to the system come out the same, and so do paths. Windows regards no case.
 std::string folded(std::string_view name, NameRules rules = namesHere());
+// In capitals, of all letters that the system knows: on Linux those of ASCII.
+std::string withoutCase(std::string_view path);
 
 // `folder` may be empty or end with a slash.
 std::string joined(std::string_view folder, std::string_view name);
@@ -31,6 +33,8 @@ std::string folderOf(std::string_view path);
 // A name of this system as the library would tell it of a server, and back.
 std::string nameForServer(const std::filesystem::path& name);
 std::filesystem::path nameFromServer(const std::string& name);
+// The same for a path with slashes, whose parts may differ in their encoding.
+std::filesystem::path pathFromServer(std::string_view path);
 // The full form of a local path for the library. None on Windows where the process's code page lacks one of
 // its characters.
 std::optional<std::string> pathForLibrary(const std::filesystem::path& path);

@@ -1,9 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "hosts/shared/Names.h"
 
+#include <algorithm>
+
 namespace hosts {
 
 NameRules namesHere() { return NameRules::posix; }
+
+std::string withoutCase(std::string_view path) {
+  std::string result(path);
+  std::ranges::transform(result, result.begin(),
+                         [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+  return result;
+}
 
 std::string nameForServer(const std::filesystem::path& name) { return name.string(); }
 

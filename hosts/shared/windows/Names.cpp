@@ -49,6 +49,15 @@ bool isAscii(const std::string& text) {
 
 NameRules namesHere() { return NameRules::windows; }
 
+// By capitals, as the file system does.
+std::string withoutCase(std::string_view path) {
+  std::wstring text = pathFromServer(path).wstring();
+  const int size = static_cast<int>(text.size());
+  LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, text.c_str(), size, text.data(), size, nullptr,
+                nullptr, 0);
+  return narrow(text, CP_UTF8).value_or(std::string(path));
+}
+
 std::string nameForServer(const std::filesystem::path& name) {
   const auto inCodePage = narrow(name.wstring(), CP_ACP);
   if (inCodePage && (isAscii(*inCodePage) || !wide(*inCodePage, CP_UTF8))) return *inCodePage;
