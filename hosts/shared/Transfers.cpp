@@ -127,6 +127,7 @@ Outcome upload(qx::Client& client, const fs::path& source, const std::string& ta
   std::error_code error;
   const LocalFacts facts = factsOf(source, Links::followed, error);
   if (error) return failure(error.message() + "; nothing was sent");
+  if (facts.kind != Kind::file) return failure("this is no file; nothing was sent");
   const auto local = pathForLibrary(source);
   if (!local) return failure("the code page of this system lacks characters of " + shown(source));
   const auto copied = client.upload(*local, target);

@@ -143,6 +143,13 @@ TEST_F(Transfers, AMissingFileIsNotSent) {
   EXPECT_TRUE(server.connections().empty());
 }
 
+TEST_F(Transfers, AFolderIsNotSent) {
+  const Outcome outcome = upload(client, scratch.path(), "/pub/new");
+  EXPECT_EQ(outcome.state, Outcome::State::failed);
+  EXPECT_THAT(outcome.text, HasSubstr("nothing was sent"));
+  EXPECT_EQ(server.commandCount("STOR"), 0);
+}
+
 TEST_F(Transfers, AServerThatCannotBeReachedIsToldApart) {
   const fixture::RefusedPort closed;
   ASSERT_TRUE(client.setLogin({.host = "127.0.0.1", .port = closed.port()}));
