@@ -269,7 +269,8 @@ class TQXIPIFInt {
   //   Links: an entry is what its link leads to, a file of size 0 where that is nowhere; its times are the
   // link's. Where the server does not tell, it is asked; of one listing about the first 64 links, the others
   // stay files of size 0. So for slots 34 to 36. A host that removes a whole tree calls FTPRmvDir for each
-  // directory before it goes into it: a link is removed then, and what it leads to stays.
+  // directory before it goes into it, and FTPRmvFile where that has failed: one of them removes a link, and
+  // what it leads to stays. Some servers tell nobody that there is a link, and delete it as a file alone.
   //   Times: UTC where the server tells them so (MLSD, EPLF). A listing by LIST shows clocks of the server's
   // own zone: the time of one file is asked (MDTM), once for each server, login and process, and tells the
   // zone's present distance from UTC for all. Where it does not, and where only days are shown, times are as

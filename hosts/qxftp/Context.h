@@ -59,6 +59,8 @@ class Context {
   [[nodiscard]] qx::Client& anonymous() { return m_servers.anonymous(); }
   void onProgress(Servers::OnProgress onProgress) { m_servers.onProgress(std::move(onProgress)); }
   [[nodiscard]] hosts::ListingWatch& watch() { return m_servers.watch(); }
+  // The server's last one, which a failure tells.
+  [[nodiscard]] Refusal& refusal() { return m_servers.refusal(); }
 
   // `work` for each path: what it throws as a Failure is told, and the next path's turn comes, but not after
   // Ctrl-C. It may fill in the path's JSON object, which has "path" already. No work is done where a path is

@@ -2,9 +2,11 @@
 #include "hosts/qxftp/FileJobs.h"
 
 #include <algorithm>
+#include <map>
 
 #include "hosts/shared/Interrupt.h"
 #include "hosts/shared/Names.h"
+#include "hosts/shared/Trees.h"
 
 namespace qxftp {
 namespace {
@@ -103,10 +105,31 @@ class Runner {
         fs::remove(job.local, error);
         return needLocal(error);
       case JobAction::removeRemoteFile:
-        return void(need(client(job).remove(job.place.path())));
+        if (!wentWithLink(job)) need(client(job).remove(job.place.path()));
+        return;
       case JobAction::removeRemoteFolder:
-        return void(need(client(job).removeDirectory(job.place.path())));
+        if (!wentWithLink(job)) need(client(job).removeDirectory(job.place.path()));
+        return;
     }
+  }
+
+  // A link goes alone: nothing that seems to be in it is removed.
+  bool wentWithLink(const FileJob& job) {
+    if (job.within.empty()) return false;
+    const bool isFile = job.action == JobAction::removeRemoteFile;
+    const std::string lowest = isFile ? hosts::folderOf(job.place.path()) : job.place.path();
+    for (std::size_t end = job.within.size(); end != lowest.npos; end = lowest.find('/', end + 1)) {
+      if (wasLink(job, lowest.substr(0, end))) return true;
+    }
+    return wasLink(job, lowest);
+  }
+
+  bool wasLink(const FileJob& job, const std::string& folder) {
+    const auto known = m_wasLink.find(folder);
+    if (known != m_wasLink.end()) return known->second;
+    const bool wasLink = need(hosts::removeIfLink(client(job), m_context.watch(), folder));
+    m_context.refusal().forget();
+    return m_wasLink[folder] = wasLink;
   }
 
   qx::Client& client(const FileJob& job) { return m_context.connected(job.place); }
@@ -147,6 +170,7 @@ class Runner {
   Display m_display;
   int m_losses = 0;
   bool m_isDiskFull = false;
+  std::map<std::string, bool> m_wasLink;  // of folders that are removed: which was one, and is gone
 };
 
 }  // namespace

@@ -28,6 +28,7 @@ struct FileJob {
   std::optional<std::uint64_t> size = {};  // of the file, where it is known
   std::optional<hosts::Moment> time = {};  // as the server tells it
   bool keepsExisting = false;              // what is there already stays
+  std::string within = {};                 // on the server: the folder that is removed with all below it
 };
 
 // Each job is a result of its own (Context.h). After a cancel, on a full disk, and where a server was out of

@@ -43,7 +43,9 @@ const std::vector<Section> kSections = {
       {"clock", "a server's that may be behind is asked by a file \"qx-clock-NUMBER.tmp\", which goes again"},
       {"in the way",
        "a file where a folder has to be, or the other way round, is a failure without --delete"},
-      {"--delete", "removes nothing where a folder could not be listed, here or there"}}},
+      {"--delete",
+       "removes nothing where a folder could not be listed, here or there; a link on the server goes alone, "
+       "and what it leads to stays"}}},
     {"Passwords",
      "None has to stand on the command line, where other users of the machine can read it. The first of "
      "these that "

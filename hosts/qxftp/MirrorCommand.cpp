@@ -198,7 +198,7 @@ class Mirror {
 
   FileJob jobOf(const MirrorStep& step) const {
     FileJob job{.place = Context::at(m_place, hosts::joined(m_place.path(), step.entry.path)),
-                .local = m_local / hosts::nameFromServer(step.entry.path),
+                .local = m_local / hosts::pathFromServer(step.entry.path),
                 .size = step.entry.size,
                 .time = step.entry.time};
     switch (step.action) {
@@ -215,6 +215,7 @@ class Mirror {
         job.action = isDown() ? JobAction::removeLocal : JobAction::removeRemoteFolder;
         break;
     }
+    if (!step.within.empty()) job.within = hosts::joined(m_place.path(), step.within);
     return job;
   }
 

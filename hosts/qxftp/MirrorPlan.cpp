@@ -19,7 +19,10 @@ class Planner {
  public:
   Planner(const hosts::Tree& source, const hosts::Tree& target, const MirrorRules& rules)
       : m_source(source), m_target(target), m_rules(rules) {
-    for (const Entry& entry : target.entries) m_there.emplace(key(entry.path), &entry);
+    for (const Entry& entry : target.entries) {
+      m_there.emplace(key(entry.path), &entry);
+      m_exactlyThere.emplace(entry.path, &entry);
+    }
     const bool isVague = !source.isWhole() || !target.isWhole();
     m_plan.isTooVagueToDelete = rules.deletes && isVague;
     m_deletes = rules.deletes && !isVague;
@@ -70,9 +73,15 @@ class Planner {
                                                 : hosts::whyNotRemote(name);
   }
 
+  // A server can have names that are one here; its own one counts first.
+  [[nodiscard]] const Entry* find(const std::string& path) const {
+    if (const auto exact = m_exactlyThere.find(path); exact != m_exactlyThere.end()) return exact->second;
+    const auto found = m_there.find(key(path));
+    return found == m_there.end() ? nullptr : found->second;
+  }
+
   void place(const Entry& entry) {
-    const auto found = m_there.find(key(entry.path));
-    const Entry* const there = found == m_there.end() ? nullptr : found->second;
+    const Entry* const there = find(entry.path);
     if (there != nullptr && isInTheWay(*there, entry)) {
       if (!m_deletes)
         return refuse(entry, std::string("a ") + nameOf(*there) + " of this name is in the way");
@@ -119,19 +128,29 @@ class Planner {
   void removeAll(const Entry& entry) {
     const std::string below = entry.path + "/";
     for (auto other = m_target.entries.rbegin(); other != m_target.entries.rend(); ++other) {
-      if (other->path.starts_with(below)) remove(*other, "kind");
+      if (other->path.starts_with(below)) remove(*other, "kind", entry.path);
     }
-    remove(entry, "kind");
+    remove(entry, "kind", entry.kind == Kind::folder ? entry.path : "");
   }
 
-  void remove(const Entry& entry, const std::string& why) {
-    if (!m_removed.insert(key(entry.path)).second) return;
-    step(entry.kind == Kind::folder ? MirrorAction::removeFolder : MirrorAction::removeFile, entry, why);
+  void remove(const Entry& entry, const std::string& why, const std::string& within) {
+    if (!m_removed.insert(entry.path).second) return;
+    const auto action = entry.kind == Kind::folder ? MirrorAction::removeFolder : MirrorAction::removeFile;
+    m_plan.steps.push_back({action, entry, why, within});
+  }
+
+  // The topmost folder that the source has not, down to the path.
+  [[nodiscard]] std::string goneFolderOf(const Entry& entry) const {
+    for (std::size_t end = entry.path.find('/'); end != entry.path.npos;
+         end = entry.path.find('/', end + 1)) {
+      if (const std::string above = entry.path.substr(0, end); !m_seen.contains(key(above))) return above;
+    }
+    return entry.kind == Kind::folder ? entry.path : "";
   }
 
   void removeWhatIsGone() {
     for (auto entry = m_target.entries.rbegin(); entry != m_target.entries.rend(); ++entry) {
-      if (!m_seen.contains(key(entry->path))) remove(*entry, "gone");
+      if (!m_seen.contains(key(entry->path))) remove(*entry, "gone", goneFolderOf(*entry));
     }
   }
 
@@ -144,6 +163,8 @@ class Planner {
   std::unordered_map<std::string, const Entry*> m_there;
   std::unordered_set<std::string> m_seen;
   std::unordered_set<std::string> m_refused;
+  // By path as it is.
+  std::unordered_map<std::string, const Entry*> m_exactlyThere;
   std::unordered_set<std::string> m_removed;
 };
 

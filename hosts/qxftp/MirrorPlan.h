@@ -29,6 +29,8 @@ struct MirrorStep {
   MirrorAction action = MirrorAction::transfer;
   hosts::Entry entry;  // of the target for removals, else of the source
   std::string why;     // "new", "size", "time", "kind", "gone"
+  // Of a removal: the topmost folder that goes with all that is below it; empty where a file goes alone.
+  std::string within = {};
 };
 
 struct MirrorPlan {

@@ -19,10 +19,10 @@ void ListingWatch::take(std::string_view line) {
 }
 
 void ListingWatch::command(std::string_view line) {
-  const std::string_view verb = line.substr(0, line.find(' '));
-  if (verb != "MLSD" && verb != "LIST" && verb != "NLST") return;
+  m_verb = line.substr(0, line.find(' '));
+  if (m_verb != "MLSD" && m_verb != "LIST" && m_verb != "NLST") return;
   m_stage = Stage::asked;
-  m_isExact = verb == "MLSD";
+  m_isExact = m_verb == "MLSD";
 }
 
 void ListingWatch::reply(std::string_view line) {
@@ -30,6 +30,7 @@ void ListingWatch::reply(std::string_view line) {
   const char kind = line.front();
   if (kind == '4' || kind == '5' || (m_stage == Stage::coming && tellsOfFailure(line))) {
     m_refusal = line;
+    m_refused = m_verb;
     if (m_stage != Stage::whole) m_stage = Stage::none;
   } else if (kind == '1' && m_stage == Stage::asked) {
     m_stage = Stage::coming;

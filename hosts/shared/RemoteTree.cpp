@@ -106,4 +106,11 @@ Tree readRemoteTree(qx::Client& client, ListingWatch& watch, const std::string& 
   return RemoteWalk(client, watch, folder, walk).run();
 }
 
+qx::Result<bool> removeIfLink(qx::Client& client, ListingWatch& watch, const std::string& path) {
+  watch.begin();
+  const auto removed = client.remove(path);
+  if (!removed && !watch.hasRefused("DELE")) return {std::nullopt, removed.report()};
+  return {static_cast<bool>(removed), {}};
+}
+
 }  // namespace hosts

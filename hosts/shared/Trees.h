@@ -64,6 +64,11 @@ Tree readLocalTree(const std::filesystem::path& folder, const Walk& walk = {});
 Tree readRemoteTree(qx::Client& client, ListingWatch& watch, const std::string& folder,
                     const Walk& walk = {});
 
+// Listings tell a link to a folder as that folder. Removes it where it is one, and nothing that it leads to;
+// false where it is none: a server deletes a link like a file, and refuses to delete a folder so. A server
+// that has not answered is a failure, for nobody knows then. `watch` as above.
+qx::Result<bool> removeIfLink(qx::Client& client, ListingWatch& watch, const std::string& path);
+
 // The 64 bits of an entry.
 inline std::uint64_t sizeOf(const QXDirEntry& entry) {
   return (std::uint64_t{entry.nFileSizeHigh} << 32) | entry.nFileSizeLow;

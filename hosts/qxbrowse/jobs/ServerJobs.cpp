@@ -45,6 +45,9 @@ class Removal {
     if (m_session.isStopped) return;
     if (!place.isFolder) return check(place.path, m_session.client.remove(place.path));
     if (m_session.client.removeDirectory(place.path)) return;  // it was empty, or a link
+    const auto wasLink =
+        hosts::removeIfLink(m_session.client, m_session.watch, place.path);  // one that is listed as a folder
+    if (!wasLink || *wasLink) return check(place.path, wasLink);
     if (depth == kDeepest)
       return m_problems.push_back({place.path, "there are too many folders in each other"});
     if (empty(place.path, depth)) check(place.path, m_session.client.removeDirectory(place.path));
@@ -53,7 +56,8 @@ class Removal {
   Problems problems() && { return std::move(m_problems); }
 
  private:
-  void check(const std::string& path, const qx::Result<qx::Done>& done) {
+  template <typename Value>
+  void check(const std::string& path, const qx::Result<Value>& done) {
     if (!done) m_problems.push_back({path, done.report().text});
   }
 
@@ -124,8 +128,7 @@ class Expander {
   void download(const hosts::Entry& entry, const std::string& folder, const fs::path& to) {
     const std::string path = hosts::joined(folder, entry.path);
     if (const auto why = whyNotHere(entry.path)) return problem(path, *why);
-    fs::path local = to;
-    for (const std::string& part : partsOf(entry.path)) local /= hosts::nameFromServer(part);
+    const fs::path local = to / hosts::pathFromServer(entry.path);
     if (entry.kind == hosts::Kind::folder) return makeLocalFolder(path, local);
     add({Direction::download, {path, entry.size, entry.time}, local, {}, {}, entry.size, entry.time});
   }
@@ -211,8 +214,7 @@ class Expander {
   }
 
   void uploadEntry(const fs::path& folder, const hosts::Entry& entry, const std::string& to) {
-    fs::path local = folder;
-    for (const std::string& part : partsOf(entry.path)) local /= hosts::nameFromServer(part);
+    const fs::path local = folder / hosts::pathFromServer(entry.path);
     if (entry.kind == hosts::Kind::folder) return static_cast<void>(makeFolder(to));
     if (entry.kind == hosts::Kind::file) return uploadFile(local, to, entry.size, entry.time);
     problem(hosts::shown(local), "this is neither a file nor a folder");

@@ -86,6 +86,21 @@ TEST_F(TheServerJobs, RemovesATreeButNotWhatALinkLeadsTo) {
   EXPECT_TRUE(server.exists("/kept/four.txt"));
 }
 
+// Some servers tell nobody that there is a link: all that it led to went.
+TEST_F(TheServerJobs, RemovesALinkThatIsListedAsAFolderAlone) {
+  server.reconfigure(R"({"rules": [
+    {"on": "MLSD", "argument": "/tree", "do": [{"normal": {"lines": ["type=dir; link"]}}]},
+    {"on": "MLST", "argument": "/tree/link", "do": [{"reply": ["250-Facts", " type=dir; /tree/link", "250 End"]}]}
+  ]})");
+  const auto removed = run([](const Session& session) {
+    return removePlaces(session, {{"/tree/link", true}});
+  });
+  ASSERT_TRUE(removed);
+  EXPECT_THAT(pathsOf(*removed), IsEmpty());
+  EXPECT_FALSE(server.exists("/tree/link"));
+  EXPECT_TRUE(server.exists("/kept/four.txt"));
+}
+
 TEST_F(TheServerJobs, RemovesTheRestOfATreeInWhichOneFileStays) {
   server.reconfigure(
       R"({"rules": [{"on": "DELE", "argument": "/tree/deep/two.txt", "do": [{"reply": "550 Mine"}]}]})");

@@ -125,6 +125,19 @@ TEST_F(PlannedMirror, RemovesOnlyWhenAskedTo) {
   EXPECT_EQ(plan.removals(), 4U);
 }
 
+// A server's folder can be a link, and then nothing that seems to be in it may go.
+TEST_F(MirrorUp, RemovalsTellTheTopmostFolderThatGoes) {
+  rules.deletes = true;
+  const Tree there = tree({file("a"), folder("b"), file("b/in"), folder("kept"), file("kept/gone"),
+                           folder("kept/old"), folder("kept/old/deep"), file("kept/old/deep/c")});
+  steps(tree({file("b"), folder("kept")}), there);
+  std::vector<std::string> told;
+  for (const MirrorStep& step : plan.steps) told.push_back(step.entry.path + " in " + step.within);
+  EXPECT_THAT(told,
+              ElementsAre("b/in in b", "b in b", "b in ", "kept/old/deep/c in kept/old",
+                          "kept/old/deep in kept/old", "kept/old in kept/old", "kept/gone in ", "a in "));
+}
+
 // What a folder has that could not be listed would look as if it was gone.
 TEST_F(PlannedMirror, RemovesNothingWhenAListingIsIncomplete) {
   rules.deletes = true;
@@ -173,6 +186,13 @@ TEST_F(PlannedMirror, ARefusedNameIsNotGone) {
   rules.deletes = true;
   EXPECT_THAT(steps(tree({file("README"), file("readme")}), tree({file("ReadMe")})), IsEmpty());
   EXPECT_THAT(problems(), ElementsAre("readme"));
+}
+
+// The one that is here was compared with the other one, and sent in its own one's place again and again.
+TEST_F(MirrorUp, OfNamesThatAreOneHereTheServersOwnOneCounts) {
+  rules.localNames = hosts::NameRules::windows;
+  EXPECT_THAT(steps(tree({file("readme", 5)}), tree({file("README", 6), file("readme", 5)})), IsEmpty());
+  EXPECT_THAT(steps(tree({file("readme", 5)}), tree({file("README", 6)})), ElementsAre("move readme (size)"));
 }
 
 TEST_F(MirrorUp, RefusesWhatTheLibraryWouldTakeForAPath) {

@@ -117,6 +117,21 @@ TEST_F(RemoteTree, FoldersOfOneNameInEachOtherAreNoLinks) {
   EXPECT_TRUE(tree.isWhole() || tree.entries.size() >= 3) << "times tell them apart, or they are told";
 }
 
+TEST_F(RemoteTree, AFolderThatIsALinkCanGoAlone) {
+  server.put(R"({"/pub/link": {"link": "sub"}})");
+  EXPECT_EQ(removeIfLink(client, watch, "/pub/link").valueOr(false), true);
+  EXPECT_FALSE(server.exists("/pub/link"));
+  EXPECT_EQ(removeIfLink(client, watch, "/pub/sub").valueOr(true), false);
+  EXPECT_TRUE(server.exists("/pub/sub/large"));
+}
+
+TEST_F(RemoteTree, WithoutAnAnswerNobodyKnowsWhetherAFolderIsALink) {
+  server.reconfigure(R"({"rules": [{"on": "DELE", "do": ["close"]}]})");
+  EXPECT_FALSE(removeIfLink(client, watch, "/pub/sub"));
+  server.reconfigure(R"({"rules": [{"on": "PASS", "do": [{"reply": "530 Not now"}]}]})");
+  EXPECT_FALSE(removeIfLink(client, watch, "/pub/sub"));
+}
+
 TEST_F(RemoteTree, CanBeCancelledBetweenFolders) {
   int asked = 0;
   const Tree tree = read("/pub", {.isCancelled = [&] { return ++asked > 2; }});
