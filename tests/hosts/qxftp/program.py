@@ -75,6 +75,8 @@ class Terminal:
 
 
 class ProgramCase(unittest.TestCase):
+    seconds = 600  # that a run may take at most
+
     def setUp(self):
         self.controller = ControllerClient()
         self.addCleanup(self.controller.close)
@@ -96,7 +98,7 @@ class ProgramCase(unittest.TestCase):
 
     def run_program(self, *arguments, command=COMMAND):
         return subprocess.run([*command, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, encoding="utf-8", errors="replace", timeout=600, check=False)
+                              stderr=subprocess.PIPE, encoding="utf-8", errors="replace", timeout=self.seconds, check=False)
 
     def succeed(self, *arguments):
         """The standard output of a run without a word on the other one."""
