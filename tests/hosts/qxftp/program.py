@@ -98,7 +98,8 @@ class ProgramCase(unittest.TestCase):
 
     def run_program(self, *arguments, command=COMMAND):
         return subprocess.run([*command, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, encoding="utf-8", errors="replace", timeout=self.seconds, check=False)
+                              stderr=subprocess.PIPE, encoding="utf-8", errors="replace", timeout=self.seconds,
+                              check=False)
 
     def succeed(self, *arguments):
         """The standard output of a run without a word on the other one."""
