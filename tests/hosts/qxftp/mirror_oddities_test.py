@@ -181,6 +181,38 @@ class ServersLinks(Oddities):
         self.assertTrue(self.exists("/kept/f") and self.exists("/link"))
 
 
+class LinksHere(Oddities):
+    def setUp(self):
+        super().setUp()
+        self.write("elsewhere/mine", "mine")
+        self.target.mkdir()
+        for name in ("gone", "taken"):
+            (self.target / name).symlink_to("../elsewhere")
+        self.put({"/taken/f": "f", "/a": "a"})
+
+    def tearDown(self):
+        self.assertEqual(files_in(self.folder / "elsewhere"), {"mine": b"mine"})
+
+    def test_are_not_gone_through(self):
+        self.assertIn("taken: a link of this name is in the way", self.mirror_down(3))
+
+    def test_go_alone(self):
+        self.mirror_down(0, "--delete", "--yes")
+        self.assertEqual(files_in(self.target), {"a": b"a", "taken": None, "taken/f": b"f"})
+
+
+class NothingToReadFrom(Oddities):
+    def test_removes_nothing(self):
+        """A folder that is not there is no empty one."""
+        self.put({"/kept": "x"})
+        self.assertIn("source: ", self.mirror_up(1, "--delete", "--yes"))
+        self.assertTrue(self.exists("/kept"))
+        self.write("target/kept", "x")
+        there = self.address(self.server, "/none")
+        self.fail_with(1, "mirror", there, self.local(self.target), "--delete", "--yes")
+        self.assertEqual(files_in(self.target), {"kept": b"x"})
+
+
 class NamesOfOthers(Oddities):
     ODD = ("CON", "a:b", "dot.", "Gr\u00fc\u00df", "gr\u00dc\u00df", "README", "readme")
 
@@ -264,7 +296,7 @@ class LinksAtServers(ProgramCase):
 
 
 if WINDOWS:  # the same code, but for names; Wine knows no rights of files
-    del InTheWay, ServersLinks, Rights, LinksAtServers
+    del InTheWay, LinksAtServers, LinksHere, Rights, ServersLinks
 
 
 if __name__ == "__main__":
