@@ -53,6 +53,7 @@ int App::run(int how) {
   const Keyboard keyboard(m_window.handle(),
                           [this](const MSG& key) { return m_work.takeKey(key) || m_window.translate(key); });
   m_window.go(Side::local, homeFolder());
+  if (placement.isBroken) setPlacementAside();
   MSG message{};
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
     TranslateMessage(&message);
@@ -60,6 +61,19 @@ int App::run(int how) {
   }
   writePlacement(m_placementFile, m_window.placement());
   return static_cast<int>(message.wParam);
+}
+
+// What somebody has written into it is theirs to mend; the window writes a new one when it closes.
+void App::setPlacementAside() {
+  std::wstring told;
+  try {
+    const std::filesystem::path aside = SiteFile(m_placementFile).setAside();
+    told = text(Text::placementAside, {m_placementFile.wstring(), aside.wstring()});
+  } catch (const std::exception& problem) {
+    told = text(Text::statusFailed, {m_placementFile.wstring(), fromLibrary(problem.what())});
+  }
+  m_work.report({toLibrary(told)});
+  m_window.showMessage(told);
 }
 
 void App::list(Side side, const std::wstring& path) {
@@ -136,7 +150,8 @@ std::vector<Place> App::placesOf(const LibraryDialogs::Choice& choice) const {
 
 void App::showHelp() {
   const std::wstring file = localPath(programFolder(), kHelpFile);
-  if (!m_dialogs.showHelp(m_window.handle(), file)) tell(m_window.handle(), text(Text::helpMissing));
+  if (m_dialogs.showHelp(m_window.handle(), file)) return;
+  tell(m_window.handle(), text(Text::helpMissing, {file, helpPage(programFolder())}));
 }
 
 void App::showAbout() { tell(m_window.handle(), text(Text::about, {fromLibrary(QXIP_VERSION)})); }

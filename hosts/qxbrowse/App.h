@@ -66,6 +66,7 @@ class App : public Services {
   void transferEnded(const TransferRow& row);
   [[nodiscard]] std::vector<Place> placesOf(const LibraryDialogs::Choice& choice) const;
   [[nodiscard]] bool mayClose();
+  void setPlacementAside();
 
   template <typename Change>
   void changeLocal(const std::wstring& path, Change&& change);

@@ -102,6 +102,17 @@ LibraryDialogs::Choice LibraryDialogs::chooseFilesAndFolders(const std::wstring&
   return choice;
 }
 
+std::wstring helpPage(const std::filesystem::path& programFolder) {
+  for (const wchar_t* page : {L"docs/html/qxbrowse.html", L"docs/qxbrowse.md"}) {
+    for (const std::filesystem::path& folder : {programFolder, programFolder.parent_path()}) {
+      std::error_code error;
+      std::filesystem::path file = (folder / page).make_preferred();
+      if (std::filesystem::is_regular_file(file, error)) return file.wstring();
+    }
+  }
+  return L"docs/qxbrowse.md";
+}
+
 bool LibraryDialogs::showHelp(HWND owner, const std::wstring& file) const {
   if (!std::filesystem::exists(file)) return false;
   return m_help(owner, toLibrary(file).c_str(), kDisplayTopic, 0) != 0;

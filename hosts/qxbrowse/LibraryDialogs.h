@@ -2,6 +2,7 @@
 // The dialogs and the help launcher of the library (QXDialogs.h), with wide texts and without buffers.
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +12,10 @@
 #include "hosts/qxbrowse/ui/System.h"
 
 namespace browse {
+
+// The page that tells the same as the help file, where a package has it for the program's folder: the one for
+// a browser, or else the text. L"docs/qxbrowse.md" where there is none.
+std::wstring helpPage(const std::filesystem::path& programFolder);
 
 class LibraryDialogs {
  public:

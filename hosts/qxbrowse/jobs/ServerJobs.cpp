@@ -118,7 +118,8 @@ class Expander {
     std::error_code error;
     const hosts::LocalFacts facts = hosts::factsOf(place, hosts::Links::followed, error);
     if (error) return problem(hosts::shown(place), error.message());
-    if (facts.kind != hosts::Kind::folder) return uploadFile(place, to, facts.size, hosts::Moment{facts.changed});
+    if (facts.kind != hosts::Kind::folder)
+      return uploadFile(place, to, facts.size, hosts::Moment{facts.changed});
     const hosts::Tree tree = hosts::readLocalTree(place, walkOf(m_session));
     take(tree, hosts::shown(place));
     if (!makeFolder(to)) return;

@@ -170,6 +170,23 @@ void ListPane::setSorting(Sorting sorting) {
   InvalidateRect(m_list, nullptr, FALSE);
 }
 
+void ListPane::setLook(const PaneLook& look) {
+  for (std::size_t i = 0; i < kColumns; ++i) {
+    const int width = look.widths[i] > 0 ? look.widths[i] : kColumnInfos[i].width;
+    SendMessageW(m_list, LVM_SETCOLUMNWIDTH, i, scale(width, m_dpi));
+  }
+  setSorting(look.sorting);
+}
+
+PaneLook ListPane::look() const {
+  PaneLook look{{}, m_items.sorting()};
+  for (std::size_t i = 0; i < kColumns; ++i) {
+    const auto width = static_cast<int>(SendMessageW(m_list, LVM_GETCOLUMNWIDTH, i, 0));
+    look.widths[i] = MulDiv(width, static_cast<int>(kPlainDpi), static_cast<int>(m_dpi));
+  }
+  return look;
+}
+
 void ListPane::showArrow() const {
   const auto header = reinterpret_cast<HWND>(SendMessageW(m_list, LVM_GETHEADER, 0, 0));
   const Sorting sorting = m_items.sorting();

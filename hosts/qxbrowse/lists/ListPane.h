@@ -4,6 +4,7 @@
 // On the window's thread alone.
 #pragma once
 
+#include <array>
 #include <functional>
 #include <optional>
 #include <string>
@@ -26,6 +27,12 @@ struct PaneEvents {
   std::function<void(const NMLISTVIEW& what)> dragBegun;
 };
 
+// What the user has made of the columns.
+struct PaneLook {
+  std::array<int, kColumns> widths{};  // at 96 dots per inch; 0: as usual
+  Sorting sorting;
+};
+
 class ListPane {
  public:
   ListPane(Side side, PaneEvents events) : m_side(side), m_events(std::move(events)) {}
@@ -43,6 +50,9 @@ class ListPane {
   void selectAll();
   void sort(Column column);  // a second time: the other way round
   void setSorting(Sorting sorting);
+  // Behind setFont().
+  void setLook(const PaneLook& look);
+  [[nodiscard]] PaneLook look() const;
   void editName();     // of the focused item
   void editAddress();  // puts the caret into it
   void focusList();

@@ -10,11 +10,20 @@
 #include "hosts/qxbrowse/ui/Dialog.h"
 #include "hosts/qxbrowse/ui/Texts.h"
 #include "hosts/qxbrowse/ui/Utf8.h"
+#include "hosts/shared/Address.h"
 
 namespace browse {
 namespace {
 
 using namespace connect_dialog;
+
+// What a paste brings along at either end.
+std::wstring trimmed(const std::wstring& text) {
+  constexpr const wchar_t* kAround = L" \t\u00A0<>\"";
+  const std::size_t begin = text.find_first_not_of(kAround);
+  if (begin == std::wstring::npos) return {};
+  return text.substr(begin, text.find_last_not_of(kAround) - begin + 1);
+}
 
 constexpr short kFieldHeight = 14;
 
@@ -72,6 +81,7 @@ class ConnectDialog : public Dialog {
   }
 
   void addButtons() {
+    addText(kState, {7, 236, 216, 18});
     addButton(kConnect, Text::siteConnect, {229, 236, 50, kFieldHeight}, BS_DEFPUSHBUTTON);
     addButton(kCancel, Text::buttonCancel, {283, 236, 50, kFieldHeight});
   }
@@ -93,6 +103,8 @@ class ConnectDialog : public Dialog {
   }
 
   void command(WORD id, WORD notification) override {
+    if (isEdit(id, notification)) showChanged(true);
+    if (id == kHost && notification == EN_KILLFOCUS) takeHost();
     if (id == kSites && notification == LBN_SELCHANGE) showSelected();
     if (id == kSites && notification == LBN_DBLCLK) connect();
     if (id == kAddress && notification == EN_CHANGE) takeAddress();
@@ -102,6 +114,21 @@ class ConnectDialog : public Dialog {
     if (id == kDelete) forget();
     if (id == kConnect) connect();
     if (id == kCancel) end(0);
+  }
+
+  // A password that is not to be kept is no part of the site.
+  [[nodiscard]] bool isEdit(WORD id, WORD notification) const {
+    const bool isField = id >= kName && id <= kPin;
+    const bool isTyped = id != kPassword || isChecked(kKeepPassword);
+    const bool isBox = id == kKeepPassword || id == kPassive;
+    if (m_isFilling || !isField) return false;
+    if (id == kEncryption) return notification == CBN_SELCHANGE;
+    return isBox ? notification == BN_CLICKED : notification == EN_CHANGE && isTyped;
+  }
+
+  void showChanged(bool isChanged) {
+    m_isChanged = isChanged;
+    setText(kState, isChanged ? text(Text::siteChanged) : L"");
   }
 
   void listSites() {
@@ -121,9 +148,19 @@ class ConnectDialog : public Dialog {
 
   void showSelected() {
     const auto index = static_cast<std::size_t>(send(kSites, LB_GETCURSEL));
-    if (index >= m_sites.size()) return;
-    m_selected = m_sites[index].name;
-    fill(remembered(m_sites[index]));
+    if (index >= m_sites.size() || m_sites[index].name == m_selected) return;
+    const std::string name = m_sites[index].name;
+    if (!mayLeave()) return select(m_selected);
+    select(name);
+    const std::size_t now = indexOf(name);
+    if (now < m_sites.size()) fill(remembered(m_sites[now]));
+  }
+
+  // What has been changed in a site is saved, or goes, before the fields show another. False: it is to be
+  // saved and cannot be.
+  bool mayLeave() {
+    const bool isOpen = m_isChanged && !m_selected.empty();
+    return !isOpen || !ask(window(), text(Text::siteAskSave, {fromUtf8(m_selected)})) || save();
   }
 
   // A password that another user has protected is asked for again.
@@ -133,6 +170,7 @@ class ConnectDialog : public Dialog {
 
   void fill(Destination destination) {
     const Site& site = destination.site;
+    m_isFilling = true;
     for (const Field& field : kFields) setText(field.id, fromUtf8(site.*field.text));
     SetDlgItemInt(window(), kPort, site.port, FALSE);
     setText(kPassword, fromUtf8(destination.password));
@@ -140,17 +178,47 @@ class ConnectDialog : public Dialog {
     check(kKeepPassword, !site.password.empty());
     check(kPassive, site.isPassive);
     send(kEncryption, CB_SETCURSEL, static_cast<WPARAM>(site.encryption));
+    m_isFilling = false;
+    showChanged(false);
   }
 
   // What is typed fills the fields as soon as it is an address.
   void takeAddress() {
-    auto destination = destinationFrom(toUtf8(textOf(kAddress)));
+    auto destination = destinationFrom(toUtf8(trimmed(textOf(kAddress))));
     if (!destination) return;
     select("");
     fill(std::move(*destination));
+    showChanged(true);
+  }
+
+  // An address in place of the host fills the fields that it tells of, when all of it is there.
+  void takeHost() {
+    const std::string typed = toUtf8(trimmed(textOf(kHost)));
+    auto destination = hosts::isAddress(typed) ? destinationFrom(typed) : std::nullopt;
+    if (!destination) return;
+    const Site told = destination->site;
+    Destination merged = entered();
+    merged.site.host = told.host;
+    merged.site.port = told.port;
+    merged.site.encryption = told.encryption;
+    merged.site.pin = told.pin;
+    if (typed.find('@') != std::string::npos) {
+      merged.site.user = told.user;
+      merged.password = std::move(destination->password);
+    }
+    if (!told.remoteFolder.empty()) merged.site.remoteFolder = told.remoteFolder;
+    if (textOf(kName).empty()) merged.site.name = told.name;
+    merged.site.password = isChecked(kKeepPassword) ? "kept" : "";  // which is what the box shows
+    fill(std::move(merged));
+    showChanged(true);
   }
 
   void startNew() {
+    if (!mayLeave()) return;
+    clear();
+  }
+
+  void clear() {
     setText(kAddress, L"");
     select("");
     fill({});
@@ -161,6 +229,7 @@ class ConnectDialog : public Dialog {
     Destination destination;
     Site& site = destination.site;
     for (const Field& field : kFields) site.*field.text = toUtf8(textOf(field.id));
+    site.host = toUtf8(trimmed(textOf(kHost)));
     site.pin = pinFrom(site.pin).value_or(site.pin);
     site.port = GetDlgItemInt(window(), kPort, nullptr, FALSE);
     site.encryption = static_cast<Encryption>(send(kEncryption, CB_GETCURSEL));
@@ -176,20 +245,24 @@ class ConnectDialog : public Dialog {
     return !fault;
   }
 
-  void save() {
+  bool save() {
+    takeHost();
     Destination destination = entered();
     Site& site = destination.site;
+    bool isSaved = false;
     const bool isOther = site.name != m_selected && indexOf(site.name) < m_sites.size();
     if (isRight(site) && (!isOther || ask(window(), text(Text::siteAskReplace, {fromUtf8(site.name)})))) {
-      withSites(window(), m_file, [&] {
+      isSaved = withSites(window(), m_file, [&] {
         if (isChecked(kKeepPassword)) site.password = protect(destination.password);
         m_file.put(site, m_selected);
       });
       readSites(window());
       listSites();
       select(site.name);
+      if (isSaved) showChanged(false);
     }
     wipe(destination.password);
+    return isSaved;
   }
 
   void forget() {
@@ -197,10 +270,11 @@ class ConnectDialog : public Dialog {
     withSites(window(), m_file, [&] { m_file.remove(m_selected); });
     readSites(window());
     listSites();
-    startNew();
+    clear();
   }
 
   void connect() {
+    takeHost();
     m_chosen = entered();
     const std::wstring address = textOf(kAddress);
     if (m_chosen.site.host.empty() && !address.empty()) {
@@ -214,6 +288,8 @@ class ConnectDialog : public Dialog {
   std::vector<Site> m_sites;
   std::string m_selected;  // the name of the site in the list; "": none of them
   Destination m_chosen;
+  bool m_isFilling = false;  // the fields change, but not by the user
+  bool m_isChanged = false;  // the fields are not what is saved
 };
 
 }  // namespace

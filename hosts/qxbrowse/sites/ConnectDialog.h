@@ -41,6 +41,7 @@ enum : WORD {
   kLocalFolder,
   kRemoteFolder,
   kPin,
+  kState,
 };
 }  // namespace connect_dialog
 

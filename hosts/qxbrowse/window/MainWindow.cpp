@@ -14,6 +14,7 @@ namespace browse {
 namespace {
 
 constexpr const wchar_t* kClassName = L"qxbrowse";
+constexpr WORD kIcon = 1;     // in the program's resources (qxbrowse.rc)
 constexpr int kWidth = 1100;  // at 96 dots per inch
 constexpr int kHeight = 700;
 constexpr std::size_t kMostKept = 100;  // selected items: each is looked for among all
@@ -32,6 +33,14 @@ constexpr Button kButtons[] = {
 
 [[noreturn]] void throwLastError() {
   throw std::system_error(static_cast<int>(GetLastError()), std::system_category());
+}
+
+// Of the size that the system wants; another program's window (a test's) has the system's own.
+HICON programIcon(int width) {
+  const int size = GetSystemMetrics(width);
+  const HANDLE icon =
+      LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(kIcon), IMAGE_ICON, size, size, LR_SHARED);
+  return icon != nullptr ? static_cast<HICON>(icon) : LoadIconW(nullptr, IDI_APPLICATION);
 }
 
 std::vector<std::wstring> namesOf(const std::vector<Item>& items) {
@@ -57,7 +66,8 @@ void MainWindow::registerClass() const {
   windowClass.cbSize = sizeof windowClass;
   windowClass.lpfnWndProc = &handleMessage;
   windowClass.hInstance = GetModuleHandleW(nullptr);
-  windowClass.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
+  windowClass.hIcon = programIcon(SM_CXICON);
+  windowClass.hIconSm = programIcon(SM_CXSMICON);
   windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
   windowClass.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
   windowClass.lpszClassName = kClassName;
@@ -118,6 +128,7 @@ void MainWindow::setBottomPane(BottomPane pane) {
 
 void MainWindow::setPlacement(const Placement& placement) {
   m_splits = placement.splits;
+  for (std::size_t i = 0; i < m_panes.size(); ++i) m_panes[i]->setLook(placement.panes[i]);
   WINDOWPLACEMENT place{};
   place.length = sizeof place;
   GetWindowPlacement(m_window, &place);
@@ -132,7 +143,9 @@ Placement MainWindow::placement() const {
   WINDOWPLACEMENT place{};
   place.length = sizeof place;
   GetWindowPlacement(m_window, &place);
-  return {place.rcNormalPosition, IsZoomed(m_window) != 0, m_splits};
+  Placement now{place.rcNormalPosition, IsZoomed(m_window) != 0, m_splits, {}, false};
+  for (std::size_t i = 0; i < m_panes.size(); ++i) now.panes[i] = m_panes[i]->look();
+  return now;
 }
 
 void MainWindow::close() {

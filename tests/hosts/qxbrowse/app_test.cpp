@@ -101,6 +101,20 @@ class TheProgram : public LaneTest {
     user.press(question, button);
     user.waitUntilGone(question);
   }
+  // The first entry of the queue: before that the window asks whether it may close.
+  void waitUntilDone(const Driver& user) const {
+    const HWND queue =
+        FindWindowExW(user.child(window, "qxbrowse.work"), nullptr, WC_LISTVIEWW, text(Text::queueList));
+    user.waitUntil("the end of the transfer", [&] {
+      wchar_t state[64] = L"";
+      LVITEMW cell{};
+      cell.iSubItem = static_cast<int>(QueueColumn::state);
+      cell.pszText = state;
+      cell.cchTextMax = static_cast<int>(std::size(state));
+      user.send(queue, LVM_GETITEMTEXTW, 0, reinterpret_cast<LPARAM>(&cell));
+      return std::wstring_view(state) == text(Text::queueDone);
+    });
+  }
   [[nodiscard]] std::string read(const std::string& name) const {
     std::ifstream file(here.path() / name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
@@ -146,7 +160,7 @@ TEST_F(TheProgram, AsksBeforeItReplacesAFileOnEitherSide) {
     choose(user, kLocal, "a.txt");
     order(Command::transfer);
     answerQuestion(user, replace_question::kReplace);
-    user.waitUntil("the upload", [this] { return server.content("/pub/a.txt").size() > 1; });
+    waitUntilDone(user);
   });
   EXPECT_EQ(server.content("/pub/a.txt"), "mine, and longer");
   EXPECT_EQ(read("a.txt"), "mine, and longer");
@@ -165,8 +179,9 @@ TEST_F(TheProgram, AsksAgainWhereAFileHasComeBeforeARetry) {
     answerQuestion(user, replace_question::kSkip);
     order(Command::retryFailed);
     answerQuestion(user, replace_question::kReplace);
-    user.waitUntil("the download", [this] { return read("a.txt") == "x"; });
+    waitUntilDone(user);
   });
+  EXPECT_EQ(read("a.txt"), "x");
 }
 
 TEST_F(TheProgram, ChangesWhatIsOnTheServer) {
@@ -194,6 +209,18 @@ TEST_F(TheProgram, ChangesWhatIsOnTheServer) {
   });
   EXPECT_THAT(server.names("/pub"), ElementsAre("new"));
   EXPECT_THAT(server.names("/pub/new"), ElementsAre("b.txt"));
+}
+
+TEST_F(TheProgram, KeepsAPlacementThatItDoesNotUnderstand) {
+  std::ofstream(scratch.path() / "window.ini") << "[window]\nleft=a note of mine\n";
+  run([this](Driver& user) {
+    user.waitUntil("the reason",
+                   [&] { return status(user).find("window.broken-1.ini") != std::string::npos; });
+  });
+  std::ifstream kept(scratch.path() / "window.broken-1.ini");
+  const std::string content{std::istreambuf_iterator<char>(kept), {}};
+  EXPECT_THAT(content, HasSubstr("a note of mine"));
+  EXPECT_FALSE(readPlacement(scratch.path() / "window.ini").isBroken) << "a new one";
 }
 
 TEST_F(TheProgram, TellsWhyItIsNotConnected) {

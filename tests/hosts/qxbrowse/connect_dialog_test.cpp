@@ -106,6 +106,68 @@ TEST_F(TheConnectDialog, TakesAnAddressInPlaceOfTheFields) {
   EXPECT_FALSE(std::filesystem::exists(path));
 }
 
+// An address in the field of the host was none to it.
+TEST_F(TheConnectDialog, TakesAWholeAddressInPlaceOfTheHost) {
+  Site site = siteOf("mine");
+  site.localFolder = "C:\\x";
+  file.put(site);
+  const auto to = ask([](Driver& user, HWND dialog) {
+    type(user, dialog, kHost, " <ftpes://anna@other.example.org:2121/pub> ");
+    user.press(dialog, kConnect);
+  });
+  ASSERT_TRUE(to);
+  site.host = "other.example.org";
+  site.port = 2121;
+  site.user = "anna";
+  site.encryption = Encryption::ftpes;
+  site.remoteFolder = "/pub";
+  EXPECT_EQ(to->site, site) << "the rest stays";
+  EXPECT_EQ(file.sites().at(0).host, siteOf("mine").host) << "nobody has saved it";
+}
+
+TEST_F(TheConnectDialog, TakesBlanksAroundAnAddressForNoPartOfIt) {
+  const auto to = ask([](Driver& user, HWND dialog) {
+    type(user, dialog, kAddress, "  ftp://example.org ");
+    user.press(dialog, kConnect);
+  });
+  ASSERT_TRUE(to);
+  EXPECT_EQ(to->site.host, "example.org");
+}
+
+TEST_F(TheConnectDialog, TellsThatWhatIsChangedIsNotSaved) {
+  file.put(siteOf("one", "first"));
+  const auto to = ask([](Driver& user, HWND dialog) {
+    EXPECT_EQ(text(user, dialog, kState), "");
+    type(user, dialog, kPassword, "secret");
+    EXPECT_EQ(text(user, dialog, kState), "") << "a password that is not kept is no part of the site";
+    type(user, dialog, kUser, "anna");
+    EXPECT_THAT(text(user, dialog, kState), HasSubstr("Not saved"));
+    user.press(dialog, kSave);
+    user.waitUntil("the star to go", [&] { return text(user, dialog, kState).empty(); });
+    type(user, dialog, kUser, "berta");
+    user.press(dialog, kConnect);
+  });
+  ASSERT_TRUE(to);
+  EXPECT_EQ(to->site.user, "berta") << "the fields as they are";
+  EXPECT_EQ(file.sites().at(0).user, "anna");
+}
+
+// The changes were gone as soon as another site was chosen.
+TEST_F(TheConnectDialog, AsksWhetherToSaveBeforeItShowsAnotherSite) {
+  file.put(siteOf("one", "first"));
+  file.put(siteOf("two", "second"));
+  for (const int answer : {IDNO, IDYES}) {
+    ask([answer](Driver& user, HWND dialog) {
+      type(user, dialog, kUser, "anna");
+      PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(kNew, BN_CLICKED), 0);
+      user.press(user.waitForBox(dialog), answer);
+      user.waitUntil("empty fields", [&] { return text(user, dialog, kHost).empty(); });
+      user.press(dialog, kCancel);
+    });
+    EXPECT_EQ(file.sites().at(0).user, answer == IDYES ? "anna" : siteOf("one").user);
+  }
+}
+
 TEST_F(TheConnectDialog, TakesNoAddressThatSwitchesTheChecksOff) {
   EXPECT_FALSE(ask([](Driver& user, HWND dialog) {
     type(user, dialog, kAddress, "ftpes://example.org/;verify=no");

@@ -31,6 +31,21 @@ class TheLibrarysDialogs : public testing::Test {
   const LibraryDialogs dialogs{exports().library};
 };
 
+// "docs/qxbrowse.md" was told wherever that was.
+TEST(TheHelpPage, IsTheOneOfThePackage) {
+  const testing_support::ScratchFolder package;
+  const std::filesystem::path program = package.path() / "bin";
+  std::filesystem::create_directories(package.path() / "docs" / "html");
+  EXPECT_EQ(helpPage(program), L"docs/qxbrowse.md") << "there is none";
+  const std::filesystem::path text = package.path() / "docs" / "qxbrowse.md";
+  std::ofstream(text) << "# qxbrowse";
+  EXPECT_EQ(helpPage(program), text.wstring());
+  EXPECT_EQ(helpPage(package.path()), text.wstring()) << "beside the program";
+  const std::filesystem::path page = package.path() / "docs" / "html" / "qxbrowse.html";
+  std::ofstream(page) << "<html>";
+  EXPECT_EQ(helpPage(program), page.wstring());
+}
+
 TEST_F(TheLibrarysDialogs, ChooseAFolder) {
   const SettledFolder settled;
   const std::wstring start = fromLibrary(settled.path());

@@ -295,6 +295,24 @@ TEST_F(TheMainWindow, GrowsWithTheDotsPerInchOfItsScreen) {
   EXPECT_EQ(SendMessageW(list, LVM_GETCOLUMNWIDTH, 0, 0), plain * 144 / 96);
 }
 
+TEST_F(TheMainWindow, TellsAndTakesWhatTheUserHasMadeOfTheColumns) {
+  const Side side = Side::server;
+  const HWND list = window.pane(side).list();
+  const RECT area{0, 0, 900, 600};
+  SendMessageW(window.handle(), WM_DPICHANGED, MAKEWPARAM(192, 192), reinterpret_cast<LPARAM>(&area));
+  SendMessageW(list, LVM_SETCOLUMNWIDTH, 1, 300);
+  window.pane(side).setSorting({Column::size, true});
+  Placement placement = window.placement();
+  EXPECT_EQ(placement.panes[1].widths[1], 150) << "at 96 dots per inch";
+  EXPECT_EQ(placement.panes[1].sorting, (Sorting{Column::size, true}));
+  placement.panes[1].widths = {0, 60, 70, 80};
+  placement.panes[1].sorting = {Column::time, false};
+  window.setPlacement(placement);
+  EXPECT_EQ(SendMessageW(list, LVM_GETCOLUMNWIDTH, 1, 0), 120);
+  EXPECT_EQ(SendMessageW(list, LVM_GETCOLUMNWIDTH, 0, 0), 400) << "as usual";
+  EXPECT_EQ(window.pane(side).items().sorting(), (Sorting{Column::time, false}));
+}
+
 TEST_F(TheMainWindow, EndsItsServicesWhenItCloses) {
   SendMessageW(window.handle(), WM_CLOSE, 0, 0);
   SendMessageW(window.handle(), WM_CLOSE, 0, 0);

@@ -32,7 +32,8 @@ SCRIPT = {
     "rules": [{"on": "RETR", "argument": "/pub/harbour.mov", "do": [
         {"normal": {"stall_after": HELD, "gate": "held", "pace": {"bytes": 1_000_000, "ms": 60}}}]}],
 }
-LOCAL_FILES = {"budget.ods": 41_000, "cover letter.odt": 23_500, "holiday plan.txt": 1_200, "todo.txt": 310}
+LOCAL_FILES = {"budget.ods": 41_000, "cover letter.odt": 23_500, "holiday plan.txt": 1_200, "report.pdf": 610_000,
+               "todo.txt": 310}
 
 
 class Album:
@@ -71,6 +72,12 @@ def show(server, screen, browser, album):
     user.wait_for_names(SERVER, *sorted(name.removeprefix("/pub/").rstrip("/") for name in TREE if name.endswith("/")),
                         *sorted(name.removeprefix("/pub/") for name in TREE if not name.endswith("/")))
     album.take("browse")
+    user.choose(SERVER, "report.pdf")
+    screen.key("F5")
+    browser.dialog("Replace a file?", "report.pdf")
+    album.take("browse-replace")
+    screen.key("Escape")
+    browser.main()
     user.choose(SERVER, "harbour.mov")
     screen.key("shift+Down", "shift+Down", "shift+Down", "F5")
     assert server.ask("wait", **{"for": {"waiting": "held"}})["met"]

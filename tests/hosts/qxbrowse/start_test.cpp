@@ -81,6 +81,27 @@ TEST_F(TheStart, TellsWhatItDoesNotUnderstand) {
   EXPECT_EQ(code, static_cast<DWORD>(browse::kWrongUsage));
 }
 
+TEST_F(TheStart, HasAnIconInTheSizesThatWindowsShows) {
+  constexpr std::size_t kHeader = 6;
+  constexpr std::size_t kEntry = 14;  // the first byte of which is the width; 0 stands for 256
+  const HMODULE file = LoadLibraryExW(program.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+  ASSERT_NE(file, nullptr);
+  const HRSRC icon = FindResourceW(file, MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(14));  // RT_GROUP_ICON
+  ASSERT_NE(icon, nullptr);
+  const auto* const bytes = static_cast<const std::uint8_t*>(LockResource(LoadResource(file, icon)));
+  std::vector<int> widths;
+  for (std::size_t at = kHeader; at + kEntry <= SizeofResource(file, icon); at += kEntry) {
+    widths.push_back(bytes[at]);
+  }
+  EXPECT_THAT(widths, testing::ElementsAre(16, 20, 24, 32, 40, 48, 64, 128, 0));
+  for (const int size : {16, 32, 256}) {
+    const HANDLE image = LoadImageW(file, MAKEINTRESOURCEW(1), IMAGE_ICON, size, size, 0);
+    EXPECT_NE(image, nullptr) << size;
+    DestroyIcon(static_cast<HICON>(image));
+  }
+  FreeLibrary(file);
+}
+
 TEST(TheCommandLine, NamesTheFilesOfTheLibraryAndTheSites) {
   const std::vector<std::wstring> both = {L"--sites", L"C:\\s.ini", L"--library", L"C:\\l.dll"};
   const browse::StartOptions options = browse::readOptions(both);
