@@ -22,7 +22,7 @@ class Wait {
     while (!m_cancel && !m_reconnect && !IsSet(m_call.record.bDone)) {
       Poll();
       if (m_cancel || m_reconnect) m_running.Kill();
-      HostCall(&DispatchOne);
+      Dispatch(NobodyIsAsked());
     }
     return Finish();
   }
@@ -42,8 +42,18 @@ class Wait {
     }
   }
 
-  static void DispatchOne() {
-    if (platform::messageAfterTurn()) platform::takeAndDispatchMessage();
+  // The library's own OnPoll lets everything go on.
+  [[nodiscard]] bool NobodyIsAsked() const noexcept {
+    return m_call.polling == Polling::none ||
+           (m_call.polling != Polling::whileInitialized && HasOwnSlot(m_call.client, Slot::OnPoll));
+  }
+
+  // At most one message. `untilEnd`: there is nothing to do before it or the worker's end.
+  void Dispatch(bool untilEnd) {
+    HostCall([&] {
+      if (untilEnd ? m_running.Worker().messageBeforeEnd() : platform::messageAfterTurn())
+        platform::takeAndDispatchMessage();
+    });
   }
 
   // The record lives on the caller's stack: the worker has to be gone, not only done, before the caller goes
@@ -51,7 +61,7 @@ class Wait {
   WaitEnd Finish() {
     if (m_cancel) return WaitEnd::cancelled;
     if (m_reconnect) return WaitEnd::reconnect;
-    while (!m_running.Worker().ended()) HostCall(&DispatchOne);
+    while (!m_running.Worker().ended()) Dispatch(true);
     m_running.Close();
     return WaitEnd::done;
   }
