@@ -3,6 +3,7 @@
 #include <cctype>
 #include <memory>
 
+#include "hosts/qxftp/Changes.h"
 #include "hosts/qxftp/Commands.h"
 #include "hosts/qxftp/Listing.h"
 #include "hosts/qxftp/Wildcards.h"
@@ -28,17 +29,21 @@ void checkCopy(Context& context, const Place& to, std::uint64_t size) {
 
 void copyOne(Context& context, const Place& from, const Place& to) {
   const std::uint64_t size = wholeSize(context, from);
-  need(context.client(from).copy(asRemote(from.path()), asRemote(to.path())));
-  checkCopy(context, to, size);
+  leaving("a part of it, or all, may be there as " + to.path(), [&] {
+    need(context.client(from).copy(asRemote(from.path()), asRemote(to.path())));
+    checkCopy(context, to, size);
+  });
 }
 
 // It also leaves the source where it is not sure of the copy.
 void moveOne(Context& context, const Place& from, const Place& to) {
   const std::uint64_t size = wholeSize(context, from);
-  need(context.client(from).move(asRemote(from.path()), asRemote(to.path())));
-  checkCopy(context, to, size);
-  if (need(context.connected(from).fileExists(from.path())))
-    fail("it was copied, but it is still there, too");
+  leaving("a part of it may be there as " + to.path() + ", or all, and then it may be gone here", [&] {
+    need(context.client(from).move(asRemote(from.path()), asRemote(to.path())));
+    checkCopy(context, to, size);
+    if (need(context.connected(from).fileExists(from.path())))
+      fail("it was copied, but it is still there, too");
+  });
 }
 
 using OneTransfer = void (*)(Context& context, const Place& from, const Place& to);
@@ -63,37 +68,36 @@ void copy(Context& context, const Paths& words) { transfer(context, words, copyO
 void move(Context& context, const Paths& words) { transfer(context, words, moveOne); }
 
 // A new name without a folder stays in the old one's.
-void rename(Context& context, const std::string& from, const std::string& to) {
+void giveName(Context& context, const std::string& from, const std::string& to) {
   context.each(std::vector<std::string>{from}, [&](const Place& old, Json& result) {
     const bool isName = to.find_first_of("/\\") == to.npos;
     const Place renamed =
         context.placeBeside(old, isName ? joinedPath(splitPath(old.path()).folder, to) : to);
-    need(context.client(old).rename(old.path(), renamed.path()));
+    rename(context.client(old), old.path(), renamed.path());
     result["to"] = renamed.text;
   });
 }
 
 void remove(Context& context, const Paths& paths) {
   context.each(expanded(context, paths),
-               [&](const Place& place, Json&) { need(context.client(place).remove(place.path())); });
+               [&](const Place& place, Json&) { removeFile(context.client(place), place.path()); });
 }
 
 // To the library what is no directory counts as removed.
 void removeDirectories(Context& context, const Paths& paths) {
   context.each(expanded(context, paths), [&](const Place& place, Json&) {
     if (!need(context.connected(place).directoryExists(place.path()))) fail("there is no such directory");
-    need(context.client(place).removeDirectory(place.path()));
+    removeDirectory(context.client(place), place.path());
   });
 }
 
 void makeDirectories(Context& context, const Paths& paths) {
-  context.each(paths,
-               [&](const Place& place, Json&) { need(context.client(place).createDirectory(place.path())); });
+  context.each(paths, [&](const Place& place, Json&) { makeDirectory(context.client(place), place.path()); });
 }
 
-void makeNewDirectory(Context& context, const std::string& parent, const std::string& name) {
+void makeNew(Context& context, const std::string& parent, const std::string& name) {
   context.each(std::vector<std::string>{parent}, [&](const Place& place, Json& result) {
-    const std::string made = need(context.client(place).createNewDirectory(place.path(), name));
+    const std::string made = makeNewDirectory(context.client(place), place.path(), name);
     context.say(made);
     result["made"] = made;
   });
@@ -118,7 +122,7 @@ void addRename(Commands& commands) {
   const auto words = std::make_shared<TwoWords>();
   CLI::App& command = commands.add("rename", "Gives a file or a directory another name or place.",
                                    "qxftp rename ftp://me@ftp.example.org/pub/old.txt new.txt",
-                                   [=](Context& context) { rename(context, words->first, words->second); });
+                                   [=](Context& context) { giveName(context, words->first, words->second); });
   takeWord(command, words->first, "OLD", "file or directory on a server");
   takeWord(command, words->second, "NEW",
            "its new path; without a slash, its new name in the same directory");
@@ -129,7 +133,7 @@ void addMakeNew(Commands& commands) {
   CLI::App& command =
       commands.add("mknew", "Makes a directory under a name that is free: \"Name\", \"Name (1)\" and so on.",
                    "qxftp mknew ftp://me@ftp.example.org/pub Incoming",
-                   [=](Context& context) { makeNewDirectory(context, words->first, words->second); });
+                   [=](Context& context) { makeNew(context, words->first, words->second); });
   takeWord(command, words->first, "PARENT", "directory on a server");
   takeWord(command, words->second, "NAME", "name to begin with");
 }

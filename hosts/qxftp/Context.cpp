@@ -108,11 +108,23 @@ void Context::attempt(const Place& place, const std::function<void()>& work) {
   }
 }
 
-void Context::each(const std::vector<Place>& places, const Work& work) {
-  for (const Place& place : places) {
-    one(place.text, [&](Json& result) { work(place, result); });
-    if (hosts::isInterrupted()) return;
+void Context::giveUp(const Place& first, std::size_t others) {
+  std::string text = hosts::isInterrupted() ? "cancelled; not tried" : "not tried";
+  if (others > 0) text += ", and " + std::to_string(others) + " more";
+  attempt(first, [&] { fail(text); });
+}
+
+void Context::untilInterrupted(const std::vector<Place>& places,
+                               const std::function<void(const Place& place)>& take) {
+  for (std::size_t at = 0; at < places.size(); ++at) {
+    if (hosts::isInterrupted()) return giveUp(places[at], places.size() - at - 1);
+    take(places[at]);
   }
+}
+
+void Context::each(const std::vector<Place>& places, const Work& work) {
+  untilInterrupted(places,
+                   [&](const Place& place) { one(place.text, [&](Json& result) { work(place, result); }); });
 }
 
 void Context::each(const std::vector<std::string>& paths, const Work& work) {

@@ -62,9 +62,9 @@ class Context {
   // The server's last one, which a failure tells.
   [[nodiscard]] Refusal& refusal() { return m_servers.refusal(); }
 
-  // `work` for each path: what it throws as a Failure is told, and the next path's turn comes, but not after
-  // Ctrl-C. It may fill in the path's JSON object, which has "path" already. No work is done where a path is
-  // wrong.
+  // `work` for each path: what it throws as a Failure is told, and the next path's turn comes; after Ctrl-C
+  // those that are left are told to be. It may fill in the path's JSON object, which has "path" already. No
+  // work is done where a path is wrong.
   using Work = std::function<void(const Place& place, Json& result)>;
   void each(const std::vector<std::string>& paths, const Work& work);
   void each(const std::vector<Place>& places, const Work& work);
@@ -74,6 +74,12 @@ class Context {
 
   // Of a result is told only that it is a failure.
   void attempt(const Place& place, const std::function<void()>& work);
+
+  // `take` for each place, until Ctrl-C: what is left then is given up.
+  void untilInterrupted(const std::vector<Place>& places,
+                        const std::function<void(const Place& place)>& take);
+  // Tells that this one and so many others are not tried.
+  void giveUp(const Place& first, std::size_t others);
 
   // The answer to a question was no. Within each().
   void sayNo() { m_isNo = true; }

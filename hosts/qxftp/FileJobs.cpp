@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <map>
 
+#include "hosts/qxftp/Changes.h"
 #include "hosts/shared/Interrupt.h"
 #include "hosts/shared/Names.h"
-#include "hosts/shared/Trees.h"
 
 namespace qxftp {
 namespace {
@@ -74,7 +74,7 @@ class Runner {
       if (mayGoOn()) {
         m_context.one(sourceText(m_jobs[i]), [&](Json& result) { carryOut(m_jobs[i], result); });
       } else {
-        return giveUp(m_jobs[i], m_jobs.size() - i - 1);
+        return m_context.giveUp(m_jobs[i].place, m_jobs.size() - i - 1);
       }
     }
     if (std::ranges::any_of(m_jobs, movesFile)) m_display.sum();
@@ -82,12 +82,6 @@ class Runner {
 
  private:
   bool mayGoOn() const { return !hosts::isInterrupted() && !m_isDiskFull && m_losses < kLossesInARow; }
-
-  void giveUp(const FileJob& first, std::size_t others) {
-    std::string text = hosts::isInterrupted() ? "cancelled; not tried" : "not tried";
-    if (others > 0) text += ", and " + std::to_string(others) + " more";
-    m_context.attempt(first.place, [&] { fail(text); });
-  }
 
   void carryOut(const FileJob& job, Json& result) {
     result["action"] = nameOf(job.action);
@@ -100,15 +94,15 @@ class Runner {
         fs::create_directories(job.local, error);
         return needLocal(error);
       case JobAction::makeRemoteFolder:
-        return void(need(client(job).createDirectory(job.place.path())));
+        return makeDirectory(client(job), job.place.path());
       case JobAction::removeLocal:
         fs::remove(job.local, error);
         return needLocal(error);
       case JobAction::removeRemoteFile:
-        if (!wentWithLink(job)) need(client(job).remove(job.place.path()));
+        if (!wentWithLink(job)) removeFile(client(job), job.place.path());
         return;
       case JobAction::removeRemoteFolder:
-        if (!wentWithLink(job)) need(client(job).removeDirectory(job.place.path()));
+        if (!wentWithLink(job)) removeDirectory(client(job), job.place.path());
         return;
     }
   }
@@ -127,7 +121,7 @@ class Runner {
   bool wasLink(const FileJob& job, const std::string& folder) {
     const auto known = m_wasLink.find(folder);
     if (known != m_wasLink.end()) return known->second;
-    const bool wasLink = need(hosts::removeIfLink(client(job), m_context.watch(), folder));
+    const bool wasLink = removeLink(client(job), m_context.watch(), folder);
     m_context.refusal().forget();
     return m_wasLink[folder] = wasLink;
   }

@@ -43,7 +43,8 @@ class Get {
     const bool isPattern = m_context.isPattern(m_context.place(sources[0]));
     m_isInto = isLocalFolder(m_target) || sources.size() > 1 || isPattern;
     if (m_isInto) needLocalFolder(m_target);
-    for (const Place& place : places) m_context.attempt(place, [&] { collect(place); });
+    m_context.untilInterrupted(
+        places, [&](const Place& place) { m_context.attempt(place, [&] { collect(place); }); });
     runJobs(m_context, m_jobs);
   }
 

@@ -68,9 +68,9 @@ const std::vector<Section> kSections = {
      "\"url\" has the very bytes of its name and can be given back.",
      {}},
     {"Ctrl-C",
-     "The first one cancels a transfer and ends after it; what a command has done by then stays done. The "
-     "second one "
-     "ends the program at once.",
+     "The first one ends what is being done, also where a server keeps silent, and tells what may be left "
+     "of it and what was not tried; what a command has done by then stays done. The second one ends the "
+     "program at once.",
      {}},
     {"Exit codes",
      "An answer of the server that says less than it seems to, such as a copy of which not all has arrived, "

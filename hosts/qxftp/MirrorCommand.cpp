@@ -118,13 +118,17 @@ class Mirror {
     qx::Client& client = m_context.connected(m_place);
     std::chrono::seconds ahead{0};
     const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
-    if (!client.write(path, std::as_bytes(std::span("clock")))) return ahead;
-    const Tree tree =
-        hosts::readRemoteTree(client, m_context.watch(), m_place.path(), {.isRecursive = false});
-    for (const hosts::Entry& entry : tree.entries) {
-      if (entry.path == name && entry.time) ahead = entry.time->at - now;
-    }
-    need(client.remove(path));
+    const auto written = client.write(path, std::as_bytes(std::span("clock")));
+    if (!written && !hosts::isInterrupted()) return ahead;
+    leaving("the file " + path + " may be left on the server", [&] {
+      need(written);
+      const Tree tree =
+          hosts::readRemoteTree(client, m_context.watch(), m_place.path(), {.isRecursive = false});
+      for (const hosts::Entry& entry : tree.entries) {
+        if (entry.path == name && entry.time) ahead = entry.time->at - now;
+      }
+      need(client.remove(path));
+    });
     return ahead;
   }
 

@@ -5,10 +5,18 @@
 #include <array>
 
 #include "QXErrorInfo.h"
+#include "hosts/shared/Interrupt.h"
 
 namespace qxftp {
 
 void fail(const std::string& text) { throw Failure{{true, false, 0, text, {}}}; }
+
+qx::Report withWhatIsLeft(qx::Report report, const std::string& left) {
+  if (!report.isCancelled && !hosts::isInterrupted()) return report;
+  report.isCancelled = true;
+  report.text = "cancelled; " + left;
+  return report;
+}
 
 bool isNoConnection(const qx::Report& report) {
   static constexpr std::array<std::uint32_t, 11> kNumbers = {

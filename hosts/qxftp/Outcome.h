@@ -34,6 +34,20 @@ Value need(qx::Result<Value> result) {
   return std::move(result).value();
 }
 
+// The report; where Ctrl-C has ended the operation, as one of a cancel with the words about what it has
+// `left`.
+[[nodiscard]] qx::Report withWhatIsLeft(qx::Report report, const std::string& left);
+
+// What `work`, which changes something, throws as a Failure tells in such words what a cancel may have left.
+template <typename Work>
+void leaving(const std::string& left, Work&& work) {
+  try {
+    work();
+  } catch (const Failure& failure) {
+    throw Failure{withWhatIsLeft(failure.report, left)};
+  }
+}
+
 // Whether nobody was reached who would do anything: no connection, no encryption or no login.
 [[nodiscard]] bool isNoConnection(const qx::Report& report);
 

@@ -59,33 +59,48 @@ qx::Lambdas Servers::lambdas() {
   return lambdas;
 }
 
-qx::Client Servers::makeClient() {
+std::unique_ptr<Servers::Entry> Servers::make() {
   if (m_exports.create == nullptr) m_exports = hosts::openLibrary(m_settings.library);
-  auto client = qx::Client::make(m_exports).value();
-  client.use(lambdas());
-  client.setRetries(m_settings.retries);
-  return client;
+  if (!m_onInterrupt) m_onInterrupt.emplace([this] { endAll(); });
+  auto made = std::make_unique<Entry>();
+  need(made->client.make(m_exports, lambdas()));
+  made->client.client().setRetries(m_settings.retries);
+  return made;
+}
+
+Servers::Entry& Servers::keep(const std::string& key, std::unique_ptr<Entry> made) {
+  const std::lock_guard lock(m_lock);
+  if (hosts::isInterrupted()) made->client.end();
+  return *m_entries.emplace(key, std::move(made)).first->second;
+}
+
+// On a thread of its own.
+void Servers::endAll() {
+  const std::lock_guard lock(m_lock);
+  for (const auto& [key, entry] : m_entries) entry->client.end();
 }
 
 Servers::Entry& Servers::entry(const hosts::Address& address) {
   const std::string key = hosts::textOf({address.login, {}});
-  if (const auto known = m_entries.find(key); known != m_entries.end()) return known->second;
-  Entry made{makeClient(), completed(address.login, m_settings)};
-  need(made.client.setLogin(made.login));
-  return m_entries.emplace(key, std::move(made)).first->second;
+  if (const auto known = m_entries.find(key); known != m_entries.end()) return *known->second;
+  std::unique_ptr<Entry> made = make();
+  made->login = completed(address.login, m_settings);
+  need(made->client.client().setLogin(made->login));
+  return keep(key, std::move(made));
 }
 
-qx::Client& Servers::client(const hosts::Address& address) { return entry(address).client; }
+qx::Client& Servers::client(const hosts::Address& address) { return entry(address).client.client(); }
 
 qx::Client& Servers::connected(const hosts::Address& address) {
   Entry& found = entry(address);
-  if (!found.isConnected) need(found.client.connect(found.login));
+  if (!found.isConnected) need(found.client.client().connect(found.login));
   found.isConnected = true;
-  return found.client;
+  return found.client.client();
 }
 
 qx::Client& Servers::anonymous() {
-  return m_entries.try_emplace("", Entry{makeClient(), {}}).first->second.client;
+  const auto known = m_entries.find("");
+  return (known != m_entries.end() ? *known->second : keep("", make())).client.client();
 }
 
 }  // namespace qxftp

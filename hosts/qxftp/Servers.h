@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The clients of a command, one for each login.
+// The clients of a command, one for each login. The first Ctrl-C ends what they are at, whether it asks for a
+// cancel or not; from then on all that they are asked for fails.
 #pragma once
 
 #include <functional>
@@ -10,6 +11,8 @@
 
 #include "hosts/qxftp/Settings.h"
 #include "hosts/shared/Address.h"
+#include "hosts/shared/EndableClient.h"
+#include "hosts/shared/Interrupt.h"
 #include "hosts/shared/ListingWatch.h"
 
 namespace qxftp {
@@ -33,8 +36,8 @@ class Servers {
   Servers(const Servers&) = delete;
   Servers& operator=(const Servers&) = delete;
 
-  // Has the login data, and is cancelled by Ctrl-C where an operation can be. Loads the library with the
-  // first one. Throws std::runtime_error where there is no library or no password.
+  // Has the login data. Loads the library with the first one. Throws std::runtime_error where there is no
+  // library or no password.
   [[nodiscard]] qx::Client& client(const hosts::Address& address);
 
   // The same, with a connection that it keeps for listings and questions. Throws Failure.
@@ -55,13 +58,15 @@ class Servers {
 
  private:
   struct Entry {
-    qx::Client client;
+    hosts::EndableClient client;
     qx::Login login;
     bool isConnected = false;
   };
 
   Entry& entry(const hosts::Address& address);
-  qx::Client makeClient();
+  std::unique_ptr<Entry> make();
+  Entry& keep(const std::string& key, std::unique_ptr<Entry> made);
+  void endAll();
   [[nodiscard]] qx::Lambdas lambdas();
 
   const Settings& m_settings;
@@ -69,7 +74,9 @@ class Servers {
   OnProgress m_onProgress;
   hosts::ListingWatch m_watch;
   qx::Exports m_exports;
-  std::map<std::string, Entry> m_entries;  // by the address without a path
+  std::mutex m_lock;                                        // while m_entries changes, and for endAll()
+  std::map<std::string, std::unique_ptr<Entry>> m_entries;  // by the address without a path
+  std::optional<hosts::OnInterrupt> m_onInterrupt;          // last: it uses all of this
 };
 
 }  // namespace qxftp

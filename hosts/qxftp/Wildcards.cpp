@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "hosts/qxftp/Listing.h"
+#include "hosts/shared/Interrupt.h"
 
 namespace qxftp {
 namespace {
@@ -96,7 +97,7 @@ std::vector<Place> expanded(Context& context, const std::vector<std::string>& pa
   for (const std::string& text : paths) places.push_back(context.place(text));
   std::vector<Place> all;
   for (const Place& place : places) {
-    if (!context.isPattern(place)) {
+    if (!context.isPattern(place) || hosts::isInterrupted()) {
       all.push_back(place);
       continue;
     }

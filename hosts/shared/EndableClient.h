@@ -4,8 +4,8 @@
 // the library is at work on can be freed under it; this class knows when that is so.
 //
 // It watches connect(), list(), count(), fileExists(), directoryExists(), size(), remove(),
-// removeDirectory(), createDirectory(), createNewDirectory() and rename(). No other operation may be called
-// on the client.
+// removeDirectory(), createDirectory(), createNewDirectory() and rename(), where the host calls them. All
+// others go on, and end where the lambda `poll` cancels them.
 #pragma once
 
 #include <chrono>
@@ -20,19 +20,21 @@ namespace hosts {
 class EndableClient {
  public:
   EndableClient() = default;
+  ~EndableClient() { free(); }
   EndableClient(const EndableClient&) = delete;
   EndableClient& operator=(const EndableClient&) = delete;
 
   // These are for the one thread that uses the client. There is none at first, and none behind an operation
-  // that was ended.
+  // that was ended or could not begin; those of that one fail as of a client that was moved from.
   [[nodiscard]] bool isThere() const noexcept { return m_client && *m_client; }
   // Fails as qx::Client::make does.
   qx::Result<qx::Done> make(const qx::Exports& exports, qx::Lambdas lambdas);
-  void free() noexcept { m_client.reset(); }
+  void free() noexcept;
   // REQUIRES: it was made.
   [[nodiscard]] qx::Client& client() noexcept { return *m_client; }
 
-  // For any other thread: what runs fails within moments, and what is called from now on fails at once.
+  // For any other thread: of what is watched, the call that runs fails within moments, and the next one at
+  // once.
   void end();
   // Operations work again. Not while one runs.
   void rearm();
@@ -46,6 +48,7 @@ class EndableClient {
   void watch();
   bool enter();
   bool leave();
+  void giveUpClient();
 
   std::optional<qx::Client> m_client;
   std::mutex m_lock;

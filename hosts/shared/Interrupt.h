@@ -5,7 +5,12 @@
 //   client.use({.poll = [](const qx::Progress&) {
 //     return hosts::isInterrupted() ? qx::Poll::cancel : qx::Poll::goOn;
 //   }});
+//   const hosts::OnInterrupt onInterrupt([&] { endableClient.end(); });
 #pragma once
+
+#include <atomic>
+#include <functional>
+#include <thread>
 
 namespace hosts {
 
@@ -18,6 +23,23 @@ void catchInterrupts();
 
 // Whether there was one. Any thread.
 [[nodiscard]] bool isInterrupted() noexcept;
+
+// Lets `act` run on a thread of its own behind the first Ctrl-C, at once where that has been. One at a time.
+class OnInterrupt {
+ public:
+  explicit OnInterrupt(std::function<void()> act);
+  // Waits for an `act` that runs; none begins any more.
+  ~OnInterrupt();
+  OnInterrupt(const OnInterrupt&) = delete;
+  OnInterrupt& operator=(const OnInterrupt&) = delete;
+
+ private:
+  void run();
+
+  const std::function<void()> m_act;
+  std::atomic<bool> m_isOver = false;
+  std::thread m_thread;  // last: all else is there when it starts
+};
 
 // Called by the system's handlers: the first call asks to stop, a second one ends the process. Safe in a
 // handler of a signal.

@@ -53,6 +53,7 @@ class RemoteWalk {
     if (isCancelled()) return;
     m_watch.begin();
     auto listing = m_client.list(path.empty() ? m_folder : joined(m_folder, path), "*");
+    if (!listing && isCancelled()) return;
     if (!listing) return problem(path, listing.report().text);
     if (!m_watch.hasCome()) return problem(path, whyNothingCame());
     Entries entries = std::move(listing).value();

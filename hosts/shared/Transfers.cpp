@@ -21,17 +21,26 @@ constexpr std::uint64_t kBytesOfSize = std::uint64_t{1} << 32;  // FTPFileSize c
 
 Outcome failure(const std::string& text) { return {.state = State::failed, .text = text}; }
 
+Outcome cancelled(const std::string& left) {
+  return {.state = State::cancelled, .text = "cancelled; " + left};
+}
+
+// Also what the end of the client has made of a question behind the transfer.
+Outcome failure(const qx::Client& client, const std::string& why, const std::string& left) {
+  return client ? failure(why + "; " + left) : cancelled(left);
+}
+
 // Nothing would go better with the next file.
 bool isOutOfReach(std::uint32_t number) {
   return number == QX_ERROR_TIMEOUT || number == QX_ERROR_CANNOT_CONNECT ||
          number == QX_ERROR_INCORRECT_PASSWORD || number == QX_ERROR_LOGIN_FAILURE;
 }
 
-Outcome outcomeOf(const qx::Report& report, const std::string& left) {
+Outcome outcomeOf(const qx::Client& client, const qx::Report& report, const std::string& left) {
+  if (report.isCancelled || !client) return cancelled(left);
   const bool isDiskFull = report.number == kDiskFull || report.number == kFileTooLarge;
-  const std::string why = report.isCancelled ? "cancelled" : isDiskFull ? "the disk is full" : report.text;
-  return {.state = report.isCancelled ? State::cancelled : State::failed,
-          .text = why + "; " + left,
+  return {.state = State::failed,
+          .text = (isDiskFull ? "the disk is full" : report.text) + "; " + left,
           .number = report.number,
           .isDiskFull = isDiskFull,
           .isServerLost = isOutOfReach(report.number)};
@@ -90,7 +99,7 @@ Outcome finish(qx::Client& client, const RemoteFile& source, Part& part) {
   std::error_code error;
   const LocalFacts facts = factsOf(part.path(), Links::told, error);
   if (error) return failure(error.message() + "; " + part.drop());
-  if (const auto why = whyNotWhole(client, source, facts.size)) return failure(*why + "; " + part.drop());
+  if (const auto why = whyNotWhole(client, source, facts.size)) return failure(client, *why, part.drop());
   if (source.time) setChanged(part.path(), source.time->at, error);  // one that cannot be set does no harm
   error = part.become();
   return error ? failure(error.message() + "; " + part.drop()) : Outcome{};
@@ -120,7 +129,7 @@ Outcome download(qx::Client& client, const RemoteFile& source, const fs::path& t
   if (!local)
     return failure("the code page of this system lacks characters of " + shown(target.parent_path()));
   const auto copied = client.download(source.path, *local);
-  return copied ? finish(client, source, part) : outcomeOf(copied.report(), part.drop());
+  return copied ? finish(client, source, part) : outcomeOf(client, copied.report(), part.drop());
 }
 
 Outcome upload(qx::Client& client, const fs::path& source, const std::string& target) {
@@ -133,11 +142,11 @@ Outcome upload(qx::Client& client, const fs::path& source, const std::string& ta
   const auto copied = client.upload(*local, target);
   if (!copied) {
     const qx::Report& report = copied.report();
-    return outcomeOf(report,
-                     leftOnServer(client, target, !report.isCancelled && report.number != QX_ERROR_TIMEOUT));
+    const bool mayAsk = !report.isCancelled && report.number != QX_ERROR_TIMEOUT;
+    return outcomeOf(client, report, leftOnServer(client, target, mayAsk));
   }
   if (facts.size < kBytesOfSize || listedSize(client, target) == facts.size) return {};
-  return failure("the server's folder does not show all bytes; " + leftOnServer(client, target, true));
+  return failure(client, "the server's folder does not show all bytes", leftOnServer(client, target, true));
 }
 
 }  // namespace hosts

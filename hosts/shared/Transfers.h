@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// One file down or up. What has ended without success says in words why, and what is left where.
+// One file down or up. What has ended without success says in words why, and what is left where. The end of
+// the client is a cancel (EndableClient.h).
 #pragma once
 
 #include <cstdint>

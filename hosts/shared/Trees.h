@@ -55,11 +55,10 @@ struct Walk {
 Tree readLocalTree(const std::filesystem::path& folder, const Walk& walk = {});
 
 // Lists folder by folder: over a connection of client.connect() none of them costs a login. `watch` has to be
-// told the protocol, line by line, by the client's lambda `line`. A listing cannot be broken off: isCancelled
-// counts behind it.
+// told the protocol, line by line, by the client's lambda `line`. isCancelled does not break off a listing
+// (EndableClient.h does), but one that has failed then is none.
 //  - A folder that leads back to one above it, by a link, is a problem: entries do not tell links. It is
-//  known
-//    by what is in it, when three folders above it have had the same.
+//    known by what is in it, when three folders above it have had the same.
 //  - Folders whose path has more than 255 bytes cannot be listed.
 Tree readRemoteTree(qx::Client& client, ListingWatch& watch, const std::string& folder,
                     const Walk& walk = {});

@@ -24,12 +24,14 @@ from testcase import ControllerClient, Server  # noqa: E402  (found through the 
 COMMAND = sys.argv[1:]  # the program, under Wine behind what runs it
 WINDOWS = len(COMMAND) > 1
 SECONDS = 120  # for what has to come; a machine may be busy
+BEFORE_TIMEOUTS = 20  # every time-out of the library is longer
 
 
 class Terminal:
     """The program as the foreground of a terminal of some columns."""
 
-    def __init__(self, arguments, columns=80, command=COMMAND):
+    def __init__(self, arguments, columns=80, command=COMMAND, patience=SECONDS):
+        self._patience = patience
         self._process, self._master = pty.fork()
         if self._process == 0:
             os.execvp(command[0], [*command, *map(str, arguments)])
@@ -38,7 +40,7 @@ class Terminal:
 
     def _read(self):
         """Whether there was more."""
-        if not select.select([self._master], [], [], SECONDS)[0]:
+        if not select.select([self._master], [], [], self._patience)[0]:
             raise AssertionError(f"silent behind {self.output[-400:]!r}")
         try:
             piece = os.read(self._master, 65536)

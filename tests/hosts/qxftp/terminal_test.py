@@ -59,15 +59,6 @@ class OnTerminal(ProgramCase):
         self.assertEqual(terminal.exit_code(), 130, terminal.output)
         self.assertIn("a part of it may be on the server as /pub/new", terminal.output)
 
-    def test_a_second_ctrl_c_ends_at_once(self):
-        """A login that the server keeps waiting cannot be cancelled."""
-        self.server.ask("reconfigure", script={"rules": [{"on": "PASS", "do": [{"gate": "never"}]}]})
-        terminal = Terminal(["get", f"{self.pub}/large", self.target])
-        self.server.wait(waiting="never")
-        terminal.type_until_the_end("\x03")
-        self.assertEqual(terminal.exit_code(), 130, terminal.output)
-        self.assertNotIn("qxftp:", terminal.output)
-
     def test_an_interrupted_mirror_goes_on_where_it_was(self):
         gate = {"on": "RETR", "argument": "/pub/many/07", "first": 1, "do": [{"gate": "never"}]}
         self.server.ask("reconfigure", script={"rules": [gate]})
