@@ -89,7 +89,8 @@ class Silent(ProgramCase):
         self.keep_waiting("DELE", argument="/pub/b")
         said = json.loads(self.interrupted("--json", "rm", *[f"{self.pub}/{name}" for name in "abc"])[0])
         self.assertEqual((said["exitCode"], [result["ok"] for result in said["results"]]), (130, [True, False, False]))
-        self.assertEqual([result["error"]["text"] for result in said["results"][1:]], ["cancelled; it may be gone", "cancelled; not tried"])
+        self.assertEqual([result["error"]["text"] for result in said["results"][1:]],
+                         ["cancelled; it may be gone", "cancelled; not tried"])
 
     def test_any_of_several_servers(self):
         """A thread had one client that could be ended, the one that was made last."""
@@ -102,8 +103,7 @@ class Silent(ProgramCase):
         """The library asks for the size of what it has sent, and hears of no cancel then."""
         self.keep_waiting("SIZE")
         told = self.interrupted("put", self.local(self.write("mine", "mine")), f"{self.pub}/new")[1]
-        self.assertEqual(told, f"qxftp: {self.local(self.folder / 'mine')}: cancelled; a part of it may be on the server "
-                               "as /pub/new\n")
+        self.assertTrue(told.endswith("mine: cancelled; a part of it may be on the server as /pub/new\n"), told)
 
     def test_a_second_ctrl_c_ends_at_once(self):
         """A pipe that nobody writes to is read for ever."""
