@@ -126,7 +126,7 @@ TEST_F(TheTransferQueue, ReplacesNothingHereThatNobodyAgreedTo) {
   std::ofstream(scratch.path() / "b.txt") << "mine";
   queue->add({download("b.txt")});
   runAll();
-  EXPECT_EQ(state(0), TransferState::failed);
+  ASSERT_EQ(state(0), TransferState::failed);
   EXPECT_EQ(local("b.txt"), "mine");
   std::vector<Transfer> agreed = queue->list().ended();
   agreed.front().mayReplace = true;
