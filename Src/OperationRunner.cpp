@@ -22,7 +22,7 @@ class Wait {
     while (!m_cancel && !m_reconnect && !IsSet(m_call.record.bDone)) {
       Poll();
       if (m_cancel || m_reconnect) m_running.Kill();
-      Dispatch(NobodyIsAsked());
+      HostCall(&DispatchOne);
     }
     return Finish();
   }
@@ -42,18 +42,8 @@ class Wait {
     }
   }
 
-  // The library's own OnPoll lets everything go on.
-  [[nodiscard]] bool NobodyIsAsked() const noexcept {
-    return m_call.polling == Polling::none ||
-           (m_call.polling != Polling::whileInitialized && HasOwnSlot(m_call.client, Slot::OnPoll));
-  }
-
-  // At most one message. `untilEnd`: there is nothing to do before it or the worker's end.
-  void Dispatch(bool untilEnd) {
-    HostCall([&] {
-      if (untilEnd ? m_running.Worker().messageBeforeEnd() : platform::messageAfterTurn())
-        platform::takeAndDispatchMessage();
-    });
+  static void DispatchOne() {
+    if (platform::messageAfterTurn()) platform::takeAndDispatchMessage();
   }
 
   // The record lives on the caller's stack: the worker has to be gone, not only done, before the caller goes
@@ -61,7 +51,7 @@ class Wait {
   WaitEnd Finish() {
     if (m_cancel) return WaitEnd::cancelled;
     if (m_reconnect) return WaitEnd::reconnect;
-    while (!m_running.Worker().ended()) Dispatch(true);
+    while (!m_running.Worker().ended()) HostCall(&DispatchOne);
     m_running.Close();
     return WaitEnd::done;
   }

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The caller's side of every operation with a worker: it starts the worker and, until that is done, keeps the
 // caller's messages flowing and asks OnPoll whether to go on. The wait has no time limit; it spins, but for a
-// moment's sleep where others keep the processors busy (platform/turns.h). Where nothing is asked but the
-// host's queue, Windows wakes it for a message and for the worker's end.
+// moment's sleep where others keep the processors busy (platform/turns.h).
 #pragma once
 
 #include "Src/FtpThread.h"

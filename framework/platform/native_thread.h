@@ -14,8 +14,6 @@ class NativeThread {
 
   // How long a wait that has to look at messages lasts at most; where they end the wait it may be longer.
   static const std::chrono::milliseconds kSlice;
-  // Whether messages end a wait.
-  static const bool kWakesForMessages;
 
   NativeThread() noexcept;
   ~NativeThread();  // REQUIRES: never started, or ended

@@ -7,9 +7,7 @@
 #include <utility>
 
 #include "framework/platform/last_error.h"
-#include "framework/platform/message_queue.h"
 #include "framework/platform/native_thread.h"
-#include "framework/platform/turns.h"
 
 namespace platform {
 namespace {
@@ -82,12 +80,6 @@ bool WorkerThread::start(Entry entry, void* argument) noexcept {
 bool WorkerThread::started() const noexcept { return impl_ != nullptr; }
 
 bool WorkerThread::ended(milliseconds limit) const noexcept { return !impl_ || impl_->thread.wait(limit); }
-
-bool WorkerThread::messageBeforeEnd() const noexcept {
-  if (!NativeThread::kWakesForMessages || isCurrent()) return messageAfterTurn();
-  const bool over = !impl_ || impl_->thread.wait(NativeThread::kSlice, true);
-  return !over && messageWaiting();
-}
 
 bool WorkerThread::isCurrent() noexcept { return t_isWorker; }
 

@@ -34,11 +34,6 @@ class WorkerThread {
   // waiting at most `limit` for it. Also true when none was started. Any thread, as below.
   [[nodiscard]] bool ended(std::chrono::milliseconds limit = std::chrono::milliseconds(0)) const noexcept;
 
-  // One turn of a caller that waits for nothing but the thread's end and its own messages; true when one of
-  // those waits. Where the system tells of both it sleeps meanwhile, for some milliseconds at most. A worker
-  // that waits for one of its own does not: it has to see at once that it is to stop.
-  [[nodiscard]] bool messageBeforeEnd() const noexcept;
-
   // True on a thread that one of these objects started.
   [[nodiscard]] static bool isCurrent() noexcept;
 

@@ -106,7 +106,6 @@ bool NativeThread::State::join(std::unique_lock<std::mutex>& lock,
 }
 
 const std::chrono::milliseconds NativeThread::kSlice{2};
-const bool NativeThread::kWakesForMessages = false;
 
 NativeThread::NativeThread() noexcept = default;
 NativeThread::~NativeThread() = default;

@@ -27,7 +27,6 @@ struct NativeThread::State {
 
 // Messages end the wait by themselves, and in Wine each wait whose time runs out gives the processor up.
 const std::chrono::milliseconds NativeThread::kSlice{20};
-const bool NativeThread::kWakesForMessages = true;
 
 NativeThread::NativeThread() noexcept = default;
 

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
-#include <thread>
 
 #include "framework/platform/message_queue.h"
 #include "framework/platform/worker_thread.h"
@@ -43,59 +41,6 @@ TEST(NativeThread, TakesNormalPriority) {
   worker.mayAsk = false;
   ASSERT_TRUE(thread.ended(kLongEnough));
   EXPECT_EQ(worker.priority, THREAD_PRIORITY_NORMAL);
-}
-
-// A worker that goes on until its gate opens.
-class HeldWorker {
- public:
-  HeldWorker() {
-    const bool started = thread.start(
-        [](void* gate) {
-          while (!*static_cast<std::atomic<bool>*>(gate)) platform::yieldProcessor();
-        },
-        &open);
-    EXPECT_TRUE(started);
-  }
-  ~HeldWorker() {
-    open = true;
-    EXPECT_TRUE(thread.ended(kLongEnough));
-  }
-  HeldWorker(const HeldWorker&) = delete;
-  HeldWorker& operator=(const HeldWorker&) = delete;
-
-  std::atomic<bool> open{false};
-  WorkerThread thread;
-};
-
-// Callers that had nothing to ask looked for messages all the time, each time at Wine's server, which their
-// workers then waited for.
-TEST(NativeThread, ATurnWithoutAMessageSleeps) {
-  while (platform::messageWaiting()) platform::takeAndDispatchMessage();
-  HeldWorker worker;
-  const auto before = std::chrono::steady_clock::now();
-  EXPECT_FALSE(worker.thread.messageBeforeEnd());
-  EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(4))
-      << "or a tick too little";
-}
-
-TEST(NativeThread, AMessageEndsATurn) {
-  HeldWorker worker;
-  ::PostThreadMessageA(::GetCurrentThreadId(), WM_APP, 0, 0);
-  EXPECT_TRUE(worker.thread.messageBeforeEnd());
-  static_cast<void>(platform::messageWaiting());  // what has been seen and left counts as well
-  EXPECT_TRUE(worker.thread.messageBeforeEnd());
-  platform::takeAndDispatchMessage();
-  const DWORD caller = ::GetCurrentThreadId();
-  std::thread([&] { ::PostThreadMessageA(caller, WM_APP, 0, 0); }).join();
-  EXPECT_TRUE(worker.thread.messageBeforeEnd());
-  platform::takeAndDispatchMessage();
-}
-
-TEST(NativeThread, TheEndOfTheWorkerEndsATurn) {
-  HeldWorker worker;
-  worker.open = true;
-  while (!worker.thread.ended()) EXPECT_FALSE(worker.thread.messageBeforeEnd());
-  EXPECT_FALSE(worker.thread.messageBeforeEnd());
 }
 
 // The caller's messages go on while its worker hangs; here the last of them sets the worker free.
