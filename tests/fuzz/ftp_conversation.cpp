@@ -109,15 +109,18 @@ bool Client::succeeds(const Work& work) {
   return false;
 }
 
-// A refusal is one of a command of this operation, and that command's own.
+// A refusal is one of a command of this operation, and that command's own. What agrees on something may have
+// gone out along with an operation that has failed before its turn.
 void Client::judge(std::uint32_t error, const std::string& text) const {
   require(std::find(kErrors.begin(), kErrors.end(), error) != kErrors.end());
   if (error != internet::kExtendedError || !server_.orderly() || !server_.plainListings()) return;
   const std::size_t mark = text.rfind('#');
   require(mark != std::string::npos);
   const std::size_t command = std::stoul(text.substr(mark + 1));
-  require(command >= commandsBefore_ && command < server_.commands().size());
-  require(std::to_string(server_.commands()[command].final) == text.substr(0, 3));
+  require(command < server_.commands().size());
+  const HostileFtp::Command& refused = server_.commands()[command];
+  require(command >= commandsBefore_ || refused.verb == "TYPE" || refused.verb == "EPSV");
+  require(std::to_string(refused.final) == text.substr(0, 3));
 }
 
 // The server has done what this operation has asked by that verb.

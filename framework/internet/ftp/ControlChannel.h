@@ -48,8 +48,9 @@ class ControlChannel {
   bool foresee(std::string_view line) { return isOpen() && window_.foresee(line); }
   [[nodiscard]] bool foresees() const noexcept { return window_.foresees(); }
   void forgetForeseen() noexcept { window_.forgetForeseen(); }
-  // Sends `line` now without waiting for its reply, which is taken before the next command goes out, or before
-  // that one's own where it does not depend on it. Closes the connection when it cannot take the line at once.
+  // Sends `line` now without waiting for its reply, which is taken before the next command goes out, or
+  // before that one's own where it does not depend on it. Closes the connection when it cannot take the line
+  // at once.
   void sendAhead(std::string_view line, ReplyHandler handler) noexcept;
 
   // The next reply (40, 41), after the handlers of what went ahead have had theirs. A reply of 421 closes the
