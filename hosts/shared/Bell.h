@@ -9,7 +9,7 @@ namespace hosts {
 
 class Bell {
  public:
-  Bell() noexcept;
+  Bell();
   ~Bell();
   Bell(const Bell&) = delete;
   Bell& operator=(const Bell&) = delete;

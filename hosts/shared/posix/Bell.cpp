@@ -14,7 +14,7 @@ sem_t* semaphoreOf(void* handle) { return static_cast<sem_t*>(handle); }
 
 }  // namespace
 
-Bell::Bell() noexcept : m_handle(new sem_t) { sem_init(semaphoreOf(m_handle), 0, 0); }
+Bell::Bell() : m_handle(new sem_t) { sem_init(semaphoreOf(m_handle), 0, 0); }
 
 Bell::~Bell() {
   sem_destroy(semaphoreOf(m_handle));

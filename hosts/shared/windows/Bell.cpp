@@ -10,7 +10,7 @@
 
 namespace hosts {
 
-Bell::Bell() noexcept : m_handle(CreateEventW(nullptr, FALSE, FALSE, nullptr)) {}
+Bell::Bell() : m_handle(CreateEventW(nullptr, FALSE, FALSE, nullptr)) {}
 
 Bell::~Bell() { CloseHandle(m_handle); }
 
