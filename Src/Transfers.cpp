@@ -6,6 +6,7 @@
 #include "Src/MessageLines.h"
 #include "Src/OperationGuard.h"
 #include "Src/PrivateConnection.h"
+#include "Src/Progress.h"
 #include "Src/QXIP.h"
 #include "Src/RemotePath.h"
 #include "Src/SlotRetry.h"
@@ -52,14 +53,15 @@ bool acceptRefusedUpload(TQXIP& client, const char* target, const char* local) {
 // counter. Local paths are null where the host gave none: nothing is moved then.
 class Download {
  public:
-  Download(const char* local, const std::uint32_t& retries)
-      : m_local(local),
+  Download(TQXIP& client, const char* local, const std::uint32_t& retries)
+      : m_client(client),
+        m_local(local),
         m_goesOn(retries > 0),
         m_file(textOrEmpty(local), true, platform::kFileAttributeNormal, m_goesOn) {}
 
-  bool Move(TQXIP& client, PrivateConnection& connection, const char* target) {
+  bool Move(PrivateConnection& connection, const char* target) {
     return connection.Connection()->GetFile(target, m_file) ||
-           acceptEmptyRemote(client, target, m_local, m_file.HoldsPart());
+           acceptEmptyRemote(m_client, target, m_local, m_file.HoldsPart());
   }
   // A part has questions of its own.
   [[nodiscard]] internet::FtpErrand Errand(const char* target) const {
@@ -70,6 +72,7 @@ class Download {
   void Leave() noexcept { m_file.Drop(); }
 
  private:
+  TQXIP& m_client;
   const char* m_local;
   const bool m_goesOn;
   CFileDownload m_file;
@@ -77,13 +80,19 @@ class Download {
 
 class Upload {
  public:
-  Upload(const char* local, std::uint32_t& retries)
-      : m_local(local), m_retries(retries), m_goesOn(retries > 0), m_file(textOrEmpty(local), m_goesOn) {}
+  Upload(TQXIP& client, const char* local, std::uint32_t& retries)
+      : m_client(client),
+        m_local(local),
+        m_retries(retries),
+        m_goesOn(retries > 0),
+        m_file(textOrEmpty(local), m_goesOn, [&client](std::uint64_t position, std::uint64_t size) {
+          StoreUploadProgress(client, position, size);
+        }) {}
 
-  bool Move(TQXIP& client, PrivateConnection& connection, const char* target) {
+  bool Move(PrivateConnection& connection, const char* target) {
     if (Put(connection, target)) return true;
     CopyWatch::TellDoubt();
-    return acceptRefusedUpload(client, target, m_local);
+    return acceptRefusedUpload(m_client, target, m_local);
   }
   [[nodiscard]] internet::FtpErrand Errand(const char* target) const {
     return {.kind = internet::FtpErrand::Kind::upload, .path = target, .goesOn = m_goesOn};
@@ -104,6 +113,7 @@ class Upload {
   }
 
   static constexpr std::chrono::milliseconds kPause{10};
+  TQXIP& m_client;
   const char* m_local;
   std::uint32_t& m_retries;
   const bool m_goesOn;
@@ -119,7 +129,7 @@ bool transferOnce(TQXIP& client, const char* remote, const char* local, File& fi
   ToFtpPath(target.data());  // twice: of three leading slashes one remains
   const internet::FtpErrand errand = given ? file.Errand(target.c_str()) : internet::FtpErrand{};
   if (!connection.Open(errand) || !BothGiven(remote, local)) return false;
-  return file.Move(client, connection, target.c_str());
+  return file.Move(connection, target.c_str());
 }
 
 struct TransferKind {
@@ -137,7 +147,7 @@ QXBool runTransfer(TQXIP& client, const TransferKind& kind, bool fromServer, con
                           .second = fromServer ? local : remote,
                           .isPair = true,
                           .join = FailedJoin::tight};
-    File file(local, retries);
+    File file(client, local, retries);
     const auto run = [&] { return transferOnce(client, remote, local, file); };
     const auto again = [&](std::uint32_t left) {
       file.Leave();

@@ -6,6 +6,7 @@
 
 #include "Src/MessageLines.h"
 #include "Src/NestedRuns.h"
+#include "Src/Progress.h"
 #include "Src/RetryLimit.h"
 #include "Src/SharedFlag.h"
 #include "framework/ModuleState.h"
@@ -54,6 +55,7 @@ void RunWorker(void* argument, const WorkerShape& shape, Attempt attempt) {
   QXFtpThread& record = *static_cast<QXFtpThread*>(argument);
   const AFX_MAINTAIN_STATE2 moduleState(AfxGetAppModuleState());
   const DoneFlag done(record);
+  const WorkerOnThread worker(record);
   RetryLimit limit(*record.pRetries);
   const auto next = [&](const AttemptOutcome& failed) -> std::optional<AttemptOutcome> {
     if (!limit.TakeRun(*record.pRetries, {failed.error, failed.connectionLost})) return std::nullopt;

@@ -35,13 +35,15 @@
 
 namespace qx {
 
-// The texts of a login; QXIPInt.h tells what `host` may say of encryption.
+// The texts of a login; QXIPInt.h tells what `host` may say of encryption. Texts of at most 255 characters,
+// in which that and the option of `tellsUploads` count.
 struct Login {
   std::string host;
   std::string user = "anonymous";
   std::string password = "anonymous@";
   std::uint32_t port = 21;
   bool isPassive = true;
+  bool tellsUploads = false;  // upload(), copy(), move() and append() have progress on the way to the server
 };
 
 struct ItemCounts {
@@ -93,14 +95,14 @@ class Client {
 
   Result<Done> setLogin(const Login& login) {
     return Do([&](TQXIPIFInt& client) {
-      return client.FTPSetLogin(login.host.c_str(), login.user.c_str(), login.password.c_str(), login.port,
+      return client.FTPSetLogin(HostOf(login).c_str(), login.user.c_str(), login.password.c_str(), login.port,
                                 login.isPassive ? 1 : 0);
     });
   }
   // Operations work without it, each over connections of its own.
   Result<Done> connect(const Login& login) {
     return Do([&](TQXIPIFInt& client) {
-      return client.FTPConnect(login.host.c_str(), login.user.c_str(), login.password.c_str(), login.port,
+      return client.FTPConnect(HostOf(login).c_str(), login.user.c_str(), login.password.c_str(), login.port,
                                login.isPassive ? 1 : 0, 0, nullptr);
     });
   }
@@ -255,6 +257,10 @@ class Client {
   }
 
   static constexpr std::uint32_t kInternetErrors = 12000;
+
+  static std::string HostOf(const Login& login) {
+    return login.tellsUploads ? login.host + ";progress=uploads" : login.host;
+  }
 
   static Report NoClient() { return {true, false, 0, "there is no client", {}}; }
   static Report NotFull() { return {true, false, 0, "the local path is not a full one", {}}; }

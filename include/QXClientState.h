@@ -18,9 +18,10 @@ namespace qx {
 // them: the library's answer does not tell how that one went.
 enum class Poll { goOn, cancel };
 
-// How far a transfer is, in bytes. The last that a write tells is the size of its last part.
+// How far a transfer is, in bytes; of one to the server where the login `tellsUploads`: the system has taken
+// so many, of which some may be under way still. The last that a write tells is the size of its last part.
 struct Progress {
-  bool isKnown = false;  // false: no data has moved yet
+  bool isKnown = false;  // false: no data has moved yet, or none is told of
   std::uint64_t transferred = 0;
   std::uint64_t total = 0;
 };

@@ -26,10 +26,16 @@ typedef struct TInternetSession TInternetSession;
 typedef struct QXClientObject TQXIPIFInt;
 #endif
 
-// Bytes moved by the latest transfer; written by the worker, read by the host in OnPoll. The library never
-// sets it back: a host that shows progress zeroes m_Transfer before the operation.
+// Bytes moved by the latest transfer; written by the thread that moves them, read by the host in OnPoll. The
+// library never sets it back: a host that shows progress zeroes m_Transfer before the operation.
+//   Uploads (FTPUploadFile, and what FTPCpyFile, FTPMovFile and an append do by it) move it only where the
+// login asks for that: "ftp.example.org;progress=uploads" (FTPSetLogin). nTotal is the file's size then, from
+// when the server agrees to take the file, an empty one too. nTransferred begins at 0, or where an attempt
+// goes on, and counts what the system has taken: the last bytes may be under way still, and never arrive. A
+// copy between two paths on the server counts its way down and then its way up. FTPUploadFile asks no OnPoll,
+// but another thread may read, each counter as a whole.
 typedef struct QXTransfer {
-  QXBool bValid;  // set once a chunk was moved
+  QXBool bValid;  // set once a chunk was moved, or an upload that tells has begun
   uint64_t nTransferred;
   uint64_t nTotal;
 } QXTransfer;

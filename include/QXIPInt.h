@@ -224,6 +224,7 @@ class TQXIPIFInt {
   // whole character, and the whole counts for as long as the field is left alone; the field itself, given
   // here again, stands for the whole. What a host writes into a field counts from then on. A longer text
   // leaves its field empty, and until the text is replaced no operation logs in: each fails with 87.
+  //   ";progress=uploads" behind a name, also a plain one, has uploads move m_Transfer, too (QXTransfer).
   //   Proxies: where the system's settings name one for the host (Linux: ftp_proxy, all_proxy, no_proxy in
   // the environment; Windows: the user's Internet settings), every connection goes through it, by SOCKS 5 or
   // by CONNECT of an HTTP proxy. It resolves the host's name, and all data connections are passive then,
@@ -315,11 +316,11 @@ class TQXIPIFInt {
                                        QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
   // Slots 39 and 40: a file from one path to another, which it replaces. A path is local when it begins with
   // a drive letter and a colon or with two backslashes, or has one character (but "/"). Counters go up with
-  // each 4096 bytes that come; an upload moves none. pfnProgress may be null. The callback runs on the
-  // worker's thread after every 4096 bytes that come from the server, and before an upload; what it is told
-  // of is in the local file. 1 also when the callback has stopped the copy, when the server has refused the
-  // upload (slot 33), and between two local paths, where nothing is copied. Between two remote paths the
-  // content goes through a temporary file.
+  // each 4096 bytes that come; an upload moves none unless the login asks for that (slot 25). pfnProgress may
+  // be null. The callback runs on the worker's thread after every 4096 bytes that come from the server, and
+  // before an upload; what it is told of is in the local file. 1 also when the callback has stopped the copy,
+  // when the server has refused the upload (slot 33), and between two local paths, where nothing is copied.
+  // Between two remote paths the content goes through a temporary file.
   // With nRetries > 0 a copy from the server goes on after a broken connection as slot 32 does. The
   // callback's figures go on with it: none is told twice, but where the copy begins anew they do so, too. A
   // failed copy leaves what has come in the local file.
@@ -368,7 +369,8 @@ class TQXIPIFInt {
   // opened for writing first: a server that lacks SIZE or REST empties it then, and the append fails, as it
   // does for a file that is missing or empty. An append of which the server refuses the upload answers 1.
   // nSize 0: 0. Without bAppend the file is replaced. pData is not changed and is read until the call
-  // returns. The last chunk shows its own size in m_Transfer, not the sum; an append shows nothing there.
+  // returns. The last chunk shows its own size in m_Transfer, not the sum; an append shows
+  // nothing there unless the login asks for uploads (slot 25).
   virtual QXBool FTPWriteFile(const char* pszPath, const void* pData, std::uint32_t nSize, QXBool bAppend,
                               std::uint32_t nReserved, std::uint32_t nRetries, QXHostValue nPollArg1,
                               QXHostValue nPollArg2) = 0;
@@ -393,7 +395,7 @@ class TQXIPIFInt {
   std::uint32_t m_nWipeBlock;
   std::uint32_t* m_pWipePattern;  // the host's array for FillWipePattern; null at first
   QXBool m_bOption;               // 1: listings search the bare pattern in the server's current directory
-  QXTransfer m_Transfer;          // of slots 39, 47 and 48
+  QXTransfer m_Transfer;          // of slots 39, 47 and 48, also of 33 if asked for
   QXDirEntry* m_pFileBuffer;      // a pending listing; the library's
   char m_RemoteSystem[33];  // host name without scheme; this and the next two may show a beginning (slot 25)
   char m_UserName[65];

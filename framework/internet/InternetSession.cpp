@@ -96,7 +96,8 @@ internet::FtpLogin checkedLogin(const char* server, const char* user, const char
           std::string(checkedText(user, "anonymous")),
           secret::Text(checkedText(password, anonymous ? "anonymous@" : "")),
           passive,
-          host.policy};
+          host.policy,
+          host.tellsUploads};
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "framework/internet/WholeFile.h"
 
+#include <utility>
+
 #include "framework/internet/ftp/FtpFileCopy.h"
 #include "framework/internet/ftp/RemotePart.h"
 
@@ -13,8 +15,8 @@ bool CFileDownload::HoldsPart() const noexcept { return m_file->holdsPart(); }
 
 void CFileDownload::Drop() noexcept { m_file->drop(); }
 
-CFileUpload::CFileUpload(const char* local, bool goesOn)
-    : m_file(std::make_unique<internet::FileUpload>(local, goesOn)) {}
+CFileUpload::CFileUpload(const char* local, bool goesOn, internet::UploadWatch watch)
+    : m_file(std::make_unique<internet::FileUpload>(local, goesOn, std::move(watch))) {}
 
 CFileUpload::~CFileUpload() = default;
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "framework/internet/net/UploadWatch.h"
 #include "framework/platform/file.h"
 
 namespace internet {
@@ -37,8 +38,8 @@ class CFileDownload {
 
 class CFileUpload {
  public:
-  // As above.
-  explicit CFileUpload(const char* local, bool goesOn = false);
+  // As above. `watch` is told where the login asks for that ("progress=uploads" behind the server's name).
+  explicit CFileUpload(const char* local, bool goesOn = false, internet::UploadWatch watch = nullptr);
   ~CFileUpload();
   CFileUpload(const CFileUpload&) = delete;
   CFileUpload& operator=(const CFileUpload&) = delete;

@@ -64,6 +64,13 @@ TEST_F(Append, TheTransferBlockIsNotTouched) {
   EXPECT_EQ(progressIn(client.m_Transfer), Progress{});
 }
 
+TEST_F(Append, TheWayBackOfTheWholeIsToldWhereTheHostAsksForIt) {
+  const fixture::ScriptedFtp server(kHoldsOld);
+  client.FTPSetLogin((server.host() + ";progress=uploads").c_str(), "user", "secret", server.port(), 1);
+  EXPECT_EQ(append("new"), 1);
+  EXPECT_EQ(progressIn(client.m_Transfer), (Progress{1, 6, 6}));
+}
+
 // Where the server does not restart in the file, its opening for writing empties it.
 TEST_F(Append, WithoutRestTheOrderIsTheSameAndAFileThatTheServerEmptiesIsAFailure) {
   const fixture::ScriptedFtp server(

@@ -69,6 +69,62 @@ TEST_F(CopyToServer, ReconnectingRunsItAgainButTheFirstOutcomeStands) {
   EXPECT_THAT(record, ReportsFrom(failedLine, 6259));
 }
 
+// More than the system takes of it while nobody reads.
+constexpr std::uint64_t kLarge = 64 << 20;
+
+class CopyThatTells : public CopyToServer {
+ protected:
+  void tellingLoginAt(const fixture::Server& server) {
+    client.FTPSetLogin((server.host() + ";progress=uploads").c_str(), "user", "secret", server.port(), 1);
+  }
+};
+
+TEST_F(CopyThatTells, OnPollSeesHowFarItIs) {
+  const fixture::ScriptedFtp server(
+      R"({"rules": [{"on": "STOR", "do": [{"normal": {"stall_after": 1000, "gate": "never"}}]}]})");
+  tellingLoginAt(server);
+  std::filesystem::resize_file(local, kLarge);
+  Progress last;
+  client.poll = [&](QXHostValue, QXHostValue, QXHostValue transfer, QXBool*) -> QXBool {
+    last = progressIn(*reinterpret_cast<QXTransfer*>(transfer));
+    return last.transferred > 0 ? 1 : 0;
+  };
+  EXPECT_EQ(copy(), 0);
+  EXPECT_EQ(last.valid, 1);
+  EXPECT_EQ(last.total, kLarge);
+  EXPECT_LT(last.transferred, kLarge);
+}
+
+TEST_F(CopyThatTells, ShowsAllInTheEndAndOfAMoveToo) {
+  const fixture::ScriptedFtp server;
+  tellingLoginAt(server);
+  EXPECT_EQ(copy(), 1);
+  EXPECT_EQ(progressIn(client.m_Transfer), (Progress{1, 4, 4}));
+  client.m_Transfer = {};
+  EXPECT_EQ(client.FTPMovFile(source.c_str(), "/c", nullptr, 0, 0, 0), 1);
+  EXPECT_EQ(progressIn(client.m_Transfer), (Progress{1, 4, 4}));
+}
+
+// The way down of one that nobody can measure has no total.
+TEST_F(CopyThatTells, OnTheServerItCountsTheWayUpAsWell) {
+  const fixture::ScriptedFtp server(
+      R"({"tree": {"/a": {"size": 9000, "seed": 7}},
+          "rules": [{"on": ["MLST", "MLSD", "SIZE", "LIST", "NLST"], "do": [{"reply": "550 No"}]}]})");
+  tellingLoginAt(server);
+  EXPECT_EQ(client.FTPCpyFile("/a", "/b", nullptr, 0, 0, 0), 1);
+  EXPECT_EQ(progressIn(client.m_Transfer), (Progress{1, 9000, 9000}));
+}
+
+TEST_F(CopyToServer, ShowsNoProgressUnasked) {
+  const fixture::ScriptedFtp server;
+  loginAt(server);
+  watchProgress();
+  EXPECT_EQ(copy(), 1);
+  EXPECT_EQ(client.FTPMovFile(source.c_str(), "/c", nullptr, 0, 0, 0), 1);
+  EXPECT_EQ(progressIn(client.m_Transfer), Progress{});
+  for (const Progress& each : seen) EXPECT_EQ(each, Progress{});
+}
+
 TEST_F(CopyToServer, OddNamesAreNamesLikeOthers) {
   const fixture::ScriptedFtp server;
   loginAt(server);

@@ -80,6 +80,21 @@ TEST_F(Upload, OddNamesAreNamesLikeOthers) {
   }
 }
 
+TEST_F(Upload, CountsInTheTransferBlockWhereTheHostAsksForIt) {
+  const fixture::ScriptedFtp server;
+  testing_support::Pattern(6).writeFile(local, 300'000);
+  loginAt(server);
+  EXPECT_EQ(upload(), 1);
+  EXPECT_EQ(client.m_Transfer.bValid, 0);
+  EXPECT_EQ(client.m_Transfer.nTransferred, 0u);
+  EXPECT_EQ(client.m_Transfer.nTotal, 0u);
+  client.FTPSetLogin((server.host() + ";progress=uploads").c_str(), "user", "secret", server.port(), 1);
+  EXPECT_EQ(upload(), 1);
+  EXPECT_EQ(client.m_Transfer.bValid, 1);
+  EXPECT_EQ(client.m_Transfer.nTransferred, 300'000u);
+  EXPECT_EQ(client.m_Transfer.nTotal, 300'000u);
+}
+
 TEST_F(Upload, AsksNobodyAndDispatchesNothingOnItsWay) {
   const fixture::ScriptedFtp server;
   loginAt(server);

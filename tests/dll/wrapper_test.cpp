@@ -5,6 +5,7 @@
 
 #include "tests/dll/WrapperTest.h"
 #include "tests/support/Pattern.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace wrapper {
 namespace {
@@ -146,6 +147,19 @@ TEST_F(Wrapper, ChangesTheServer) {
   const auto counts = client.count("/pub");
   EXPECT_EQ(counts->files, 3U);
   EXPECT_EQ(counts->directories, 2U);
+}
+
+TEST_F(Wrapper, UploadsWithProgressWhereTheLoginSaysSo) {
+  testing_support::Pattern(9).writeFile(local, 50000);
+  qx::Login there = login();
+  for (const bool tells : {false, true}) {
+    there.tellsUploads = tells;
+    for (const bool connects : {false, true}) {
+      ASSERT_TRUE(connects ? client.connect(there) : client.setLogin(there));
+      ASSERT_TRUE(client.copy(testing_support::localName(local), "/pub/sub/up"));
+      EXPECT_EQ(client.get()->m_Transfer.nTransferred, tells ? 50000U : 0U);
+    }
+  }
 }
 
 TEST_F(Wrapper, AnUploadThatTheServerBreaksIsAFailure) {

@@ -21,6 +21,7 @@ struct Good {
   bool pinned = false;
   bool verifies = true;
   bool onlyTls12 = false;
+  bool tellsUploads = false;
 };
 
 const Good kGood[] = {
@@ -37,7 +38,14 @@ const Good kGood[] = {
     {"ftpes://h;tls=1.2", "h", Encryption::onDemand, false, true, true},
     {"ftpes://h;fingerprint=sha256:" + kPin, "h", Encryption::onDemand, true},
     {"ftps://h;TLS=1.2;Verify=NO;FINGERPRINT=SHA256:" + kPin, "h", Encryption::fromStart, true, false, true},
+    {"h;progress=uploads", "h", Encryption::none, false, true, false, true},
+    {"[::1];Progress=Uploads", "::1", Encryption::none, false, true, false, true},
+    {"ftpes://h;PROGRESS=UPLOADS;tls=1.2", "h", Encryption::onDemand, false, true, true, true},
+    {"ftps://h;verify=no;progress=uploads", "h", Encryption::fromStart, false, false, false, true},
     // No scheme of ours: names that no server has.
+    {";progress=uploads", ";progress=uploads", Encryption::none},
+    {"h;progress=uploads;", "h;progress=uploads;", Encryption::none},
+    {"h;progress=downloads", "h;progress=downloads", Encryption::none},
     {"h;verify=no", "h;verify=no", Encryption::none},
     {"https://h", "https://h", Encryption::none},
     {"ftpes:/h", "ftpes:/h", Encryption::none},
@@ -52,6 +60,7 @@ TEST(SecureHost, TellsNameAndProtection) {
     EXPECT_EQ(host.policy.fingerprint.has_value(), each.pinned) << each.text;
     EXPECT_EQ(host.policy.verifies, each.verifies) << each.text;
     EXPECT_EQ(host.policy.onlyTls12, each.onlyTls12) << each.text;
+    EXPECT_EQ(host.tellsUploads, each.tellsUploads) << each.text;
   }
 }
 
@@ -67,6 +76,8 @@ TEST(SecureHost, OfTheWebKnowsHttpsAlone) {
   EXPECT_EQ(parseHttpHost("HTTPS://h;verify=no").name, "h");
   EXPECT_EQ(parseHttpHost("ftpes://h").name, "ftpes://h");
   EXPECT_EQ(parseHttpHost("www.example.org").policy.encryption, Encryption::none);
+  EXPECT_EQ(parseHttpHost("h;progress=uploads").name, "h;progress=uploads");
+  EXPECT_THROW(parseHttpHost("https://h;progress=uploads"), Failure);
 }
 
 struct Bad {
@@ -89,6 +100,10 @@ const Bad kBad[] = {
     {"ftpes://h;tls=1.3", "bad value in option 'tls=1.3' behind the server's name"},
     {"ftpes://h;tls=1.2;tls=1.2", "second option 'tls=1.2' behind the server's name"},
     {"ftpes://h;verify=no;VERIFY=no", "second option 'VERIFY=no' behind the server's name"},
+    {"ftpes://h;progress", "bad value in option 'progress' behind the server's name"},
+    {"ftpes://h;progress=all", "bad value in option 'progress=all' behind the server's name"},
+    {"ftpes://h;progress=uploads;progress=uploads",
+     "second option 'progress=uploads' behind the server's name"},
     {"ftpes://h;port=990", "unknown option 'port=990' behind the server's name"},
     {"ftpes://h;fingerprint=" + kPin,
      "bad value in option 'fingerprint=" + kPin + "' behind the server's name"},

@@ -32,6 +32,7 @@ struct FtpLogin {
   secret::Text password;
   bool passive = false;
   TlsPolicy tls = {};
+  bool tellsUploads = false;  // a FileUpload tells its watch how far it is
 };
 
 class FtpControl : public SessionMember, public std::enable_shared_from_this<FtpControl> {

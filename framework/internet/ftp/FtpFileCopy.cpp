@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "framework/internet/ftp/FtpFileCopy.h"
 
+#include <algorithm>
+
 #include "framework/internet/ftp/FtpTransfer.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/internet/net/InternetErrors.h"
@@ -148,13 +150,24 @@ void FileUpload::send(FtpTransfer& transfer) {
     moved_ = transfer.moved() > 0;
   };
   try {
-    transfer.sendFile(file_);
+    transfer.sendFile(file_, toldBy(transfer));
     note();
     transfer.confirm();
   } catch (...) {
     note();
     throw;
   }
+}
+
+// A file may grow on its way.
+FtpTransfer::Told FileUpload::toldBy(const FtpTransfer& transfer) const {
+  if (!watch_ || !transfer.control().login().tellsUploads) return nullptr;
+  const auto size = static_cast<std::uint64_t>(std::max<std::int64_t>(file_.size(), 0));
+  FtpTransfer::Told told = [this, size](std::uint64_t position) {
+    watch_(position, std::max(position, size));
+  };
+  told(transfer.start());
+  return told;
 }
 
 }  // namespace internet

@@ -13,7 +13,9 @@
 #include <string_view>
 
 #include "framework/internet/ftp/FtpControl.h"
+#include "framework/internet/ftp/FtpTransfer.h"
 #include "framework/internet/ftp/RemotePart.h"
+#include "framework/internet/net/UploadWatch.h"
 #include "framework/platform/file.h"
 
 namespace internet {
@@ -60,7 +62,9 @@ class FileDownload {
 
 class FileUpload {
  public:
-  FileUpload(std::string local, bool goesOn) : local_(std::move(local)), goesOn_(goesOn) {}
+  // `watch` may be empty; it is told of runs whose login asks for that.
+  FileUpload(std::string local, bool goesOn, UploadWatch watch)
+      : local_(std::move(local)), goesOn_(goesOn), watch_(std::move(watch)) {}
 
   // Succeeds only on the server's word that it has the file.
   void run(FtpControl& control, std::string_view remote);
@@ -71,9 +75,11 @@ class FileUpload {
   bool transfer(FtpControl& control, std::string_view remote, std::uint64_t position);
   bool begin(FtpTransfer& transfer, std::string_view remote);
   void send(FtpTransfer& transfer);
+  [[nodiscard]] FtpTransfer::Told toldBy(const FtpTransfer& transfer) const;
 
   std::string local_;
   bool goesOn_;
+  const UploadWatch watch_;
   platform::File file_;
   std::optional<std::uint64_t> before_;  // what the server had before the first run
   std::uint64_t sent_ = 0;               // behind the file's start

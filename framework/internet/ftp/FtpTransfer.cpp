@@ -151,7 +151,7 @@ void FtpTransfer::endOfData() {
 
 // --- Sending ---
 
-void FtpTransfer::send(const void* data, std::size_t size) {
+void FtpTransfer::send(const void* data, std::size_t size, const Told& told) {
   requireRunning();
   const char* rest = static_cast<const char*>(data);
   std::optional<DataLimit> limit;
@@ -163,6 +163,7 @@ void FtpTransfer::send(const void* data, std::size_t size) {
       size -= result.bytes;
       control_->channel().progressed();
       moved_ += result.bytes;
+      if (told) told(start_ + moved_);
       limit.reset();
     } else if (result.status == IoStatus::wouldBlock) {
       waitForData(true, limit);
@@ -172,7 +173,7 @@ void FtpTransfer::send(const void* data, std::size_t size) {
   }
 }
 
-void FtpTransfer::sendFile(platform::File& file) {
+void FtpTransfer::sendFile(platform::File& file, const Told& told) {
   requireRunning();
   const auto block = std::make_unique_for_overwrite<char[]>(platform::kSendBlock);
   for (;;) {
@@ -183,7 +184,7 @@ void FtpTransfer::sendFile(platform::File& file) {
       abandon();
       fail(error);
     }
-    send(block.get(), static_cast<std::size_t>(count));
+    send(block.get(), static_cast<std::size_t>(count), told);
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -55,9 +56,11 @@ class FtpTransfer {
   // Fills `buffer`; less only at the end of the data.
   std::size_t read(void* buffer, std::size_t size);
 
-  void send(const void* data, std::size_t size);
+  // Told each time that the connection has taken bytes: where the next one belongs in the file.
+  using Told = std::function<void(std::uint64_t position)>;
+  void send(const void* data, std::size_t size, const Told& told = nullptr);
   // Sends the file from its position to its end.
-  void sendFile(platform::File& file);
+  void sendFile(platform::File& file, const Told& told = nullptr);
 
   // Ends the transfer in good order and waits for the final reply, whatever that is.
   FtpReply finish();
