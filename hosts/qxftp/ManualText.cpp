@@ -24,7 +24,8 @@ const std::vector<Section> kSections = {
      "or the shell takes them for its own. With --literal they are characters as any other.",
      {}},
     {"Transfers",
-     "On a terminal a line shows how far they are. After a cancel, on a full disk, and where a server was "
+     "On a terminal a line shows how far they are; of an upload that is what the system has taken, the last "
+     "of which may be on its way still. After a cancel, on a full disk, and where a server was "
      "out "
      "of reach twice in a row, what is left to do is not tried.",
      {{"download",

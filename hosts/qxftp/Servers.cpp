@@ -15,6 +15,7 @@ namespace {
 
 qx::Login completed(qx::Login login, const Settings& settings) {
   login.isPassive = !settings.isActive;
+  login.tellsUploads = true;
   try {
     hosts::completeLogin(login, {.file = settings.passwordFile,
                                  .variable = "QXFTP_PASSWORD",

@@ -4,9 +4,9 @@
 //   ftp://user@host:port/path;option    plain       ftpes://...  encrypted before the login
 //                                                   ftps://...   encrypted from the first byte
 //
-// The options are those of include/QXIPInt.h (fingerprint=sha256:..., verify=no, tls=1.2). In user, password
-// and path "%20" is a blank; the path begins at the server's root. An address of IPv6 stands in brackets. The
-// options may also stand right behind host and port.
+// The options are those of include/QXIPInt.h for encryption (fingerprint=sha256:..., verify=no, tls=1.2). In
+// user, password and path "%20" is a blank; the path begins at the server's root. An address of IPv6 stands
+// in brackets. The options may also stand right behind host and port.
 #pragma once
 
 #include <string>

@@ -39,7 +39,8 @@ struct Outcome {
 Outcome download(qx::Client& client, const RemoteFile& source, const std::filesystem::path& target);
 
 // In place of what is there. Done is what the server has with all its bytes: it is asked for the size, in the
-// folder's listing where that needs more than 32 bits. `poll` cancels, and hears of no bytes.
+// folder's listing where that needs more than 32 bits. `poll` cancels, and is told how far it is where the
+// client's login `tellsUploads`.
 Outcome upload(qx::Client& client, const std::filesystem::path& source, const std::string& target);
 
 }  // namespace hosts

@@ -80,7 +80,7 @@ class TransferQueue::Running {
     m_client = std::move(made).value();
     m_client->use({.poll = [this](const qx::Progress& progress) { return poll(progress); },
                    .line = m_queue.m_events.line});
-    static_cast<void>(m_client->setLogin(*m_transfer.server));
+    static_cast<void>(m_client->setLogin(login()));
     m_figures.begin({}, m_transfer.size, m_askedAt);
     const hosts::Outcome outcome = carry(*m_client, m_transfer);
     return m_isCancelled && !outcome ? asCancelled(outcome) : outcome;
@@ -96,6 +96,13 @@ class TransferQueue::Running {
   }
 
  private:
+  // A copy on the server would tell its bytes twice, on both ways.
+  [[nodiscard]] qx::Login login() const {
+    qx::Login login = *m_transfer.server;
+    login.tellsUploads = m_transfer.direction == Direction::upload;
+    return login;
+  }
+
   // What runs on it fails.
   void freeClient() {
     if (m_client) const qx::Client freed = std::move(*m_client);

@@ -49,11 +49,13 @@ class TheTransferQueue : public LaneTest {
   void onChange() {
     const bool isHalf = queue->list()[0].progress.moved.value_or(0) >= 200000;
     if (meanwhile && isHalf) std::exchange(meanwhile, nullptr)();
+    if (meanwhileOf) meanwhileOf(queue->list()[0]);
   }
 
   const testing_support::ScratchFolder scratch;
   const std::shared_ptr<const qx::Login> access = std::make_shared<qx::Login>(login());
   std::function<void()> meanwhile;
+  std::function<void(const TransferRow&)> meanwhileOf;  // of the first one, at each change
   std::vector<std::string> ended;
   int pauses = 0;
   std::optional<TransferQueue> queue{

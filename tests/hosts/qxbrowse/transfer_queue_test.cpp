@@ -95,6 +95,27 @@ TEST_F(TheTransferQueue, ShowsHowFarItIs) {
   EXPECT_EQ(state(0), TransferState::done);
 }
 
+TEST_F(TheTransferQueue, ShowsHowFarAnUploadIs) {
+  constexpr std::uint64_t kSize = 64 << 20;  // more than the system takes while the server reads nothing
+  server.reconfigure(
+      R"({"rules": [{"on": "STOR", "do": [{"normal": {"stall_after": 1000, "gate": "never"}}]}]})");
+  std::ofstream(scratch.path() / "zeros").close();
+  std::filesystem::resize_file(scratch.path() / "zeros", kSize);
+  std::uint64_t moved = 0;
+  meanwhileOf = [&](const TransferRow& row) {
+    if (row.progress.moved.value_or(0) == 0) return;
+    moved = *row.progress.moved;
+    queue->cancel();
+  };
+  Transfer large = upload("zeros");
+  large.size = kSize;
+  queue->add({large});
+  runAll();
+  EXPECT_GT(moved, 0U);
+  EXPECT_LT(moved, kSize);
+  EXPECT_EQ(state(0), TransferState::cancelled);
+}
+
 TEST_F(TheTransferQueue, EndsInTheMiddleOfATransfer) {
   bool isOver = false;
   inTheMiddle([&] { queue->end([&] { isOver = true; }); });

@@ -2,6 +2,8 @@
 # SPDX-License-Identifier: MIT
 """terminal_test.py QXFTP: progress, questions and Ctrl-C on a terminal, and what stays quiet without one."""
 
+import os
+
 from program import ProgramCase, Terminal, commands, files_in, main
 
 LARGE = {"size": 700000, "seed": 5}
@@ -24,6 +26,31 @@ class OnTerminal(ProgramCase):
         self.assertRegex(terminal.lines()[-1], r"^1 file, 683\.6 KiB in \d+:\d\d \(.*/s\)$")
         self.assertLess(max(map(len, terminal.lines())), 70)
         self.assertEqual(self.target.stat().st_size, 700000)
+
+    def large_file_to(self, path):
+        """More than the system takes of it while the server reads nothing."""
+        self.server.ask("reconfigure", script={
+            "rules": [{"on": "STOR", "argument": path, "do": [{"normal": {"stall_after": 1000, "gate": "never"}}]}]})
+        large = self.folder / "up" / "large"
+        large.parent.mkdir()
+        large.touch()
+        os.truncate(large, 64 << 20)
+        return large
+
+    def expect_share(self, terminal, name):
+        """A bar with a share between nothing and all, a rate and the time left."""
+        terminal.wait_for(rf"{name} .*?(\d+)% \[=*> *\] +\S+ [KM]iB +\S+ \wiB/s +\d+:\d\d",
+                          lambda match: 0 < int(match.group(1)) < 100)
+        terminal.type("\x03")
+        self.assertEqual(terminal.exit_code(), 130, terminal.output)
+
+    def test_an_upload_shows_how_far_it_is(self):
+        self.expect_share(Terminal(["put", self.large_file_to("/pub/new"), f"{self.pub}/new"]), "new")
+
+    def test_an_upload_of_many_files_shows_all(self):
+        large = self.large_file_to("/pub/up/large")
+        self.write("up/a", "x" * 5000)
+        self.expect_share(Terminal(["mirror", large.parent, f"{self.pub}/up"]), "1/2 large")
 
     def test_many_files_have_a_total(self):
         terminal = Terminal(["get", "-r", f"{self.pub}/many", self.target])
