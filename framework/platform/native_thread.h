@@ -4,6 +4,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 
 namespace platform {
@@ -43,6 +44,10 @@ class NativeThread {
 
 // Lets the next runnable thread have the processor; returns at once when there is none.
 void yieldOnce() noexcept;
+
+// How often the calling thread has had to leave its processor to another one, or has left it by yieldOnce();
+// constant where the system does not tell.
+[[nodiscard]] std::uint64_t timesTaken() noexcept;
 
 inline constexpr std::chrono::microseconds kShortNap{50};
 

@@ -2,6 +2,7 @@
 // How a loop that polls gets its turns on a crowded machine. Whoever gives the processor up goes to the end
 // of the queue: each turn then costs the time slices of all the others, and a caller, its worker and that
 // one's own worker wait for one another's turns. A thread that has slept for a moment is served before them.
+// Of a processor that others want only now and then, a loop without end takes what they wait for.
 #pragma once
 
 #include <atomic>
@@ -18,6 +19,11 @@ class Crowding {
     return now.time_since_epoch().count() < until_.load(std::memory_order_relaxed);
   }
 
+  // Another thread has had the processor meanwhile, be it for less than a slice.
+  void shared(Clock::time_point now) noexcept {
+    until_.store((now + kSharedFor).time_since_epoch().count(), std::memory_order_relaxed);
+  }
+
   // Giving the processor up took from `before` to `now`.
   void yielded(Clock::time_point before, Clock::time_point now) noexcept {
     if (now - before < kSlice) return;
@@ -27,6 +33,8 @@ class Crowding {
  private:
   // Nobody but a thread that computes keeps the processor that long.
   static constexpr std::chrono::milliseconds kSlice{1};
+  // Threads that serve one another's data come and go in tenths of a millisecond.
+  static constexpr std::chrono::milliseconds kSharedFor{20};
   // So many times what it has cost passes until it is tried again: a tenth of the time is lost at most.
   static constexpr int kPatience = 10;
 
@@ -34,7 +42,8 @@ class Crowding {
 };
 
 // One turn: true when a message waits for the calling thread, else false after giving the processor up. On a
-// crowded machine it first waits for a message, a millisecond at most.
+// crowded machine, or where another thread has just had the processor, it first waits for a message, a
+// millisecond at most.
 [[nodiscard]] bool messageAfterTurn() noexcept;
 
 // The same for a loop that has no messages: gives the processor to another runnable thread, if there is one,

@@ -5,6 +5,7 @@
 #include <pthread.h>
 #include <sched.h>
 #include <signal.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <condition_variable>
@@ -143,6 +144,12 @@ void NativeThread::setNormalPriority() noexcept {
 bool NativeThread::endByForce() noexcept { return false; }
 
 void yieldOnce() noexcept { sched_yield(); }
+
+std::uint64_t timesTaken() noexcept {
+  rusage usage{};
+  ::getrusage(RUSAGE_THREAD, &usage);
+  return static_cast<std::uint64_t>(usage.ru_nivcsw);
+}
 
 // allowed: sleep_for: it is the nap itself
 void nap(std::chrono::microseconds length) noexcept { std::this_thread::sleep_for(length); }

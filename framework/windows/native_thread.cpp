@@ -63,6 +63,8 @@ bool NativeThread::endByForce() noexcept { return ::TerminateThread(state_->hand
 
 void yieldOnce() noexcept { ::SwitchToThread(); }
 
+std::uint64_t timesTaken() noexcept { return 0; }
+
 // In Wine Sleep() begins with a yield, and every wait for a handle or a message whose time runs out ends with
 // one; the wait for a condition has none.
 void nap(std::chrono::microseconds length) noexcept {

@@ -36,6 +36,12 @@ TEST_F(CrowdingTest, IsKnownForTenTimesAsLongAsAYieldHasCost) {
   EXPECT_FALSE(KnownAt(44ms));
 }
 
+TEST_F(CrowdingTest, IsKnownForAMomentAfterTheProcessorWasShared) {
+  crowding.shared(start);
+  EXPECT_TRUE(KnownAt(19ms));
+  EXPECT_FALSE(KnownAt(20ms));
+}
+
 // Threads that compute, many more than processors.
 class Crowd {
  public:
