@@ -53,6 +53,18 @@ long sleeps() {
   return usage.ru_nvcsw;
 }
 
+TEST(SharedProcessor, IsToldOf) {
+  std::thread([] {
+    const int processor = sched_getcpu();
+    stayOn(processor);
+    const Server server(processor);
+    const std::uint64_t before = platform::timesTaken();
+    int turns = 0;
+    while (platform::timesTaken() == before && ++turns < kMostTurns) platform::yieldOnce();
+    EXPECT_LT(turns, kMostTurns);
+  }).join();
+}
+
 // A caller that waited for its worker took half of a processor from the server that the worker waited for.
 TEST(SharedProcessor, IsLeftToShortTasksOfOthers) {
   std::thread([] {
