@@ -105,6 +105,14 @@ Outcome finish(qx::Client& client, const RemoteFile& source, Part& part) {
   return error ? failure(error.message() + "; " + part.drop()) : Outcome{};
 }
 
+std::string leftOnServer(qx::Client& client, const std::string& path, bool mayAsk) {
+  const auto size = mayAsk ? client.size(path) : qx::Result<std::uint32_t>(std::nullopt, {});
+  if (size) return "the server has " + std::to_string(*size) + " bytes as " + path;
+  return "a part of it may be on the server as " + path;
+}
+
+}  // namespace
+
 std::optional<std::uint64_t> listedSize(qx::Client& client, const std::string& path) {
   const std::string name = lastPart(path);
   const auto listing = client.list(folderOf(path), "*");
@@ -115,14 +123,6 @@ std::optional<std::uint64_t> listedSize(qx::Client& client, const std::string& p
   return {};
 }
 
-std::string leftOnServer(qx::Client& client, const std::string& path, bool mayAsk) {
-  const auto size = mayAsk ? client.size(path) : qx::Result<std::uint32_t>(std::nullopt, {});
-  if (size) return "the server has " + std::to_string(*size) + " bytes as " + path;
-  return "a part of it may be on the server as " + path;
-}
-
-}  // namespace
-
 Outcome download(qx::Client& client, const RemoteFile& source, const fs::path& target) {
   Part part(fs::absolute(target));
   const auto local = pathForLibrary(part.path());
@@ -132,21 +132,23 @@ Outcome download(qx::Client& client, const RemoteFile& source, const fs::path& t
   return copied ? finish(client, source, part) : outcomeOf(client, copied.report(), part.drop());
 }
 
-Outcome upload(qx::Client& client, const fs::path& source, const std::string& target) {
+Outcome upload(qx::Client& client, const fs::path& source, const std::string& target, const ListedSize& ask) {
   std::error_code error;
   const LocalFacts facts = factsOf(source, Links::followed, error);
   if (error) return failure(error.message() + "; nothing was sent");
   if (facts.kind != Kind::file) return failure("this is no file; nothing was sent");
   const auto local = pathForLibrary(source);
   if (!local) return failure("the code page of this system lacks characters of " + shown(source));
+  const bool isSizeExact = facts.size < kBytesOfSize;  // what size() tells
   const auto copied = client.upload(*local, target);
   if (!copied) {
     const qx::Report& report = copied.report();
-    const bool mayAsk = !report.isCancelled && report.number != QX_ERROR_TIMEOUT;
+    const bool mayAsk = isSizeExact && !report.isCancelled && report.number != QX_ERROR_TIMEOUT;
     return outcomeOf(client, report, leftOnServer(client, target, mayAsk));
   }
-  if (facts.size < kBytesOfSize || listedSize(client, target) == facts.size) return {};
-  return failure(client, "the server's folder does not show all bytes", leftOnServer(client, target, true));
+  if (isSizeExact) return {};
+  if ((ask ? ask(target) : listedSize(client, target)) == facts.size) return {};
+  return failure(client, "the server's folder does not show all bytes", leftOnServer(client, target, false));
 }
 
 }  // namespace hosts

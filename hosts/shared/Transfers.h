@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -38,9 +39,16 @@ struct Outcome {
 // it is, and cancels.
 Outcome download(qx::Client& client, const RemoteFile& source, const std::filesystem::path& target);
 
+// The size of a file as its folder's listing has it, in all its bits; none: that is not to be had. Dispatches
+// no messages.
+std::optional<std::uint64_t> listedSize(qx::Client& client, const std::string& path);
+
+using ListedSize = std::function<std::optional<std::uint64_t>(const std::string& path)>;
+
 // In place of what is there. Done is what the server has with all its bytes: it is asked for the size, in the
-// folder's listing where that needs more than 32 bits. `poll` cancels, and is told how far it is where the
-// client's login `tellsUploads`.
-Outcome upload(qx::Client& client, const std::filesystem::path& source, const std::string& target);
+// folder's listing where that needs more than 32 bits: by `ask`, or, without one, by the client. `poll`
+// cancels, and is told how far it is where the client's login `tellsUploads`.
+Outcome upload(qx::Client& client, const std::filesystem::path& source, const std::string& target,
+               const ListedSize& ask = nullptr);
 
 }  // namespace hosts

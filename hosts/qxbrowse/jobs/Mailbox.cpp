@@ -73,4 +73,13 @@ void Mailbox::post(Letter letter) {
   m_letters->tell();
 }
 
+void Mailbox::readUntil(const std::function<bool()>& isOver) {
+  MSG message{};
+  while (!isOver()) {
+    if (GetMessageW(&message, nullptr, 0, 0) <= 0) return PostQuitMessage(static_cast<int>(message.wParam));
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+}
+
 }  // namespace browse

@@ -22,6 +22,9 @@ class Mailbox {
   // On any thread. Letters are read in their order, one in a message, so that other messages come between
   // them. A letter throws nothing.
   void post(Letter letter);
+  // Dispatches this thread's messages, all of them, until a letter has made this true, or until the thread's
+  // loop is told to end.
+  static void readUntil(const std::function<bool()>& isOver);
 
  private:
   struct Letters;

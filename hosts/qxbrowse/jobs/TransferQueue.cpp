@@ -48,10 +48,10 @@ hosts::Outcome downloadInto(qx::Client& client, const Transfer& transfer) {
   return hosts::download(client, transfer.remote, transfer.local);
 }
 
-hosts::Outcome carry(qx::Client& client, const Transfer& transfer) {
+hosts::Outcome carry(qx::Client& client, const Transfer& transfer, const hosts::ListedSize& listedSize) {
   switch (transfer.direction) {
     case Direction::upload:
-      return hosts::upload(client, transfer.local, transfer.remote.path);
+      return hosts::upload(client, transfer.local, transfer.remote.path, listedSize);
     case Direction::copy:
       return copyOnServer(client, transfer);
     case Direction::download:
@@ -72,7 +72,8 @@ hosts::Outcome asCancelled(const hosts::Outcome& outcome) {
 // The transfer under way. It is on the stack below whatever the library dispatches.
 class TransferQueue::Running {
  public:
-  Running(TransferQueue& queue, Transfer transfer) : m_queue(queue), m_transfer(std::move(transfer)) {}
+  Running(TransferQueue& queue, Transfer transfer)
+      : m_queue(queue), m_transfer(std::move(transfer)), m_listing(queue.m_exports, queue.m_events.letters) {}
 
   hosts::Outcome run() {
     auto made = qx::Client::make(m_queue.m_exports);
@@ -82,13 +83,16 @@ class TransferQueue::Running {
                    .line = m_queue.m_events.line});
     static_cast<void>(m_client->setLogin(login()));
     m_figures.begin({}, m_transfer.size, m_askedAt);
-    const hosts::Outcome outcome = carry(*m_client, m_transfer);
+    const auto listedSize = [this](const std::string& file) {
+      return m_listing.sizeOf(file, *m_transfer.server);
+    };
+    const hosts::Outcome outcome = carry(*m_client, m_transfer, listedSize);
     return m_isCancelled && !outcome ? asCancelled(outcome) : outcome;
   }
 
   void cancel() {
     m_isCancelled = true;
-    if (steady_clock::now() - m_askedAt > kAsksNoMore) freeClient();
+    if (m_listing.isRunning() || steady_clock::now() - m_askedAt > kAsksNoMore) freeClient();
   }
   void end() {
     m_isCancelled = true;
@@ -105,6 +109,7 @@ class TransferQueue::Running {
 
   // What runs on it fails.
   void freeClient() {
+    m_listing.end();
     if (m_client) const qx::Client freed = std::move(*m_client);
   }
 
@@ -125,6 +130,7 @@ class TransferQueue::Running {
   TransferQueue& m_queue;
   const Transfer m_transfer;
   std::optional<qx::Client> m_client;
+  ListingAside m_listing;
   hosts::TransferProgress m_figures{1, m_transfer.size};
   steady_clock::time_point m_askedAt = steady_clock::now();
   steady_clock::time_point m_lookedAt;
@@ -148,7 +154,7 @@ void TransferQueue::add(std::vector<Transfer> transfers) {
 
 // Never within the caller, who may be in the middle of a message of the transfer that runs.
 void TransferQueue::beginSoon() {
-  m_events.post([self = m_self] {
+  m_events.letters.post([self = m_self] {
     if (*self != nullptr) (*self)->runNext();
   });
 }
@@ -174,7 +180,7 @@ void TransferQueue::finish(const hosts::Outcome& outcome) {
   tellOfChange();
   if (m_events.ended) m_events.ended(m_list[row]);
   if (m_isPaused && m_events.paused) m_events.paused(m_list[row]);
-  if (m_isOver) return m_events.post(std::move(m_tellOver));
+  if (m_isOver) return m_events.letters.post(std::move(m_tellOver));
   beginSoon();
 }
 
@@ -213,7 +219,7 @@ void TransferQueue::resume() {
 void TransferQueue::end(Letter isOver) {
   m_isOver = true;
   m_list.cancelWaiting();
-  if (m_running == nullptr) return m_events.post(std::move(isOver));
+  if (m_running == nullptr) return m_events.letters.post(std::move(isOver));
   m_tellOver = std::move(isOver);
   m_running->end();
 }

@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 
+#include "hosts/qxbrowse/jobs/ListingAside.h"
 #include "hosts/qxbrowse/jobs/TransferList.h"
 
 namespace browse {
@@ -22,8 +23,8 @@ class TransferQueue {
   using Letter = std::function<void()>;
 
   struct Events {
-    // Runs a letter on this thread, later, from a loop of messages.
-    std::function<void(Letter)> post;
+    // Letters run on this thread, later, from a loop of messages.
+    ListingAside::Letters letters;
     // The protocol, on whatever thread.
     std::function<void(const char*)> line = nullptr;
     // Something is to be drawn; of one that runs ten times a second at most, within the transfer.

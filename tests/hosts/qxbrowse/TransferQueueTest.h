@@ -61,7 +61,7 @@ class TheTransferQueue : public LaneTest {
   std::optional<TransferQueue> queue{
       std::in_place, exports(),
       TransferQueue::Events{
-          .post = post(),
+          .letters = {.post = post(), .readUntil = [this](const auto& isOver) { letters.readUntil(isOver); }},
           .changed = [this] { onChange(); },
           .ended = [this](const TransferRow& row) { ended.push_back(row.transfer.remote.path); },
           .paused = [this](const TransferRow&) { ++pauses; }}};

@@ -105,7 +105,8 @@ class TheWorkPane : public testing::Test {
   const HWND frame = CreateWindowW(L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 900, 300, nullptr, nullptr,
                                    GetModuleHandleW(nullptr), nullptr);
   WorkPane pane;
-  TransferQueue queue{{}, {.post = [](TransferQueue::Letter) {}, .changed = [this] { pane.queueChanged(); }}};
+  TransferQueue queue{
+      {}, {.letters = {.post = [](TransferQueue::Letter) {}}, .changed = [this] { pane.queueChanged(); }}};
   BottomPane bottom;
 };
 
