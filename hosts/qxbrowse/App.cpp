@@ -47,7 +47,8 @@ App::App(const qx::Exports& exports, const std::filesystem::path& siteFile)
 
 int App::run(int how) {
   m_window.create();
-  m_window.setBottomPane(m_work.create(m_window.handle(), m_queue));
+  m_window.setBottomPane(m_work.create(
+      m_window.handle(), m_queue, [this](std::vector<Transfer> transfers) { retry(std::move(transfers)); }));
   const Placement placement = readPlacement(m_placementFile);
   m_window.setPlacement(placement);
   m_window.show(placement.isMaximized ? SW_SHOWMAXIMIZED : how);

@@ -43,7 +43,7 @@ class App : public Services {
   void move(const std::vector<Place>& places, const std::wstring& to) override;
   void cancel() override;
   void cancelAll() override;
-  void retryFailed() override;
+  void retryFailed() override { retry(m_queue.list().ended()); }
   void clearDone() override { m_queue.clearDone(); }
   std::wstring chooseLocalFolder(const std::wstring& start) override;
   std::vector<Place> chooseFiles(const std::wstring& start) override;
@@ -76,6 +76,7 @@ class App : public Services {
   template <typename Expand>
   void expand(const std::wstring& what, Expand expand, ReplaceQuestions::Then then);
   [[nodiscard]] ReplaceQuestions::Then intoQueue();
+  void retry(std::vector<Transfer> transfers);
 
   const std::filesystem::path m_placementFile;
   LibraryDialogs m_dialogs;

@@ -160,13 +160,13 @@ ReplaceQuestions::Then App::intoQueue() {
 }
 
 // Meanwhile something may have come where they go to.
-void App::retryFailed() {
+void App::retry(std::vector<Transfer> transfers) {
   expand(
       text(Text::commandRetry),
-      [transfers = m_queue.list().ended(), login = m_login](const Session& session) {
+      [transfers = std::move(transfers), login = m_login](const Session& session) {
         return lookAgain(session, transfers, login);
       },
-      [this](const std::vector<Transfer>& transfers) { m_queue.retry(transfers); });
+      [this](const std::vector<Transfer>& again) { m_queue.retry(again); });
 }
 
 void App::upload(const std::vector<Place>& places, const std::wstring& toFolder) {

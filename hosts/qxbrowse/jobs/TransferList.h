@@ -35,11 +35,16 @@ class TransferList {
   // Returns its row.
   std::size_t end(TransferState state, std::string text);
   [[nodiscard]] bool isRunning(std::size_t row) const { return m_rows[row].state == TransferState::running; }
+  // The one that runs, or null.
+  [[nodiscard]] const TransferRow* running() const {
+    return count(TransferState::running) > 0 ? &m_rows[m_running] : nullptr;
+  }
 
   // Of those that wait. `row` may be any.
   void cancelWaiting();
   void cancelWaiting(std::size_t row);
   // What failed or was cancelled.
+  [[nodiscard]] bool isEnded(std::size_t row) const;
   [[nodiscard]] std::vector<Transfer> ended() const;
   // Those of them wait again, with what is known of them now.
   void retry(const std::vector<Transfer>& transfers);
@@ -56,7 +61,6 @@ class TransferList {
  private:
   void set(std::size_t row, TransferState state);
   void touch(std::size_t row);
-  [[nodiscard]] bool isEnded(std::size_t row) const;
 
   std::vector<TransferRow> m_rows;
   std::array<std::size_t, 5> m_counts{};

@@ -211,6 +211,12 @@ void TransferQueue::clearDone() {
   tellOfChange();
 }
 
+std::string TransferQueue::leftOnServer() const {
+  const TransferRow* const row = m_list.running();
+  if (row == nullptr || row->transfer.direction == Direction::download) return {};
+  return row->transfer.direction == Direction::copy ? row->transfer.copy : row->transfer.remote.path;
+}
+
 void TransferQueue::resume() {
   m_isPaused = false;
   beginSoon();

@@ -58,6 +58,8 @@ class TransferQueue {
   [[nodiscard]] bool isPaused() const { return m_isPaused; }
   [[nodiscard]] bool hasWork() const { return isRunning() || m_list.count(TransferState::waiting) > 0; }
   [[nodiscard]] const TransferList& list() const { return m_list; }
+  // The file of which the server has a part now, or may have; "": none.
+  [[nodiscard]] std::string leftOnServer() const;
   TransferList::Changes takeChanges() { return m_list.takeChanges(); }
 
  private:

@@ -6,6 +6,7 @@
 
 #include "hosts/qxbrowse/lists/Formats.h"
 #include "hosts/qxbrowse/ui/Dpi.h"
+#include "hosts/qxbrowse/ui/MenuPlace.h"
 #include "hosts/qxbrowse/ui/Names.h"
 #include "hosts/qxbrowse/ui/Texts.h"
 
@@ -32,6 +33,14 @@ constexpr DWORD kQueueStyle = WS_CHILD | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA
 constexpr DWORD kExtendedStyle = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER;
 constexpr UINT_PTR kTimer = 1;
 constexpr UINT kBetweenDrawings = 100;  // ms
+constexpr int kRetry = 1;               // in the menu
+constexpr int kCancel = 2;
+
+void appendEntry(HMENU menu, int id, Text title, Text key, bool isPossible) {
+  const std::wstring words = std::wstring(text(title)) + L'\t' + text(key);
+  const UINT state = isPossible ? MF_ENABLED : MF_GRAYED;
+  AppendMenuW(menu, MF_STRING | state, static_cast<UINT_PTR>(id), words.c_str());
+}
 
 std::wstring nameOf(const Transfer& transfer) {
   return lastPart(transfer.direction == Direction::upload ? transfer.local.wstring()
@@ -108,9 +117,10 @@ std::wstring queueCell(const TransferRow& row, QueueColumn column) {
   return stateOf(row);
 }
 
-void QueuePane::create(HWND parent, TransferQueue& queue) {
+void QueuePane::create(HWND parent, TransferQueue& queue, Retry retry) {
   m_parent = parent;
   m_queue = &queue;
+  m_retry = std::move(retry);
   m_list = CreateWindowExW(0, WC_LISTVIEWW, text(Text::queueList), kQueueStyle, 0, 0, 0, 0, parent, nullptr,
                            GetModuleHandleW(nullptr), nullptr);
   SendMessageW(m_list, LVM_SETEXTENDEDLISTVIEWSTYLE, kExtendedStyle, kExtendedStyle);
@@ -161,11 +171,46 @@ void QueuePane::update() {
     SendMessageW(m_list, LVM_REDRAWITEMS, row, static_cast<LPARAM>(row));
 }
 
-void QueuePane::cancelSelected() {
+std::vector<std::size_t> QueuePane::selectedRows() const {
+  std::vector<std::size_t> rows;
   LRESULT row = -1;
   while ((row = SendMessageW(m_list, LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED)) >= 0) {
-    m_queue->cancel(static_cast<std::size_t>(row));
+    if (static_cast<std::size_t>(row) < m_queue->list().size()) rows.push_back(static_cast<std::size_t>(row));
   }
+  return rows;
+}
+
+bool QueuePane::isAnySelected(TransferState one, TransferState other) const {
+  return std::ranges::any_of(selectedRows(), [&](std::size_t row) {
+    const TransferState state = m_queue->list()[row].state;
+    return state == one || state == other;
+  });
+}
+
+void QueuePane::cancelSelected() {
+  for (const std::size_t row : selectedRows()) m_queue->cancel(row);
+}
+
+void QueuePane::retrySelected() {
+  std::vector<Transfer> transfers;
+  for (const std::size_t row : selectedRows()) {
+    if (m_queue->list().isEnded(row)) transfers.push_back(m_queue->list()[row].transfer);
+  }
+  if (!transfers.empty()) m_retry(std::move(transfers));
+}
+
+void QueuePane::showMenu(POINT at) {
+  const POINT place = menuPlace(m_list, at);
+  const HMENU menu = CreatePopupMenu();
+  appendEntry(menu, kRetry, Text::queueRetry, Text::keyEnter,
+              isAnySelected(TransferState::failed, TransferState::cancelled));
+  appendEntry(menu, kCancel, Text::commandCancel, Text::keyDelete,
+              isAnySelected(TransferState::waiting, TransferState::running));
+  const int chosen =
+      TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y, 0, m_parent, nullptr);
+  DestroyMenu(menu);
+  if (chosen == kRetry) retrySelected();
+  if (chosen == kCancel) cancelSelected();
 }
 
 std::optional<LRESULT> QueuePane::onNotify(const NMHDR& header) {

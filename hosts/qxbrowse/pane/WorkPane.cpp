@@ -4,6 +4,11 @@
 #include <algorithm>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
+
+#include "hosts/qxbrowse/ui/System.h"
+// Only now:
+#include <windowsx.h>
 
 namespace browse {
 namespace {
@@ -19,10 +24,10 @@ bool isForLists(WPARAM key) {
 
 }  // namespace
 
-BottomPane WorkPane::create(HWND parent, TransferQueue& queue) {
+BottomPane WorkPane::create(HWND parent, TransferQueue& queue, QueuePane::Retry retry) {
   makeWindow(parent);
   makeTabs();
-  m_queue.create(m_window, queue);
+  m_queue.create(m_window, queue, std::move(retry));
   m_reports.create(m_window, text(Text::reportsList));
   m_protocol.create(m_window, text(Text::protocolList));
   showSelected();
@@ -101,7 +106,9 @@ void WorkPane::layOut() const {
 bool WorkPane::takeKey(const MSG& key) {
   const bool isHere = m_window != nullptr && IsChild(m_window, key.hwnd);
   if (!isHere || key.message != WM_KEYDOWN || !isForLists(key.wParam)) return false;
-  if (key.wParam == VK_DELETE && key.hwnd == m_queue.window()) m_queue.cancelSelected();
+  const bool isQueue = key.hwnd == m_queue.window();
+  if (key.wParam == VK_DELETE && isQueue) m_queue.cancelSelected();
+  if (key.wParam == VK_RETURN && isQueue) m_queue.retrySelected();
   return true;
 }
 
@@ -114,6 +121,9 @@ LRESULT CALLBACK WorkPane::handle(HWND window, UINT message, WPARAM wParam, LPAR
 LRESULT WorkPane::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_SIZE && m_tabs != nullptr && m_protocol.window() != nullptr) layOut();
   if (message == WM_NOTIFY) return onNotify(*reinterpret_cast<const NMHDR*>(lParam));
+  if (message == WM_CONTEXTMENU && reinterpret_cast<HWND>(wParam) == m_queue.window()) {
+    return m_queue.showMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}), 0;
+  }
   if (message == WM_TIMER && m_queue.onTimer(wParam)) return 0;
   return DefWindowProcW(m_window, message, wParam, lParam);
 }

@@ -20,7 +20,7 @@ class WorkPane {
   WorkPane& operator=(const WorkPane&) = delete;
 
   // The windows go with `parent`; this has to outlive them. For MainWindow::setBottomPane.
-  BottomPane create(HWND parent, TransferQueue& queue);
+  BottomPane create(HWND parent, TransferQueue& queue, QueuePane::Retry retry);
 
   // Of the queue's events.
   void queueChanged() { m_queue.changed(); }
@@ -29,8 +29,8 @@ class WorkPane {
   void tellProtocol(std::vector<std::string> lines) { m_protocol.add(std::move(lines)); }
   void show(Tab tab);
 
-  // Keys in this pane mean nothing to the two sides: Del cancels what is selected in the queue. Whether it
-  // was such a key.
+  // Keys in this pane mean nothing to the two sides: of what is selected in the queue, Del cancels what waits
+  // or runs, and Enter tries again what failed. Whether it was such a key.
   bool takeKey(const MSG& key);
 
   [[nodiscard]] HWND window() const { return m_window; }

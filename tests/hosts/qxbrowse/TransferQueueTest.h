@@ -47,6 +47,7 @@ class TheTransferQueue : public LaneTest {
   }
 
   void onChange() {
+    if (onAnyChange) onAnyChange();
     const bool isHalf = queue->list()[0].progress.moved.value_or(0) >= 200000;
     if (meanwhile && isHalf) std::exchange(meanwhile, nullptr)();
     if (meanwhileOf) meanwhileOf(queue->list()[0]);
@@ -56,6 +57,7 @@ class TheTransferQueue : public LaneTest {
   const std::shared_ptr<const qx::Login> access = std::make_shared<qx::Login>(login());
   std::function<void()> meanwhile;
   std::function<void(const TransferRow&)> meanwhileOf;  // of the first one, at each change
+  std::function<void()> onAnyChange;
   std::vector<std::string> ended;
   int pauses = 0;
   std::optional<TransferQueue> queue{

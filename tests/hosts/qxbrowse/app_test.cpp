@@ -10,6 +10,7 @@
 #include "hosts/qxbrowse/window/Commands.h"
 #include "tests/dialogs/Driver.h"
 #include "tests/hosts/qxbrowse/LaneTest.h"
+#include "tests/hosts/qxbrowse/VisibleWindow.h"
 #include "tests/support/ScratchFolder.h"
 
 namespace browse {
@@ -19,18 +20,6 @@ using dialog_test::Driver;
 using testing::ElementsAre;
 using testing::HasSubstr;
 namespace fields = connect_dialog;
-
-struct FoundWindow {
-  HWND window = nullptr;
-};
-
-BOOL CALLBACK isMainWindow(HWND window, LPARAM found) {
-  wchar_t name[16] = L"";
-  GetClassNameW(window, name, static_cast<int>(std::size(name)));
-  if (std::wstring_view(name) != L"qxbrowse" || !IsWindowVisible(window)) return TRUE;
-  reinterpret_cast<FoundWindow*>(found)->window = window;
-  return FALSE;
-}
 
 class TheProgram : public LaneTest {
  protected:
@@ -43,12 +32,8 @@ class TheProgram : public LaneTest {
           EXPECT_EQ(app.run(SW_SHOWNOACTIVATE), 0);
         },
         [this, thread, &user](Driver& driver) {
-          driver.waitUntil("the main window", [&] {
-            FoundWindow found;
-            EnumThreadWindows(thread, &isMainWindow, reinterpret_cast<LPARAM>(&found));
-            window = found.window;
-            return window != nullptr;
-          });
+          driver.waitUntil("the main window",
+                           [&] { return (window = visibleWindow(thread, kMainWindow)) != nullptr; });
           user(driver);
           PostMessageW(window, WM_CLOSE, 0, 0);
           driver.waitUntilGone(window);

@@ -69,6 +69,13 @@ TEST_F(TheTransferList, LetsWhatFailedOrWasCancelledWaitAgain) {
   EXPECT_EQ(list[0].text, "") << "of the attempt before";
 }
 
+TEST_F(TheTransferList, TellsWhichOneRuns) {
+  run(failed);
+  EXPECT_EQ(list.running(), nullptr);
+  list.begin();
+  EXPECT_EQ(list.running(), &list[1]);
+}
+
 TEST_F(TheTransferList, CancelsOnlyWhatWaits) {
   run(done);
   list.begin();

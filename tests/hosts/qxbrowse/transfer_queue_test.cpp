@@ -43,6 +43,17 @@ TEST_F(TheTransferQueue, GoesOnBehindOneThatFailsAndTriesItAgain) {
   EXPECT_EQ(queue->list().count(TransferState::done), 3U);
 }
 
+TEST_F(TheTransferQueue, TellsOfWhichFileTheServerMayHaveAPart) {
+  std::ofstream(scratch.path() / "up.txt") << "up";
+  std::vector<std::string> left;
+  onAnyChange = [&] { left.push_back(queue->leftOnServer()); };
+  queue->add({upload("up.txt"), download("a.txt")});
+  runAll();
+  EXPECT_THAT(left, testing::Contains("/pub/up.txt"));
+  EXPECT_EQ(left.back(), "");
+  EXPECT_THAT(left, testing::Each(testing::AnyOf("", "/pub/up.txt")));
+}
+
 TEST_F(TheTransferQueue, CancelsOneAndTellsWhatIsLeft) {
   inTheMiddle([this] { queue->cancel(); });
   queue->add({download("large", 700000), download("a.txt")});

@@ -8,6 +8,7 @@
 
 #include "hosts/qxbrowse/jobs/ProtocolLog.h"
 #include "hosts/qxbrowse/ui/WindowText.h"
+#include "tests/hosts/qxbrowse/ShownMenu.h"
 
 namespace {
 
@@ -65,7 +66,8 @@ TEST(AQueueCell, NeverShowsMoreThanAll) {
 class TheWorkPane : public testing::Test {
  protected:
   TheWorkPane() {
-    bottom = pane.create(frame, queue);
+    bottom =
+        pane.create(frame, queue, [this](const std::vector<Transfer>& transfers) { queue.retry(transfers); });
     MoveWindow(bottom.window, 0, 0, 800, 200, TRUE);
     bottom.setFont(static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT)), 96);
     ShowWindow(frame, SW_SHOWNOACTIVATE);
@@ -100,6 +102,19 @@ class TheWorkPane : public testing::Test {
     item.cchTextMax = static_cast<int>(std::size(words));
     SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
     return words;
+  }
+
+  void choose(WPARAM row) const {
+    LVITEMW item{};
+    item.state = item.stateMask = LVIS_SELECTED;
+    SendMessageW(pane.queue().window(), LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
+  }
+  bool press(WPARAM key) {
+    MSG message{};
+    message.hwnd = pane.queue().window();
+    message.message = WM_KEYDOWN;
+    message.wParam = key;
+    return pane.takeKey(message);
   }
 
   const HWND frame = CreateWindowW(L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 900, 300, nullptr, nullptr,
@@ -152,16 +167,43 @@ TEST_F(TheWorkPane, ClearsTheListWithTheQueue) {
 TEST_F(TheWorkPane, CancelsWhatIsSelectedByDel) {
   add(3);
   pumpUntil([&] { return rows(pane.queue().window()) == 3; });
-  LVITEMW item{};
-  item.state = item.stateMask = LVIS_SELECTED;
-  SendMessageW(pane.queue().window(), LVM_SETITEMSTATE, 1, reinterpret_cast<LPARAM>(&item));
-  MSG key{};
-  key.hwnd = pane.queue().window();
-  key.message = WM_KEYDOWN;
-  key.wParam = VK_DELETE;
-  EXPECT_TRUE(pane.takeKey(key));
+  choose(1);
+  EXPECT_TRUE(press(VK_DELETE));
   EXPECT_EQ(queue.list()[1].state, TransferState::cancelled);
   EXPECT_EQ(queue.list().count(TransferState::waiting), 2U);
+}
+
+// All that had failed was tried again, or nothing.
+TEST_F(TheWorkPane, TriesWhatIsSelectedAgainByEnter) {
+  add(3);
+  queue.cancelAll();
+  pumpUntil([&] { return rows(pane.queue().window()) == 3; });
+  choose(1);
+  EXPECT_TRUE(press(VK_RETURN));
+  EXPECT_EQ(queue.list()[1].state, TransferState::waiting);
+  EXPECT_EQ(queue.list().count(TransferState::cancelled), 2U);
+}
+
+TEST_F(TheWorkPane, OffersInAMenuWhatCanBeDoneWithWhatIsSelected) {
+  constexpr int kRetryEntry = 1;
+  constexpr int kCancelEntry = 2;
+  add(3);
+  queue.cancel(1);
+  pumpUntil([&] { return rows(pane.queue().window()) == 3; });
+  choose(1);
+  const HWND list = pane.queue().window();
+  const auto openMenu = [list] { pressMenuKey(list); };
+  ShownMenu::open(openMenu, [&](const ShownMenu& menu) {
+    EXPECT_TRUE(menu.isEnabled(kRetryEntry));
+    EXPECT_FALSE(menu.isEnabled(kCancelEntry)) << "it is cancelled";
+    menu.press(L'r');
+  });
+  EXPECT_EQ(queue.list().count(TransferState::waiting), 3U);
+  ShownMenu::open(openMenu, [&](const ShownMenu& menu) {
+    EXPECT_FALSE(menu.isEnabled(kRetryEntry));
+    menu.press(L'c');
+  });
+  EXPECT_EQ(queue.list()[1].state, TransferState::cancelled);
 }
 
 // Del in the queue asked whether to delete what was selected on the server.
