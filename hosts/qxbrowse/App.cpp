@@ -52,8 +52,7 @@ int App::run(int how) {
   const Placement placement = readPlacement(m_placementFile);
   m_window.setPlacement(placement);
   m_window.show(placement.isMaximized ? SW_SHOWMAXIMIZED : how);
-  const Keyboard keyboard(m_window.handle(),
-                          [this](const MSG& key) { return m_work.takeKey(key) || m_window.translate(key); });
+  const Keyboard keyboard(m_window.handle(), [this](const MSG& key) { return takeKey(key); });
   m_window.go(Side::local, homeFolder());
   if (placement.isBroken) setPlacementAside();
   MSG message{};
@@ -76,6 +75,11 @@ void App::setPlacementAside() {
   }
   m_work.report({toLibrary(told)});
   m_window.showMessage(told);
+}
+
+bool App::takeKey(const MSG& key) {
+  const bool isForPane = !m_window.isMovingBorders() && m_work.takeKey(key);
+  return isForPane || m_window.translate(key);
 }
 
 void App::list(Side side, const std::wstring& path) {
@@ -158,7 +162,13 @@ void App::showHelp() {
 
 void App::showAbout() { tell(m_window.handle(), text(Text::about, {fromLibrary(QXIP_VERSION)})); }
 
-bool App::mayClose() { return !m_queue.hasWork() || ask(m_window.handle(), text(Text::askClose)); }
+// Nobody could tell behind the end what is left where.
+bool App::mayClose() const {
+  if (!m_queue.hasWork()) return true;
+  const std::string left = m_queue.leftOnServer();
+  const std::wstring part = left.empty() ? L"" : text(Text::askClosePart, {fromLibrary(left)});
+  return ask(m_window.handle(), text(Text::askClose) + part);
+}
 
 void App::end() {
   m_background.cancelAll();

@@ -55,6 +55,7 @@ class App : public Services {
  private:
   using Letter = std::function<void()>;
 
+  [[nodiscard]] bool takeKey(const MSG& key);
   void enter(const Destination& at, const qx::Login& login);
   void showLocal(const std::wstring& path, LocalWork::Answer answer);
   void listServer(const std::wstring& path, Sorting sorting);
@@ -65,7 +66,7 @@ class App : public Services {
   void showProblems(const Problems& problems);
   void transferEnded(const TransferRow& row);
   [[nodiscard]] std::vector<Place> placesOf(const LibraryDialogs::Choice& choice) const;
-  [[nodiscard]] bool mayClose();
+  [[nodiscard]] bool mayClose() const;
   void setPlacementAside();
 
   template <typename Change>

@@ -220,7 +220,9 @@ std::vector<std::size_t> ListPane::selectedRows() const {
   std::vector<std::size_t> rows;
   LRESULT row = m_hasParent ? 0 : -1;
   while ((row = SendMessageW(m_list, LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED)) >= 0) {
-    rows.push_back(static_cast<std::size_t>(row - rowOf(0)));
+    // The list has rows of a longer folder still while another one comes into it.
+    const auto item = static_cast<std::size_t>(row - rowOf(0));
+    if (item < m_items.size()) rows.push_back(item);
   }
   return rows;
 }
@@ -242,6 +244,11 @@ std::vector<Item> ListPane::selected() const {
   std::vector<Item> items;
   for (const std::size_t row : selectedRows()) items.push_back(m_items[row]);
   return items;
+}
+
+bool ListPane::isFolderSelected() const {
+  const std::vector<std::size_t> rows = selectedRows();
+  return rows.size() == 1 && m_items[rows.front()].isFolder;
 }
 
 int ListPane::selectedCount() const {

@@ -62,6 +62,8 @@ class ListPane {
   [[nodiscard]] const ItemList& items() const { return m_items; }
   [[nodiscard]] std::vector<Item> selected() const;
   [[nodiscard]] int selectedCount() const;
+  // Whether the only one that is selected is one.
+  [[nodiscard]] bool isFolderSelected() const;
   // Whether the way up is what is selected, and nothing else.
   [[nodiscard]] bool isParentSelected() const;
   // Where a drop at this place of the screen goes to: the folder there, or the one above, or the shown one.

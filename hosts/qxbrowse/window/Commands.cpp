@@ -18,9 +18,13 @@ bool canList(const Situation& now) { return now.side == Side::local || now.isCon
 bool canUpload(const Situation& now) { return now.isConnected; }
 bool anySelected(const Situation& now) { return now.selected > 0 && folderShown(now); }
 bool oneSelected(const Situation& now) { return now.selected == 1 && folderShown(now); }
-bool canOpen(const Situation& now) { return (now.selected == 1 || now.isParentSelected) && canList(now); }
 bool canTransfer(const Situation& now) {
   return anySelected(now) && now.isConnected && now.isLocalFolderShown;
+}
+// A file is opened by its transfer.
+bool canOpen(const Situation& now) {
+  const bool isFolder = now.isParentSelected || (now.selected == 1 && now.isFolder);
+  return isFolder ? canList(now) : now.selected == 1 && canTransfer(now);
 }
 bool anyOnServer(const Situation& now) { return now.side == Side::server && anySelected(now); }
 
@@ -63,6 +67,8 @@ constexpr std::array kCommands = {
                 {FCONTROL, 'O'},
                 &always,
                 kGroupEnd},
+    CommandInfo{
+        Command::moveBorders, Text::menuView, Text::commandMoveBorders, {0, VK_F8}, &always, kGroupEnd},
     CommandInfo{Command::sortName, Text::menuView, Text::commandSortName, {FCONTROL, '1'}, &always},
     CommandInfo{Command::sortSize, Text::menuView, Text::commandSortSize, {FCONTROL, '2'}, &always},
     CommandInfo{Command::sortType, Text::menuView, Text::commandSortType, {FCONTROL, '3'}, &always},

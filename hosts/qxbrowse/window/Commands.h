@@ -30,6 +30,7 @@ enum class Command : WORD {
   refresh,
   address,
   chooseFolder,
+  moveBorders,
   sortName,
   sortSize,
   sortType,
@@ -49,6 +50,7 @@ struct Situation {
   bool isLocalFolderShown = true;  // not the list of drives
   int selected = 0;                // in that pane
   bool isParentSelected = false;   // its row that leads to the folder above
+  bool isFolder = false;           // what is selected alone
 };
 
 struct Key {

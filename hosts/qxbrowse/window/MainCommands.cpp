@@ -68,6 +68,8 @@ bool MainWindow::runOnPane(Command command) {
       return go(m_active, active.path()), true;
     case Command::address:
       return active.editAddress(), true;
+    case Command::moveBorders:
+      return beginMovingBorders(), true;
     case Command::sortName:
     case Command::sortSize:
     case Command::sortType:
@@ -91,9 +93,9 @@ bool MainWindow::runOnServices(Command command) {
       return true;
     }
     case Command::uploadFiles:
-      return upload(m_services.chooseFiles(local)), true;
+      return upload(m_services.chooseFiles(local), pane(Side::server).path()), true;
     case Command::uploadAny:
-      return upload(m_services.chooseFilesAndFolders(local)), true;
+      return upload(m_services.chooseFilesAndFolders(local), pane(Side::server).path()), true;
     case Command::cancel:
       return m_services.cancel(), true;
     case Command::cancelAll:
@@ -147,8 +149,8 @@ void MainWindow::transfer(Side from, const std::wstring& toFolder) {
   m_services.download(places, toFolder);
 }
 
-void MainWindow::upload(const std::vector<Place>& places) {
-  if (!places.empty() && m_isConnected) m_services.upload(places, pane(Side::server).path());
+void MainWindow::upload(const std::vector<Place>& places, const std::wstring& toFolder) {
+  if (!places.empty() && m_isConnected) m_services.upload(places, toFolder);
 }
 
 void MainWindow::askAndCopy(bool isMove) {

@@ -2,7 +2,7 @@
 // What the system and the user tell the main window.
 #include <cwchar>
 
-#include "hosts/qxbrowse/jobs/LocalFolder.h"
+#include "hosts/qxbrowse/ui/MenuPlace.h"
 #include "hosts/qxbrowse/ui/Names.h"
 #include "hosts/qxbrowse/ui/Texts.h"
 #include "hosts/qxbrowse/window/MainWindow.h"
@@ -30,6 +30,14 @@ std::wstring droppedFile(HDROP drop, UINT number) {
   std::wstring path(DragQueryFileW(drop, number, nullptr, 0) + std::size_t{1}, L'\0');
   path.resize(DragQueryFileW(drop, number, path.data(), static_cast<UINT>(path.size())));
   return path;
+}
+
+// Who uploads them looks at what they are: a network that does not answer must not hold the window.
+std::vector<Place> droppedPlaces(HDROP drop) {
+  std::vector<Place> places;
+  const UINT count = DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0);
+  for (UINT number = 0; number < count; ++number) places.push_back({.path = droppedFile(drop, number)});
+  return places;
 }
 
 }  // namespace
@@ -115,7 +123,7 @@ void MainWindow::onMouse(UINT message, POINT at) {
   POINT screen = at;
   ClientToScreen(m_window, &screen);
   if (message == WM_LBUTTONDOWN && (m_grip = gripAt(at)) != Grip::none) SetCapture(m_window);
-  if (message == WM_MOUSEMOVE && m_grip != Grip::none) dragGrip(at);
+  if (message == WM_MOUSEMOVE && m_grip != Grip::none) dragGrip(m_grip, at);
   if (message == WM_MOUSEMOVE && m_drag.isRunning()) m_drag.moveTo(screen);
   if (message == WM_LBUTTONUP && m_drag.isRunning()) drop(screen);
   if (message == WM_LBUTTONUP && m_grip != Grip::none) ReleaseCapture();
@@ -139,25 +147,35 @@ void MainWindow::drop(POINT screen) {
   transfer(m_dragFrom, pane(to).folderAt(screen));
 }
 
+// From another program. Those that are dropped on the local side are not what anybody wants on the server.
 void MainWindow::onDropFiles(HDROP drop) {
-  std::vector<Place> places;
-  const UINT count = DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0);
-  for (UINT number = 0; number < count; ++number) places.push_back(localPlace(droppedFile(drop, number)));
+  const std::vector<Place> places = droppedPlaces(drop);
+  POINT at{};
+  DragQueryPoint(drop, &at);
   DragFinish(drop);
-  upload(places);
+  const RECT server = arranged().server;
+  if (!m_isConnected) return showMessage(text(Text::statusNotConnected));
+  if (!PtInRect(&server, at)) return showMessage(text(Text::statusDropElsewhere));
+  ClientToScreen(m_window, &at);
+  upload(places, pane(Side::server).folderAt(at));
 }
 
-// By the keyboard (-1, -1) it stands at the list's corner.
 void MainWindow::onContextMenu(HWND control, POINT at) {
-  const bool isList = control == pane(Side::local).list() || control == pane(Side::server).list();
-  if (!isList) return;
-  if (at.x == -1 && at.y == -1) ClientToScreen(control, &(at = {}));
-  const HMENU menu = makeContextMenu(situation());
-  TrackPopupMenu(menu, TPM_RIGHTBUTTON, at.x, at.y, 0, m_window, nullptr);
-  DestroyMenu(menu);
+  for (const auto& pane : m_panes) {
+    if (control != pane->list()) continue;
+    const POINT place = menuPlace(control, at);
+    pane->focusList();
+    const HMENU menu = makeContextMenu(situation());
+    TrackPopupMenu(menu, TPM_RIGHTBUTTON, place.x, place.y, 0, m_window, nullptr);
+    DestroyMenu(menu);
+    return;
+  }
 }
 
 void MainWindow::onClose() {
+  // A dialog in front of it, such as the question below, is to be answered first.
+  if (!IsWindowEnabled(m_window)) return static_cast<void>(SetForegroundWindow(GetLastActivePopup(m_window)));
+  EndMenu();  // what runs ends below it
   if (m_isEnding || (m_mayClose && !m_mayClose())) return;
   m_lastPlacement = placement();
   m_isEnding = true;
@@ -171,6 +189,7 @@ bool MainWindow::translate(const MSG& message) {
   if (!isKey || !isOurs || m_window == nullptr) return false;
   if (m_drag.isRunning() && message.wParam == VK_ESCAPE) return m_drag.end(), true;
   const auto code = static_cast<WORD>(message.wParam);
+  if (moveBorders(code)) return true;
   const BYTE ignored = code == VK_TAB ? FSHIFT : 0;
   // Below the two sides only Esc means what it does in them.
   const bool isNoList = isTextEdited() || (isBottomFocused() && code != VK_ESCAPE);

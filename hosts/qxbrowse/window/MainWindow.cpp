@@ -17,6 +17,7 @@ constexpr const wchar_t* kClassName = L"qxbrowse";
 constexpr WORD kIcon = 1;     // in the program's resources (qxbrowse.rc)
 constexpr int kWidth = 1100;  // at 96 dots per inch
 constexpr int kHeight = 700;
+constexpr int kStep = 16;               // of a border that the keyboard moves
 constexpr std::size_t kMostKept = 100;  // selected items: each is looked for among all
 
 struct Button {
@@ -207,9 +208,34 @@ MainWindow::Grip MainWindow::gripAt(POINT at) const {
   return m_bottom.window != nullptr && PtInRect(&layout.bottomSplitter, at) ? Grip::bottom : Grip::none;
 }
 
-void MainWindow::dragGrip(POINT to) {
-  m_splits = m_grip == Grip::side ? dragSide(middle(), m_splits, to) : dragBottom(middle(), m_splits, to);
+void MainWindow::dragGrip(Grip grip, POINT to) {
+  m_splits = grip == Grip::side ? dragSide(middle(), m_splits, to) : dragBottom(middle(), m_splits, to);
   layOut();
+}
+
+// From where it is seen, which is not where it was dragged to when there was no room for that.
+void MainWindow::nudgeGrip(Grip grip, int steps) {
+  const Layout now = arranged();
+  const RECT& bar = grip == Grip::side ? now.sideSplitter : now.bottomSplitter;
+  const int way = steps * scale(kStep, m_dpi);
+  dragGrip(grip, {(bar.left + bar.right) / 2 + way, (bar.top + bar.bottom) / 2 + way});
+}
+
+void MainWindow::beginMovingBorders() {
+  m_splitsBefore = m_splits;
+  showMessage(text(Text::statusSplitting));
+}
+
+// Whether it was a key for that. Any other one ends it, and is what it always is.
+bool MainWindow::moveBorders(WORD key) {
+  if (!m_splitsBefore) return false;
+  if (key == VK_LEFT || key == VK_RIGHT) return nudgeGrip(Grip::side, key == VK_LEFT ? -1 : 1), true;
+  if (key == VK_UP || key == VK_DOWN) return nudgeGrip(Grip::bottom, key == VK_UP ? -1 : 1), true;
+  const Splits before = *std::exchange(m_splitsBefore, std::nullopt);
+  if (key == VK_ESCAPE) m_splits = before;
+  layOut();
+  showMessage(text(Text::statusReady));
+  return key == VK_ESCAPE || key == VK_RETURN;
 }
 
 bool MainWindow::showGripCursor() const {
@@ -228,6 +254,7 @@ Situation MainWindow::situation() const {
   now.isLocalFolderShown = pane(Side::local).isShown() && !pane(Side::local).path().empty();
   now.selected = pane(m_active).selectedCount();
   now.isParentSelected = pane(m_active).isParentSelected();
+  now.isFolder = now.selected == 1 && pane(m_active).isFolderSelected();
   return now;
 }
 

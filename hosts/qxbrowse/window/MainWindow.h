@@ -7,6 +7,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,8 @@ class MainWindow {
   // calls it first, also that of the library, where a hook (WH_GETMESSAGE) has to do it.
   bool translate(const MSG& message);
   void execute(Command command);
+  // Whether the arrow keys move the borders, whatever has the focus.
+  [[nodiscard]] bool isMovingBorders() const { return m_splitsBefore.has_value(); }
 
   // What has come of the work.
   void showConnected(const std::wstring& site);
@@ -92,7 +95,10 @@ class MainWindow {
   [[nodiscard]] RECT middle() const;
   [[nodiscard]] Layout arranged() const;
   [[nodiscard]] Grip gripAt(POINT at) const;
-  void dragGrip(POINT to);
+  void dragGrip(Grip grip, POINT to);
+  void nudgeGrip(Grip grip, int steps);
+  void beginMovingBorders();
+  bool moveBorders(WORD key);
   bool showGripCursor() const;
   void updateCommands();
   void updateStatus();
@@ -109,7 +115,7 @@ class MainWindow {
   void askAndCreateFolder();
   void askAndRemove();
   void rename(Side side, const Item& item, const std::wstring& name);
-  void upload(const std::vector<Place>& places);
+  void upload(const std::vector<Place>& places, const std::wstring& toFolder);
   void focusNext();
   [[nodiscard]] bool isBottomFocused() const;
   [[nodiscard]] std::vector<Place> selectedPlaces(Side side) const;
@@ -130,6 +136,7 @@ class MainWindow {
   Placement m_lastPlacement;
   bool m_isEnding = false;
   Grip m_grip = Grip::none;
+  std::optional<Splits> m_splitsBefore;  // while the arrow keys move the borders
   Font m_font;
   UINT m_dpi = kPlainDpi;
   HWND m_window = nullptr;

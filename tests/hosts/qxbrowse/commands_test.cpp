@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cwchar>
+#include <cwctype>
 #include <set>
 
 namespace {
@@ -67,6 +69,57 @@ TEST(Commands, ArePossibleWhereTheyMakeSense) {
   chosen.selected = 2;
   EXPECT_FALSE(isPossible(Command::rename, chosen));
   EXPECT_TRUE(isPossible(Command::remove, chosen));
+}
+
+// What a right click offers, by the first letters of what is not gray.
+struct Offer {
+  const char* on;
+  Situation now;
+  std::wstring commands;
+};
+
+TEST(AContextMenu, OffersWhatIsPossibleWithWhatIsSelected) {
+  const Offer offers[] = {
+      {"nothing here", {Side::local, true, true, 0}, L"UUNSR"},
+      {"a file here", {Side::local, true, true, 1}, L"OTUURNDSR"},
+      {"a folder here", {Side::local, true, true, 1, false, true}, L"OTUURNDSR"},
+      {"several here", {Side::local, true, true, 2}, L"TUUNDSR"},
+      {"a file here, no server", {Side::local, false, true, 1}, L"RNDSR"},
+      {"a folder here, no server", {Side::local, false, true, 1, false, true}, L"ORNDSR"},
+      {"a drive", {Side::local, true, false, 1, false, true}, L"OUUSR"},
+      {"nothing there", {Side::server, true, true, 0}, L"UUNSR"},
+      {"a file there", {Side::server, true, true, 1}, L"OTUUCMRNDSR"},
+      {"a folder there", {Side::server, true, true, 1, false, true}, L"OTUUCMRNDSR"},
+      {"several there", {Side::server, true, true, 2}, L"TUUCMNDSR"},
+      {"a file there, drives here", {Side::server, true, false, 1}, L"UUCMRNDSR"},
+      {"no server", {Side::server, false, true, 0}, L"S"},
+  };
+  for (const Offer& offer : offers) {
+    const HMENU menu = makeContextMenu(offer.now);
+    std::wstring possible;
+    for (int place = 0; place < GetMenuItemCount(menu); ++place) {
+      const UINT state = GetMenuState(menu, static_cast<UINT>(place), MF_BYPOSITION);
+      wchar_t title[64] = L"";
+      GetMenuStringW(menu, static_cast<UINT>(place), title, 64, MF_BYPOSITION);
+      if ((state & (MF_GRAYED | MF_SEPARATOR)) == 0) possible += title[0] == L'&' ? title[1] : title[0];
+    }
+    EXPECT_EQ(possible, offer.commands) << offer.on;
+    DestroyMenu(menu);
+  }
+}
+
+// "R" was two of them, and did neither.
+TEST(AContextMenu, HasALetterForEachEntry) {
+  const HMENU menu = makeContextMenu({Side::server, true, true, 1});
+  std::set<wchar_t> letters;
+  for (int place = 0; place < GetMenuItemCount(menu); ++place) {
+    wchar_t title[64] = L"";
+    if (GetMenuStringW(menu, static_cast<UINT>(place), title, 64, MF_BYPOSITION) == 0) continue;
+    const wchar_t* const mark = std::wcschr(title, L'&');
+    ASSERT_NE(mark, nullptr);
+    EXPECT_TRUE(letters.insert(static_cast<wchar_t>(std::towupper(mark[1]))).second) << place;
+  }
+  DestroyMenu(menu);
 }
 
 TEST(Commands, AreGrayInTheMenuWhereTheyAreNotPossible) {
