@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "hosts/qxbrowse/lists/Items.h"
 #include "hosts/qxbrowse/ui/System.h"
-#include "hosts/qxbrowse/window/Services.h"
 
 namespace browse {
 

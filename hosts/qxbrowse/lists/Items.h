@@ -16,4 +16,11 @@ struct Item {
   std::int64_t time = 0;   // 100 ns since 1601-01-01, a calendar time to be shown as it is; 0: not known
 };
 
+// An item where it is.
+struct Place {
+  std::wstring path;
+  bool isFolder = false;
+  std::uint64_t size = 0;
+};
+
 }  // namespace browse

@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "hosts/qxbrowse/lists/SidePaths.h"
-#include "hosts/qxbrowse/ui/DeleteQuestion.h"
 #include "hosts/qxbrowse/ui/Names.h"
 #include "hosts/qxbrowse/ui/TextQuestion.h"
 #include "hosts/qxbrowse/ui/Texts.h"
+#include "hosts/qxbrowse/window/DeleteQuestion.h"
 #include "hosts/qxbrowse/window/MainWindow.h"
 
 namespace browse {

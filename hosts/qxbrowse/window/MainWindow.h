@@ -14,9 +14,9 @@
 #include "hosts/qxbrowse/lists/ItemDrag.h"
 #include "hosts/qxbrowse/lists/ListPane.h"
 #include "hosts/qxbrowse/ui/Dpi.h"
-#include "hosts/qxbrowse/ui/Placement.h"
 #include "hosts/qxbrowse/window/Commands.h"
 #include "hosts/qxbrowse/window/Layout.h"
+#include "hosts/qxbrowse/window/Placement.h"
 #include "hosts/qxbrowse/window/Services.h"
 
 namespace browse {

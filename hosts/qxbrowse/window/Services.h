@@ -11,13 +11,6 @@
 
 namespace browse {
 
-// An item where it is.
-struct Place {
-  std::wstring path;
-  bool isFolder = false;
-  std::uint64_t size = 0;
-};
-
 class Services {
  public:
   Services() = default;

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "hosts/qxbrowse/ui/DeleteQuestion.h"
 #include "hosts/qxbrowse/ui/Texts.h"
+#include "hosts/qxbrowse/window/DeleteQuestion.h"
 
 namespace {
 

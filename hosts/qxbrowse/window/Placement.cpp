@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "hosts/qxbrowse/ui/Placement.h"
+#include "hosts/qxbrowse/window/Placement.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "hosts/qxbrowse/ui/DeleteQuestion.h"
+#include "hosts/qxbrowse/window/DeleteQuestion.h"
 
 #include <algorithm>
 

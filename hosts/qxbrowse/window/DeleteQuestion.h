@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "hosts/qxbrowse/window/Services.h"
+#include "hosts/qxbrowse/lists/Items.h"
 
 namespace browse {
 
