@@ -8,18 +8,13 @@
 #include "hosts/qxbrowse/ui/Names.h"
 #include "hosts/qxbrowse/ui/Texts.h"
 #include "hosts/qxbrowse/ui/Utf8.h"
+#include "hosts/shared/LibraryFile.h"
 
 namespace browse {
 namespace {
 
 constexpr const wchar_t* kPlacementFile = L"window.ini";  // beside the sites
 constexpr const wchar_t* kHelpFile = L"qxbrowse.chm";     // beside the program
-
-std::wstring programFolder() {
-  std::wstring path(32767, L'\0');
-  path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
-  return localParent(path);
-}
 
 }  // namespace
 
@@ -155,9 +150,10 @@ std::vector<Place> App::placesOf(const LibraryDialogs::Choice& choice) const {
 }
 
 void App::showHelp() {
-  const std::wstring file = localPath(programFolder(), kHelpFile);
+  const std::filesystem::path folder = hosts::programFolder();
+  const std::wstring file = folder / kHelpFile;
   if (m_dialogs.showHelp(m_window.handle(), file)) return;
-  tell(m_window.handle(), text(Text::helpMissing, {file, helpPage(programFolder())}));
+  tell(m_window.handle(), text(Text::helpMissing, {file, helpPage(folder)}));
 }
 
 void App::showAbout() { tell(m_window.handle(), text(Text::about, {fromLibrary(QXIP_VERSION)})); }

@@ -1,17 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "hosts/shared/LocalFiles.h"
 
-#if !defined(NOMINMAX)
-#define NOMINMAX
-#endif
-#if !defined(WIN32_LEAN_AND_MEAN)
-#define WIN32_LEAN_AND_MEAN
-#endif
-#include <windows.h>
-
 #include <memory>
 
 #include "hosts/shared/Moments.h"
+#include "hosts/shared/windows/System.h"
 
 namespace hosts {
 namespace {

@@ -1,13 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "hosts/shared/Names.h"
 
-#if !defined(NOMINMAX)
-#define NOMINMAX
-#endif
-#if !defined(WIN32_LEAN_AND_MEAN)
-#define WIN32_LEAN_AND_MEAN
-#endif
-#include <windows.h>
+#include "hosts/shared/windows/System.h"
 
 namespace hosts {
 namespace {

@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "hosts/shared/PrivateFile.h"
 
-#if !defined(WIN32_LEAN_AND_MEAN)
-#define WIN32_LEAN_AND_MEAN
-#endif
-#include <windows.h>
-
-#include <aclapi.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <memory>
+
+#include "hosts/shared/windows/System.h"
+// Only now:
+#include <aclapi.h>
 
 namespace hosts {
 namespace {

@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "hosts/shared/Terminal.h"
 
-#if !defined(WIN32_LEAN_AND_MEAN)
-#define WIN32_LEAN_AND_MEAN
-#endif
-#include <windows.h>
-
 #include <fcntl.h>
 #include <io.h>
 
 #include <cstdlib>
 
 #include "hosts/shared/Interrupt.h"
+#include "hosts/shared/windows/System.h"
 
 namespace hosts {
 namespace {

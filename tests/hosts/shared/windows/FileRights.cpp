@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "tests/hosts/shared/FileRights.h"
 
-#if !defined(WIN32_LEAN_AND_MEAN)
-#define WIN32_LEAN_AND_MEAN
-#endif
-#include <windows.h>
-
-#include <aclapi.h>
-
 #include <memory>
 #include <system_error>
 #include <vector>
+
+#include "hosts/shared/windows/System.h"
+// Only now:
+#include <aclapi.h>
 
 namespace test {
 namespace {
