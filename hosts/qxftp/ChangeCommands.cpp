@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The commands that change what is on a server.
 #include <cctype>
-#include <memory>
 
 #include "hosts/qxftp/Changes.h"
 #include "hosts/qxftp/Commands.h"
@@ -68,8 +67,9 @@ void copy(Context& context, const Paths& words) { transfer(context, words, copyO
 void move(Context& context, const Paths& words) { transfer(context, words, moveOne); }
 
 // A new name without a folder stays in the old one's.
-void giveName(Context& context, const std::string& from, const std::string& to) {
-  context.each(std::vector<std::string>{from}, [&](const Place& old, Json& result) {
+void giveName(Context& context, const TwoWords& words) {
+  const std::string& to = words.second;
+  context.each(Paths{words.first}, [&](const Place& old, Json& result) {
     const bool isName = to.find_first_of("/\\") == to.npos;
     const Place renamed =
         context.placeBeside(old, isName ? joinedPath(splitPath(old.path()).folder, to) : to);
@@ -95,9 +95,9 @@ void makeDirectories(Context& context, const Paths& paths) {
   context.each(paths, [&](const Place& place, Json&) { makeDirectory(context.client(place), place.path()); });
 }
 
-void makeNew(Context& context, const std::string& parent, const std::string& name) {
-  context.each(std::vector<std::string>{parent}, [&](const Place& place, Json& result) {
-    const std::string made = makeNewDirectory(context.client(place), place.path(), name);
+void makeNew(Context& context, const TwoWords& words) {
+  context.each(Paths{words.first}, [&](const Place& place, Json& result) {
+    const std::string made = makeNewDirectory(context.client(place), place.path(), words.second);
     context.say(made);
     result["made"] = made;
   });
@@ -119,23 +119,18 @@ void addTransfers(Commands& commands) {
 }
 
 void addRename(Commands& commands) {
-  const auto words = std::make_shared<TwoWords>();
-  CLI::App& command = commands.add("rename", "Gives a file or a directory another name or place.",
-                                   "qxftp rename ftp://me@ftp.example.org/pub/old.txt new.txt",
-                                   [=](Context& context) { giveName(context, words->first, words->second); });
-  takeWord(command, words->first, "OLD", "file or directory on a server");
-  takeWord(command, words->second, "NEW",
-           "its new path; without a slash, its new name in the same directory");
+  auto [command, words] = commands.add("rename", "Gives a file or a directory another name or place.",
+                                       "qxftp rename ftp://me@ftp.example.org/pub/old.txt new.txt", giveName);
+  takeWord(command, words.first, "OLD", "file or directory on a server");
+  takeWord(command, words.second, "NEW", "its new path; without a slash, its new name in the same directory");
 }
 
 void addMakeNew(Commands& commands) {
-  const auto words = std::make_shared<TwoWords>();
-  CLI::App& command =
+  auto [command, words] =
       commands.add("mknew", "Makes a directory under a name that is free: \"Name\", \"Name (1)\" and so on.",
-                   "qxftp mknew ftp://me@ftp.example.org/pub Incoming",
-                   [=](Context& context) { makeNew(context, words->first, words->second); });
-  takeWord(command, words->first, "PARENT", "directory on a server");
-  takeWord(command, words->second, "NAME", "name to begin with");
+                   "qxftp mknew ftp://me@ftp.example.org/pub Incoming", makeNew);
+  takeWord(command, words.first, "PARENT", "directory on a server");
+  takeWord(command, words.second, "NAME", "name to begin with");
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 
 namespace qxftp {
 
-CLI::App& Commands::add(const std::string& name, const std::string& text, const std::string& example,
-                        Run run) {
+CLI::App& Commands::addRun(const std::string& name, const std::string& text, const std::string& example,
+                           Run run) {
   m_runs.emplace(name, std::move(run));
   CLI::App& command = *m_app.add_subcommand(name, text);
   command.footer("Example: " + example);
@@ -13,9 +13,8 @@ CLI::App& Commands::add(const std::string& name, const std::string& text, const 
 
 CLI::App& Commands::addForPaths(const std::string& name, const std::string& text, const std::string& example,
                                 RunForPaths work, const std::string& path) {
-  const auto paths = std::make_shared<std::vector<std::string>>();
-  CLI::App& command = add(name, text, example, [=](Context& context) { work(context, *paths); });
-  takePaths(command, *paths, path);
+  auto [command, paths] = add(name, text, example, work);
+  takePaths(command, paths, path);
   return command;
 }
 

@@ -4,7 +4,6 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
-#include <memory>
 
 #include "hosts/qxftp/Commands.h"
 #include "hosts/qxftp/Listing.h"
@@ -58,12 +57,18 @@ void writeTo(std::ostream& out, const qx::Bytes& content) {
   if (!out.flush()) fail("the content cannot be written");
 }
 
-void read(Context& context, const std::vector<std::string>& paths, const std::string& output) {
+struct ReadOptions {
+  std::vector<std::string> paths;
+  std::string output;
+};
+
+void read(Context& context, const ReadOptions& options) {
+  const std::string& output = options.output;
   if (context.settings().isJson && output.empty())
     throw WrongUsage("--json needs the standard output: name a file by --output");
   std::ofstream file;
   if (!output.empty()) file.open(output, std::ios::binary);
-  context.each(paths, [&](const Place& place, Json& result) {
+  context.each(options.paths, [&](const Place& place, Json& result) {
     if (!output.empty() && !file.is_open()) fail("the local file " + output + " cannot be written");
     const qx::Bytes content = need(context.client(place).read(place.path()));
     writeTo(output.empty() ? std::cout : file, content);
@@ -90,33 +95,26 @@ void fetch(Context& context, const TwoWords& words) {
 using RunWithWords = void (*)(Context& context, const TwoWords& words);
 
 void addWithFile(Commands& commands, const std::string& name, const std::string& text, RunWithWords run) {
-  const auto words = std::make_shared<TwoWords>();
-  CLI::App& command =
-      commands.add(name, text, "qxftp " + name + " note.txt ftp://me@ftp.example.org/pub/note.txt",
-                   [=](Context& context) { run(context, *words); });
-  takeWord(command, words->first, "LOCAL", "local file; \"-\" is the standard input");
-  takeWord(command, words->second, "REMOTE", "file on a server");
+  auto [command, words] =
+      commands.add(name, text, "qxftp " + name + " note.txt ftp://me@ftp.example.org/pub/note.txt", run);
+  takeWord(command, words.first, "LOCAL", "local file; \"-\" is the standard input");
+  takeWord(command, words.second, "REMOTE", "file on a server");
 }
 
 void addRead(Commands& commands) {
-  const auto paths = std::make_shared<std::vector<std::string>>();
-  const auto output = std::make_shared<std::string>();
-  CLI::App& command = commands.add("read", "Writes the content of files to the standard output.",
-                                   "qxftp read ftp://ftp.example.org/pub/readme.txt",
-                                   [=](Context& context) { read(context, *paths, *output); });
+  auto [command, options] = commands.add("read", "Writes the content of files to the standard output.",
+                                         "qxftp read ftp://ftp.example.org/pub/readme.txt", read);
   command.alias("cat");
-  takePaths(command, *paths, "file on a server");
-  command.add_option("-o,--output", *output, "local file in place of the standard output")
+  takePaths(command, options.paths, "file on a server");
+  command.add_option("-o,--output", options.output, "local file in place of the standard output")
       ->option_text("FILE");
 }
 
 void addFetch(Commands& commands) {
-  const auto words = std::make_shared<TwoWords>();
-  CLI::App& command =
-      commands.add("http", "Gets a file from the web.", "qxftp http https://www.example.org/ page.html",
-                   [=](Context& context) { fetch(context, *words); });
-  takeWord(command, words->first, "URL", "address that begins with http:// or https://");
-  takeWord(command, words->second, "LOCAL", "local file");
+  auto [command, words] = commands.add("http", "Gets a file from the web.",
+                                       "qxftp http https://www.example.org/ page.html", fetch);
+  takeWord(command, words.first, "URL", "address that begins with http:// or https://");
+  takeWord(command, words.second, "LOCAL", "local file");
 }
 
 }  // namespace

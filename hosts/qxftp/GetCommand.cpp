@@ -2,7 +2,6 @@
 #include "hosts/qxftp/TransferCommands.h"
 
 #include <map>
-#include <memory>
 #include <set>
 
 #include "hosts/qxftp/FileJobs.h"
@@ -18,19 +17,13 @@ namespace fs = std::filesystem;
 using hosts::Entry;
 using hosts::Kind;
 
-struct GetOptions {
-  std::vector<std::string> paths;
-  bool isRecursive = false;
-  bool keepsExisting = false;
-};
-
 void needName(const std::string& name) {
   if (const auto reason = hosts::whyNotLocal(name)) fail("cannot be here: " + *reason);
 }
 
 class Get {
  public:
-  Get(Context& context, const GetOptions& options) : m_context(context), m_options(options) {}
+  Get(Context& context, const TransferOptions& options) : m_context(context), m_options(options) {}
 
   void run() {
     std::vector<std::string> sources = m_options.paths;
@@ -129,7 +122,7 @@ class Get {
   }
 
   Context& m_context;
-  const GetOptions& m_options;
+  const TransferOptions& m_options;
   fs::path m_target;
   bool m_isInto = false;  // the target is the folder for all
   std::vector<FileJob> m_jobs;
@@ -140,19 +133,21 @@ class Get {
 
 }  // namespace
 
+void takeTransfer(CLI::App& command, TransferOptions& options, const std::string& paths) {
+  takePaths(command, options.paths, paths);
+  command.add_flag("-r,--recursive", options.isRecursive, "folders with all that is in them");
+  command.add_flag("-n,--no-overwrite", options.keepsExisting, "leaves files alone that are there");
+}
+
 void addGet(Commands& commands) {
-  const auto options = std::make_shared<GetOptions>();
-  CLI::App& get = commands.add("get",
-                               "Gets files, with -r folders. The last path is the target: a local folder, or "
-                               "the new name of one file; a "
-                               "single path goes into the current folder. A file that is there is replaced "
-                               "when the new one is whole, and "
-                               "not touched before.",
-                               "qxftp get 'ftp://ftp.example.org/pub/*.iso' Downloads",
-                               [options](Context& context) { Get(context, *options).run(); });
-  takePaths(get, options->paths, "files or folders on a server, and the target");
-  get.add_flag("-r,--recursive", options->isRecursive, "folders with all that is in them");
-  get.add_flag("-n,--no-overwrite", options->keepsExisting, "leaves files alone that are there");
+  auto [get, options] = commands.add<TransferOptions>(
+      "get",
+      "Gets files, with -r folders. The last path is the target: a local folder, or the new name of one "
+      "file; a single path goes into the current folder. A file that is there is replaced when the new one "
+      "is whole, and not touched before.",
+      "qxftp get 'ftp://ftp.example.org/pub/*.iso' Downloads",
+      [](Context& context, const TransferOptions& asked) { Get(context, asked).run(); });
+  takeTransfer(get, options, "files or folders on a server, and the target");
 }
 
 }  // namespace qxftp

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 // The commands that change nothing.
-#include <memory>
-
 #include "hosts/qxftp/Commands.h"
 #include "hosts/qxftp/Listing.h"
 #include "hosts/qxftp/Wildcards.h"
@@ -26,12 +24,17 @@ Listed listed(Context& context, const Place& place) {
   return {above, {*entry}};
 }
 
-void list(Context& context, const Paths& paths, bool isLong) {
-  context.each(paths, [&](const Place& place, Json& result) {
+struct ListOptions {
+  Paths paths;
+  bool namesAlone = false;
+};
+
+void list(Context& context, const ListOptions& options) {
+  context.each(options.paths, [&](const Place& place, Json& result) {
     const auto [folder, entries] = listed(context, place);
     result["entries"] = Json::array();
     for (const QXDirEntry& entry : entries) {
-      context.say(isLong ? longLine(entry) : shortLine(entry));
+      context.say(options.namesAlone ? shortLine(entry) : longLine(entry));
       result["entries"].push_back(jsonOf(entry, Context::at(place, joinedPath(folder, entry.szName))));
     }
   });
@@ -91,13 +94,12 @@ void count(Context& context, const Paths& paths) {
 }
 
 void addList(Commands& commands) {
-  const auto paths = std::make_shared<Paths>();
-  const auto namesAlone = std::make_shared<bool>(false);
-  CLI::App& ls = commands.add("ls", "Lists directories, files, or what has names of a pattern.",
-                              "qxftp ls ftp://ftp.example.org/pub 'ftp://ftp.example.org/pub/*.txt'",
-                              [=](Context& context) { list(context, *paths, !*namesAlone); });
-  takePaths(ls, *paths, "directory, or files, perhaps by wildcards");
-  ls.add_flag("-1,--names", *namesAlone, "names alone, one in a line, those of directories with a slash");
+  auto [ls, options] =
+      commands.add("ls", "Lists directories, files, or what has names of a pattern.",
+                   "qxftp ls ftp://ftp.example.org/pub 'ftp://ftp.example.org/pub/*.txt'", list);
+  takePaths(ls, options.paths, "directory, or files, perhaps by wildcards");
+  ls.add_flag("-1,--names", options.namesAlone,
+              "names alone, one in a line, those of directories with a slash");
 }
 
 }  // namespace

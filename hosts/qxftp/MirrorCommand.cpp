@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // mirror: one side of it is a folder here, the other one on a server.
 #include <algorithm>
-#include <memory>
 #include <random>
 
 #include "hosts/qxftp/FileJobs.h"
@@ -234,23 +233,20 @@ class Mirror {
 }  // namespace
 
 void addMirror(Commands& commands) {
-  const auto options = std::make_shared<MirrorOptions>();
-  CLI::App& mirror = commands.add("mirror",
-                                  "Makes the target folder like the source folder; the one that is an "
-                                  "address is on a server. Files move whose size "
-                                  "or time differs: a download gets the server's time, an upload is newer "
-                                  "than what it was made of. Names that begin "
-                                  "with a dot are left out, for listings do not tell them.",
-                                  "qxftp mirror --dry-run --delete site ftp://me@ftp.example.org/www",
-                                  [options](Context& context) { Mirror(context, *options).run(); });
-  takeWord(mirror, options->source, "SOURCE", "folder that is read");
-  takeWord(mirror, options->target, "TARGET", "folder that is made like it");
-  mirror.add_flag("--dry-run", options->isDry, "tells what would be done, and does nothing");
-  mirror.add_flag(
-      "--delete", options->deletes,
-      "removes from the target what the source has not; asks before, and removes nothing where a folder "
-      "could not be listed");
-  mirror.add_flag("--yes", options->isSure, "removes without asking");
+  auto [mirror, options] = commands.add<MirrorOptions>(
+      "mirror",
+      "Makes the target folder like the source folder; the one that is an address is on a server. Files move "
+      "whose size or time differs: a download gets the server's time, an upload is newer than what it was "
+      "made of. Names that begin with a dot are left out, for listings do not tell them.",
+      "qxftp mirror --dry-run --delete site ftp://me@ftp.example.org/www",
+      [](Context& context, const MirrorOptions& asked) { Mirror(context, asked).run(); });
+  takeWord(mirror, options.source, "SOURCE", "folder that is read");
+  takeWord(mirror, options.target, "TARGET", "folder that is made like it");
+  mirror.add_flag("--dry-run", options.isDry, "tells what would be done, and does nothing");
+  mirror.add_flag("--delete", options.deletes,
+                  "removes from the target what the source has not; asks before, and removes nothing where a "
+                  "folder could not be listed");
+  mirror.add_flag("--yes", options.isSure, "removes without asking");
 }
 
 }  // namespace qxftp

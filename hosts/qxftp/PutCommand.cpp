@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "hosts/qxftp/TransferCommands.h"
 
-#include <memory>
-
 #include "hosts/qxftp/FileJobs.h"
 #include "hosts/qxftp/LocalPaths.h"
 #include "hosts/shared/Names.h"
@@ -15,15 +13,9 @@ namespace fs = std::filesystem;
 using hosts::Entry;
 using hosts::Kind;
 
-struct PutOptions {
-  std::vector<std::string> paths;
-  bool isRecursive = false;
-  bool keepsExisting = false;
-};
-
 class Put {
  public:
-  Put(Context& context, const PutOptions& options) : m_context(context), m_options(options) {}
+  Put(Context& context, const TransferOptions& options) : m_context(context), m_options(options) {}
 
   void run() {
     if (m_options.paths.size() < 2) throw WrongUsage("which file, and where to? put LOCAL... ADDRESS");
@@ -112,7 +104,7 @@ class Put {
   }
 
   Context& m_context;
-  const PutOptions& m_options;
+  const TransferOptions& m_options;
   Place m_target;
   bool m_isInto = false;
   std::vector<FileJob> m_jobs;
@@ -121,17 +113,14 @@ class Put {
 }  // namespace
 
 void addPut(Commands& commands) {
-  const auto options = std::make_shared<PutOptions>();
-  CLI::App& put = commands.add(
+  auto [put, options] = commands.add<TransferOptions>(
       "put",
       "Sends files, with -r folders. The last path is the target: a folder on a server, or the new name of "
-      "one file. A "
-      "file that is there is replaced. A file counts as sent when the server has all of its bytes.",
+      "one file. A file that is there is replaced. A file counts as sent when the server has all of its "
+      "bytes.",
       "qxftp put -r site/index.html site/pictures ftp://me@ftp.example.org/www/",
-      [options](Context& context) { Put(context, *options).run(); });
-  takePaths(put, options->paths, "local files or folders, and the target");
-  put.add_flag("-r,--recursive", options->isRecursive, "folders with all that is in them");
-  put.add_flag("-n,--no-overwrite", options->keepsExisting, "leaves files alone that are there");
+      [](Context& context, const TransferOptions& asked) { Put(context, asked).run(); });
+  takeTransfer(put, options, "local files or folders, and the target");
 }
 
 }  // namespace qxftp
