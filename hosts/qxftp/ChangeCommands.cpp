@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The commands that change what is on a server.
-#include <cctype>
-
 #include "hosts/qxftp/Changes.h"
 #include "hosts/qxftp/Commands.h"
 #include "hosts/qxftp/Listing.h"
 #include "hosts/qxftp/Wildcards.h"
+#include "hosts/shared/Ascii.h"
 
 namespace qxftp {
 namespace {
@@ -15,8 +14,7 @@ using Paths = std::vector<std::string>;
 // Copies take a path for a local one by its form: a drive, a share, or one character. Here all of them are on
 // the server.
 std::string asRemote(const std::string& path) {
-  const bool hasDrive =
-      path.size() > 1 && std::isalpha(static_cast<unsigned char>(path[0])) != 0 && path[1] == ':';
+  const bool hasDrive = path.size() > 1 && hosts::isLetter(path[0]) && path[1] == ':';
   const bool isOne = path.size() == 1 && path != "/";
   return hasDrive || isOne || path.starts_with("\\\\") ? "./" + path : path;
 }

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 
 #include "hosts/qxftp/Wildcards.h"
+#include "hosts/shared/Entries.h"
 
 namespace qxftp {
 
@@ -14,8 +14,7 @@ std::optional<std::vector<QXDirEntry>> entriesOf(Context& context, const Place& 
   qx::Client& client = context.connected(directory);
   auto entries = need(client.list(directory.path()));
   if (entries.empty() && !need(client.directoryExists(directory.path()))) return {};
-  std::ranges::sort(
-      entries, [](const QXDirEntry& a, const QXDirEntry& b) { return std::strcmp(a.szName, b.szName) < 0; });
+  hosts::sortByName(entries);
   return entries;
 }
 
@@ -29,16 +28,13 @@ std::optional<QXDirEntry> entryOf(Context& context, const Place& place) {
 std::uint64_t wholeSize(Context& context, const Place& place) {
   const std::uint32_t size = need(context.connected(place).size(place.path()));
   const auto entry = entryOf(context, place);
-  return entry && static_cast<std::uint32_t>(sizeOf(*entry)) == size ? sizeOf(*entry) : size;
-}
-
-std::uint64_t sizeOf(const QXDirEntry& entry) {
-  return std::uint64_t{entry.nFileSizeHigh} << 32 | entry.nFileSizeLow;
+  const std::uint64_t listed = entry ? hosts::sizeOf(*entry) : size;
+  return static_cast<std::uint32_t>(listed) == size ? listed : size;
 }
 
 std::string timeText(const QXFileTime& time) {
   using namespace std::chrono;
-  const std::uint64_t units = std::uint64_t{time.nHigh} << 32 | time.nLow;
+  const std::uint64_t units = hosts::unitsOf(time);
   if (units == 0) return {};
   const sys_seconds when = sys_days{year{1601} / 1 / 1} + seconds{units / 10'000'000};
   const auto day = floor<days>(when);
@@ -58,7 +54,7 @@ std::string shortLine(const QXDirEntry& entry) {
 
 std::string longLine(const QXDirEntry& entry) {
   const bool isDirectory = entry.bIsDirectory != 0;
-  const std::string size = isDirectory ? "-" : std::to_string(sizeOf(entry));
+  const std::string size = isDirectory ? "-" : std::to_string(hosts::sizeOf(entry));
   char columns[64];
   std::snprintf(columns, sizeof columns, "%c %14s  %-19s  ", isDirectory ? 'd' : '-', size.c_str(),
                 timeText(entry.ftLastWriteTime).c_str());
@@ -67,7 +63,7 @@ std::string longLine(const QXDirEntry& entry) {
 
 Json jsonOf(const QXDirEntry& entry, const Place& place) {
   Json json = {{"name", entry.szName}, {"directory", entry.bIsDirectory != 0}};
-  if (entry.bIsDirectory == 0) json["size"] = sizeOf(entry);
+  if (entry.bIsDirectory == 0) json["size"] = hosts::sizeOf(entry);
   const std::string time = timeText(entry.ftLastWriteTime);
   json["time"] = time.empty() ? Json() : Json(time);
   if (place.path().starts_with('/')) json["url"] = hosts::textOf(place.address);

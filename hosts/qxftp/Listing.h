@@ -16,8 +16,6 @@ namespace qxftp {
 // Of a file. The library tells 32 bits, the listing of its folder the rest. Throws Failure.
 [[nodiscard]] std::uint64_t wholeSize(Context& context, const Place& place);
 
-[[nodiscard]] std::uint64_t sizeOf(const QXDirEntry& entry);
-
 // "2024-02-29 12:34:56", or "" where the server has told none.
 [[nodiscard]] std::string timeText(const QXFileTime& time);
 

@@ -3,12 +3,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <charconv>
 #include <optional>
 #include <stdexcept>
 #include <utility>
 
+#include "hosts/shared/Ascii.h"
 #include "hosts/shared/PercentCode.h"
 
 namespace hosts {
@@ -23,16 +23,6 @@ constexpr std::size_t kLongestPassword = 1023;
 
 [[noreturn]] void fail(const std::string& why) { throw std::invalid_argument(why); }
 
-bool isLetter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }
-
-std::string lower(Text text) {
-  std::string result(text);
-  std::ranges::transform(result, result.begin(), [](char c) {
-    return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  });
-  return result;
-}
-
 // The part before the first `mark`, which is cut off `text` with it; all of it where there is no mark.
 Text cutBefore(Text& text, char mark) {
   const Text part = text.substr(0, text.find(mark));
@@ -43,7 +33,7 @@ Text cutBefore(Text& text, char mark) {
 // "ftp://" is cut off.
 std::string cutScheme(Text& text, const std::string& without) {
   if (!isAddress(text)) return without;
-  const std::string scheme = lower(text.substr(0, text.find(kBetween)));
+  const std::string scheme = lowered(text.substr(0, text.find(kBetween)));
   text.remove_prefix(scheme.size() + kBetween.size());
   return scheme;
 }
@@ -61,7 +51,7 @@ std::string cutOptions(Text& text) {
   const std::string options(text.substr(first));
   text = text.substr(0, first);
   for (Text rest = Text(options).substr(1); !rest.empty();) {
-    const std::string option = lower(cutBefore(rest, ';'));
+    const std::string option = lowered(cutBefore(rest, ';'));
     if (!std::ranges::any_of(kKnown, [&](Text known) { return option.starts_with(known); })) {
       fail("it has an unknown option behind a \";\" (a semicolon in a path is \"%3B\")");
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "hosts/shared/ListingWatch.h"
 
+#include "hosts/shared/Entries.h"
+
 namespace hosts {
 namespace {
 
@@ -40,7 +42,7 @@ void ListingWatch::reply(std::string_view line) {
 }
 
 Precision ListingWatch::precisionOf(const QXDirEntry& entry) const {
-  const std::uint64_t time = (std::uint64_t{entry.ftLastWriteTime.nHigh} << 32) | entry.ftLastWriteTime.nLow;
+  const std::uint64_t time = unitsOf(entry.ftLastWriteTime);
   if (m_isExact || time % kMinute != 0) return Precision::second;
   return time % kDay != 0 ? Precision::minute : Precision::day;
 }

@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <array>
 
+#include "hosts/shared/Ascii.h"
+
 namespace hosts {
 namespace {
-
-bool controls(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }
 
 // Names of devices, whatever follows behind a dot.
 bool isDevice(std::string_view name) {
@@ -33,7 +33,7 @@ std::optional<std::string> whyNotOnWindows(std::string_view name) {
 std::optional<std::string> whyNotRemote(std::string_view name) {
   if (name.empty() || name == "." || name == "..") return "this is no name of its own";
   if (name.find_first_of("/\\") != std::string_view::npos) return "the name has a slash or a backslash in it";
-  if (std::ranges::any_of(name, controls)) return "the name has a control character in it";
+  if (std::ranges::any_of(name, isControl)) return "the name has a control character in it";
   return {};
 }
 
@@ -51,7 +51,7 @@ std::filesystem::path pathFromServer(std::string_view path) {
   for (;;) {
     const std::size_t end = path.find('/');
     local += nameFromServer(std::string(path.substr(0, end))).native();
-    if (end == path.npos) return local;
+    if (end == std::string_view::npos) return local;
     local += '/';
     path.remove_prefix(end + 1);
   }

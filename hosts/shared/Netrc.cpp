@@ -2,18 +2,14 @@
 #include "hosts/shared/Netrc.h"
 
 #include <algorithm>
-#include <cctype>
+
+#include "hosts/shared/Ascii.h"
 
 namespace hosts {
 namespace {
 
 using Text = std::string_view;
 constexpr Text kBlanks = " \t\r\n";
-
-bool isSameName(Text a, Text b) {
-  const auto lower = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
-  return std::ranges::equal(a, b, {}, lower, lower);
-}
 
 class Words {
  public:
@@ -67,7 +63,7 @@ std::optional<NetrcLogin> findInNetrc(Text text, Text host, Text user) {
     if (word == "machine" || word == "default") {
       if (fits()) break;
       entry = {};
-      isHosts = word == "default" || isSameName(words.next(), host);
+      isHosts = word == "default" || lowered(words.next()) == lowered(host);
     } else if (word == "login") {
       entry.user = words.next();
     } else if (word == "password") {

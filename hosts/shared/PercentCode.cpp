@@ -4,12 +4,12 @@
 #include <charconv>
 #include <stdexcept>
 
+#include "hosts/shared/Ascii.h"
+
 namespace hosts {
 namespace {
 
 constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
-
-bool isControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }
 
 char characterOf(std::string_view digits) {
   unsigned value = 0;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
-#include <cstring>
 #include <functional>
 
+#include "hosts/shared/Entries.h"
 #include "hosts/shared/Names.h"
 #include "hosts/shared/Trees.h"
 
@@ -25,10 +25,6 @@ std::size_t contentOf(const Entries& entries) {
     text.append(reinterpret_cast<const char*>(&size), sizeof size);
   }
   return std::hash<std::string>{}(text);
-}
-
-bool hasTime(const QXDirEntry& entry) {
-  return entry.ftLastWriteTime.nLow != 0 || entry.ftLastWriteTime.nHigh != 0;
 }
 
 class RemoteWalk {
@@ -57,24 +53,22 @@ class RemoteWalk {
     if (!listing) return problem(path, listing.report().text);
     if (!m_watch.hasCome()) return problem(path, whyNothingCame());
     Entries entries = std::move(listing).value();
-    std::ranges::sort(entries, [](const QXDirEntry& a, const QXDirEntry& b) {
-      return std::strcmp(a.szName, b.szName) < 0;
-    });
+    sortByName(entries);
     if (m_walk.looked) m_walk.looked(path, entries.size());
-    if (!entries.empty() && leadsBack(entries)) return problem(path, "a link leads back to a folder above");
+    const std::size_t content = contentOf(entries);
+    if (!entries.empty() && leadsBack(content)) return problem(path, "a link leads back to a folder above");
+    m_above.push_back(content);
     take(path, entries);
+    m_above.pop_back();
   }
 
   std::string whyNothingCame() const {
     return m_watch.refusal().empty() ? "the server has sent no listing" : m_watch.refusal();
   }
 
-  bool leadsBack(const Entries& entries) const {
-    return std::ranges::count(m_above, contentOf(entries)) >= kAlikeAbove;
-  }
+  bool leadsBack(std::size_t content) const { return std::ranges::count(m_above, content) >= kAlikeAbove; }
 
   void take(const std::string& above, const Entries& entries) {
-    m_above.push_back(contentOf(entries));
     // The watch tells of the latest listing, so all of this one comes before the next.
     std::vector<Entry> taken;
     for (const QXDirEntry& entry : entries) takeEntry(above, entry, taken);
@@ -82,14 +76,13 @@ class RemoteWalk {
       m_tree.entries.push_back(entry);
       if (entry.kind == Kind::folder && m_walk.isRecursive) look(entry.path);
     }
-    m_above.pop_back();
   }
 
   void takeEntry(const std::string& above, const QXDirEntry& entry, std::vector<Entry>& taken) {
     const std::string path = joined(above, entry.szName);
     if (const auto reason = whyNotRemote(entry.szName)) return problem(path, *reason);
     taken.push_back({path, entry.bIsDirectory != 0 ? Kind::folder : Kind::file, sizeOf(entry), {}});
-    if (!hasTime(entry)) return;
+    if (unitsOf(entry.ftLastWriteTime) == 0) return;
     taken.back().time = {momentOf(entry.ftLastWriteTime), m_watch.precisionOf(entry)};
   }
 

@@ -4,9 +4,9 @@
 #include <random>
 
 #include "QXErrorInfo.h"
+#include "hosts/shared/Entries.h"
 #include "hosts/shared/LocalFiles.h"
 #include "hosts/shared/Names.h"
-#include "hosts/shared/Trees.h"
 
 namespace hosts {
 namespace {

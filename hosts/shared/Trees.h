@@ -68,9 +68,4 @@ Tree readRemoteTree(qx::Client& client, ListingWatch& watch, const std::string& 
 // that has not answered is a failure, for nobody knows then. `watch` as above.
 qx::Result<bool> removeIfLink(qx::Client& client, ListingWatch& watch, const std::string& path);
 
-// The 64 bits of an entry.
-inline std::uint64_t sizeOf(const QXDirEntry& entry) {
-  return (std::uint64_t{entry.nFileSizeHigh} << 32) | entry.nFileSizeLow;
-}
-
 }  // namespace hosts

@@ -55,9 +55,8 @@ class Background {
     add([this] { return logOut(); }, std::move(then));
   }
 
-  // `work(client, stop)` on the thread, with the operations that EndableClient watches; it answers a
-  // qx::Result, which `then` gets as a letter. One that was cancelled has a report that says so. Behind a
-  // cancel the client logs in again.
+  // `work(session)` on the thread; it answers a qx::Result, which `then` gets as a letter. One that was
+  // cancelled has a report that says so. Behind a cancel the client logs in again.
   template <typename Work, typename Then>
   void run(Work work, Then then) {
     using Answer = std::invoke_result_t<Work&, const Session&>;

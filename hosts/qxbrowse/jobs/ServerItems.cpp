@@ -2,16 +2,15 @@
 #include "hosts/qxbrowse/jobs/ServerItems.h"
 
 #include "hosts/qxbrowse/ui/Names.h"
+#include "hosts/shared/Entries.h"
 
 namespace browse {
 namespace {
 
 Item itemOfEntry(const QXDirEntry& entry) {
   const bool isFolder = entry.bIsDirectory != 0;
-  const std::uint64_t size = std::uint64_t{entry.nFileSizeHigh} << 32 | entry.nFileSizeLow;
-  const QXFileTime& time = entry.ftLastWriteTime;
-  return {fromLibrary(entry.szName), isFolder, isFolder ? 0 : size,
-          static_cast<std::int64_t>(std::uint64_t{time.nHigh} << 32 | time.nLow)};
+  return {fromLibrary(entry.szName), isFolder, isFolder ? 0 : hosts::sizeOf(entry),
+          static_cast<std::int64_t>(hosts::unitsOf(entry.ftLastWriteTime))};
 }
 
 }  // namespace

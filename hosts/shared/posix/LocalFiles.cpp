@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <ctime>
 
+#include "hosts/shared/Entries.h"
 #include "hosts/shared/Moments.h"
 
 namespace hosts {
@@ -42,8 +43,7 @@ void setChanged(const std::filesystem::path& path, sys_seconds when, std::error_
 }
 
 sys_seconds momentOf(const QXFileTime& localTime) {
-  const std::uint64_t units = (std::uint64_t{localTime.nHigh} << 32) | localTime.nLow;
-  const sys_seconds calendar = kEpochOfFileTimes + seconds(units / kUnitsOfFileTimes);
+  const sys_seconds calendar = kEpochOfFileTimes + seconds(unitsOf(localTime) / kUnitsOfFileTimes);
   const std::time_t asIfUtc = calendar.time_since_epoch().count();
   std::tm fields{};
   gmtime_r(&asIfUtc, &fields);
