@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "hosts/shared/Bell.h"
 
-#if !defined(WIN32_LEAN_AND_MEAN)
-#define WIN32_LEAN_AND_MEAN
-#endif
-#include <windows.h>
-
 #include <utility>
+
+#include "hosts/shared/windows/System.h"
 
 namespace hosts {
 
