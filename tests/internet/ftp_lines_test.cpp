@@ -413,5 +413,13 @@ TEST_F(FtpLines, AnOddAnswerIsTakenWhenNoOtherComes) {
   EXPECT_EQ(transferTime(far), seconds(0));
 }
 
+// The client waited, asked, and was a reply behind from then on.
+TEST_F(FtpLines, AnOddAnswerIsTakenAtOnceWhereTheNextLineIsAnsweredBehindIt) {
+  FileServer far;
+  far.server.answers["TYPE"] = "250 Done otherwise\r\n";
+  EXPECT_EQ(transferTime(far), seconds(0));
+  EXPECT_EQ(far.count("NOOP"), 0);
+}
+
 }  // namespace
 }  // namespace internet_tests

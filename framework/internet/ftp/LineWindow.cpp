@@ -145,12 +145,27 @@ std::optional<FtpReply> LineWindow::take(FtpReply reply) {
     probing_ = false;
     return std::nullopt;
   }
+  if (oddIsOfFront(reply)) return answerTwo(std::move(reply));
   if (probing_ && !begun_ && (!fits || reply.unsupported())) return endProbe(reply);
   // In place of an answer to PASS the next line's would let everybody in.
   const bool sure = !strayPossible_ && !(together_ && isOfLogin(sent_.front().text.view()));
   if (fits || sure) return answerFront(std::move(reply));
   if (!odd_) odd_ = std::move(reply);
   return std::nullopt;
+}
+
+// The line behind the front one is answered: what could not answer that one did. Not at a login, where it
+// would let everybody in.
+bool LineWindow::oddIsOfFront(const FtpReply& reply) const noexcept {
+  if (!odd_ || sent_.size() < 2 || isOfLogin(sent_[0].text.view())) return false;
+  return !canBeAnswered(sent_[0].text.view(), reply.code) && canBeAnswered(sent_[1].text.view(), reply.code);
+}
+
+std::optional<FtpReply> LineWindow::answerTwo(FtpReply reply) {
+  std::optional<FtpReply> own = answerFront(*std::exchange(odd_, std::nullopt));
+  // A handler may have closed the connection.
+  std::optional<FtpReply> next = sent_.empty() ? std::nullopt : answerFront(std::move(reply));
+  return own ? own : next;
 }
 
 std::optional<FtpReply> LineWindow::takeForeseen() {

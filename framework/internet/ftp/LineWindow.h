@@ -95,6 +95,8 @@ class LineWindow {
   std::optional<FtpReply> takePreliminary(FtpReply reply);
   std::optional<FtpReply> takeBehindAll(FtpReply reply);
   std::optional<FtpReply> answerFront(FtpReply reply);
+  [[nodiscard]] bool oddIsOfFront(const FtpReply& reply) const noexcept;
+  std::optional<FtpReply> answerTwo(FtpReply reply);
   std::optional<FtpReply> endProbe(const FtpReply& reply);
   void sendAgain();
   std::optional<FtpReply> confirmRefusal();
