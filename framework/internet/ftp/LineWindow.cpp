@@ -146,7 +146,8 @@ std::optional<FtpReply> LineWindow::take(FtpReply reply) {
     return std::nullopt;
   }
   if (oddIsOfFront(reply)) return answerTwo(std::move(reply));
-  if (probing_ && !begun_ && (!fits || reply.unsupported())) return endProbe(reply);
+  const bool endsProbe = canBeAnswered(probe_, reply.code) && (!fits || reply.unsupported());
+  if (probing_ && !begun_ && endsProbe) return endProbe(reply);
   // In place of an answer to PASS the next line's would let everybody in.
   const bool sure = !strayPossible_ && !(together_ && isOfLogin(sent_.front().text.view()));
   if (fits || sure) return answerFront(std::move(reply));
@@ -272,7 +273,8 @@ std::string_view LineWindow::probe() {
   probing_ = true;
   const bool ambiguous = std::any_of(sent_.begin(), sent_.end(),
                                      [](const Line& line) { return canBeAnswered(line.text.view(), kDone); });
-  return ambiguous ? "PWD" : "NOOP";
+  probe_ = ambiguous ? "PWD" : "NOOP";
+  return probe_;
 }
 
 void LineWindow::clear() noexcept {

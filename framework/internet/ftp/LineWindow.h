@@ -115,6 +115,7 @@ class LineWindow {
   bool loggingIn_ = false;      // one of that piece is of the login
   bool begun_ = false;          // all that is sent is a command that has had a preliminary reply
   bool probing_ = false;        // the probe has not been answered
+  std::string_view probe_;      // the last one
   bool strayPossible_ = false;  // the next reply may be one that nobody has asked for
   // To the first line, as to one that is unknown: it may have meant the whole piece.
   std::optional<Refusal> refusal_;
