@@ -20,7 +20,8 @@ bool isLocalFolder(const fs::path& path) {
 void needLocalFolder(const fs::path& path) {
   std::error_code error;
   fs::create_directories(path / "", error);
-  if (!fs::is_directory(path)) fail(hosts::shown(path) + " cannot be a folder: " + error.message());
+  std::error_code none;
+  if (!fs::is_directory(path, none)) fail(hosts::shown(path) + " cannot be a folder: " + error.message());
 }
 
 std::vector<fs::path> expandedLocally(const fs::path& path, bool mayHaveWildcards) {

@@ -2,6 +2,7 @@
 #include "hosts/qxftp/Program.h"
 
 #include <cstdio>
+#include <system_error>
 
 #include "QXVersion.h"
 #include "hosts/qxftp/Commands.h"
@@ -71,6 +72,10 @@ ExitCode runChosen(const Commands& commands, const Settings& settings) {
     commands.run(context);
   } catch (const WrongUsage& problem) {
     return failed(settings, kWrongUsage, problem.what());
+  } catch (const Failure& failure) {
+    return failed(settings, kFailed, failure.report.text);
+  } catch (const std::system_error& problem) {
+    return failed(settings, kFailed, problem.what());
   } catch (const std::runtime_error& problem) {
     return failed(settings, kNoLibrary, problem.what());
   }
@@ -79,9 +84,7 @@ ExitCode runChosen(const Commands& commands, const Settings& settings) {
   return code;
 }
 
-}  // namespace
-
-int runProgram(int count, const char* const* words) {
+int runWords(int count, const char* const* words) {
   CLI::App app("An FTP client on the command line.", "qxftp");
   app.allow_windows_style_options(false);  // "/pub" is a path
   app.require_subcommand(0, 1);
@@ -113,6 +116,15 @@ int runProgram(int count, const char* const* words) {
   hosts::catchInterrupts();
   hosts::prepareStreams();
   return runChosen(commands, settings);
+}
+
+}  // namespace
+
+int runProgram(int count, const char* const* words) {
+  const int code = runWords(count, words);
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return code;
+  Context::warn("the standard output cannot be written");
+  return code == kDone ? kFailed : code;
 }
 
 }  // namespace qxftp

@@ -100,6 +100,23 @@ class Texts(ProgramCase):
         self.assertNotIn("hunter2", done.stdout + done.stderr)
 
 
+class NothingCanBeWritten(ProgramCase):
+    def setUp(self):
+        super().setUp()
+        self.server = self.address(self.start(tree={"/pub/a": "a"}))
+
+    def test_where_a_folder_is_to_be(self):
+        for target in ("/dev/null/", "x" * 300 + "/"):
+            self.assertIn("cannot be a folder", self.fail_with(1, "get", self.server + "/a", target))
+
+    def test_to_the_standard_output(self):
+        full = ["sh", "-c", 'exec "$@" > /dev/full', "sh", *COMMAND]
+        for words in (["--help"], ["ls", self.server], ["--json", "ls", self.server], ["read", self.server + "/a"]):
+            done = self.run_program(*words, command=full)
+            self.assertEqual(done.returncode, 1, words)
+            self.assertIn("cannot be written", done.stderr)
+
+
 class AtTheTerminal(ProgramCase):
     def setUp(self):
         super().setUp()
