@@ -66,6 +66,9 @@ class Client {
   void judge(std::uint32_t error, const std::string& text) const;
   [[nodiscard]] bool done(std::string_view verb) const;
   const HostileFtp::Transfer* transfer() const;
+  [[nodiscard]] bool isWhole(const HostileFtp::Transfer& sent) const;
+  template <class Promise>
+  void requireOfOne(const Promise& promise) const;
 
   template <class Work>
   void change(std::string_view verb, const Work& work);
@@ -136,6 +139,20 @@ const HostileFtp::Transfer* Client::transfer() const {
   return transfers.size() > transfersBefore_ ? transfers.back().get() : nullptr;
 }
 
+// The size may stand for the lost word of the server.
+bool Client::isWhole(const HostileFtp::Transfer& sent) const {
+  return (sent.claimed || sent.content == server_.fileContent()) && sent.content.size() >= sent.announced;
+}
+
+// Of this operation's, if there are any: a server that has taken RETR without a word gets it twice.
+template <class Promise>
+void Client::requireOfOne(const Promise& promise) const {
+  const auto& transfers = server_.transfers();
+  const auto first = transfers.begin() + static_cast<std::ptrdiff_t>(transfersBefore_);
+  require(first == transfers.end() ||
+          std::any_of(first, transfers.end(), [&](const auto& each) { return promise(*each); }));
+}
+
 // --- Operations ---
 
 template <class Work>
@@ -161,11 +178,8 @@ void Client::read() {
     return file->Close();
   });
   if (!good || !server_.orderly()) return;
-  const HostileFtp::Transfer* const sent = transfer();
-  require(content == (sent ? sent->content : ""));
-  // The size may stand for the lost word of the server.
-  require(!sent || sent->claimed || sent->content == server_.fileContent());
-  require(!sent || content.size() >= sent->announced);
+  require(transfer() || content.empty());
+  requireOfOne([&](const auto& sent) { return content == sent.content && isWhole(sent); });
 }
 
 void Client::readPart() {
@@ -180,10 +194,7 @@ void Client::readPart() {
 
 void Client::get() {
   const bool good = succeeds([&] { return connection_->GetFile("/f", kNowhere, false); });
-  const HostileFtp::Transfer* const sent = transfer();
-  if (!good || !sent || !server_.orderly()) return;
-  require(sent->claimed || sent->content == server_.fileContent());
-  require(sent->content.size() >= sent->announced);
+  if (good && server_.orderly()) requireOfOne([this](const auto& sent) { return isWhole(sent); });
 }
 
 // The end of the data in good order tells the server that it has the whole.
