@@ -8,7 +8,7 @@ from stage import MANY
 
 _MEBIBYTE = 1 << 20
 _HUGE = 10 << 30
-_REMOTE, _SENT = "/pub/zeros", "/pub/sent"
+_REMOTE, _SENT = "/pub/zeros", "/pub/sent-zeros"
 
 
 def _text(size):
