@@ -68,7 +68,7 @@ void move(Context& context, const Paths& words) { transfer(context, words, moveO
 void giveName(Context& context, const TwoWords& words) {
   const std::string& to = words.second;
   context.each(Paths{words.first}, [&](const Place& old, Json& result) {
-    const bool isName = to.find_first_of("/\\") == to.npos;
+    const bool isName = to.find_first_of("/\\") == std::string::npos;
     const Place renamed =
         context.placeBeside(old, isName ? joinedPath(splitPath(old.path()).folder, to) : to);
     rename(context.client(old), old.path(), renamed.path());

@@ -112,7 +112,7 @@ class Runner {
     if (job.within.empty()) return false;
     const bool isFile = job.action == JobAction::removeRemoteFile;
     const std::string lowest = isFile ? hosts::folderOf(job.place.path()) : job.place.path();
-    for (std::size_t end = job.within.size(); end != lowest.npos; end = lowest.find('/', end + 1)) {
+    for (std::size_t end = job.within.size(); end != std::string::npos; end = lowest.find('/', end + 1)) {
       if (wasLink(job, lowest.substr(0, end))) return true;
     }
     return wasLink(job, lowest);

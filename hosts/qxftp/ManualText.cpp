@@ -80,7 +80,7 @@ const std::vector<Section> kSections = {
 
 // "-v,--verbose" -> "-v, --verbose"
 std::string spaced(std::string names) {
-  for (std::size_t at = names.find(','); at != names.npos; at = names.find(',', at + 2))
+  for (std::size_t at = names.find(','); at != std::string::npos; at = names.find(',', at + 2))
     names.insert(at + 1, " ");
   return names;
 }

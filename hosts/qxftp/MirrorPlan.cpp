@@ -141,7 +141,7 @@ class Planner {
 
   // The topmost folder that the source has not, down to the path.
   [[nodiscard]] std::string goneFolderOf(const Entry& entry) const {
-    for (std::size_t end = entry.path.find('/'); end != entry.path.npos;
+    for (std::size_t end = entry.path.find('/'); end != std::string::npos;
          end = entry.path.find('/', end + 1)) {
       if (const std::string above = entry.path.substr(0, end); !m_seen.contains(key(above))) return above;
     }

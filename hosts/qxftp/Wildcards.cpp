@@ -22,7 +22,7 @@ std::optional<SetMatch> matchSet(Text pattern, char c) {
   const bool isNegated = pattern.substr(1, 1) == "!" || pattern.substr(1, 1) == "^";
   const std::size_t first = isNegated ? 2 : 1;
   const std::size_t end = pattern.find(']', first + 1);  // one right behind the bracket is a member
-  if (end == pattern.npos) return {};
+  if (end == Text::npos) return {};
   bool isIn = false;
   for (std::size_t at = first; at < end; ++at) {
     const bool isRange = at + 2 < end && pattern[at + 1] == '-';
@@ -44,7 +44,7 @@ std::optional<Text> matchOne(Text pattern, char c) {
 
 }  // namespace
 
-bool hasWildcards(Text text) { return text.find_first_of("*?[") != text.npos; }
+bool hasWildcards(Text text) { return text.find_first_of("*?[") != Text::npos; }
 
 // A star that was too short takes one more character, only ever the last star: that is never more work than
 // the two lengths multiplied.
@@ -74,7 +74,7 @@ bool matchesWildcards(Text pattern, Text name) {
 
 SplitPath splitPath(Text path) {
   const std::size_t slash = path.find_last_of("/\\");
-  if (slash == path.npos) return {".", std::string(path)};
+  if (slash == Text::npos) return {".", std::string(path)};
   return {std::string(path.substr(0, std::max<std::size_t>(slash, 1))), std::string(path.substr(slash + 1))};
 }
 

@@ -47,8 +47,8 @@ std::pair<Text, Text> splitAtPath(Text text) {
 std::string cutOptions(Text& text) {
   static constexpr std::array<Text, 3> kKnown = {"fingerprint=", "verify=", "tls="};
   const std::size_t first = text.find(';');
-  if (first == text.npos) return {};
-  const std::string options(text.substr(first));
+  if (first == Text::npos) return {};
+  std::string options(text.substr(first));
   text = text.substr(0, first);
   for (Text rest = Text(options).substr(1); !rest.empty();) {
     const std::string option = lowered(cutBefore(rest, ';'));
@@ -62,13 +62,13 @@ std::string cutOptions(Text& text) {
 // "[::1]" with its brackets, or a name.
 std::string cutHost(Text& text) {
   const std::size_t end = text.starts_with('[') ? text.find(']') : text.find(':');
-  if (text.starts_with('[') && end == text.npos) fail("its \"[\" has no \"]\"");
+  if (text.starts_with('[') && end == Text::npos) fail(R"(its "[" has no "]")");
   const std::size_t size = text.starts_with('[') ? end + 1 : end;
   std::string host = percentDecoded(text.substr(0, size));
   text.remove_prefix(std::min(text.size(), size));
   if (host.empty()) fail("it names no host");
   if (host.size() > kLongestName) fail("its host is too long");
-  if (host.find_first_of(" @/\\") != host.npos) fail("its host is no name");
+  if (host.find_first_of(" @/\\") != std::string::npos) fail("its host is no name");
   return host;
 }
 
@@ -92,7 +92,7 @@ std::uint32_t usualPort(Text scheme) { return scheme == "ftps" ? 990 : 21; }
 
 bool isAddress(Text text) {
   const std::size_t end = text.find(kBetween);
-  return end != text.npos && end != 0 && std::ranges::all_of(text.substr(0, end), isLetter);
+  return end != Text::npos && end != 0 && std::ranges::all_of(text.substr(0, end), isLetter);
 }
 
 std::uint32_t parsePort(Text text) {
@@ -112,7 +112,7 @@ Address parseAddress(Text text) {
   const std::string options = cutOptions(server) + cutOptions(path);
   Address address;
   address.path = percentDecoded(path);
-  if (const std::size_t at = server.rfind('@'); at != server.npos) {
+  if (const std::size_t at = server.rfind('@'); at != Text::npos) {
     takeUser(address.login, server.substr(0, at));
     server.remove_prefix(at + 1);
   }

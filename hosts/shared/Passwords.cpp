@@ -21,7 +21,7 @@ bool isAnonymous(const std::string& user) { return user == "anonymous" || user =
 
 // "ftpes://[::1];verify=no" -> "::1"
 std::string bareHost(std::string host) {
-  if (const std::size_t scheme = host.find("://"); scheme != host.npos) host.erase(0, scheme + 3);
+  if (const std::size_t scheme = host.find("://"); scheme != std::string::npos) host.erase(0, scheme + 3);
   host.resize(std::min(host.find(';'), host.size()));
   return host.starts_with('[') ? host.substr(1, host.size() - 2) : host;
 }

@@ -37,7 +37,7 @@ std::string percentEncoded(std::string_view text, std::string_view kept) {
   constexpr std::string_view digits = "0123456789ABCDEF";
   std::string encoded;
   for (const char c : text) {
-    if (kPlain.find(c) != kPlain.npos || kept.find(c) != kept.npos) {
+    if (kPlain.find(c) != std::string_view::npos || kept.find(c) != std::string_view::npos) {
       encoded += c;
     } else {
       const auto byte = static_cast<unsigned char>(c);
