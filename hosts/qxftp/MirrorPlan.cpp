@@ -143,7 +143,7 @@ class Planner {
   [[nodiscard]] std::string goneFolderOf(const Entry& entry) const {
     for (std::size_t end = entry.path.find('/'); end != std::string::npos;
          end = entry.path.find('/', end + 1)) {
-      if (const std::string above = entry.path.substr(0, end); !m_seen.contains(key(above))) return above;
+      if (std::string above = entry.path.substr(0, end); !m_seen.contains(key(above))) return above;
     }
     return entry.kind == Kind::folder ? entry.path : "";
   }

@@ -33,7 +33,7 @@ Text cutBefore(Text& text, char mark) {
 // "ftp://" is cut off.
 std::string cutScheme(Text& text, const std::string& without) {
   if (!isAddress(text)) return without;
-  const std::string scheme = lowered(text.substr(0, text.find(kBetween)));
+  std::string scheme = lowered(text.substr(0, text.find(kBetween)));
   text.remove_prefix(scheme.size() + kBetween.size());
   return scheme;
 }

@@ -15,7 +15,7 @@ constexpr Text kUnits[] = {Text::sizeBytes, Text::sizeKilo, Text::sizeMega, Text
 
 // Hundredths of a unit in three digits; the rest is cut.
 std::wstring threeDigits(std::uint64_t hundredths) {
-  const std::wstring whole = std::to_wstring(hundredths / 100);
+  std::wstring whole = std::to_wstring(hundredths / 100);
   const std::wstring both = std::to_wstring(hundredths % 100 + 100).substr(1);
   if (whole.size() >= 3) return whole;
   return whole + L'.' + both.substr(0, 3 - whole.size());

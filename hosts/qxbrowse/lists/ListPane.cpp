@@ -261,7 +261,7 @@ std::wstring ListPane::folderAt(POINT screen) const {
   hit.pt = screen;
   ScreenToClient(m_list, &hit.pt);
   const auto row = static_cast<int>(SendMessageW(m_list, LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
-  const std::wstring above = isParent(row) ? parentOn(m_side, m_path) : std::wstring();
+  std::wstring above = isParent(row) ? parentOn(m_side, m_path) : std::wstring();
   if (!above.empty()) return above;  // nothing can be among the drives
   const Item* const item = itemAt(row);
   return item != nullptr && item->isFolder ? pathOn(m_side, m_path, item->name) : m_path;

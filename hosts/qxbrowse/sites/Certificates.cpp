@@ -31,7 +31,7 @@ class Reader {
   std::string take(std::size_t length) {
     m_isRight = m_isRight && m_rest.size() >= length;
     if (!m_isRight) return {};
-    const std::string taken(m_rest.substr(0, length));
+    std::string taken(m_rest.substr(0, length));
     m_rest.remove_prefix(length);
     return taken;
   }
