@@ -75,7 +75,7 @@ class App : public Services {
   void changeServer(const std::wstring& what, Change change);
   // Finds out what is to be transferred, asks about what would be replaced, and gives the rest to `then`.
   template <typename Expand>
-  void expand(const std::wstring& what, Expand expand, ReplaceQuestions::Then then);
+  void expand(const std::wstring& what, Expand expand, const ReplaceQuestions::Then& then);
   [[nodiscard]] ReplaceQuestions::Then intoQueue();
   void retry(std::vector<Transfer> transfers);
 

@@ -13,12 +13,14 @@ namespace {
 
 std::vector<RemotePlace> remotePlaces(const std::vector<Place>& places) {
   std::vector<RemotePlace> remote;
+  remote.reserve(places.size());
   for (const Place& place : places) remote.push_back({toLibrary(place.path), place.isFolder});
   return remote;
 }
 
 std::vector<std::filesystem::path> localPlaces(const std::vector<Place>& places) {
   std::vector<std::filesystem::path> local;
+  local.reserve(places.size());
   for (const Place& place : places) local.emplace_back(place.path);
   return local;
 }
@@ -144,7 +146,7 @@ void App::move(const std::vector<Place>& places, const std::wstring& to) {
 }
 
 template <typename Expand>
-void App::expand(const std::wstring& what, Expand expand, ReplaceQuestions::Then then) {
+void App::expand(const std::wstring& what, Expand expand, const ReplaceQuestions::Then& then) {
   m_background.run(std::move(expand), [this, what, then](const qx::Result<Expansion>& expansion) {
     if (!expansion) return showReport(what, expansion.report());
     showProblems(expansion->problems);

@@ -129,6 +129,7 @@ void Context::each(const std::vector<Place>& places, const Work& work) {
 
 void Context::each(const std::vector<std::string>& paths, const Work& work) {
   std::vector<Place> places;
+  places.reserve(paths.size());
   for (const std::string& path : paths) places.push_back(place(path));
   each(places, work);
 }

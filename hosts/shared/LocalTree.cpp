@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
+#include <utility>
 
 #include "hosts/shared/Names.h"
 #include "hosts/shared/Trees.h"
@@ -11,7 +12,7 @@ namespace fs = std::filesystem;
 
 class LocalWalk {
  public:
-  LocalWalk(const fs::path& folder, const Walk& walk) : m_folder(folder), m_walk(walk) {}
+  LocalWalk(fs::path folder, const Walk& walk) : m_folder(std::move(folder)), m_walk(walk) {}
 
   Tree run() {
     look(m_folder, "");
