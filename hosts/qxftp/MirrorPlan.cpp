@@ -124,12 +124,18 @@ class Planner {
     return here.at > m_rules.now || !isSurelyLater(here, there);
   }
 
-  // With all that is below it, from the bottom up.
+  // The target: each folder behind what is in it.
+  template <typename Visit>
+  void bottomUp(Visit visit) const {
+    std::for_each(m_target.entries.rbegin(), m_target.entries.rend(), visit);
+  }
+
+  // With all that is below it.
   void removeAll(const Entry& entry) {
     const std::string below = entry.path + "/";
-    for (auto other = m_target.entries.rbegin(); other != m_target.entries.rend(); ++other) {
-      if (other->path.starts_with(below)) remove(*other, "kind", entry.path);
-    }
+    bottomUp([&](const Entry& other) {
+      if (other.path.starts_with(below)) remove(other, "kind", entry.path);
+    });
     remove(entry, "kind", entry.kind == Kind::folder ? entry.path : "");
   }
 
@@ -149,9 +155,9 @@ class Planner {
   }
 
   void removeWhatIsGone() {
-    for (auto entry = m_target.entries.rbegin(); entry != m_target.entries.rend(); ++entry) {
-      if (!m_seen.contains(key(entry->path))) remove(*entry, "gone", goneFolderOf(*entry));
-    }
+    bottomUp([this](const Entry& entry) {
+      if (!m_seen.contains(key(entry.path))) remove(entry, "gone", goneFolderOf(entry));
+    });
   }
 
   const hosts::Tree& m_source;
