@@ -3,9 +3,9 @@
 #include "hosts/qxbrowse/App.h"
 #include "hosts/qxbrowse/Start.h"
 
-int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int how) {
-  return browse::start([how](const browse::Start& start) {
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int nShowCmd) {
+  return browse::start([nShowCmd](const browse::Start& start) {
     browse::App app(start.library, start.sites);
-    return app.run(how);
+    return app.run(nShowCmd);
   });
 }

@@ -53,7 +53,7 @@ std::string cutOptions(Text& text) {
   for (Text rest = Text(options).substr(1); !rest.empty();) {
     const std::string option = lowered(cutBefore(rest, ';'));
     if (!std::ranges::any_of(kKnown, [&](Text known) { return option.starts_with(known); })) {
-      fail("it has an unknown option behind a \";\" (a semicolon in a path is \"%3B\")");
+      fail(R"(it has an unknown option behind a ";" (a semicolon in a path is "%3B"))");
     }
   }
   return options;

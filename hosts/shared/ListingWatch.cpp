@@ -8,7 +8,8 @@ namespace {
 
 constexpr std::uint64_t kSecond = 10'000'000;  // in units of QXFileTime
 constexpr std::uint64_t kMinute = 60 * kSecond;
-constexpr std::uint64_t kDay = 24 * 60 * kMinute;
+constexpr std::uint64_t kHour = 60 * kMinute;
+constexpr std::uint64_t kDay = 24 * kHour;
 
 // The one server known to say so ends the listing of a folder that it may not read like any other.
 bool tellsOfFailure(std::string_view reply) { return reply.find("failed to open") != std::string_view::npos; }

@@ -15,7 +15,7 @@ char characterOf(std::string_view digits) {
   unsigned value = 0;
   const char* const end = digits.data() + digits.size();
   if (digits.size() != 2 || std::from_chars(digits.data(), end, value, 16).ptr != end) {
-    throw std::invalid_argument("a \"%\" wants two hex digits behind it (a percent sign itself is \"%25\")");
+    throw std::invalid_argument(R"(a "%" wants two hex digits behind it (a percent sign itself is "%25"))");
   }
   return static_cast<char>(value);
 }

@@ -61,7 +61,7 @@ void TransferProgress::measure(Time now) {
 Amount TransferProgress::amount(std::uint64_t done, std::optional<std::uint64_t> all) const {
   Amount amount{done, all, {}};
   if (!all || m_rate < 1) return amount;
-  const double missing = static_cast<double>(*all - std::min(*all, done));
+  const auto missing = static_cast<double>(*all - std::min(*all, done));
   amount.left = std::chrono::seconds(static_cast<std::int64_t>(std::ceil(missing / m_rate)));
   return amount;
 }

@@ -22,7 +22,7 @@ bool isEqual(std::wstring_view left, std::wstring_view right, BOOL ignoreCase) {
                               static_cast<int>(right.size()), ignoreCase) == CSTR_EQUAL;
 }
 
-int sign(std::strong_ordering order) { return order < 0 ? -1 : order > 0 ? 1 : 0; }
+int sign(std::strong_ordering order) { return std::is_lt(order) ? -1 : std::is_gt(order) ? 1 : 0; }
 
 }  // namespace
 
