@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "hosts/qxbrowse/ui/Names.h"
+#include "hosts/shared/windows/CodePages.h"
 // Only now:
 #include <commdlg.h>
 
@@ -15,16 +16,25 @@ namespace {
 constexpr std::uint32_t kFlags = OFN_EXPLORER | OFN_ALLOWMULTISELECT | OFN_HIDEREADONLY | OFN_FILEMUSTEXIST;
 constexpr std::uint32_t kDisplayTopic = 0;  // HH_DISPLAY_TOPIC
 
+// All texts of the dialogs are in the code page. Empty where that lacks a character.
+std::string forDialog(std::wstring_view text) {
+  return hosts::narrow(text, hosts::Encoding::codePage).value_or("");
+}
+
+std::wstring fromDialog(std::string_view text) {
+  return hosts::wideWithMarks(text, hosts::Encoding::codePage);
+}
+
 // A path that the library reads and writes. One that is too long for it starts it at its own place.
 template <std::size_t Size>
 class PathBuffer {
  public:
   explicit PathBuffer(const std::wstring& path) {
-    const std::string narrow = toLibrary(path);
+    const std::string narrow = forDialog(path);
     if (narrow.size() < Size) narrow.copy(m_text.data(), narrow.size());
   }
   [[nodiscard]] char* data() { return m_text.data(); }
-  [[nodiscard]] std::wstring text() const { return fromLibrary(m_text.data()); }
+  [[nodiscard]] std::wstring text() const { return fromDialog(m_text.data()); }
   [[nodiscard]] std::size_t size() const { return std::string_view(m_text.data()).size(); }
 
  private:
@@ -52,7 +62,7 @@ struct LibraryDialogs::Selection {
     choice.isTooLong = !isConfirmed && isCancelled == 0;
     for (std::uint32_t i = 0; isConfirmed && i < count; ++i) {
       const std::string_view entry = list + std::size_t{i} * QX_PATH_SIZE;
-      choice.paths.push_back(fromLibrary(entry.substr(std::min(skipped, entry.size()))));
+      choice.paths.push_back(fromDialog(entry.substr(std::min(skipped, entry.size()))));
     }
     return choice;
   }
@@ -94,7 +104,7 @@ LibraryDialogs::Choice LibraryDialogs::chooseFilesAndFolders(const std::wstring&
   PathBuffer<QX_PATH_SIZE> path(start);
   const char reserved = 0;
   Selection selection;
-  const bool isConfirmed = m_openDirFile(toLibrary(title).c_str(), toLibrary(ok).c_str(), &reserved,
+  const bool isConfirmed = m_openDirFile(forDialog(title).c_str(), forDialog(ok).c_str(), &reserved,
                                          path.data(), 1, 1, kAnything, kFlags, &selection.list,
                                          &selection.count, &selection.dialog, &selection.isCancelled) != 0;
   Choice choice = selection.choice(isConfirmed, 0);
@@ -115,7 +125,7 @@ std::wstring helpPage(const std::filesystem::path& programFolder) {
 
 bool LibraryDialogs::showHelp(HWND owner, const std::wstring& file) const {
   if (!std::filesystem::exists(file)) return false;
-  return m_help(owner, toLibrary(file).c_str(), kDisplayTopic, 0) != 0;
+  return m_help(owner, forDialog(file).c_str(), kDisplayTopic, 0) != 0;
 }
 
 }  // namespace browse

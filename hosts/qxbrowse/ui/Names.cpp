@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "hosts/qxbrowse/ui/System.h"
+#include "hosts/shared/windows/CodePages.h"
 // Only now:
 #include <shlwapi.h>
 
@@ -15,21 +16,11 @@ constexpr std::size_t kLongestCharacter = 4;
 
 bool isByte(wchar_t unit) { return unit >= kByte + 0x80 && unit <= kByte + 0xFF; }
 
-// Empty when the text has something that the code page does not know.
-std::wstring decode(std::string_view text, UINT codePage) {
-  const int length = static_cast<int>(text.size());
-  std::wstring wide(text.size(), L'\0');
-  const int units =
-      MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, text.data(), length, wide.data(), length);
-  wide.resize(static_cast<std::size_t>(units));
-  return wide;
-}
-
 // The first character in UTF-8 and its length in bytes, or the escaped byte.
 std::wstring decodeFirst(std::string_view text, std::size_t& bytes) {
   for (bytes = 1; bytes <= std::min(text.size(), kLongestCharacter); ++bytes) {
-    const std::wstring character = decode(text.substr(0, bytes), CP_UTF8);
-    if (!character.empty()) return character;
+    if (auto character = hosts::wide(text.substr(0, bytes), hosts::Encoding::utf8))
+      return *std::move(character);
   }
   bytes = 1;
   return {static_cast<wchar_t>(kByte + static_cast<unsigned char>(text.front()))};
@@ -42,22 +33,6 @@ std::wstring decodeByCharacter(std::string_view text) {
   return wide;
 }
 
-std::string encode(std::wstring_view text, UINT codePage, DWORD flags, BOOL* lacks) {
-  const int length = static_cast<int>(text.size());
-  std::string narrow(text.size() * kLongestCharacter, '\0');
-  const int bytes = WideCharToMultiByte(codePage, flags, text.data(), length, narrow.data(),
-                                        static_cast<int>(narrow.size()), nullptr, lacks);
-  narrow.resize(static_cast<std::size_t>(bytes));
-  return narrow;
-}
-
-std::string encodeText(std::wstring_view text) {
-  if (GetACP() == CP_UTF8) return encode(text, CP_UTF8, 0, nullptr);
-  BOOL lacks = FALSE;
-  std::string narrow = encode(text, CP_ACP, WC_NO_BEST_FIT_CHARS, &lacks);
-  return lacks ? encode(text, CP_UTF8, 0, nullptr) : narrow;
-}
-
 bool isPairBefore(std::wstring_view text, std::size_t at) {
   return at > 0 && text[at - 1] >= 0xD800 && text[at - 1] < kByte;
 }
@@ -65,9 +40,8 @@ bool isPairBefore(std::wstring_view text, std::size_t at) {
 }  // namespace
 
 std::wstring fromLibrary(std::string_view text) {
-  std::wstring wide = decode(text, CP_UTF8);
-  if (wide.empty() && GetACP() != CP_UTF8) wide = decode(text, CP_ACP);
-  return wide.empty() ? decodeByCharacter(text) : wide;
+  auto wide = hosts::fromLibrary(text);
+  return wide ? *std::move(wide) : decodeByCharacter(text);
 }
 
 std::string toLibrary(std::wstring_view text) {
@@ -75,11 +49,11 @@ std::string toLibrary(std::wstring_view text) {
   std::size_t begin = 0;
   for (std::size_t at = 0; at < text.size(); ++at) {
     if (!isByte(text[at]) || isPairBefore(text, at)) continue;
-    narrow += encodeText(text.substr(begin, at - begin));
+    narrow += hosts::toLibrary(text.substr(begin, at - begin));
     narrow += static_cast<char>(text[at] - kByte);
     begin = at + 1;
   }
-  return narrow + encodeText(text.substr(begin));
+  return narrow + hosts::toLibrary(text.substr(begin));
 }
 
 std::wstring lastPart(std::wstring_view path) {

@@ -1,10 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Names between the library, whose texts are narrow, and the windows, whose texts are wide. The only place
-// that converts.
-//
-// The program's manifest makes UTF-8 its code page where the system can do that (Windows 10 1903 and later);
-// elsewhere the library's texts are in the system's ANSI code page, and in UTF-8 where that lacks a
-// character.
+// Names between the library, whose texts are narrow, and the windows, whose texts are wide; and paths.
 #pragma once
 
 #include <string>
@@ -12,8 +7,9 @@
 
 namespace browse {
 
-// Loses nothing: a byte that is no text in either encoding becomes U+DC00 + byte, and toLibrary() makes the
-// byte of it again. "caf\xE9" -> L"caf\xDCE9" where the code page is UTF-8.
+// As hosts/shared/windows/CodePages.h has them, and lose nothing besides: a byte that is no text in either
+// encoding becomes U+DC00 + byte, and toLibrary() makes the byte of it again. "caf\xE9" -> L"caf\xDCE9" where
+// the code page is UTF-8. No file can have such a name: the library would not find it.
 std::wstring fromLibrary(std::string_view text);
 std::string toLibrary(std::wstring_view text);
 

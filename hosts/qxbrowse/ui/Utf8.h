@@ -2,12 +2,15 @@
 // UTF-8, which sites are in, from and for windows. What is no text becomes U+FFFD.
 #pragma once
 
-#include <string>
-#include <string_view>
+#include "hosts/shared/windows/CodePages.h"
 
 namespace browse {
 
-std::wstring fromUtf8(std::string_view text);
-std::string toUtf8(std::wstring_view text);
+inline std::wstring fromUtf8(std::string_view text) {
+  return hosts::wideWithMarks(text, hosts::Encoding::utf8);
+}
+inline std::string toUtf8(std::wstring_view text) {
+  return hosts::narrowWithMarks(text, hosts::Encoding::utf8);
+}
 
 }  // namespace browse

@@ -1,45 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "hosts/shared/Names.h"
 
+#include "hosts/shared/windows/CodePages.h"
 #include "hosts/shared/windows/System.h"
 
 namespace hosts {
-namespace {
-
-std::optional<std::wstring> wide(const std::string& text, UINT codePage) {
-  if (text.empty()) return std::wstring();
-  const int size = static_cast<int>(text.size());
-  const DWORD flags = MB_ERR_INVALID_CHARS;
-  const int count = MultiByteToWideChar(codePage, flags, text.data(), size, nullptr, 0);
-  if (count == 0) return {};
-  std::wstring result(static_cast<std::size_t>(count), L'\0');
-  MultiByteToWideChar(codePage, flags, text.data(), size, result.data(), count);
-  return result;
-}
-
-// None where the code page lacks a character.
-std::optional<std::string> narrow(const std::wstring& text, UINT codePage) {
-  if (text.empty()) return std::string();
-  const int size = static_cast<int>(text.size());
-  const bool mayLack = codePage != CP_UTF8 && GetACP() != CP_UTF8;
-  const DWORD flags = mayLack ? WC_NO_BEST_FIT_CHARS : 0;
-  BOOL lacks = FALSE;
-  BOOL* const lacking = mayLack ? &lacks : nullptr;
-  const int count = WideCharToMultiByte(codePage, flags, text.data(), size, nullptr, 0, nullptr, lacking);
-  if (count == 0 || lacks) return {};
-  std::string result(static_cast<std::size_t>(count), '\0');
-  WideCharToMultiByte(codePage, flags, text.data(), size, result.data(), count, nullptr, nullptr);
-  return result;
-}
-
-bool isAscii(const std::string& text) {
-  for (const char c : text) {
-    if (static_cast<unsigned char>(c) >= 0x80) return false;
-  }
-  return true;
-}
-
-}  // namespace
 
 NameRules namesHere() { return NameRules::windows; }
 
@@ -49,24 +14,21 @@ std::string withoutCase(std::string_view path) {
   const int size = static_cast<int>(text.size());
   LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, text.c_str(), size, text.data(), size, nullptr,
                 nullptr, 0);
-  return narrow(text, CP_UTF8).value_or(std::string(path));
+  return narrowWithMarks(text, Encoding::utf8);
 }
 
-std::string nameForServer(const std::filesystem::path& name) {
-  const auto inCodePage = narrow(name.wstring(), CP_ACP);
-  if (inCodePage && (isAscii(*inCodePage) || !wide(*inCodePage, CP_UTF8))) return *inCodePage;
-  return narrow(name.wstring(), CP_UTF8).value_or("");
-}
+std::string nameForServer(const std::filesystem::path& name) { return toLibrary(name.native()); }
 
 std::filesystem::path nameFromServer(const std::string& name) {
-  if (const auto unicode = wide(name, CP_UTF8)) return *unicode;
-  return wide(name, CP_ACP).value_or(std::wstring(name.begin(), name.end()));
+  return fromLibrary(name).value_or(std::wstring(name.begin(), name.end()));
 }
 
 std::optional<std::string> pathForLibrary(const std::filesystem::path& path) {
-  return narrow(std::filesystem::absolute(path).make_preferred().wstring(), CP_ACP);
+  return narrow(std::filesystem::absolute(path).make_preferred().native(), Encoding::codePage);
 }
 
-std::string shown(const std::filesystem::path& path) { return narrow(path.wstring(), CP_UTF8).value_or("?"); }
+std::string shown(const std::filesystem::path& path) {
+  return narrowWithMarks(path.native(), Encoding::utf8);
+}
 
 }  // namespace hosts

@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "hosts/shared/Interrupt.h"
+#include "hosts/shared/windows/CodePages.h"
 #include "hosts/shared/windows/System.h"
 
 namespace hosts {
@@ -38,27 +39,10 @@ class Console {
   DWORD m_before = 0;
 };
 
-std::wstring wide(const std::string& text) {
-  std::wstring result(text.size(), L'\0');
-  const int size = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), result.data(),
-                                       static_cast<int>(result.size()));
-  result.resize(static_cast<std::size_t>(size));
-  return result;
-}
-
-// The library wants texts in the code page of the process.
-std::string narrow(const std::wstring& text) {
-  std::string result(text.size() * 4, '\0');
-  const int size = WideCharToMultiByte(CP_ACP, 0, text.data(), static_cast<int>(text.size()), result.data(),
-                                       static_cast<int>(result.size()), nullptr, nullptr);
-  result.resize(static_cast<std::size_t>(size));
-  return result;
-}
-
 HANDLE handleOf(std::FILE* stream) { return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream))); }
 
 void write(const Console& console, const std::string& text) {
-  const std::wstring shown = wide(text);
+  const std::wstring shown = wideWithMarks(text, Encoding::codePage);
   WriteConsoleW(console.handle(), shown.data(), static_cast<DWORD>(shown.size()), nullptr, nullptr);
 }
 
@@ -76,7 +60,8 @@ std::optional<std::string> ask(const std::string& question, Echo echo) {
   if (echo == Echo::off) write(out, "\r\n");
   line.resize(size);
   line.resize(line.find_last_not_of(L"\r\n") + 1);
-  return isInterrupted() ? std::nullopt : std::optional(narrow(line));
+  // The library wants texts in the code page of the process.
+  return isInterrupted() ? std::nullopt : std::optional(narrowWithMarks(line, Encoding::codePage));
 }
 
 // NUL is a terminal to _isatty().
