@@ -19,8 +19,13 @@ std::string withoutCase(std::string_view path) {
 
 std::string nameForServer(const std::filesystem::path& name) { return toLibrary(name.native()); }
 
+// Bytes that are no text are those of Western Europe, most likely: a file has to have some name, which the
+// library can open.
 std::filesystem::path nameFromServer(const std::string& name) {
-  return fromLibrary(name).value_or(std::wstring(name.begin(), name.end()));
+  if (const auto text = fromLibrary(name)) return *text;
+  std::wstring characters;
+  for (const char byte : name) characters += static_cast<unsigned char>(byte);
+  return characters;
 }
 
 std::optional<std::string> pathForLibrary(const std::filesystem::path& path) {

@@ -67,6 +67,16 @@ TEST(Names, ComeApartAndTogether) {
   EXPECT_EQ(folderOf("a"), "");
 }
 
+// In a program whose code page is UTF-8 a byte that is no text became a character of the far end, U+FFE9.
+TEST(Names, OfBytesThatAreNoTextCanBeRead) {
+  const std::filesystem::path name = nameFromServer("caf\xE9");
+  if (namesHere() == NameRules::windows) {
+    EXPECT_EQ(name, std::filesystem::path(u8"caf\u00E9"));
+  } else {
+    EXPECT_EQ(name.string(), "caf\xE9");
+  }
+}
+
 TEST(Names, GoToServersAndBack) {
   const std::filesystem::path name(u8"gr\u00fc\u00df \u4e2d.txt");
   EXPECT_EQ(nameFromServer(nameForServer(name)), name);
