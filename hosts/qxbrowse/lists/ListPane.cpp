@@ -6,20 +6,14 @@
 
 #include "hosts/qxbrowse/lists/Formats.h"
 #include "hosts/qxbrowse/lists/SidePaths.h"
-#include "hosts/qxbrowse/ui/Dpi.h"
+#include "hosts/qxbrowse/ui/ListView.h"
 #include "hosts/qxbrowse/ui/Texts.h"
 #include "hosts/qxbrowse/ui/WindowText.h"
 
 namespace browse {
 namespace {
 
-struct ColumnInfo {
-  Text title;
-  int width;  // at 96 dots per inch
-  int format;
-};
-
-constexpr std::array<ColumnInfo, kColumns> kColumnInfos = {{
+constexpr std::array<ListColumn, kColumns> kItemColumns = {{
     {Text::columnName, 200, LVCFMT_LEFT},
     {Text::columnSize, 80, LVCFMT_RIGHT},
     {Text::columnType, 90, LVCFMT_LEFT},
@@ -50,7 +44,7 @@ void ListPane::create(HWND parent) {
   m_list = makeChild(WC_LISTVIEWW, text(isLocal ? Text::localFiles : Text::serverFiles),
                      WS_TABSTOP | kListStyle, WS_EX_CLIENTEDGE);
   SendMessageW(m_list, LVM_SETEXTENDEDLISTVIEWSTYLE, kExtendedListStyle, kExtendedListStyle);
-  makeColumns();
+  insertColumns(m_list, kItemColumns);
   showArrow();
 }
 
@@ -60,33 +54,12 @@ HWND ListPane::makeChild(const wchar_t* className, const wchar_t* title, DWORD s
                          nullptr, GetModuleHandleW(nullptr), nullptr);
 }
 
-void ListPane::makeColumns() const {
-  for (std::size_t i = 0; i < kColumns; ++i) {
-    const ColumnInfo& info = kColumnInfos[i];
-    LVCOLUMNW column{};
-    column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
-    column.fmt = info.format;
-    column.cx = info.width;
-    std::wstring title = text(info.title);
-    column.pszText = title.data();
-    SendMessageW(m_list, LVM_INSERTCOLUMNW, i, reinterpret_cast<LPARAM>(&column));
-  }
-}
-
 void ListPane::setFont(HFONT font, UINT dpi) {
   for (HWND control : {m_up, m_label, m_address, m_list}) {
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
   }
   SendMessageW(m_list, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(shellImages(dpi)));
-  scaleColumns(dpi);
-}
-
-void ListPane::scaleColumns(UINT dpi) {
-  const UINT from = m_dpi != 0 ? m_dpi : kPlainDpi;
-  for (std::size_t i = 0; i < kColumns; ++i) {
-    const auto width = static_cast<int>(SendMessageW(m_list, LVM_GETCOLUMNWIDTH, i, 0));
-    SendMessageW(m_list, LVM_SETCOLUMNWIDTH, i, MulDiv(width, static_cast<int>(dpi), static_cast<int>(from)));
-  }
+  scaleColumns(m_list, m_dpi, dpi);
   m_dpi = dpi;
 }
 
@@ -160,7 +133,7 @@ void ListPane::sort(Column column) {
 // What was selected stays so, wherever it goes.
 void ListPane::setSorting(Sorting sorting) {
   std::vector<std::size_t> chosen;
-  for (const std::size_t row : selectedRows()) chosen.push_back(m_items.identity(row));
+  for (const std::size_t row : selectedItems()) chosen.push_back(m_items.identity(row));
   m_items.sort(sorting);
   if (chosen.size() < m_items.size()) {
     setRowState(-1, 0);
@@ -172,7 +145,7 @@ void ListPane::setSorting(Sorting sorting) {
 
 void ListPane::setLook(const PaneLook& look) {
   for (std::size_t i = 0; i < kColumns; ++i) {
-    const int width = look.widths[i] > 0 ? look.widths[i] : kColumnInfos[i].width;
+    const int width = look.widths[i] > 0 ? look.widths[i] : kItemColumns[i].width;
     SendMessageW(m_list, LVM_SETCOLUMNWIDTH, i, scale(width, m_dpi));
   }
   setSorting(look.sorting);
@@ -216,15 +189,12 @@ void ListPane::editAddress() {
 
 void ListPane::focusList() { SetFocus(m_list); }
 
-std::vector<std::size_t> ListPane::selectedRows() const {
-  std::vector<std::size_t> rows;
-  LRESULT row = m_hasParent ? 0 : -1;
-  while ((row = SendMessageW(m_list, LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED)) >= 0) {
-    // The list has rows of a longer folder still while another one comes into it.
-    const auto item = static_cast<std::size_t>(row - rowOf(0));
-    if (item < m_items.size()) rows.push_back(item);
-  }
-  return rows;
+// The list has rows of a longer folder still while another one comes into it.
+std::vector<std::size_t> ListPane::selectedItems() const {
+  std::vector<std::size_t> items = selectedRows(m_list, rowOf(0) - 1);
+  for (std::size_t& row : items) row -= static_cast<std::size_t>(rowOf(0));
+  std::erase_if(items, [this](std::size_t item) { return item >= m_items.size(); });
+  return items;
 }
 
 bool ListPane::isSelected(int row) const {
@@ -242,12 +212,12 @@ const Item* ListPane::itemAt(int row) const {
 
 std::vector<Item> ListPane::selected() const {
   std::vector<Item> items;
-  for (const std::size_t row : selectedRows()) items.push_back(m_items[row]);
+  for (const std::size_t row : selectedItems()) items.push_back(m_items[row]);
   return items;
 }
 
 bool ListPane::isFolderSelected() const {
-  const std::vector<std::size_t> rows = selectedRows();
+  const std::vector<std::size_t> rows = selectedItems();
   return rows.size() == 1 && m_items[rows.front()].isFolder;
 }
 

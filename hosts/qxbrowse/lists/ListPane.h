@@ -12,7 +12,7 @@
 
 #include "hosts/qxbrowse/lists/FileKinds.h"
 #include "hosts/qxbrowse/lists/ItemList.h"
-#include "hosts/qxbrowse/ui/System.h"
+#include "hosts/qxbrowse/ui/Dpi.h"
 
 namespace browse {
 
@@ -79,14 +79,12 @@ class ListPane {
 
  private:
   HWND makeChild(const wchar_t* className, const wchar_t* title, DWORD style, DWORD extendedStyle) const;
-  void makeColumns() const;
-  void scaleColumns(UINT dpi);
   void showArrow() const;
   void fillIn(NMLVDISPINFOW& wanted);
   [[nodiscard]] std::wstring cellText(const Item& item, Column column);
   [[nodiscard]] LRESULT findRow(const NMLVFINDITEMW& wanted) const;
   LRESULT endEdit(const NMLVDISPINFOW& edit);
-  [[nodiscard]] std::vector<std::size_t> selectedRows() const;  // of m_items
+  [[nodiscard]] std::vector<std::size_t> selectedItems() const;  // rows of m_items
   void setRowState(int row, UINT state) const;
   void selectItem(std::size_t item, UINT state) const { setRowState(rowOf(item), state); }
   // Rows of the list and of m_items: the list's first may be the way up.
@@ -106,7 +104,7 @@ class ListPane {
   std::wstring m_cell;  // what the list shows just now, until it asks for the next
   bool m_isShown = false;
   bool m_hasParent = false;
-  UINT m_dpi = 0;
+  UINT m_dpi = kPlainDpi;
   HWND m_parent = nullptr;
   HWND m_label = nullptr;
   HWND m_up = nullptr;

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "hosts/qxbrowse/ui/Clipboard.h"
+#include "hosts/qxbrowse/ui/ListView.h"
 #include "hosts/qxbrowse/ui/Names.h"
 
 namespace browse {
@@ -64,10 +65,7 @@ bool LinesPane::onNotify(const NMHDR& header) {
 
 void LinesPane::copySelected() const {
   std::wstring text;
-  for (LRESULT row = -1;
-       (row = SendMessageW(m_list, LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED)) >= 0;) {
-    text += fromLibrary(m_lines[static_cast<std::size_t>(row)]) + L"\r\n";
-  }
+  for (const std::size_t row : selectedRows(m_list)) text += fromLibrary(m_lines[row]) + L"\r\n";
   copyToClipboard(m_list, text);
 }
 

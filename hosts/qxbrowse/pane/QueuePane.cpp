@@ -5,7 +5,7 @@
 #include <array>
 
 #include "hosts/qxbrowse/lists/Formats.h"
-#include "hosts/qxbrowse/ui/Dpi.h"
+#include "hosts/qxbrowse/ui/ListView.h"
 #include "hosts/qxbrowse/ui/MenuPlace.h"
 #include "hosts/qxbrowse/ui/Names.h"
 #include "hosts/qxbrowse/ui/Texts.h"
@@ -13,13 +13,7 @@
 namespace browse {
 namespace {
 
-struct QueueTitle {
-  Text title;
-  int width;  // at 96 dots per inch
-  int format;
-};
-
-constexpr std::array<QueueTitle, kQueueColumns> kQueueTitles = {{
+constexpr std::array<ListColumn, kQueueColumns> kQueueTitles = {{
     {Text::columnName, 200, LVCFMT_LEFT},
     {Text::queueDirection, 80, LVCFMT_LEFT},
     {Text::columnSize, 80, LVCFMT_RIGHT},
@@ -124,15 +118,7 @@ void QueuePane::create(HWND parent, TransferQueue& queue, Retry retry) {
   m_list = CreateWindowExW(0, WC_LISTVIEWW, text(Text::queueList), kQueueStyle, 0, 0, 0, 0, parent, nullptr,
                            GetModuleHandleW(nullptr), nullptr);
   SendMessageW(m_list, LVM_SETEXTENDEDLISTVIEWSTYLE, kExtendedStyle, kExtendedStyle);
-  for (std::size_t i = 0; i < kQueueColumns; ++i) {
-    std::wstring title = text(kQueueTitles[i].title);
-    LVCOLUMNW column{};
-    column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
-    column.fmt = kQueueTitles[i].format;
-    column.cx = kQueueTitles[i].width;
-    column.pszText = title.data();
-    SendMessageW(m_list, LVM_INSERTCOLUMNW, i, reinterpret_cast<LPARAM>(&column));
-  }
+  insertColumns(m_list, kQueueTitles);
   update();
 }
 
@@ -141,11 +127,7 @@ void QueuePane::place(const RECT& area) const {
 }
 
 void QueuePane::setFont(UINT dpi) {
-  const UINT from = m_dpi != 0 ? m_dpi : kPlainDpi;
-  for (std::size_t i = 0; i < kQueueColumns; ++i) {
-    const auto width = static_cast<int>(SendMessageW(m_list, LVM_GETCOLUMNWIDTH, i, 0));
-    SendMessageW(m_list, LVM_SETCOLUMNWIDTH, i, MulDiv(width, static_cast<int>(dpi), static_cast<int>(from)));
-  }
+  scaleColumns(m_list, m_dpi, dpi);
   m_dpi = dpi;
 }
 
@@ -171,29 +153,26 @@ void QueuePane::update() {
     SendMessageW(m_list, LVM_REDRAWITEMS, row, static_cast<LPARAM>(row));
 }
 
-std::vector<std::size_t> QueuePane::selectedRows() const {
-  std::vector<std::size_t> rows;
-  LRESULT row = -1;
-  while ((row = SendMessageW(m_list, LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED)) >= 0) {
-    if (static_cast<std::size_t>(row) < m_queue->list().size()) rows.push_back(static_cast<std::size_t>(row));
-  }
+std::vector<std::size_t> QueuePane::selectedTransfers() const {
+  std::vector<std::size_t> rows = selectedRows(m_list);
+  std::erase_if(rows, [this](std::size_t row) { return row >= m_queue->list().size(); });
   return rows;
 }
 
 bool QueuePane::isAnySelected(TransferState one, TransferState other) const {
-  return std::ranges::any_of(selectedRows(), [&](std::size_t row) {
+  return std::ranges::any_of(selectedTransfers(), [&](std::size_t row) {
     const TransferState state = m_queue->list()[row].state;
     return state == one || state == other;
   });
 }
 
 void QueuePane::cancelSelected() {
-  for (const std::size_t row : selectedRows()) m_queue->cancel(row);
+  for (const std::size_t row : selectedTransfers()) m_queue->cancel(row);
 }
 
 void QueuePane::retrySelected() {
   std::vector<Transfer> transfers;
-  for (const std::size_t row : selectedRows()) {
+  for (const std::size_t row : selectedTransfers()) {
     if (m_queue->list().isEnded(row)) transfers.push_back(m_queue->list()[row].transfer);
   }
   if (!transfers.empty()) m_retry(std::move(transfers));

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "hosts/qxbrowse/jobs/TransferQueue.h"
-#include "hosts/qxbrowse/ui/System.h"
+#include "hosts/qxbrowse/ui/Dpi.h"
 
 namespace browse {
 
@@ -46,7 +46,7 @@ class QueuePane {
   bool onTimer(UINT_PTR id);
 
  private:
-  [[nodiscard]] std::vector<std::size_t> selectedRows() const;
+  [[nodiscard]] std::vector<std::size_t> selectedTransfers() const;
   [[nodiscard]] bool isAnySelected(TransferState one, TransferState other) const;
   void fillIn(LVITEMW& cell);
   [[nodiscard]] LRESULT onDraw(const NMLVCUSTOMDRAW& draw) const;
@@ -56,7 +56,7 @@ class QueuePane {
   Retry m_retry;
   std::wstring m_cell;
   bool m_isTimed = false;
-  UINT m_dpi = 0;
+  UINT m_dpi = kPlainDpi;
   HWND m_parent = nullptr;
   HWND m_list = nullptr;
 };
