@@ -50,6 +50,13 @@ Place Context::place(const std::string& text) const {
   return place;
 }
 
+std::vector<Place> Context::places(const std::vector<std::string>& texts) const {
+  std::vector<Place> places;
+  places.reserve(texts.size());
+  for (const std::string& text : texts) places.push_back(place(text));
+  return places;
+}
+
 Place Context::placeBeside(const Place& first, const std::string& text) const {
   if (!hosts::isAddress(text)) return at(first, text);
   Place second = place(text);
@@ -127,12 +134,7 @@ void Context::each(const std::vector<Place>& places, const Work& work) {
                    [&](const Place& place) { one(place.text, [&](Json& result) { work(place, result); }); });
 }
 
-void Context::each(const std::vector<std::string>& paths, const Work& work) {
-  std::vector<Place> places;
-  places.reserve(paths.size());
-  for (const std::string& path : paths) places.push_back(place(path));
-  each(places, work);
-}
+void Context::each(const std::vector<std::string>& paths, const Work& work) { each(places(paths), work); }
 
 void Context::say(const std::string& line) const {
   if (!m_settings.isJson) std::printf("%s\n", printable(line).c_str());

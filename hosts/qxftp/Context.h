@@ -44,6 +44,7 @@ class Context {
 
   // Of a whole address, or of a path at the host of the options. Throws WrongUsage.
   [[nodiscard]] Place place(const std::string& text) const;
+  [[nodiscard]] std::vector<Place> places(const std::vector<std::string>& texts) const;
   // A second path of one operation, at the first one's server. Throws WrongUsage where it names another.
   [[nodiscard]] Place placeBeside(const Place& first, const std::string& text) const;
   // Another path at the same server.

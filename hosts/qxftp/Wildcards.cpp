@@ -93,10 +93,8 @@ std::vector<QXDirEntry> matchingEntries(Context& context, const Place& place) {
 }
 
 std::vector<Place> expanded(Context& context, const std::vector<std::string>& paths) {
-  std::vector<Place> places;
-  for (const std::string& text : paths) places.push_back(context.place(text));
   std::vector<Place> all;
-  for (const Place& place : places) {
+  for (const Place& place : context.places(paths)) {
     if (!context.isPattern(place) || hosts::isInterrupted()) {
       all.push_back(place);
       continue;
