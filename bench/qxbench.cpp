@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // qxbench: carries out one operation of the loaded library a number of times. Prints the seconds of each,
 // then the processor's for all of them and, on Linux, the bytes of memory that they have added at most.
-// at most.
 #include <cstdio>
 #include <exception>
 #include <stdexcept>

@@ -5,9 +5,9 @@
 //   void list(Context& context, const ListOptions& options);
 //
 //   void addMyCommands(Commands& commands) {
-//     auto [ls, options] = commands.add<ListOptions>("ls", "Lists directories.", "qxftp ls ftp://host/",
-//     list); takePaths(ls, options.paths, "directory on a server"); ls.add_flag("-l", options.isLong, "with
-//     sizes and times");
+//     auto [ls, options] = commands.add("ls", "Lists directories.", "qxftp ls ftp://host/", list);
+//     takePaths(ls, options.paths, "directory on a server");
+//     ls.add_flag("-l", options.isLong, "with sizes and times");
 //   }
 #pragma once
 
