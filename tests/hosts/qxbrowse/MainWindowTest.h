@@ -123,6 +123,15 @@ class TheMainWindow : public testing::Test {
                  reinterpret_cast<LPARAM>(&wanted));
     return text;
   }
+  // Among the images of the list; -1 for none.
+  int icon(Side side, int item) {
+    LVITEMW wanted{};
+    wanted.mask = LVIF_IMAGE;
+    wanted.iItem = item + 1;
+    wanted.iImage = -1;
+    SendMessageW(window.pane(side).list(), LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&wanted));
+    return wanted.iImage;
+  }
   int items(Side side) {
     return static_cast<int>(SendMessageW(window.pane(side).list(), LVM_GETITEMCOUNT, 0, 0)) - 1;
   }

@@ -26,6 +26,16 @@ TEST_F(TheMainWindow, ShowsNamesSizesAndTimes) {
   EXPECT_EQ(windowText(window.handle()), L"site - qxbrowse");
 }
 
+TEST_F(TheMainWindow, ShowsAnIconForEachKind) {
+  showBoth();
+  for (const Side side : {Side::local, Side::server}) {
+    EXPECT_NE(SendMessageW(window.pane(side).list(), LVM_GETIMAGELIST, LVSIL_SMALL, 0), 0);
+    EXPECT_GE(icon(side, 0), 0);
+    EXPECT_GE(icon(side, 1), 0);
+    EXPECT_NE(icon(side, 0), icon(side, 1)) << "a folder and a file";
+  }
+}
+
 TEST_F(TheMainWindow, CountsWhatIsSelected) {
   showLocal();
   const HWND status = look.child(window.handle(), STATUSCLASSNAMEA);

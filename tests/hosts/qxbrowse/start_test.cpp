@@ -102,6 +102,19 @@ TEST_F(TheStart, HasAnIconInTheSizesThatWindowsShows) {
   FreeLibrary(file);
 }
 
+TEST_F(TheStart, AsksForTheControlsTheDotsPerInchAndTheCodePageOfToday) {
+  const HMODULE file = LoadLibraryExW(program.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+  ASSERT_NE(file, nullptr);
+  const HRSRC manifest = FindResourceW(file, MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(24));  // RT_MANIFEST
+  ASSERT_NE(manifest, nullptr);
+  const std::string text(static_cast<const char*>(LockResource(LoadResource(file, manifest))),
+                         SizeofResource(file, manifest));
+  for (const char* wanted : {R"("Microsoft.Windows.Common-Controls" version="6.0.0.0")", ">PerMonitorV2",
+                             ">UTF-8</activeCodePage>"})
+    EXPECT_THAT(text, testing::HasSubstr(wanted));
+  FreeLibrary(file);
+}
+
 TEST(TheCommandLine, NamesTheFilesOfTheLibraryAndTheSites) {
   const std::vector<std::wstring> both = {L"--sites", L"C:\\s.ini", L"--library", L"C:\\l.dll"};
   const browse::StartOptions options = browse::readOptions(both);
