@@ -59,17 +59,19 @@ fs::path partBeside(const fs::path& target) {
 // The part of a download, which goes with this unless it has become the file.
 class Part {
  public:
-  explicit Part(const fs::path& target) : m_target(target), m_path(partBeside(target)) {}
+  Part(const fs::path& target, IfThere ifThere)
+      : m_target(target), m_path(partBeside(target)), m_ifThere(ifThere) {}
   ~Part() { drop(); }
   Part(const Part&) = delete;
   Part& operator=(const Part&) = delete;
 
   const fs::path& path() const { return m_path; }
 
-  std::error_code become() {
+  std::optional<std::string> whyNotBecome() {
     std::error_code error;
+    if (m_ifThere == IfThere::keep && fs::is_regular_file(m_target, error)) return kHasCome;
     fs::rename(m_path, m_target, error);
-    return error;
+    return error ? std::optional(error.message()) : std::nullopt;
   }
 
   // Removes it; says what is left.
@@ -83,6 +85,7 @@ class Part {
  private:
   const fs::path m_target;
   const fs::path m_path;
+  const IfThere m_ifThere;
 };
 
 // What came is believed when it is as long as the listing says, or as the server says now: listings round,
@@ -101,8 +104,8 @@ Outcome finish(qx::Client& client, const RemoteFile& source, Part& part) {
   if (error) return failure(error.message() + "; " + part.drop());
   if (const auto why = whyNotWhole(client, source, facts.size)) return failure(client, *why, part.drop());
   if (source.time) setChanged(part.path(), source.time->at, error);  // one that cannot be set does no harm
-  error = part.become();
-  return error ? failure(error.message() + "; " + part.drop()) : Outcome{};
+  const auto why = part.whyNotBecome();
+  return why ? failure(*why + "; " + part.drop()) : Outcome{};
 }
 
 std::string leftOnServer(qx::Client& client, const std::string& path, bool mayAsk) {
@@ -123,8 +126,8 @@ std::optional<std::uint64_t> listedSize(qx::Client& client, const std::string& p
   return {};
 }
 
-Outcome download(qx::Client& client, const RemoteFile& source, const fs::path& target) {
-  Part part(fs::absolute(target));
+Outcome download(qx::Client& client, const RemoteFile& source, const fs::path& target, IfThere ifThere) {
+  Part part(fs::absolute(target), ifThere);
   const auto local = pathForLibrary(part.path());
   if (!local)
     return failure("the code page of this system lacks characters of " + shown(target.parent_path()));

@@ -33,11 +33,16 @@ struct Outcome {
   explicit operator bool() const { return state == State::done; }
 };
 
+// What becomes of a file that stands there by the time the new one is whole.
+enum class IfThere { replace, keep };
+inline constexpr const char* kHasCome = "a file of this name has come meanwhile";
+
 // Into a file of its own beside `target`, whose name begins with ".qx-", and which gets the name when all
-// of it is there; so a file of that name stays as it was until then, and whatever else happens. The new file
-// has the time that the server tells. The folder has to be there. The client's lambda `poll` is told how far
-// it is, and cancels.
-Outcome download(qx::Client& client, const RemoteFile& source, const std::filesystem::path& target);
+// of it is there; so a file of that name stays as it was until then, and whatever else happens. One that is
+// to be kept is a failure then, of kHasCome. The new file has the time that the server tells. The folder has
+// to be there. The client's lambda `poll` is told how far it is, and cancels.
+Outcome download(qx::Client& client, const RemoteFile& source, const std::filesystem::path& target,
+                 IfThere ifThere = IfThere::replace);
 
 // The size of a file as its folder's listing has it, in all its bits; none: that is not to be had. Dispatches
 // no messages.

@@ -110,6 +110,11 @@ void lookAtTarget(RemoteTargets& targets, Transfer& transfer) {
   }
 }
 
+// Somebody may have logged in there again meanwhile.
+bool isSameServer(const qx::Login& one, const qx::Login& other) {
+  return one.host == other.host && one.port == other.port && one.user == other.user;
+}
+
 class Expander {
  public:
   explicit Expander(const Session& session) : m_session(session), m_targets(session) {}
@@ -291,7 +296,7 @@ qx::Result<Expansion> lookAgain(const Session& session, std::vector<Transfer> tr
                                 const std::shared_ptr<const qx::Login>& server) {
   Expander expander(session);
   for (Transfer& transfer : transfers) {
-    const bool canLook = transfer.direction == Direction::download || transfer.server == server;
+    const bool canLook = transfer.direction == Direction::download || isSameServer(*transfer.server, *server);
     expander.add(std::move(transfer), canLook);
   }
   return answerOf(session, std::move(expander).expansion());

@@ -30,6 +30,21 @@ hosts::Outcome notMoved(const std::string& why) {
   return {.state = hosts::Outcome::State::failed, .text = why + "; nothing was moved"};
 }
 
+qx::Result<bool> isTaken(qx::Client& client, const Transfer& transfer) {
+  if (transfer.direction == Direction::upload) return client.fileExists(transfer.remote.path);
+  if (transfer.direction == Direction::copy) return client.fileExists(transfer.copy);
+  std::error_code ignored;
+  return {std::filesystem::is_regular_file(transfer.local, ignored), {}};
+}
+
+// What has come since the user was asked, or is another entry of the queue, stays.
+std::optional<std::string> whyTaken(qx::Client& client, const Transfer& transfer) {
+  if (transfer.mayReplace) return {};
+  const qx::Result<bool> taken = isTaken(client, transfer);
+  if (!taken) return taken.report().text;
+  return *taken ? std::optional<std::string>(hosts::kHasCome) : std::nullopt;
+}
+
 hosts::Outcome copyOnServer(qx::Client& client, const Transfer& transfer) {
   const auto copied = client.copy(transfer.remote.path, transfer.copy);
   if (copied) return {};
@@ -41,11 +56,8 @@ hosts::Outcome downloadInto(qx::Client& client, const Transfer& transfer) {
   std::error_code error;
   std::filesystem::create_directories(transfer.local.parent_path(), error);
   if (error) return notMoved(error.message());
-  // It has come since the user was asked, or is another entry of the queue.
-  if (!transfer.mayReplace && std::filesystem::is_regular_file(transfer.local, error)) {
-    return notMoved("a file of this name has come meanwhile");
-  }
-  return hosts::download(client, transfer.remote, transfer.local);
+  const auto ifThere = transfer.mayReplace ? hosts::IfThere::replace : hosts::IfThere::keep;
+  return hosts::download(client, transfer.remote, transfer.local, ifThere);
 }
 
 hosts::Outcome carry(qx::Client& client, const Transfer& transfer, const hosts::ListedSize& listedSize) {
@@ -82,11 +94,7 @@ class TransferQueue::Running {
     m_client->use({.poll = [this](const qx::Progress& progress) { return poll(progress); },
                    .line = m_queue.m_events.line});
     static_cast<void>(m_client->setLogin(login()));
-    m_figures.begin({}, m_transfer.size, m_askedAt);
-    const auto listedSize = [this](const std::string& file) {
-      return m_listing.sizeOf(file, *m_transfer.server);
-    };
-    const hosts::Outcome outcome = carry(*m_client, m_transfer, listedSize);
+    const hosts::Outcome outcome = move();
     return m_isCancelled && !outcome ? asCancelled(outcome) : outcome;
   }
 
@@ -100,6 +108,13 @@ class TransferQueue::Running {
   }
 
  private:
+  hosts::Outcome move() {
+    if (const auto why = whyTaken(*m_client, m_transfer)) return notMoved(*why);
+    m_figures.begin({}, m_transfer.size, steady_clock::now());
+    return carry(*m_client, m_transfer,
+                 [this](const std::string& file) { return m_listing.sizeOf(file, *m_transfer.server); });
+  }
+
   // A copy on the server would tell its bytes twice, on both ways.
   [[nodiscard]] qx::Login login() const {
     qx::Login login = *m_transfer.server;
@@ -132,7 +147,7 @@ class TransferQueue::Running {
   std::optional<qx::Client> m_client;
   ListingAside m_listing;
   hosts::TransferProgress m_figures{1, m_transfer.size};
-  steady_clock::time_point m_askedAt = steady_clock::now();
+  steady_clock::time_point m_askedAt;  // at first never: the look at the target asks nobody
   steady_clock::time_point m_lookedAt;
   bool m_isCancelled = false;
 };

@@ -3,9 +3,9 @@
 // so the window lives, and asks whether to go on, so the user can cancel. What a message starts during a
 // transfer, a menu or a dialog, holds its end up, and no second transfer begins within a first.
 //
-// A client of its own, which has no connection between two of them. One that fails does not stop the others;
-// a disk that is full here would fail all of them, so the rest waits until somebody calls resume() or
-// retry().
+// A client of its own, which has no connection between two of them. One whose target has come since the user
+// was asked fails. One that fails does not stop the others; a disk that is full here would fail all of them,
+// so the rest waits until somebody calls resume() or retry().
 #pragma once
 
 #include <chrono>

@@ -86,17 +86,18 @@ class TheProgram : public LaneTest {
     user.press(question, button);
     user.waitUntilGone(question);
   }
-  // The first entry of the queue: before that the window asks whether it may close.
-  void waitUntilDone(const Driver& user) const {
-    const HWND queue =
-        FindWindowExW(user.child(window, "qxbrowse.work"), nullptr, WC_LISTVIEWW, text(Text::queueList));
+  [[nodiscard]] HWND queue(const Driver& user) const {
+    return FindWindowExW(user.child(window, "qxbrowse.work"), nullptr, WC_LISTVIEWW, text(Text::queueList));
+  }
+  // Before that the window asks whether it may close.
+  void waitUntilDone(const Driver& user, WPARAM row = 0) const {
     user.waitUntil("the end of the transfer", [&] {
       wchar_t state[64] = L"";
       LVITEMW cell{};
       cell.iSubItem = static_cast<int>(QueueColumn::state);
       cell.pszText = state;
       cell.cchTextMax = static_cast<int>(std::size(state));
-      user.send(queue, LVM_GETITEMTEXTW, 0, reinterpret_cast<LPARAM>(&cell));
+      user.send(queue(user), LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&cell));
       return std::wstring_view(state) == text(Text::queueDone);
     });
   }
@@ -167,6 +168,31 @@ TEST_F(TheProgram, AsksAgainWhereAFileHasComeBeforeARetry) {
     waitUntilDone(user);
   });
   EXPECT_EQ(read("a.txt"), "x");
+}
+
+// The upload took its place without a word.
+TEST_F(TheProgram, AsksBeforeItReplacesAFileThatHasComeWhileAnUploadWaited) {
+  for (const char* name : {"first", "mine.txt"}) write(name, "from here");
+  run([this](Driver& user) {
+    connect(user);
+    waitForNames(user, kLocal, {"first", "mine.txt"});
+    waitForNames(user, kServer, {"sub", "a.txt"});
+    server.reconfigure(
+        R"({"rules": [{"on": "STOR", "argument": "/pub/first", "do": [{"gate": "first"}, {"normal": {}}]}]})");
+    for (const char* name : {"first", "mine.txt"}) {
+      choose(user, kLocal, name);
+      order(Command::transfer);
+    }
+    user.waitUntil("both entries", [&] { return user.send(queue(user), LVM_GETITEMCOUNT) == 2; });
+    server.put(R"({"/pub/mine.txt": "somebody's"})");
+    server.release("first");
+    user.waitUntil("the failure", [&] { return status(user).find("meanwhile") != std::string::npos; });
+    EXPECT_EQ(server.content("/pub/mine.txt"), "somebody's");
+    order(Command::retryFailed);
+    answerQuestion(user, replace_question::kReplace);
+    waitUntilDone(user, 1);
+  });
+  EXPECT_EQ(server.content("/pub/mine.txt"), "from here");
 }
 
 TEST_F(TheProgram, ChangesWhatIsOnTheServer) {

@@ -43,6 +43,24 @@ TEST_F(TheApp, TakesKeysDuringATransfer) {
   EXPECT_FALSE(isHere("large"));
 }
 
+// The question whether something is there asks nobody whether to go on.
+TEST_F(TheApp, TakesKeysWhileItLooksForTheTargetOfAnUpload) {
+  std::ofstream(scratch.path() / "up") << "content";
+  run([this](Driver& user) {
+    logIn(user);
+    server.reconfigure(R"({"rules": [{"on": "MLST", "argument": "/pub/up", "do": [{"gate": "never"}]}]})");
+    later([this] { app->upload({{(scratch.path() / "up").wstring(), false, 0}}, L"/pub"); });
+    server.waitAtGate("never");
+    const auto pressed = std::chrono::steady_clock::now();
+    PostMessageW(listOf(Text::localFiles), WM_KEYDOWN, VK_ESCAPE, 0);
+    download({L"a.txt"});
+    user.waitUntil("the next transfer", [this] { return isHere("a.txt"); });
+    EXPECT_LT(std::chrono::steady_clock::now() - pressed, kSoon);
+    close(user);
+  });
+  EXPECT_FALSE(server.exists("/pub/up"));
+}
+
 // A dialog has a loop of messages of its own within the library's.
 TEST_F(TheApp, ADialogDuringATransferHoldsNothingButItsEnd) {
   stallDownloads();

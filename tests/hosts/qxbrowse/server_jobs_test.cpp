@@ -274,14 +274,17 @@ TEST_F(TheServerJobs, LooksAgainAtWhatTheUserHasNotAgreedTo) {
   agreed.mayReplace = true;
   Transfer elsewhere = taken;
   elsewhere.server = std::make_shared<const qx::Login>();
+  Transfer beforeANewLogin = taken;
+  beforeANewLogin.server = std::make_shared<const qx::Login>(login());
   const auto expansion = run([&](const Session& session) {
-    return lookAgain(session, {free, taken, agreed, elsewhere}, access);
+    return lookAgain(session, {free, taken, agreed, elsewhere, beforeANewLogin}, access);
   });
   ASSERT_TRUE(expansion);
-  ASSERT_EQ(expansion->transfers.size(), 4U);
-  EXPECT_THAT(replacedBy(*expansion), ElementsAre("/tree/one.txt 1"));
+  ASSERT_EQ(expansion->transfers.size(), 5U);
+  EXPECT_THAT(replacedBy(*expansion), ElementsAre("/tree/one.txt 1", "/tree/one.txt 1"));
   EXPECT_TRUE(expansion->transfers[1].replaces);
   EXPECT_TRUE(expansion->transfers[2].mayReplace);
+  EXPECT_FALSE(expansion->transfers[3].replaces);
 }
 
 // Most servers replace a file by one that is renamed to its name.

@@ -153,20 +153,5 @@ TEST_F(TheTransferQueue, ForgetsLettersThatComeAfterItsEnd) {
   EXPECT_EQ(localCount(), 0U);
 }
 
-// It was not there when the user was asked.
-TEST_F(TheTransferQueue, ReplacesNothingHereThatNobodyAgreedTo) {
-  std::ofstream(scratch.path() / "b.txt") << "mine";
-  queue->add({download("b.txt")});
-  runAll();
-  ASSERT_EQ(state(0), TransferState::failed);
-  EXPECT_EQ(local("b.txt"), "mine");
-  std::vector<Transfer> agreed = queue->list().ended();
-  agreed.front().mayReplace = true;
-  queue->retry(agreed);
-  runAll();
-  EXPECT_EQ(state(0), TransferState::done);
-  EXPECT_EQ(local("b.txt"), "two");
-}
-
 }  // namespace
 }  // namespace browse
