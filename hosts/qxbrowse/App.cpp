@@ -55,7 +55,6 @@ int App::run(int how) {
     TranslateMessage(&message);
     DispatchMessageW(&message);
   }
-  writePlacement(m_placementFile, m_window.placement());
   return static_cast<int>(message.wParam);
 }
 
@@ -169,6 +168,7 @@ bool App::mayClose() const {
 void App::end() {
   m_background.cancelAll();
   m_queue.end([this] { m_window.close(); });
+  writePlacement(m_placementFile, m_window.placement());
 }
 
 }  // namespace browse

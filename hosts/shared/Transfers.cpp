@@ -56,38 +56,6 @@ fs::path partBeside(const fs::path& target) {
   }
 }
 
-// The part of a download, which goes with this unless it has become the file.
-class Part {
- public:
-  Part(const fs::path& target, IfThere ifThere)
-      : m_target(target), m_path(partBeside(target)), m_ifThere(ifThere) {}
-  ~Part() { drop(); }
-  Part(const Part&) = delete;
-  Part& operator=(const Part&) = delete;
-
-  const fs::path& path() const { return m_path; }
-
-  std::optional<std::string> whyNotBecome() {
-    std::error_code error;
-    if (m_ifThere == IfThere::keep && fs::is_regular_file(m_target, error)) return kHasCome;
-    fs::rename(m_path, m_target, error);
-    return error ? std::optional(error.message()) : std::nullopt;
-  }
-
-  // Removes it; says what is left.
-  std::string drop() {
-    std::error_code error;
-    fs::remove(m_path, error);
-    if (error) return "what has come is in " + shown(m_path);
-    return fs::exists(m_target, error) ? shown(m_target) + " is as it was" : "nothing is left here";
-  }
-
- private:
-  const fs::path m_target;
-  const fs::path m_path;
-  const IfThere m_ifThere;
-};
-
 // What came is believed when it is as long as the listing says, or as the server says now: listings round,
 // and files grow.
 std::optional<std::string> whyNotWhole(qx::Client& client, const RemoteFile& source, std::uint64_t came) {
@@ -104,7 +72,7 @@ Outcome finish(qx::Client& client, const RemoteFile& source, Part& part) {
   if (error) return failure(error.message() + "; " + part.drop());
   if (const auto why = whyNotWhole(client, source, facts.size)) return failure(client, *why, part.drop());
   if (source.time) setChanged(part.path(), source.time->at, error);  // one that cannot be set does no harm
-  const auto why = part.whyNotBecome();
+  const auto why = part.become();
   return why ? failure(*why + "; " + part.drop()) : Outcome{};
 }
 
@@ -126,13 +94,34 @@ std::optional<std::uint64_t> listedSize(qx::Client& client, const std::string& p
   return {};
 }
 
-Outcome download(qx::Client& client, const RemoteFile& source, const fs::path& target, IfThere ifThere) {
-  Part part(fs::absolute(target), ifThere);
+Part::Part(const fs::path& target, IfThere ifThere)
+    : m_target(fs::absolute(target)), m_path(partBeside(m_target)), m_ifThere(ifThere) {}
+
+std::optional<std::string> Part::become() {
+  std::error_code error;
+  if (m_ifThere == IfThere::keep && fs::is_regular_file(m_target, error)) return kHasCome;
+  fs::rename(m_path, m_target, error);
+  return error ? std::optional(error.message()) : std::nullopt;
+}
+
+std::string Part::drop() {
+  std::error_code error;
+  fs::remove(m_path, error);
+  if (error) return "what has come is in " + shown(m_path);
+  return fs::exists(m_target, error) ? shown(m_target) + " is as it was" : "nothing is left here";
+}
+
+Outcome download(qx::Client& client, const RemoteFile& source, Part& part) {
   const auto local = pathForLibrary(part.path());
   if (!local)
-    return failure("the code page of this system lacks characters of " + shown(target.parent_path()));
+    return failure("the code page of this system lacks characters of " + shown(part.target().parent_path()));
   const auto copied = client.download(source.path, *local);
   return copied ? finish(client, source, part) : outcomeOf(client, copied.report(), part.drop());
+}
+
+Outcome download(qx::Client& client, const RemoteFile& source, const fs::path& target) {
+  Part part(target);
+  return download(client, source, part);
 }
 
 Outcome upload(qx::Client& client, const fs::path& source, const std::string& target, const ListedSize& ask) {

@@ -37,12 +37,34 @@ struct Outcome {
 enum class IfThere { replace, keep };
 inline constexpr const char* kHasCome = "a file of this name has come meanwhile";
 
-// Into a file of its own beside `target`, whose name begins with ".qx-", and which gets the name when all
-// of it is there; so a file of that name stays as it was until then, and whatever else happens. One that is
-// to be kept is a failure then, of kHasCome. The new file has the time that the server tells. The folder has
-// to be there. The client's lambda `poll` is told how far it is, and cancels.
-Outcome download(qx::Client& client, const RemoteFile& source, const std::filesystem::path& target,
-                 IfThere ifThere = IfThere::replace);
+// What has come of a download: a file of its own beside the target, whose name begins with ".qx-". It goes
+// with this, unless it has become the target.
+class Part {
+ public:
+  explicit Part(const std::filesystem::path& target, IfThere ifThere = IfThere::replace);
+  ~Part() { drop(); }
+  Part(const Part&) = delete;
+  Part& operator=(const Part&) = delete;
+
+  [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
+  [[nodiscard]] const std::filesystem::path& target() const { return m_target; }
+  // Gets the target's name; says why not.
+  std::optional<std::string> become();
+  // Removes it; says what is left.
+  std::string drop();
+
+ private:
+  const std::filesystem::path m_target;
+  const std::filesystem::path m_path;
+  const IfThere m_ifThere;
+};
+
+// Into a part, which becomes the target when all of it is there; so a file of that name stays as it was until
+// then, and whatever else happens. One that is to be kept is a failure then, of kHasCome. The new file has
+// the time that the server tells. The folder has to be there. The client's lambda `poll` is told how far it
+// is, and cancels.
+Outcome download(qx::Client& client, const RemoteFile& source, Part& part);
+Outcome download(qx::Client& client, const RemoteFile& source, const std::filesystem::path& target);
 
 // The size of a file as its folder's listing has it, in all its bits; none: that is not to be had. Dispatches
 // no messages.

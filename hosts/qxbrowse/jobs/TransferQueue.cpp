@@ -52,26 +52,6 @@ hosts::Outcome copyOnServer(qx::Client& client, const Transfer& transfer) {
           .text = copied.report().text + "; a part of it may be on the server as " + transfer.copy};
 }
 
-hosts::Outcome downloadInto(qx::Client& client, const Transfer& transfer) {
-  std::error_code error;
-  std::filesystem::create_directories(transfer.local.parent_path(), error);
-  if (error) return notMoved(error.message());
-  const auto ifThere = transfer.mayReplace ? hosts::IfThere::replace : hosts::IfThere::keep;
-  return hosts::download(client, transfer.remote, transfer.local, ifThere);
-}
-
-hosts::Outcome carry(qx::Client& client, const Transfer& transfer, const hosts::ListedSize& listedSize) {
-  switch (transfer.direction) {
-    case Direction::upload:
-      return hosts::upload(client, transfer.local, transfer.remote.path, listedSize);
-    case Direction::copy:
-      return copyOnServer(client, transfer);
-    case Direction::download:
-      break;
-  }
-  return downloadInto(client, transfer);
-}
-
 // What the library said of a client that was freed to end it is no reason for the user.
 hosts::Outcome asCancelled(const hosts::Outcome& outcome) {
   const auto left = outcome.text.find("; ");
@@ -102,17 +82,41 @@ class TransferQueue::Running {
     m_isCancelled = true;
     if (m_listing.isRunning() || steady_clock::now() - m_askedAt > kAsksNoMore) freeClient();
   }
+  // Also what has come of a download is gone then: the process may end before run() does.
   void end() {
     m_isCancelled = true;
     freeClient();
+    if (m_part) m_part->drop();
   }
 
  private:
   hosts::Outcome move() {
     if (const auto why = whyTaken(*m_client, m_transfer)) return notMoved(*why);
     m_figures.begin({}, m_transfer.size, steady_clock::now());
-    return carry(*m_client, m_transfer,
-                 [this](const std::string& file) { return m_listing.sizeOf(file, *m_transfer.server); });
+    switch (m_transfer.direction) {
+      case Direction::upload:
+        return upload();
+      case Direction::copy:
+        return copyOnServer(*m_client, m_transfer);
+      case Direction::download:
+        break;
+    }
+    return download();
+  }
+
+  hosts::Outcome upload() {
+    const auto listedSize = [this](const std::string& file) {
+      return m_listing.sizeOf(file, *m_transfer.server);
+    };
+    return hosts::upload(*m_client, m_transfer.local, m_transfer.remote.path, listedSize);
+  }
+
+  hosts::Outcome download() {
+    std::error_code error;
+    std::filesystem::create_directories(m_transfer.local.parent_path(), error);
+    if (error) return notMoved(error.message());
+    const auto ifThere = m_transfer.mayReplace ? hosts::IfThere::replace : hosts::IfThere::keep;
+    return hosts::download(*m_client, m_transfer.remote, m_part.emplace(m_transfer.local, ifThere));
   }
 
   // A copy on the server would tell its bytes twice, on both ways.
@@ -145,6 +149,7 @@ class TransferQueue::Running {
   TransferQueue& m_queue;
   const Transfer m_transfer;
   std::optional<qx::Client> m_client;
+  std::optional<hosts::Part> m_part;
   ListingAside m_listing;
   hosts::TransferProgress m_figures{1, m_transfer.size};
   steady_clock::time_point m_askedAt;  // at first never: the look at the target asks nobody

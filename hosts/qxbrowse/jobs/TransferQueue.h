@@ -51,7 +51,8 @@ class TransferQueue {
   void clearDone();
   void resume();
 
-  // `isOver` is posted when nothing runs any more; nothing begins from now on.
+  // `isOver` is posted when nothing runs any more; nothing begins from now on. Of a download nothing is left
+  // when this returns.
   void end(Letter isOver);
 
   [[nodiscard]] bool isRunning() const { return m_running != nullptr; }

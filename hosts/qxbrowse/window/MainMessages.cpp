@@ -93,6 +93,9 @@ LRESULT MainWindow::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_CLOSE:
       onClose();
       return 0;
+    case WM_ENDSESSION:
+      if (wParam != FALSE) end();  // behind it the process is ended: no time for questions
+      return 0;
     case WM_DESTROY:
       m_status = nullptr;  // nothing is laid out any more
       PostQuitMessage(0);
@@ -176,8 +179,11 @@ void MainWindow::onClose() {
   // A dialog in front of it, such as the question below, is to be answered first.
   if (!IsWindowEnabled(m_window)) return static_cast<void>(SetForegroundWindow(GetLastActivePopup(m_window)));
   EndMenu();  // what runs ends below it
-  if (m_isEnding || (m_mayClose && !m_mayClose())) return;
-  m_lastPlacement = placement();
+  if (!m_isEnding && (!m_mayClose || m_mayClose())) end();
+}
+
+void MainWindow::end() {
+  if (m_isEnding) return;
   m_isEnding = true;
   ShowWindow(m_window, SW_HIDE);  // to the user it has closed
   m_services.end();

@@ -140,7 +140,6 @@ void MainWindow::setPlacement(const Placement& placement) {
 }
 
 Placement MainWindow::placement() const {
-  if (m_isEnding || m_window == nullptr) return m_lastPlacement;
   WINDOWPLACEMENT place{};
   place.length = sizeof place;
   GetWindowPlacement(m_window, &place);

@@ -42,7 +42,7 @@ class MainWindow {
   void setBottomPane(BottomPane pane);
   // Between create() and show().
   void setPlacement(const Placement& placement);
-  // As it is now, or was when the window closed.
+  // As it is now. REQUIRES: the window is there.
   [[nodiscard]] Placement placement() const;
   // The end of it, when Services::end() has ended all work.
   void close();
@@ -85,6 +85,7 @@ class MainWindow {
   void onDropFiles(HDROP drop);
   void onDpiChanged(UINT dpi, const RECT& suggested);
   void onClose();
+  void end();
 
   void registerClass() const;
   void makeToolbar();
@@ -133,7 +134,6 @@ class MainWindow {
   bool m_isConnected = false;
   std::wstring m_message;
   Splits m_splits;
-  Placement m_lastPlacement;
   bool m_isEnding = false;
   Grip m_grip = Grip::none;
   std::optional<Splits> m_splitsBefore;  // while the arrow keys move the borders

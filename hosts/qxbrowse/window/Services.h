@@ -50,8 +50,9 @@ class Services {
   virtual void showHelp() = 0;
   virtual void showAbout() = 0;
 
-  // The user closes the window: ends what runs; then MainWindow::close, within a second. Nothing else is
-  // asked for any more.
+  // The window closes, or the session of the user: ends what runs; then MainWindow::close, within a second.
+  // What must not be lost is kept when this returns, since the system may end the process then. Nothing else
+  // is asked for any more.
   virtual void end() = 0;
 };
 

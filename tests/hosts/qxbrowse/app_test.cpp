@@ -179,10 +179,11 @@ TEST_F(TheProgram, AsksBeforeItReplacesAFileThatHasComeWhileAnUploadWaited) {
     waitForNames(user, kServer, {"sub", "a.txt"});
     server.reconfigure(
         R"({"rules": [{"on": "STOR", "argument": "/pub/first", "do": [{"gate": "first"}, {"normal": {}}]}]})");
-    for (const char* name : {"first", "mine.txt"}) {
-      choose(user, kLocal, name);
-      order(Command::transfer);
-    }
+    choose(user, kLocal, "first");
+    order(Command::transfer);
+    server.waitAtGate("first");
+    choose(user, kLocal, "mine.txt");
+    order(Command::transfer);
     user.waitUntil("both entries", [&] { return user.send(queue(user), LVM_GETITEMCOUNT) == 2; });
     server.put(R"({"/pub/mine.txt": "somebody's"})");
     server.release("first");

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The program while the library is at work on the window's thread, and how it ends in the middle of that.
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <fstream>
@@ -119,6 +120,10 @@ class TheEndOfTheApp : public AppTest {
     run([this](Driver& user) { close(user); });  // what a first window leaves behind for good is there now
     before = counted();
   }
+  [[nodiscard]] std::ptrdiff_t partsHere() const {
+    return std::ranges::count_if(std::filesystem::directory_iterator(scratch.path()),
+                                 [](const auto& file) { return file.path().extension() == ".part"; });
+  }
   // A lock or two of the process are made when they are first waited for.
   void TearDown() override {
     std::printf("the end took %d ms\n", static_cast<int>(ended / std::chrono::milliseconds(1)));
@@ -175,6 +180,27 @@ TEST_F(TheEndOfTheApp, ComesAtOnceDuringAnUpload) {
     later([this] { app->upload({{(scratch.path() / "up").wstring(), false, 0}}, L"/pub"); });
     server.waitAtGate("half");
     close(user);
+  });
+}
+
+// The part of the file stayed, and what the window remembers was lost: the process is ended behind the
+// message.
+TEST_F(TheEndOfTheApp, HasLeftNothingBehindTheEndOfTheSession) {
+  stallDownloads();
+  run([this](Driver& user) {
+    logIn(user);
+    download({L"large", L"a.txt"});
+    server.waitAtGate("half");
+    const HWND window = frame();
+    EXPECT_NE(SendMessageW(window, WM_QUERYENDSESSION, 0, 0), FALSE);
+    SendMessageW(window, WM_ENDSESSION, FALSE, 0);  // another program has said no
+    EXPECT_NE(partsHere(), 0);
+    std::filesystem::remove(scratch.path() / "window.ini");
+    closed = std::chrono::steady_clock::now();
+    SendMessageW(window, WM_ENDSESSION, TRUE, 0);
+    EXPECT_EQ(partsHere(), 0);
+    EXPECT_TRUE(isHere("window.ini"));
+    user.waitUntilGone(window);
   });
 }
 

@@ -137,6 +137,18 @@ TEST_F(TheTransferQueue, EndsInTheMiddleOfATransfer) {
   EXPECT_EQ(localCount(), 0U);
 }
 
+// Where the session of the user ends, the system ends the process behind the message that says so.
+TEST_F(TheTransferQueue, HasLeftNothingOfADownloadWhenItIsToldToEnd) {
+  inTheMiddle([this] {
+    EXPECT_EQ(localCount(), 1U);
+    queue->end([] {});
+    EXPECT_EQ(localCount(), 0U);
+  });
+  queue->add({download("large", 700000)});
+  runAll();
+  EXPECT_EQ(localCount(), 0U);
+}
+
 TEST_F(TheTransferQueue, EndsAtOnceWhenNothingRuns) {
   bool isOver = false;
   queue->end([&] { isOver = true; });
