@@ -21,16 +21,18 @@ class Words {
     return m_rest.starts_with('"') ? quoted() : plain();
   }
 
+  // The next one that is in no comment: what stands behind a word is none, whatever it begins with.
+  std::string nextKeyword() {
+    for (skipBlanks(); m_rest.starts_with('#'); skipBlanks()) {
+      m_rest.remove_prefix(std::min(m_rest.find('\n'), m_rest.size()));
+    }
+    return next();
+  }
+
   void skipMacro() { m_rest.remove_prefix(std::min(m_rest.find("\n\n"), m_rest.size())); }
 
  private:
-  void skipBlanks() {
-    for (;;) {
-      m_rest.remove_prefix(std::min(m_rest.find_first_not_of(kBlanks), m_rest.size()));
-      if (!m_rest.starts_with('#')) return;
-      m_rest.remove_prefix(std::min(m_rest.find('\n'), m_rest.size()));
-    }
-  }
+  void skipBlanks() { m_rest.remove_prefix(std::min(m_rest.find_first_not_of(kBlanks), m_rest.size())); }
 
   std::string plain() {
     const Text word = m_rest.substr(0, m_rest.find_first_of(kBlanks));
@@ -59,7 +61,7 @@ std::optional<NetrcLogin> findInNetrc(Text text, Text host, Text user) {
   bool isHosts = false;
   NetrcLogin entry;
   const auto fits = [&] { return isHosts && (user.empty() || entry.user == user || entry.user.empty()); };
-  for (std::string word = words.next(); !word.empty(); word = words.next()) {
+  for (std::string word = words.nextKeyword(); !word.empty(); word = words.nextKeyword()) {
     if (word == "machine" || word == "default") {
       if (fits()) break;
       entry = {};

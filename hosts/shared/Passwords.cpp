@@ -56,9 +56,10 @@ std::optional<NetrcLogin> fromNetrc(const PasswordSources& sources, const qx::Lo
   if (!sources.usesNetrc) return {};
   const Path path = sources.netrc.empty() ? usualNetrc() : sources.netrc;
   std::ifstream file(path);
-  if (!file && !sources.netrc.empty())
+  const bool isFile = file && !std::filesystem::is_directory(path);
+  if (!isFile && !sources.netrc.empty())
     throw NoPassword("the netrc file " + path.string() + " cannot be read");
-  if (!file) return {};
+  if (!isFile) return {};
   const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   auto found = findInNetrc(text, bareHost(login.host), login.user);
   if (found && !found->password.empty() && !isAnonymous(found->user)) requirePrivate(path);

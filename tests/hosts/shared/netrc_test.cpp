@@ -35,6 +35,15 @@ TEST(Netrc, IsSearchedByHostAndUser) {
 
 TEST(Netrc, MayHaveWordsInQuotationMarks) { EXPECT_EQ(passwordOf("two.example", ""), "a b/x\"y\\z"); }
 
+// A password with a "#" in front was a comment, and the next line the password.
+TEST(Netrc, HasCommentsBetweenItsLinesAlone) {
+  const char* const file =
+      "machine h login #me password #secret # a comment\nmachine other login x password y";
+  EXPECT_EQ(findInNetrc(file, "h", "")->user, "#me");
+  EXPECT_EQ(findInNetrc(file, "h", "")->password, "#secret");
+  EXPECT_EQ(findInNetrc(file, "other", "")->password, "y");
+}
+
 TEST(Netrc, HasADefaultAtItsEnd) {
   EXPECT_EQ(passwordOf("other.example", ""), "anonymous/me@example.org");
   EXPECT_EQ(passwordOf("other.example", "me"), "none");
