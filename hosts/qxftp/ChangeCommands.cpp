@@ -1,23 +1,16 @@
 // SPDX-License-Identifier: MIT
 // The commands that change what is on a server.
+#include <random>
+
 #include "hosts/qxftp/Changes.h"
 #include "hosts/qxftp/Commands.h"
 #include "hosts/qxftp/Listing.h"
 #include "hosts/qxftp/Wildcards.h"
-#include "hosts/shared/Ascii.h"
 
 namespace qxftp {
 namespace {
 
 using Paths = std::vector<std::string>;
-
-// Copies take a path for a local one by its form: a drive, a share, or one character. Here all of them are on
-// the server.
-std::string asRemote(const std::string& path) {
-  const bool hasDrive = path.size() > 1 && hosts::isLetter(path[0]) && path[1] == ':';
-  const bool isOne = path.size() == 1 && path != "/";
-  return hasDrive || isOne || path.starts_with("\\\\") ? "./" + path : path;
-}
 
 // The library answers "done" where the server has refused the second half of a copy.
 void checkCopy(Context& context, const Place& to, std::uint64_t size) {
@@ -27,20 +20,38 @@ void checkCopy(Context& context, const Place& to, std::uint64_t size) {
 void copyOne(Context& context, const Place& from, const Place& to) {
   const std::uint64_t size = wholeSize(context, from);
   leaving("a part of it, or all, may be there as " + to.path(), [&] {
-    need(context.client(from).copy(asRemote(from.path()), asRemote(to.path())));
+    need(context.client(from).copy(from.path(), to.path()));
     checkCopy(context, to, size);
   });
 }
 
-// It also leaves the source where it is not sure of the copy.
+// A link can make one file of both paths, and the copy would go with the source: that gets another name
+// first, and goes when the copy is there all the same.
+void removeSource(Context& context, const Place& from, const std::string& aside, const Place& copy) {
+  qx::Client& client = context.client(from);
+  const auto size = context.connected(copy).size(copy.path());
+  rename(client, from.path(), aside);
+  const auto left = context.connected(copy).size(copy.path());
+  const bool isOther = size && left && *size == *left;
+  const auto removed = isOther ? client.remove(aside) : qx::Result<qx::Done>(std::nullopt, left.report());
+  if (removed) return;
+  rename(client, aside, from.path());
+  if (isOther) throw Failure{removed.report()};
+  context.refusal().forget();  // that was of a question
+  fail("both paths lead to one file, which is where it was");
+}
+
 void moveOne(Context& context, const Place& from, const Place& to) {
   const std::uint64_t size = wholeSize(context, from);
-  leaving("a part of it may be there as " + to.path() + ", or all, and then it may be gone here", [&] {
-    need(context.client(from).move(asRemote(from.path()), asRemote(to.path())));
-    checkCopy(context, to, size);
-    if (need(context.connected(from).fileExists(from.path())))
-      fail("it was copied, but it is still there, too");
-  });
+  const std::string aside =
+      joinedPath(splitPath(from.path()).folder, "qx-move-" + std::to_string(std::random_device()()) + ".tmp");
+  leaving(
+      "a part of it may be there as " + to.path() + ", or all, and then it may be gone here, or be " + aside,
+      [&] {
+        need(context.client(from).copy(from.path(), to.path()));
+        checkCopy(context, to, size);
+        removeSource(context, from, aside, to);
+      });
 }
 
 using OneTransfer = void (*)(Context& context, const Place& from, const Place& to);
@@ -53,8 +64,13 @@ void transfer(Context& context, const Paths& words, OneTransfer one) {
   if (!isDirectory && sources.size() > 1) {
     throw WrongUsage("several files need a directory to go to, with a slash at its end");
   }
+  std::vector<Place> targets;
+  for (const Place& from : sources) {
+    targets.push_back(context.placeBeside(from, isDirectory ? target + splitPath(from.path()).name : target));
+  }
+  std::size_t next = 0;
   context.each(sources, [&](const Place& from, Json& result) {
-    const Place to = context.placeBeside(from, isDirectory ? target + splitPath(from.path()).name : target);
+    const Place& to = targets[next++];
     one(context, from, to);
     result["to"] = to.text;
   });
@@ -68,6 +84,7 @@ void move(Context& context, const Paths& words) { transfer(context, words, moveO
 void giveName(Context& context, const TwoWords& words) {
   const std::string& to = words.second;
   context.each(Paths{words.first}, [&](const Place& old, Json& result) {
+    if (to.empty()) throw WrongUsage("the new name is empty");
     const bool isName = to.find_first_of("/\\") == std::string::npos;
     const Place renamed =
         context.placeBeside(old, isName ? joinedPath(splitPath(old.path()).folder, to) : to);
@@ -95,7 +112,7 @@ void makeDirectories(Context& context, const Paths& paths) {
 
 void makeNew(Context& context, const TwoWords& words) {
   context.each(Paths{words.first}, [&](const Place& place, Json& result) {
-    const std::string made = makeNewDirectory(context.client(place), place.path(), words.second);
+    const std::string made = makeNewDirectory(context.connected(place), place.path(), words.second);
     context.say(made);
     result["made"] = made;
   });

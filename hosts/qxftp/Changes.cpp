@@ -2,6 +2,7 @@
 #include "hosts/qxftp/Changes.h"
 
 #include "hosts/qxftp/Outcome.h"
+#include "hosts/shared/Names.h"
 #include "hosts/shared/Trees.h"
 
 namespace qxftp {
@@ -34,10 +35,19 @@ void rename(qx::Client& client, const std::string& from, const std::string& to) 
   leaving("it may be there as " + to, [&] { need(client.rename(from, to)); });
 }
 
+// The library's own search tries a name that the server refuses for ever.
 std::string makeNewDirectory(qx::Client& client, const std::string& parent, const std::string& name) {
-  std::string made;
-  leaving("one may have been made", [&] { made = need(client.createNewDirectory(parent, name)); });
-  return made;
+  if (const auto reason = hosts::whyNotRemote(name)) fail(*reason);
+  if (!need(client.directoryExists(parent))) fail("there is no such directory");
+  constexpr int kNames = 1000;
+  for (int number = 0; number < kNames; ++number) {
+    const std::string suffix = number == 0 ? "" : " (" + std::to_string(number) + ")";
+    const std::string path = hosts::joined(parent, name + suffix);
+    if (need(client.directoryExists(path)) || need(client.fileExists(path))) continue;
+    leaving("one may have been made", [&] { need(client.createDirectory(path)); });
+    return path;
+  }
+  fail("all names up to (" + std::to_string(kNames - 1) + ") are taken");
 }
 
 }  // namespace qxftp

@@ -8,20 +8,27 @@
 #include "hosts/qxftp/Commands.h"
 #include "hosts/qxftp/Listing.h"
 #include "hosts/shared/Address.h"
+#include "hosts/shared/Names.h"
+#include "hosts/shared/Transfers.h"
 
 namespace qxftp {
 namespace {
 
-std::string contentOf(std::istream& stream) {
+[[noreturn]] void failToRead(const std::string& name) { fail("the local file " + name + " cannot be read"); }
+
+// A folder can be opened, and not read.
+std::string contentOf(std::istream& stream, const std::string& name) try {
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+} catch (const std::ios_base::failure&) {
+  failToRead(name);
 }
 
 // "-" is the standard input. The library writes no empty file.
 std::string localContent(const std::string& name) {
   std::ifstream file;
   if (name != "-") file.open(name, std::ios::binary);
-  if (name != "-" && !file) fail("the local file " + name + " cannot be read");
-  std::string content = contentOf(name == "-" ? std::cin : file);
+  if (name != "-" && !file) failToRead(name);
+  std::string content = contentOf(name == "-" ? std::cin : file, name);
   if (content.empty()) fail("the local file is empty; put can move such a one");
   return content;
 }
@@ -87,7 +94,7 @@ qx::WebFile webFile(const std::string& text) {
 void fetch(Context& context, const TwoWords& words) {
   const qx::WebFile from = webFile(words.first);
   context.one(words.first, [&](Json& result) {
-    need(context.anonymous().fetch(from, words.second));
+    need(hosts::fetch(context.anonymous(), from, hosts::nameFromServer(words.second)));
     result["to"] = words.second;
   });
 }
@@ -111,8 +118,9 @@ void addRead(Commands& commands) {
 }
 
 void addFetch(Commands& commands) {
-  auto [command, words] = commands.add("http", "Gets a file from the web.",
-                                       "qxftp http https://www.example.org/ page.html", fetch);
+  auto [command, words] = commands.add(
+      "http", "Gets a file from the web. A file that is there is replaced when the new one is whole.",
+      "qxftp http https://www.example.org/ page.html", fetch);
   takeWord(command, words.first, "URL", "address that begins with http:// or https://");
   takeWord(command, words.second, "LOCAL", "local file");
 }

@@ -21,13 +21,16 @@ Address parsed(const std::string& text) {
   }
 }
 
+// What begins elsewhere has another meaning in some of the library's operations, and a local one in copies.
+std::string fromRoot(const std::string& path) { return path.starts_with('/') ? path : "/" + path; }
+
 Address atHost(const Settings& settings, const std::string& path) {
   if (settings.host.empty()) throw WrongUsage("which server? Give whole addresses, or --host");
   Address address = parsed(settings.host);
   if (!address.path.empty() && address.path != "/")
     throw WrongUsage("--host wants an address without a path");
   if (settings.port != 0) address.login.port = settings.port;
-  address.path = path;
+  address.path = fromRoot(path);
   return address;
 }
 
@@ -58,7 +61,7 @@ std::vector<Place> Context::places(const std::vector<std::string>& texts) const 
 }
 
 Place Context::placeBeside(const Place& first, const std::string& text) const {
-  if (!hosts::isAddress(text)) return at(first, text);
+  if (!hosts::isAddress(text)) return at(first, fromRoot(text));
   Place second = place(text);
   const std::string user = second.address.login.user;
   second.address.login.user = first.address.login.user;

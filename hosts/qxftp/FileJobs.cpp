@@ -153,10 +153,7 @@ class Runner {
   void note(const hosts::Outcome& outcome) {
     m_losses = outcome.isServerLost ? m_losses + 1 : 0;
     m_isDiskFull = outcome.isDiskFull;
-    if (!outcome) {
-      throw Failure{
-          {true, outcome.state == hosts::Outcome::State::cancelled, outcome.number, outcome.text, {}}};
-    }
+    need(outcome);
   }
 
   Context& m_context;

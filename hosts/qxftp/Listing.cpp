@@ -26,8 +26,9 @@ std::optional<QXDirEntry> entryOf(Context& context, const Place& place) {
 }
 
 std::uint64_t wholeSize(Context& context, const Place& place) {
-  const std::uint32_t size = need(context.connected(place).size(place.path()));
   const auto entry = entryOf(context, place);
+  if (entry && entry->bIsDirectory != 0) fail(place.path() + " is a directory");
+  const std::uint32_t size = need(context.connected(place).size(place.path()));
   const std::uint64_t listed = entry ? hosts::sizeOf(*entry) : size;
   return static_cast<std::uint32_t>(listed) == size ? listed : size;
 }

@@ -13,7 +13,8 @@ namespace qxftp {
 // The one that the path names, in the listing of its folder. Throws Failure.
 [[nodiscard]] std::optional<QXDirEntry> entryOf(Context& context, const Place& place);
 
-// Of a file. The library tells 32 bits, the listing of its folder the rest. Throws Failure.
+// Of a file. The library tells 32 bits, the listing of its folder the rest; of a directory the size of what
+// is in it. Throws Failure.
 [[nodiscard]] std::uint64_t wholeSize(Context& context, const Place& place);
 
 // "2024-02-29 12:34:56", or "" where the server has told none.

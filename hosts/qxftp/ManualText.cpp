@@ -31,7 +31,14 @@ const std::vector<Section> kSections = {
       {"links", "are followed here, but not to a folder above; on a server they are what they lead to"},
       {"names",
        "one that is no name here, or differs from another one in nothing that counts here, is a failure; on "
-       "a server those that begin with a dot are not listed"}}},
+       "a server those that begin with a dot are not listed, nor are folders whose path has more than 255 "
+       "bytes"},
+      {"target",
+       "a file keeps its rights, and a link gives way to a file; a device or a pipe is a failure, but "
+       "to http"},
+      {"move",
+       "gives a file the name \"qx-move-NUMBER.tmp\" before it goes: were the copy the same file by a link, "
+       "both would go"}}},
     {"Mirrors",
      "Files are the same when their sizes and times are.",
      {{"times",

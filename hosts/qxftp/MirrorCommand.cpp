@@ -53,6 +53,7 @@ class Mirror {
   void run() {
     m_context.attempt(m_place, [&] {
       const Tree remote = isDown() ? remoteTree() : remoteTarget();
+      m_context.refusal().forget();  // of what need not be there
       const Tree local = isDown() ? localTarget() : localSource();
       carryOut(isDown() ? planMirror(remote, local, m_rules) : planUp(local, remote));
     });

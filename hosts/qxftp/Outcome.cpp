@@ -11,6 +11,11 @@ namespace qxftp {
 
 void fail(const std::string& text) { throw Failure{{true, false, 0, text, {}}}; }
 
+void need(const hosts::Outcome& outcome) {
+  const bool isCancelled = outcome.state == hosts::Outcome::State::cancelled;
+  if (!outcome) throw Failure{{true, isCancelled, outcome.number, outcome.text, {}}};
+}
+
 qx::Report withWhatIsLeft(qx::Report report, const std::string& left) {
   if (!report.isCancelled && !hosts::isInterrupted()) return report;
   report.isCancelled = true;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "QXResult.h"
+#include "hosts/shared/Transfers.h"
 
 namespace qxftp {
 
@@ -33,6 +34,9 @@ Value need(qx::Result<Value> result) {
   if (!result) throw Failure{result.report()};
   return std::move(result).value();
 }
+
+// The same of a file that was to come or to go.
+void need(const hosts::Outcome& outcome);
 
 // The report; where Ctrl-C has ended the operation, as one of a cancel with the words about what it has
 // `left`.

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "hosts/qxftp/Program.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <string_view>
 #include <system_error>
 
 #include "QXVersion.h"
@@ -111,6 +113,7 @@ int runWords(int count, const char* const* words) {
   } catch (const CLI::Success& asked) {
     return app.exit(asked);
   } catch (const CLI::ParseError& problem) {
+    settings.isJson = std::find(words, words + count, std::string_view("--json")) != words + count;
     return failed(settings, kWrongUsage, problem.what());
   }
   hosts::catchInterrupts();

@@ -62,6 +62,8 @@ class Put {
     const hosts::LocalFacts facts = hosts::factsOf(source, hosts::Links::followed, error);
     if (error) return tell(hosts::shown(source), error.message());
     const Place place = target(source);
+    if (const auto reason = hosts::whyNotRemote(hosts::lastPart(place.path())); reason && m_isInto)
+      return tell(hosts::shown(source), *reason);
     if (facts.kind == Kind::file) return add(source, facts.size, place);
     if (facts.kind != Kind::folder) return tell(hosts::shown(source), "neither a file nor a folder");
     if (!m_options.isRecursive)

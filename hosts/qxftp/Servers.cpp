@@ -27,13 +27,16 @@ qx::Login completed(qx::Login login, const Settings& settings) {
   return login;
 }
 
+bool movesContent(std::string_view verb) { return verb == "RETR" || verb == "STOR" || verb == "APPE"; }
+
 }  // namespace
 
-// "< 550 No such file"
+// "< 550 No such file". What was refused before content moved has done no harm.
 void Refusal::take(std::string_view line) {
-  if (!line.starts_with("< 4") && !line.starts_with("< 5")) return;
   const std::lock_guard lock(m_lock);
-  m_text = line.substr(2);
+  if (line.starts_with("> ")) m_movesContent = movesContent(line.substr(2, 4));
+  if (line.starts_with("< 1") && m_movesContent) m_text.clear();
+  if (line.starts_with("< 4") || line.starts_with("< 5")) m_text = line.substr(2);
 }
 
 void Refusal::forget() {

@@ -28,6 +28,7 @@ class Refusal {
  private:
   mutable std::mutex m_lock;
   std::string m_text;
+  bool m_movesContent = false;  // the last command
 };
 
 class Servers {

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 
 namespace hosts {
@@ -25,5 +26,9 @@ LocalFacts factsOf(const std::filesystem::path& path, Links links, std::error_co
 
 // Sets the time of a file's last change.
 void setChanged(const std::filesystem::path& path, std::chrono::sys_seconds when, std::error_code& error);
+
+// What its owner and others may do with a file; none where there is no file, and on Windows, where new files
+// have that from their folder.
+std::optional<std::filesystem::perms> rightsOf(const std::filesystem::path& file);
 
 }  // namespace hosts

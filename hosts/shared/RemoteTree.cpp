@@ -13,6 +13,9 @@ namespace {
 // other can look alike, but not so many, and not down to the time.
 constexpr std::ptrdiff_t kAlikeAbove = 3;
 
+// That the library lists.
+constexpr std::size_t kLongestListed = 255;
+
 using Entries = std::vector<QXDirEntry>;
 
 // What is in a folder, in one number: names, kinds, sizes and times.
@@ -47,8 +50,10 @@ class RemoteWalk {
 
   void look(const std::string& path) {
     if (isCancelled()) return;
+    const std::string folder = path.empty() ? m_folder : joined(m_folder, path);
+    if (folder.size() > kLongestListed) return problem(path, "a path of more than 255 bytes cannot be listed");
     m_watch.begin();
-    auto listing = m_client.list(path.empty() ? m_folder : joined(m_folder, path), "*");
+    auto listing = m_client.list(folder, "*");
     if (!listing && isCancelled()) return;
     if (!listing) return problem(path, listing.report().text);
     if (!m_watch.hasCome()) return problem(path, whyNothingCame());

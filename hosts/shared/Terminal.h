@@ -24,7 +24,8 @@ enum class Echo { on, off };
 [[nodiscard]] bool takesColours(std::FILE* stream);
 
 // From now on the standard streams move bytes as they are, and a console of Windows takes texts in this
-// program's code page.
+// program's code page. On Linux those that are closed are no longer free for files and sockets. Before any of
+// these is opened.
 void prepareStreams();
 
 }  // namespace hosts

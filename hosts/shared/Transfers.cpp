@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "hosts/shared/Transfers.h"
 
+#include <fstream>
 #include <random>
 
 #include "QXErrorInfo.h"
@@ -23,6 +24,10 @@ Outcome failure(const std::string& text) { return {.state = State::failed, .text
 
 Outcome cancelled(const std::string& left) {
   return {.state = State::cancelled, .text = "cancelled; " + left};
+}
+
+Outcome hasNoPath(const fs::path& path) {
+  return failure("the code page of this system lacks characters of " + shown(path));
 }
 
 // Also what the end of the client has made of a question behind the transfer.
@@ -66,14 +71,31 @@ std::optional<std::string> whyNotWhole(qx::Client& client, const RemoteFile& sou
   return now && *now == came % kBytesOfSize ? std::nullopt : std::optional(why);
 }
 
+// Also behind a link, which a file would take the place of.
+bool isDeviceOrPipe(const fs::path& target) {
+  std::error_code error;
+  return fs::is_other(fs::status(target, error));
+}
+
+bool canBeReplaced(const fs::path& target) {
+  std::error_code error;
+  return !isDeviceOrPipe(target) && !fs::is_directory(fs::symlink_status(target, error));
+}
+
+Outcome isNoFile(const fs::path& target) { return failure(shown(target) + " is no file; it is as it was"); }
+
+Outcome finish(Part& part) {
+  const auto why = part.become();
+  return why ? failure(*why + "; " + part.drop()) : Outcome{};
+}
+
 Outcome finish(qx::Client& client, const RemoteFile& source, Part& part) {
   std::error_code error;
   const LocalFacts facts = factsOf(part.path(), Links::told, error);
   if (error) return failure(error.message() + "; " + part.drop());
   if (const auto why = whyNotWhole(client, source, facts.size)) return failure(client, *why, part.drop());
   if (source.time) setChanged(part.path(), source.time->at, error);  // one that cannot be set does no harm
-  const auto why = part.become();
-  return why ? failure(*why + "; " + part.drop()) : Outcome{};
+  return finish(part);
 }
 
 std::string leftOnServer(qx::Client& client, const std::string& path, bool mayAsk) {
@@ -95,11 +117,24 @@ std::optional<std::uint64_t> listedSize(qx::Client& client, const std::string& p
 }
 
 Part::Part(const fs::path& target, IfThere ifThere)
-    : m_target(fs::absolute(target)), m_path(partBeside(m_target)), m_ifThere(ifThere) {}
+    : m_target(fs::absolute(target)),
+      m_path(partBeside(m_target)),
+      m_ifThere(ifThere),
+      m_rights(rightsOf(m_target)) {
+  if (!m_rights) return;
+  std::ofstream made(m_path);
+  giveRights(*m_rights | fs::perms::owner_read | fs::perms::owner_write);
+}
+
+void Part::giveRights(fs::perms rights) const {
+  std::error_code error;
+  fs::permissions(m_path, rights, error);  // what cannot be given does no harm
+}
 
 std::optional<std::string> Part::become() {
   std::error_code error;
   if (m_ifThere == IfThere::keep && fs::is_regular_file(m_target, error)) return kHasCome;
+  if (m_rights) giveRights(*m_rights);
   fs::rename(m_path, m_target, error);
   return error ? std::optional(error.message()) : std::nullopt;
 }
@@ -107,14 +142,14 @@ std::optional<std::string> Part::become() {
 std::string Part::drop() {
   std::error_code error;
   fs::remove(m_path, error);
-  if (error) return "what has come is in " + shown(m_path);
+  if (error && fs::exists(m_path, error)) return "what has come is in " + shown(m_path);
   return fs::exists(m_target, error) ? shown(m_target) + " is as it was" : "nothing is left here";
 }
 
 Outcome download(qx::Client& client, const RemoteFile& source, Part& part) {
+  if (!canBeReplaced(part.target())) return isNoFile(part.target());
   const auto local = pathForLibrary(part.path());
-  if (!local)
-    return failure("the code page of this system lacks characters of " + shown(part.target().parent_path()));
+  if (!local) return hasNoPath(part.target().parent_path());
   const auto copied = client.download(source.path, *local);
   return copied ? finish(client, source, part) : outcomeOf(client, copied.report(), part.drop());
 }
@@ -124,13 +159,26 @@ Outcome download(qx::Client& client, const RemoteFile& source, const fs::path& t
   return download(client, source, part);
 }
 
+Outcome fetch(qx::Client& client, const qx::WebFile& source, const fs::path& target) {
+  if (isDeviceOrPipe(target)) {
+    const auto fetched = client.fetch(source, target.string());
+    return fetched ? Outcome{} : outcomeOf(client, fetched.report(), "a part of it may have come");
+  }
+  if (!canBeReplaced(target)) return isNoFile(target);
+  Part part(target);
+  const auto local = pathForLibrary(part.path());
+  if (!local) return hasNoPath(target.parent_path());
+  const auto fetched = client.fetch(source, *local);
+  return fetched ? finish(part) : outcomeOf(client, fetched.report(), part.drop());
+}
+
 Outcome upload(qx::Client& client, const fs::path& source, const std::string& target, const ListedSize& ask) {
   std::error_code error;
   const LocalFacts facts = factsOf(source, Links::followed, error);
   if (error) return failure(error.message() + "; nothing was sent");
   if (facts.kind != Kind::file) return failure("this is no file; nothing was sent");
   const auto local = pathForLibrary(source);
-  if (!local) return failure("the code page of this system lacks characters of " + shown(source));
+  if (!local) return hasNoPath(source);
   const bool isSizeExact = facts.size < kBytesOfSize;  // what size() tells
   const auto copied = client.upload(*local, target);
   if (!copied) {

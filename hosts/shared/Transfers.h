@@ -38,7 +38,7 @@ enum class IfThere { replace, keep };
 inline constexpr const char* kHasCome = "a file of this name has come meanwhile";
 
 // What has come of a download: a file of its own beside the target, whose name begins with ".qx-". It goes
-// with this, unless it has become the target.
+// with this, unless it has become the target, and has the rights of a file that it takes the place of.
 class Part {
  public:
   explicit Part(const std::filesystem::path& target, IfThere ifThere = IfThere::replace);
@@ -54,17 +54,23 @@ class Part {
   std::string drop();
 
  private:
+  void giveRights(std::filesystem::perms rights) const;
+
   const std::filesystem::path m_target;
   const std::filesystem::path m_path;
   const IfThere m_ifThere;
+  const std::optional<std::filesystem::perms> m_rights;  // of the file that it is to replace
 };
 
 // Into a part, which becomes the target when all of it is there; so a file of that name stays as it was until
 // then, and whatever else happens. One that is to be kept is a failure then, of kHasCome. The new file has
-// the time that the server tells. The folder has to be there. The client's lambda `poll` is told how far it
-// is, and cancels.
+// the time that the server tells. What is no file stays as it is: a folder, a device, a pipe. The folder has
+// to be there. The client's lambda `poll` is told how far it is, and cancels.
 Outcome download(qx::Client& client, const RemoteFile& source, Part& part);
 Outcome download(qx::Client& client, const RemoteFile& source, const std::filesystem::path& target);
+
+// The same of a file of the web. A device or a pipe as the target gets the content as it comes.
+Outcome fetch(qx::Client& client, const qx::WebFile& source, const std::filesystem::path& target);
 
 // The size of a file as its folder's listing has it, in all its bits; none: that is not to be had. Dispatches
 // no messages.

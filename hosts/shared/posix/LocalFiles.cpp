@@ -42,6 +42,13 @@ void setChanged(const std::filesystem::path& path, sys_seconds when, std::error_
   error = failed != 0 ? std::error_code(errno, std::generic_category()) : std::error_code();
 }
 
+std::optional<std::filesystem::perms> rightsOf(const std::filesystem::path& file) {
+  std::error_code error;
+  const auto status = std::filesystem::symlink_status(file, error);
+  if (!std::filesystem::is_regular_file(status)) return {};
+  return status.permissions() & std::filesystem::perms::all;
+}
+
 sys_seconds momentOf(const QXFileTime& localTime) {
   const sys_seconds calendar = kEpochOfFileTimes + seconds(unitsOf(localTime) / kUnitsOfFileTimes);
   const std::time_t asIfUtc = calendar.time_since_epoch().count();

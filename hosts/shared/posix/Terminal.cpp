@@ -104,6 +104,13 @@ bool takesColours(std::FILE* stream) {
   return isTerminal(stream) && !isDumb && (unwanted == nullptr || *unwanted == '\0');
 }
 
-void prepareStreams() {}
+// One that is closed gets a handle that refuses what is asked of it as a closed one does: the next file or
+// socket would get its number, and with it what is meant for people.
+void prepareStreams() {
+  for (const int handle : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(handle, F_GETFD) >= 0) continue;
+    [[maybe_unused]] const int refusing = open("/dev/null", handle == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
+}
 
 }  // namespace hosts

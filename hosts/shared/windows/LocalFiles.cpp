@@ -68,6 +68,8 @@ void setChanged(const std::filesystem::path& path, sys_seconds when, std::error_
   if (!file || !SetFileTime(file.get(), nullptr, nullptr, &time)) error = lastError();
 }
 
+std::optional<std::filesystem::perms> rightsOf(const std::filesystem::path& /*file*/) { return {}; }
+
 sys_seconds momentOf(const QXFileTime& localTime) {
   const FILETIME calendar{localTime.nLow, localTime.nHigh};
   SYSTEMTIME local{};

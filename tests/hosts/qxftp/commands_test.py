@@ -162,6 +162,14 @@ class Changes(Commands):
         self.assertEqual(self.names("/pub/new"), {"deep (1)"})
 
 
+    def test_a_new_directory_that_the_server_refuses_is_a_failure(self):
+        """It was tried for ever."""
+        self.rule("MKD", {"reply": "550 Not here"})
+        self.assertIn("550 Not here", self.fail_with(1, "mknew", self.pub, "new"))
+        self.assertIn("there is no such directory", self.fail_with(1, "mknew", f"{self.pub}/none", "new"))
+        self.assertIn("a slash", self.fail_with(1, "mknew", self.pub, "new/deep"))
+
+
 def load_tests(loader, tests, _pattern):
     return chosen(tests, ON_WINDOWS) if WINDOWS else tests
 

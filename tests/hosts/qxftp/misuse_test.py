@@ -44,6 +44,12 @@ class WrongUsage(ProgramCase):
         self.assertEqual((document["ok"], document["exitCode"]), (False, 2))
         self.assertIn("which server", document["error"]["text"])
 
+    def test_is_told_in_json_also_of_an_option_that_is_read_before(self):
+        """There was no document."""
+        for words in (["--port", "0", "ls", "/", "--json"], ["--json", "--retries", "x", "ls", "/"]):
+            document = json.loads(self.run_program(*words).stdout)
+            self.assertEqual((document["ok"], document["exitCode"]), (False, 2))
+
 
 class Missing(ProgramCase):
     def test_library(self):
@@ -63,6 +69,12 @@ class Missing(ProgramCase):
         document = self.results("ls", wrong)
         self.assertEqual((document["exitCode"], document["results"][0]["error"]["number"]), (4, 12014))
         self.assertNotIn("wrong", json.dumps(document))
+
+    def test_folder_in_place_of_a_file(self):
+        """The words were those of the compiler's library."""
+        server = self.address(self.start())
+        self.assertIn("cannot be read", self.fail_with(4, "--netrc", self.folder, "ls", server))
+        self.assertIn("cannot be read", self.fail_with(1, "write", self.folder, server + "/new"))
 
     def test_password_without_a_terminal(self):
         done = self.run_program("--no-netrc", "ls", "ftp://me@127.0.0.1:1/", command=NO_TERMINAL)

@@ -144,7 +144,8 @@ TEST_F(RemoteTree, AFolderWhosePathIsTooLongIsToldOf) {
   const std::string part(120, 'n');
   server.put(R"({"/long/)" + part + "/" + part + "/" + part + R"(/file": "x"})");
   const Tree tree = read("/long");
-  EXPECT_EQ(tree.problems.size(), 1U);
+  ASSERT_EQ(tree.problems.size(), 1U);
+  EXPECT_THAT(tree.problems[0].text, testing::HasSubstr("more than 255 bytes"));
   EXPECT_EQ(tree.entries.size(), 3U);
 }
 
