@@ -54,6 +54,10 @@ void ControlChannel::queue(std::string_view line, ReplyHandler handler) {
   window_.queue(line, std::move(handler));
 }
 
+void ControlChannel::follow(std::string_view line) {
+  if (isOpen() && window_.follow(line)) transmit();
+}
+
 void ControlChannel::sendAhead(std::string_view line, ReplyHandler handler) noexcept {
   if (!isOpen()) return;
   if (awaiting_ || platform::stopRequested()) return drop();

@@ -48,6 +48,9 @@ class ControlChannel {
   bool foresee(std::string_view line) { return isOpen() && window_.foresee(line); }
   [[nodiscard]] bool foresees() const noexcept { return window_.foresees(); }
   void forgetForeseen() noexcept { window_.forgetForeseen(); }
+  // Sends `line` now, behind a command that runs and has had its preliminary reply, where the server is known
+  // to take several at a time; its turn comes as that of one that was foreseen. It must do no harm either.
+  void follow(std::string_view line);
   // Sends `line` now without waiting for its reply, which is taken before the next command goes out, or
   // before that one's own where it does not depend on it. Closes the connection when it cannot take the line
   // at once.

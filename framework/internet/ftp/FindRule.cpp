@@ -222,12 +222,17 @@ EntryList FindRule::rowsIn(FtpControl::DirectoryVisit& visit, std::string_view d
 FindRule::Answer FindRule::fetch(ListingForm form, std::string_view directory) {
   ListingReader reader(form, now_, rulesFor(directory));
   const auto take = [&reader](std::string_view piece) { reader.take(piece); };
+  FtpListing listing;
+  const auto ended = [&] {
+    listing = reader.finish();
+    if (followsLinks_) OpenRows::follow(control_, listing.entries);
+  };
   // A refusal is handed back; what is thrown has broken the listing off.
   listingUnusable_ = true;
-  FtpReply reply = form == ListingForm::facts ? control_.listing("MLSD", directory, take)
-                                              : control_.listing("LIST", {}, take);
+  FtpReply reply = form == ListingForm::facts ? control_.listing("MLSD", directory, take, ended)
+                                              : control_.listing("LIST", {}, take, ended);
   listingUnusable_ = false;
-  return {std::move(reply), reader.begun(), reader.finish()};
+  return {std::move(reply), reader.begun(), std::move(listing)};
 }
 
 ListingRules FindRule::rulesFor(std::string_view directory) const {

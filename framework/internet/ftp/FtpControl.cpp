@@ -162,6 +162,10 @@ bool FtpControl::foresee(std::string_view verb, std::string_view argument) {
   return (argument.empty() || mayBeSent(argument)) && channel_.foresee(lineOf(verb, argument));
 }
 
+void FtpControl::follow(std::string_view verb, std::string_view argument) {
+  if (mayBeSent(argument)) channel_.follow(lineOf(verb, argument));
+}
+
 FtpReply FtpControl::require(std::string_view verb, std::string_view argument) {
   FtpReply reply = command(verb, argument);
   if (reply.refused()) raise(reply);
@@ -169,7 +173,8 @@ FtpReply FtpControl::require(std::string_view verb, std::string_view argument) {
 }
 
 FtpReply FtpControl::listing(std::string_view verb, std::string_view argument,
-                             const std::function<void(std::string_view)>& take) {
+                             const std::function<void(std::string_view)>& take,
+                             const std::function<void()>& ended) {
   FtpTransfer transfer(shared_from_this(), FtpTransfer::Kind::listing);
   FtpReply first = transfer.begin(verb, argument);
   if (first.refused()) return first;
@@ -181,7 +186,7 @@ FtpReply FtpControl::listing(std::string_view verb, std::string_view argument,
     }
     take({block.get(), count});
   }
-  return transfer.finish();
+  return transfer.finish(ended);
 }
 
 void FtpControl::useBinary() {

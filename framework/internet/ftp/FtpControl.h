@@ -72,15 +72,19 @@ class FtpControl : public SessionMember, public std::enable_shared_from_this<Ftp
   bool foresee(std::string_view verb, std::string_view argument = {});
   // The same of useBinary().
   bool foreseeBinary() { return binary_ || foresee("TYPE I"); }
+  // The same while a command of listing() still waits for its last reply.
+  void follow(std::string_view verb, std::string_view argument);
   // Something told is still to come.
   [[nodiscard]] bool foresees() const noexcept { return channel_.foresees(); }
   // The rest will not come.
   void forgetForeseen() noexcept { channel_.forgetForeseen(); }
   // Runs a command that answers over a data connection (LIST, NLST, MLSD), in binary type, and hands its text
   // over as it comes. The final reply; or the refusal, before or after some text, which is the caller's to
-  // judge. A text above kMaxListingBytes fails with 12152.
+  // judge. A text above kMaxListingBytes fails with 12152. `ended` is called when all of it has come and
+  // before that reply is waited for.
   FtpReply listing(std::string_view verb, std::string_view argument,
-                   const std::function<void(std::string_view)>& take);
+                   const std::function<void(std::string_view)>& take,
+                   const std::function<void()>& ended = nullptr);
   // Switches to binary type unless it is set already. listing() and transfers do it themselves.
   void useBinary();
   // Asks for the size of a file along with the next command, at no round trip of its own. It is there once

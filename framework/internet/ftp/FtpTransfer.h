@@ -62,8 +62,9 @@ class FtpTransfer {
   // Sends the file from its position to its end.
   void sendFile(platform::File& file, const Told& told = nullptr);
 
-  // Ends the transfer in good order and waits for the final reply, whatever that is.
-  FtpReply finish();
+  // Ends the transfer in good order and waits for the final reply, whatever that is; before that it calls
+  // `ended`.
+  FtpReply finish(const std::function<void()>& ended);
   // Ends it so and fails unless all is there on the server's word. Where that is lost (a middlebox forgets
   // the idle control connection of a long transfer) the size decides.
   void confirm();

@@ -25,8 +25,9 @@ constexpr milliseconds kLate{1'000};
 
 }  // namespace
 
-FtpReply FtpTransfer::finish() {
+FtpReply FtpTransfer::finish(const std::function<void()>& ended) {
   endData();
+  if (ended) ended();
   FtpReply reply = finalReply();
   closeData();
   return reply;

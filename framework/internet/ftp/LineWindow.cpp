@@ -53,6 +53,9 @@ bool asksTheSameAnywhere(std::string_view line) noexcept {
   return isOf(kOfNone) || (isOf(kOfPath) && line.substr(verb.size()).starts_with(" /"));
 }
 
+// As the last reply of a command that went well.
+bool completes(std::string_view line, int code) noexcept { return code < 400 && canBeAnswered(line, code); }
+
 // A server that does not know this one transfers nothing.
 bool everyServerKnows(std::string_view line) noexcept { return line == "TYPE I"; }
 
@@ -74,9 +77,12 @@ void LineWindow::ahead(std::string_view line, ReplyHandler handler) {
   waiting_.push_back({.text = secret::Text(line), .handler = std::move(handler), .ahead = true});
 }
 
+bool LineWindow::takesSeveral() const noexcept {
+  return packets() == Packets::taken || packets() == Packets::takenAtLogin;
+}
+
 bool LineWindow::canFollow(std::string_view line) const noexcept {
-  const bool takesMore = packets() == Packets::taken || packets() == Packets::takenAtLogin;
-  if (!takesMore || probing_ || refusal_ || odd_ || !waiting_.empty()) return false;
+  if (!takesSeveral() || probing_ || refusal_ || odd_ || !waiting_.empty()) return false;
   const auto anywhere = [](const Line& each) { return asksTheSameAnywhere(each.text.view()); };
   return asksTheSameAnywhere(line) && std::all_of(queued_.begin(), queued_.end(), anywhere) &&
          std::all_of(sent_.begin(), sent_.end(), [](const Line& each) { return each.ahead; });
@@ -87,10 +93,21 @@ void LineWindow::command(std::string_view line) {
   for (Line& each : queued_) waiting_.push_back(std::move(each));
   queued_.clear();
   waiting_.push_back({secret::Text(line), nullptr});
+  sendForeseen();
+}
+
+void LineWindow::sendForeseen() {
   for (const Foresight::LinePtr& foreseen : foresight_.takeUnsent()) {
     waiting_.push_back(
         {foreseen->text, [foreseen](const FtpReply& reply) { return foreseen->answer(reply); }, foreseen});
   }
+}
+
+bool LineWindow::follow(std::string_view line) {
+  const bool runsAlone = begun_ && sent_.size() == 1 && waiting_.empty() && queued_.empty();
+  if (!takesSeveral() || !runsAlone || probing_ || refusal_ || foresees() || !foresee(line)) return false;
+  sendForeseen();
+  return true;
 }
 
 // The line has gone out, and now it is the command.
@@ -120,8 +137,9 @@ secret::Text LineWindow::takeSendable() {
     sent_.push_back(std::move(*line));
   }
   waiting_.erase(waiting_.begin(), end);
-  together_ = count > 1;
-  answered_ = begun_ = false;
+  // Only a line that follows goes out while a command runs.
+  together_ = count > 1 || begun_;
+  answered_ = false;
   odd_.reset();
   return bytes;
 }
@@ -140,13 +158,14 @@ std::optional<FtpReply> LineWindow::take(FtpReply reply) {
   if (reply.preliminary()) return takePreliminary(std::move(reply));
   if (sent_.empty()) return takeBehindAll(std::move(reply));
   const bool fits = canBeAnswered(sent_.front().text.view(), reply.code);
+  const bool endsProbe = canBeAnswered(probe_, reply.code) && (!fits || reply.unsupported());
+  if (followed()) return probing_ && endsProbe ? endProbe(reply) : takeOfFollowed(std::move(reply));
   if (probing_ && begun_ && !fits) {
     // The server has answered the probe while the command ran.
     probing_ = false;
     return std::nullopt;
   }
   if (oddIsOfFront(reply)) return answerTwo(std::move(reply));
-  const bool endsProbe = canBeAnswered(probe_, reply.code) && (!fits || reply.unsupported());
   if (probing_ && !begun_ && endsProbe) return endProbe(reply);
   // In place of an answer to PASS the next line's would let everybody in.
   const bool sure = !strayPossible_ && !(together_ && isOfLogin(sent_.front().text.view()));
@@ -169,6 +188,21 @@ std::optional<FtpReply> LineWindow::answerTwo(FtpReply reply) {
   return own ? own : next;
 }
 
+// Some servers answer what comes while a command runs before that has ended, if only by a refusal. What is
+// not the command's for certain is kept until the other reply shows whose it is.
+std::optional<FtpReply> LineWindow::takeOfFollowed(FtpReply reply) {
+  const std::string_view command = sent_[0].text.view();
+  const std::string_view follower = sent_[1].text.view();
+  if (!odd_) {
+    if (completes(command, reply.code)) return answerFront(std::move(reply));
+    odd_ = std::move(reply);
+    return std::nullopt;
+  }
+  const bool oddIsFollowers = !canBeAnswered(command, odd_->code) && canBeAnswered(follower, odd_->code);
+  if (oddIsFollowers || completes(command, reply.code)) std::swap(*odd_, reply);
+  return answerTwo(std::move(reply));
+}
+
 std::optional<FtpReply> LineWindow::takeForeseen() {
   if (!awaited_) return std::nullopt;
   std::optional<FtpReply> reply = std::move(awaited_->reply);
@@ -183,7 +217,7 @@ std::optional<FtpReply> LineWindow::takePreliminary(FtpReply reply) {
   confirmRefusal();
   begun_ = true;
   strayPossible_ = false;
-  odd_.reset();
+  if (!followed()) odd_.reset();
   return reply;
 }
 
@@ -201,8 +235,9 @@ std::optional<FtpReply> LineWindow::answerFront(FtpReply reply) {
   sent_.erase(sent_.begin());
   odd_.reset();
   // Behind a login that was answered line by line nothing is left over.
-  strayPossible_ = together_ && !std::exchange(begun_, false) && !(loggingIn_ && sent_.empty());
-  const bool first = !std::exchange(answered_, true);
+  const bool ran = std::exchange(begun_, false);
+  strayPossible_ = together_ && !ran && !(loggingIn_ && sent_.empty());
+  const bool first = !std::exchange(answered_, true) && !ran;
   noteTaken();
   if (first && !sent_.empty() && reply.unsupported() && !isOfLogin(line.text.view())) {
     refusal_ = Refusal{line, std::move(reply)};

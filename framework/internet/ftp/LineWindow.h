@@ -46,6 +46,9 @@ class LineWindow {
   // What was queued, a command, whose reply take() hands back, and what was foreseen behind it. Of a command
   // that was foreseen itself takeForeseen() has the reply, once that has come.
   void command(std::string_view line);
+  // A line that is foreseen goes out at once, where the server takes several, while the command before it,
+  // whose preliminary reply has come, still waits for its last one. False when it will wait for its turn.
+  bool follow(std::string_view line);
   // The lines that are to be sent now, with their line ends: all of them, or the next one.
   secret::Text takeSendable();
   // Nobody waits for the command's reply any more, or will take it for what it is.
@@ -91,7 +94,12 @@ class LineWindow {
     FtpReply reply;
   };
 
+  [[nodiscard]] bool takesSeveral() const noexcept;
   void await(const Foresight::LinePtr& foreseen);
+  void sendForeseen();
+  // A line has followed a command that runs.
+  [[nodiscard]] bool followed() const noexcept { return begun_ && sent_.size() > 1; }
+  std::optional<FtpReply> takeOfFollowed(FtpReply reply);
   std::optional<FtpReply> takePreliminary(FtpReply reply);
   std::optional<FtpReply> takeBehindAll(FtpReply reply);
   std::optional<FtpReply> answerFront(FtpReply reply);
@@ -113,13 +121,13 @@ class LineWindow {
   bool together_ = false;       // what is sent went out in one piece with other lines
   bool answered_ = false;       // a line of that piece was
   bool loggingIn_ = false;      // one of that piece is of the login
-  bool begun_ = false;          // all that is sent is a command that has had a preliminary reply
+  bool begun_ = false;          // the first is a command that has had a preliminary reply
   bool probing_ = false;        // the probe has not been answered
   std::string_view probe_;      // the last one
   bool strayPossible_ = false;  // the next reply may be one that nobody has asked for
   // To the first line, as to one that is unknown: it may have meant the whole piece.
   std::optional<Refusal> refusal_;
-  // It cannot answer the line whose turn it is, and does so only if no other reply comes.
+  // Perhaps not the answer of the line whose turn it is, which the next reply tells, or that none comes.
   std::optional<FtpReply> odd_;
   std::string refusalText_;
 };

@@ -41,9 +41,15 @@ void makeDirectory(EntryFacts& entry) {
 
 }  // namespace
 
+void OpenRows::follow(FtpControl& control, const EntryList& entries) {
+  if (const auto witness = witnessOfZone(control.knownTraits(), entries)) {
+    control.follow("MDTM", witness->name);
+  }
+}
+
 void OpenRows::settle(EntryList& entries) {
   Questions questions;
-  if (const auto witness = witnessOfZone(entries)) askZone(*witness, questions);
+  if (const auto witness = witnessOfZone(control_.knownTraits(), entries)) askZone(*witness, questions);
   const Links links = linksOf(entries);
   askAll(links, std::move(questions));
   applyLinks(links, entries);
@@ -53,8 +59,7 @@ void OpenRows::settle(EntryList& entries) {
 // --- The zone ---
 
 // The newest file: the zone that its time was shown in is that of today, if any is.
-std::optional<FtpEntry> OpenRows::witnessOfZone(const EntryList& entries) const {
-  const FtpTraits& traits = control_.knownTraits();
+std::optional<FtpEntry> OpenRows::witnessOfZone(const FtpTraits& traits, const EntryList& entries) {
   const bool maybeTold = traits.mdtm || !traits.featuresTold;
   if (traits.zone || !maybeTold || traits.zoneQuestions >= kMostZoneQuestions) return std::nullopt;
   std::optional<FtpEntry> newest;

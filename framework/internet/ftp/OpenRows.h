@@ -27,6 +27,8 @@ class OpenRows {
   OpenRows(FtpControl& control, FtpControl::DirectoryVisit& visit, std::string_view directory) noexcept
       : control_(control), visit_(visit), directory_(directory) {}
 
+  // Asks for the zone while the listing still waits for its last reply: settle() takes the answer.
+  static void follow(FtpControl& control, const EntryList& entries);
   void settle(EntryList& entries);
 
  private:
@@ -39,7 +41,7 @@ class OpenRows {
   };
   using Links = std::vector<std::shared_ptr<Link>>;
 
-  [[nodiscard]] std::optional<FtpEntry> witnessOfZone(const EntryList& entries) const;
+  static std::optional<FtpEntry> witnessOfZone(const FtpTraits& traits, const EntryList& entries);
   void askZone(const FtpEntry& witness, Questions& questions);
   void learnZone(std::int64_t listed, const FtpReply& reply);
   [[nodiscard]] Links linksOf(const EntryList& entries);
