@@ -134,6 +134,8 @@ void HostileFtp::answer(Session& session, std::size_t index) {
       for (unsigned i = choices_.of(256); i > 0; --i) sayUnasked(link, "250 Unasked\r\n");
       return;
     case 31:
+      // What asks whether lines were lost, answered as a transfer is, passes for the end of one.
+      if (is(commands_[index].verb, {"NOOP", "PWD"})) orderly_ = false;
       return reply(link, index, 250, "Done otherwise");
     default:
       return answerAsUsual(session, index);

@@ -96,7 +96,7 @@ std::string HostileFtp::listing(bool facts) {
                                                 "type=dir;modify=20240101000000; folder\r\n",
                                                 "type=cdir; .\r\n", "no facts\r\n", "type=file; ../up\r\n"};
   static constexpr std::string_view kRows[] = {
-      "-rw-r--r-- 1 a b 5 Jan  1 2024 name\r\n", "drwxr-xr-x 2 a b 0 Jan  1 12:30 folder\r\n",
+      "-rw-r--r-- 1 a b 5 Jan  1 12:30 name\r\n", "drwxr-xr-x 2 a b 0 Jan  1 12:30 folder\r\n",
       "01-02-24  03:04PM       <DIR>          dos\r\n", "total 5\r\n", "550 No such file\r\n"};
   std::string text;
   for (unsigned rows = choices_.of(4); rows > 0; --rows) {

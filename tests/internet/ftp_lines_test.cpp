@@ -386,6 +386,25 @@ TEST_F(FtpLines, ARefusalOfBinaryTypeIsThatOfTheTransfer) {
 
 // --- Replies that nobody has asked for ---
 
+// A client that has come to be a reply behind took the port of a transfer for the answer to a removal, and
+// the file for removed.
+TEST_F(FtpLines, WhatAnswersAnotherCommandEndsTheConnection) {
+  for (const char* reply : {"213 3", "227 Here (127,0,0,1,3,232)", "229 Here (|||1000|)"}) {
+    FileServer far;
+    const auto connection = login();
+    far.server.answers["DELE"] = std::string(reply) + "\r\n";
+    EXPECT_EQ(errorOf([&] { return connection->Remove("/f"); }), 12152u) << reply;
+    EXPECT_EQ(errorOf([&] { return connection->Remove("/f"); }), 12030u) << reply;
+  }
+}
+
+TEST_F(FtpLines, ThePortOfTheOlderCommandIsNoPortAndNoHarm) {
+  FileServer far;
+  far.server.answers["EPSV"] = far.server.answers["PASV"] = "227 Here (127,0,0,1,3,232)\r\n";
+  EXPECT_EQ(transferTime(far), seconds(0));
+  EXPECT_EQ(far.count("PASV"), 1);
+}
+
 // It was taken for the answer to the next line: a missing file was there.
 TEST_F(FtpLines, ASecondReplyToALineSentAlongIsDropped) {
   FileServer far;

@@ -170,7 +170,7 @@ std::optional<FtpReply> ControlChannel::takeReply() {
   log().received(reply->text);
   if (reply->code == 421) {
     closeWith(kConnectionAborted, std::move(reply->text));
-  } else if (tooMany(*reply)) {
+  } else if (tooMany(*reply) || window_.late(*reply)) {
     closeWith(kInvalidServerResponse);
   } else {
     return reply;

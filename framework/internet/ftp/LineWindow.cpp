@@ -18,7 +18,7 @@ struct Answers {
 
 constexpr std::array kAnswers{
     Answers{"TYPE", {200}},      Answers{"OPTS", {200}},      Answers{"EPRT", {200}},
-    Answers{"PORT", {200}},      Answers{"NOOP", {200}},      Answers{"EPSV", {229}},
+    Answers{"PORT", {200}},      Answers{"NOOP", {200}},      Answers{"EPSV", {229, 227}},
     Answers{"PASV", {227}},      Answers{"SIZE", {213}},      Answers{"MDTM", {213}},
     Answers{"MLST", {250}},      Answers{"FEAT", {211}},      Answers{"PWD", {257}},
     Answers{"MKD", {257}},       Answers{"CWD", {250, 200}},  Answers{"DELE", {250}},
@@ -37,6 +37,13 @@ bool canBeAnswered(std::string_view line, int code) noexcept {
                                          [line](const Answers& each) { return each.verb == verbOf(line); });
   if (known == kAnswers.end()) return true;
   return std::find(known->codes.begin(), known->codes.end(), code) != known->codes.end();
+}
+
+// A size, a time or a port: nobody tells it but who is asked for it.
+bool isAnswerToAnother(std::string_view line, int code) noexcept {
+  const std::string_view verb = verbOf(line);
+  if (code == 213) return verb != "SIZE" && verb != "MDTM";
+  return (code == 227 || code == 229) && verb != "EPSV" && verb != "PASV";
 }
 
 // What the server says before it has answered these may be its word on them.
@@ -172,6 +179,11 @@ std::optional<FtpReply> LineWindow::take(FtpReply reply) {
   if (fits || sure) return answerFront(std::move(reply));
   if (!odd_) odd_ = std::move(reply);
   return std::nullopt;
+}
+
+bool LineWindow::late(const FtpReply& reply) const noexcept {
+  const bool turnIsKnown = !sent_.empty() && !strayPossible_ && !probing_ && !odd_ && !followed();
+  return turnIsKnown && isAnswerToAnother(sent_.front().text.view(), reply.code);
 }
 
 // The line behind the front one is answered: what could not answer that one did. Not at a login, where it

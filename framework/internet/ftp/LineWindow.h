@@ -62,6 +62,8 @@ class LineWindow {
   // been given to its handler, kept until it is clear whose it is, or dropped.
   std::optional<FtpReply> take(FtpReply reply);
   std::optional<FtpReply> takeForeseen();
+  // `reply` belongs to an earlier line than the one whose turn it is, and so would all that follow.
+  [[nodiscard]] bool late(const FtpReply& reply) const noexcept;
   // The first refusal that a handler did not accept, once; "" if there was none.
   std::string takeRefusal() noexcept;
 
