@@ -424,6 +424,13 @@ TEST_F(FtpLines, ASecondReplyToALineSentAlongIsDropped) {
   EXPECT_EQ(far.network.now(), before);
 }
 
+TEST_F(FtpLines, AnotherGoodAnswerToThePortIsNotWaitedOn) {
+  FileServer far;
+  far.server.answers["EPRT"] = "250 Done otherwise\r\n";
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(transferTime(far, false), seconds(0)) << i;
+  EXPECT_EQ(far.count("RETR"), 3);
+}
+
 TEST_F(FtpLines, AnOddAnswerIsTakenWhenNoOtherComes) {
   FileServer far;
   far.server.answers["EPSV"] = "228 Here (|||1000|)\r\n";

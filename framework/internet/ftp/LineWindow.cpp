@@ -17,8 +17,8 @@ struct Answers {
 };
 
 constexpr std::array kAnswers{
-    Answers{"TYPE", {200}},      Answers{"OPTS", {200}},      Answers{"EPRT", {200}},
-    Answers{"PORT", {200}},      Answers{"NOOP", {200}},      Answers{"EPSV", {229, 227}},
+    Answers{"TYPE", {200}},      Answers{"OPTS", {200}},      Answers{"EPRT", {200, 250}},
+    Answers{"PORT", {200, 250}}, Answers{"NOOP", {200}},      Answers{"EPSV", {229, 227}},
     Answers{"PASV", {227}},      Answers{"SIZE", {213}},      Answers{"MDTM", {213}},
     Answers{"MLST", {250}},      Answers{"FEAT", {211}},      Answers{"PWD", {257}},
     Answers{"MKD", {257}},       Answers{"CWD", {250, 200}},  Answers{"DELE", {250}},
