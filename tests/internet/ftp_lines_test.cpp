@@ -2,13 +2,11 @@
 // Command lines that travel together, and servers that cannot cope with them: over a network in memory, where
 // a packet is what one call has sent and time is counted exactly.
 #include <algorithm>
-#include <string_view>
 
-#include "framework/internet/FtpFileFind.h"
 #include "framework/internet/ftp/FtpControl.h"
 #include "framework/internet/net/Failure.h"
 #include "framework/platform/stop_token.h"
-#include "tests/internet/FtpMemoryTest.h"
+#include "tests/internet/FtpLinesTest.h"
 
 namespace internet_tests {
 namespace {
@@ -19,83 +17,6 @@ using testing_support::MemoryFtp;
 using testing_support::MemoryLink;
 using Lines = std::vector<std::string>;
 using Packets = MemoryFtp::Packets;
-
-// A server with one file, "/f" with the content "abc", where everything can be deleted.
-struct FileServer : Far {
-  explicit FileServer(Packets packets = Packets::taken) {
-    server.packets = packets;
-    server.answers["FEAT"] = "211-Features\r\n MLST type*;size*;\r\n UTF8\r\n211 End\r\n";
-    server.answers["MLST"] = "250-Facts\r\n type=file;size=3; /f\r\n250 End\r\n";
-    server.answers["DELE"] = "250 Deleted\r\n";
-    server.answers["RETR"] = "150 Here\r\n";
-    server.onCommand = [this](const std::string& line) { behind(line); };
-  }
-
-  void behind(const std::string& line) {
-    if (line.starts_with("EPRT")) port_ = MemoryFtp::portOf(line);
-    if (!line.starts_with("RETR")) return;
-    if (port_ != 0) server.data = network.connectToClient(port_);
-    server.data->toClient = "abc";
-    server.data->server = MemoryLink::End::ended;
-    server.control->toClient += "226 Done\r\n";
-  }
-
-  // The reply to `verb` comes so much later, and those to what arrives meanwhile behind it.
-  void delay(const std::string& verb, milliseconds time) {
-    const std::string reply = std::exchange(server.answers[verb], "");
-    server.answers["NOOP"] = server.answers["PWD"] = "";
-    server.onCommand = [this, verb, reply, time](const std::string& line) {
-      const auto say = [this](milliseconds after, const std::string& text) {
-        network.later(after, [this, text] { server.control->toClient += text; });
-      };
-      if (line.starts_with(verb)) say(time, reply);
-      if (line == "NOOP") say(milliseconds(0), "200 Nothing\r\n");
-      if (line == "PWD") say(milliseconds(0), "257 \"/\"\r\n");
-      behind(line);
-    };
-  }
-
-  [[nodiscard]] std::ptrdiff_t count(std::string_view verb) const {
-    return std::count_if(server.lines.begin(), server.lines.end(),
-                         [verb](const std::string& line) { return line.starts_with(verb); });
-  }
-
- private:
-  std::uint16_t port_ = 0;
-};
-
-class FtpLines : public FtpMemory {
- protected:
-  static std::string read(CFtpConnection& connection) {
-    const auto file = openToRead(connection, "/f");
-    std::string content = readToEnd(*file);
-    EXPECT_EQ(errorOf([&] { return file->Close(); }), 0u);
-    return content;
-  }
-
-  // How long a log-in and a download take.
-  std::chrono::nanoseconds transferTime(FileServer& far, bool passive = true) {
-    const auto before = far.network.now();
-    const auto connection = login(passive);
-    EXPECT_EQ(read(*connection), "abc");
-    EXPECT_TRUE(works(*connection));
-    return far.network.now() - before;
-  }
-
-  static bool finds(CFtpConnection& connection) {
-    CFtpFileFind finder(&connection);
-    if (!finder.FindFile("/f")) return false;
-    finder.FindNextFile();
-    return finder.GetFileName() == "f" && finder.GetLength() == 3;
-  }
-
-  // The next connection knows what the first one has learnt of the features, and sends OPTS along.
-  std::unique_ptr<CFtpConnection> loginWithOptions() {
-    const auto first = login();
-    EXPECT_TRUE(finds(*first));
-    return login();
-  }
-};
 
 // It was noticed only when the time for the next reply had run out.
 TEST_F(FtpLines, WhatIsNoReplyBehindTheReplyToALineSentAlongIsNoticedAtOnce) {
@@ -382,69 +303,6 @@ TEST_F(FtpLines, ARefusalOfBinaryTypeIsThatOfTheTransfer) {
     EXPECT_EQ(far.count("NOOP"), late > milliseconds(0) ? 1 : 0);
     EXPECT_EQ(far.count("TYPE"), 1);
   }
-}
-
-// --- Replies that nobody has asked for ---
-
-// A client that has come to be a reply behind took the port of a transfer for the answer to a removal, and
-// the file for removed.
-TEST_F(FtpLines, WhatAnswersAnotherCommandEndsTheConnection) {
-  for (const char* reply : {"213 3", "227 Here (127,0,0,1,3,232)", "229 Here (|||1000|)"}) {
-    FileServer far;
-    const auto connection = login();
-    far.server.answers["DELE"] = std::string(reply) + "\r\n";
-    EXPECT_EQ(errorOf([&] { return connection->Remove("/f"); }), 12152u) << reply;
-    EXPECT_EQ(errorOf([&] { return connection->Remove("/f"); }), 12030u) << reply;
-  }
-}
-
-TEST_F(FtpLines, ThePortOfTheOlderCommandIsNoPortAndNoHarm) {
-  FileServer far;
-  far.server.answers["EPSV"] = far.server.answers["PASV"] = "227 Here (127,0,0,1,3,232)\r\n";
-  EXPECT_EQ(transferTime(far), seconds(0));
-  EXPECT_EQ(far.count("PASV"), 1);
-}
-
-// It was taken for the answer to the next line: a missing file was there.
-TEST_F(FtpLines, ASecondReplyToALineSentAlongIsDropped) {
-  FileServer far;
-  const auto connection = loginWithOptions();
-  far.server.answers["OPTS"] = "200 Fine\r\n200 Really\r\n";
-  far.server.answers["TYPE"] = "200 Binary\r\n200 Really\r\n";
-  far.server.answers["MLST"] = "550 No such file\r\n";
-  const auto before = far.network.now();
-  EXPECT_FALSE(finds(*connection));
-  far.server.answers["DELE"] = "550 No such file\r\n";
-  EXPECT_EQ(errorOf([&, fresh = login()] { return fresh->Remove("/f"); }), 12003u);
-  for (const bool passive : {true, false}) {
-    const auto fresh = login(passive);
-    EXPECT_EQ(read(*fresh), "abc") << passive;
-    EXPECT_TRUE(works(*fresh));
-  }
-  EXPECT_EQ(far.network.now(), before);
-}
-
-TEST_F(FtpLines, AnotherGoodAnswerToThePortIsNotWaitedOn) {
-  FileServer far;
-  far.server.answers["EPRT"] = "250 Done otherwise\r\n";
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(transferTime(far, false), seconds(0)) << i;
-  EXPECT_EQ(far.count("RETR"), 3);
-}
-
-TEST_F(FtpLines, AnOddAnswerIsTakenWhenNoOtherComes) {
-  FileServer far;
-  far.server.answers["EPSV"] = "228 Here (|||1000|)\r\n";
-  EXPECT_EQ(transferTime(far), seconds(2));
-  EXPECT_EQ(far.count("EPSV"), 1);
-  EXPECT_EQ(transferTime(far), seconds(0));
-}
-
-// The client waited, asked, and was a reply behind from then on.
-TEST_F(FtpLines, AnOddAnswerIsTakenAtOnceWhereTheNextLineIsAnsweredBehindIt) {
-  FileServer far;
-  far.server.answers["TYPE"] = "250 Done otherwise\r\n";
-  EXPECT_EQ(transferTime(far), seconds(0));
-  EXPECT_EQ(far.count("NOOP"), 0);
 }
 
 }  // namespace
