@@ -46,6 +46,7 @@ int App::run(int how) {
       m_window.handle(), m_queue, [this](std::vector<Transfer> transfers) { retry(std::move(transfers)); }));
   const Placement placement = readPlacement(m_placementFile);
   m_window.setPlacement(placement);
+  m_work.setWidths(placement.queue);
   m_window.show(placement.isMaximized ? SW_SHOWMAXIMIZED : how);
   const Keyboard keyboard(m_window.handle(), [this](const MSG& key) { return takeKey(key); });
   m_window.go(Side::local, homeFolder());
@@ -168,7 +169,9 @@ bool App::mayClose() const {
 void App::end() {
   m_background.cancelAll();
   m_queue.end([this] { m_window.close(); });
-  writePlacement(m_placementFile, m_window.placement());
+  Placement placement = m_window.placement();
+  placement.queue = m_work.queue().widths();
+  writePlacement(m_placementFile, placement);
 }
 
 }  // namespace browse

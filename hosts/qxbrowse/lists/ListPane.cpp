@@ -144,19 +144,13 @@ void ListPane::setSorting(Sorting sorting) {
 }
 
 void ListPane::setLook(const PaneLook& look) {
-  for (std::size_t i = 0; i < kColumns; ++i) {
-    const int width = look.widths[i] > 0 ? look.widths[i] : kItemColumns[i].width;
-    SendMessageW(m_list, LVM_SETCOLUMNWIDTH, i, scale(width, m_dpi));
-  }
+  setWidths(m_list, m_dpi, look.widths, kItemColumns);
   setSorting(look.sorting);
 }
 
 PaneLook ListPane::look() const {
   PaneLook look{{}, m_items.sorting()};
-  for (std::size_t i = 0; i < kColumns; ++i) {
-    const auto width = static_cast<int>(SendMessageW(m_list, LVM_GETCOLUMNWIDTH, i, 0));
-    look.widths[i] = MulDiv(width, static_cast<int>(kPlainDpi), static_cast<int>(m_dpi));
-  }
+  getWidths(m_list, m_dpi, look.widths);
   return look;
 }
 

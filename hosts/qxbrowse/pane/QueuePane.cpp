@@ -13,7 +13,7 @@
 namespace browse {
 namespace {
 
-constexpr std::array<ListColumn, kQueueColumns> kQueueTitles = {{
+constexpr std::array<ListColumn, kQueueColumns> kQueueList = {{
     {Text::columnName, 200, LVCFMT_LEFT},
     {Text::queueDirection, 80, LVCFMT_LEFT},
     {Text::columnSize, 80, LVCFMT_RIGHT},
@@ -118,7 +118,7 @@ void QueuePane::create(HWND parent, TransferQueue& queue, Retry retry) {
   m_list = CreateWindowExW(0, WC_LISTVIEWW, text(Text::queueList), kQueueStyle, 0, 0, 0, 0, parent, nullptr,
                            GetModuleHandleW(nullptr), nullptr);
   SendMessageW(m_list, LVM_SETEXTENDEDLISTVIEWSTYLE, kExtendedStyle, kExtendedStyle);
-  insertColumns(m_list, kQueueTitles);
+  insertColumns(m_list, kQueueList);
   update();
 }
 
@@ -129,6 +129,14 @@ void QueuePane::place(const RECT& area) const {
 void QueuePane::setFont(UINT dpi) {
   scaleColumns(m_list, m_dpi, dpi);
   m_dpi = dpi;
+}
+
+void QueuePane::setWidths(const QueueWidths& widths) { browse::setWidths(m_list, m_dpi, widths, kQueueList); }
+
+QueueWidths QueuePane::widths() const {
+  QueueWidths widths{};
+  getWidths(m_list, m_dpi, widths);
+  return widths;
 }
 
 void QueuePane::changed() {

@@ -8,12 +8,10 @@
 #include <vector>
 
 #include "hosts/qxbrowse/jobs/TransferQueue.h"
+#include "hosts/qxbrowse/pane/QueueColumns.h"
 #include "hosts/qxbrowse/ui/Dpi.h"
 
 namespace browse {
-
-enum class QueueColumn { name, direction, size, progress, rate, left, state };
-constexpr std::size_t kQueueColumns = 7;
 
 // What a row shows in a column.
 std::wstring queueCell(const TransferRow& row, QueueColumn column);
@@ -30,6 +28,9 @@ class QueuePane {
   [[nodiscard]] HWND window() const { return m_list; }
   void place(const RECT& area) const;
   void setFont(UINT dpi);
+  // Behind setFont().
+  void setWidths(const QueueWidths& widths);
+  [[nodiscard]] QueueWidths widths() const;
 
   // Something has changed; it is shown soon.
   void changed();

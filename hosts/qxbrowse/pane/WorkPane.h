@@ -28,6 +28,8 @@ class WorkPane {
   void report(std::vector<std::string> lines) { m_reports.add(std::move(lines)); }
   void tellProtocol(std::vector<std::string> lines) { m_protocol.add(std::move(lines)); }
   void show(Tab tab);
+  // Of the queue's columns. Behind the pane's first setFont.
+  void setWidths(const QueueWidths& widths) { m_queue.setWidths(widths); }
 
   // Keys in this pane mean nothing to the two sides: of what is selected in the queue, Del cancels what waits
   // or runs, and Enter tries again what failed. Whether it was such a key.

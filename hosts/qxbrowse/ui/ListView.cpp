@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "hosts/qxbrowse/ui/ListView.h"
 
+#include "hosts/qxbrowse/ui/Dpi.h"
+
 namespace browse {
 
 void insertColumns(HWND list, std::span<const ListColumn> columns) {
@@ -21,6 +23,20 @@ void scaleColumns(HWND list, UINT dpiNow, UINT dpi) {
   for (WPARAM i = 0; i < columns; ++i) {
     const auto width = static_cast<int>(SendMessageW(list, LVM_GETCOLUMNWIDTH, i, 0));
     SendMessageW(list, LVM_SETCOLUMNWIDTH, i, MulDiv(width, static_cast<int>(dpi), static_cast<int>(dpiNow)));
+  }
+}
+
+void getWidths(HWND list, UINT dpi, std::span<int> widths) {
+  for (std::size_t i = 0; i < widths.size(); ++i) {
+    const auto width = static_cast<int>(SendMessageW(list, LVM_GETCOLUMNWIDTH, i, 0));
+    widths[i] = MulDiv(width, static_cast<int>(kPlainDpi), static_cast<int>(dpi));
+  }
+}
+
+void setWidths(HWND list, UINT dpi, std::span<const int> widths, std::span<const ListColumn> usual) {
+  for (std::size_t i = 0; i < widths.size(); ++i) {
+    const int width = widths[i] > 0 ? widths[i] : usual[i].width;
+    SendMessageW(list, LVM_SETCOLUMNWIDTH, i, scale(width, dpi));
   }
 }
 

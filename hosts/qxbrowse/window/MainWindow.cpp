@@ -143,7 +143,7 @@ Placement MainWindow::placement() const {
   WINDOWPLACEMENT place{};
   place.length = sizeof place;
   GetWindowPlacement(m_window, &place);
-  Placement now{place.rcNormalPosition, IsZoomed(m_window) != 0, m_splits, {}, false};
+  Placement now{place.rcNormalPosition, IsZoomed(m_window) != 0, m_splits, {}, {}, false};
   for (std::size_t i = 0; i < m_panes.size(); ++i) now.panes[i] = m_panes[i]->look();
   return now;
 }

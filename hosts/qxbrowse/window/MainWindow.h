@@ -42,7 +42,7 @@ class MainWindow {
   void setBottomPane(BottomPane pane);
   // Between create() and show().
   void setPlacement(const Placement& placement);
-  // As it is now. REQUIRES: the window is there.
+  // As it is now, but for the queue. REQUIRES: the window is there.
   [[nodiscard]] Placement placement() const;
   // The end of it, when Services::end() has ended all work.
   void close();

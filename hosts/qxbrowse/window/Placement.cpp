@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cwchar>
+#include <span>
 #include <string>
 
 namespace browse {
@@ -11,7 +12,12 @@ namespace {
 
 constexpr const wchar_t* kWindow = L"window";
 constexpr const wchar_t* kPanes[] = {L"local", L"server"};
-constexpr const wchar_t* kWidths[] = {L"name", L"size", L"type", L"time"};
+constexpr const wchar_t* kQueue = L"queue";
+
+using Keys = std::span<const wchar_t* const>;
+constexpr std::array<const wchar_t*, kColumns> kWidths = {L"name", L"size", L"type", L"time"};
+constexpr std::array<const wchar_t*, kQueueColumns> kQueueWidths = {
+    L"name", L"direction", L"size", L"progress", L"rate", L"left", L"state"};
 constexpr int kShares = 1000;
 constexpr int kWidest = 5000;       // column
 constexpr int kFarthest = 100'000;  // pixels from the first screen's corner
@@ -54,9 +60,12 @@ class Reader {
     const int share = number(kWindow, key, -1, 0, kShares);
     return share < 0 ? usual : static_cast<double>(share) / kShares;
   }
+  void widths(const wchar_t* section, Keys keys, std::span<int> widths) {
+    for (std::size_t i = 0; i < keys.size(); ++i) widths[i] = number(section, keys[i], 0, 0, kWidest);
+  }
   PaneLook look(const wchar_t* pane) {
     PaneLook look;
-    for (std::size_t i = 0; i < kColumns; ++i) look.widths[i] = number(pane, kWidths[i], 0, 0, kWidest);
+    widths(pane, kWidths, look.widths);
     look.sorting.column = Column{number(pane, L"sortedBy", 0, 0, kColumns - 1)};
     look.sorting.isDescending = number(pane, L"descending", 0, 0, 1) != 0;
     return look;
@@ -72,8 +81,13 @@ void write(const std::filesystem::path& file, const wchar_t* section, const wcha
   WritePrivateProfileStringW(section, key, std::to_wstring(value).c_str(), file.c_str());
 }
 
+void writeWidths(const std::filesystem::path& file, const wchar_t* section, Keys keys,
+                 std::span<const int> widths) {
+  for (std::size_t i = 0; i < keys.size(); ++i) write(file, section, keys[i], widths[i]);
+}
+
 void writeLook(const std::filesystem::path& file, const wchar_t* pane, const PaneLook& look) {
-  for (std::size_t i = 0; i < kColumns; ++i) write(file, pane, kWidths[i], look.widths[i]);
+  writeWidths(file, pane, kWidths, look.widths);
   write(file, pane, L"sortedBy", static_cast<int>(look.sorting.column));
   write(file, pane, L"descending", look.sorting.isDescending ? 1 : 0);
 }
@@ -114,6 +128,7 @@ Placement readPlacement(const std::filesystem::path& file) {
   placement.splits.side = reader.share(L"side", placement.splits.side);
   placement.splits.bottom = reader.share(L"lower", placement.splits.bottom);
   for (std::size_t i = 0; i < placement.panes.size(); ++i) placement.panes[i] = reader.look(kPanes[i]);
+  reader.widths(kQueue, kQueueWidths, placement.queue);
   placement.isBroken = reader.isBroken();
   return placement;
 }
@@ -128,6 +143,7 @@ void writePlacement(const std::filesystem::path& file, const Placement& placemen
   write(file, kWindow, L"side", static_cast<int>(placement.splits.side * kShares));
   write(file, kWindow, L"lower", static_cast<int>(placement.splits.bottom * kShares));
   for (std::size_t i = 0; i < placement.panes.size(); ++i) writeLook(file, kPanes[i], placement.panes[i]);
+  writeWidths(file, kQueue, kQueueWidths, placement.queue);
 }
 
 }  // namespace browse

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "hosts/qxbrowse/lists/ListPane.h"
+#include "hosts/qxbrowse/pane/QueueColumns.h"
 #include "hosts/qxbrowse/window/Layout.h"
 
 namespace browse {
@@ -14,7 +15,8 @@ struct Placement {
   bool isMaximized = false;
   Splits splits;
   std::array<PaneLook, 2> panes{};  // by Side
-  bool isBroken = false;            // the file has something that nobody could have written there
+  QueueWidths queue{};
+  bool isBroken = false;  // the file has something that nobody could have written there
 };
 
 // What is missing or makes no sense is as at the first time.

@@ -235,6 +235,22 @@ TEST_F(TheProgram, KeepsAPlacementThatItDoesNotUnderstand) {
   EXPECT_FALSE(readPlacement(scratch.path() / "window.ini").isBroken) << "a new one";
 }
 
+// Those of the queue were as at the first time at each start.
+TEST_F(TheProgram, RemembersTheWidthsOfAllColumns) {
+  constexpr WPARAM kColumn = 2;
+  run([this](const Driver& user) {
+    LPARAM width = 150;
+    for (const HWND one : {list(kLocal), list(kServer), queue(user)}) {
+      user.send(one, LVM_SETCOLUMNWIDTH, kColumn, ++width);
+    }
+  });
+  run([this](const Driver& user) {
+    EXPECT_EQ(user.send(list(kLocal), LVM_GETCOLUMNWIDTH, kColumn), 151);
+    EXPECT_EQ(user.send(list(kServer), LVM_GETCOLUMNWIDTH, kColumn), 152);
+    EXPECT_EQ(user.send(queue(user), LVM_GETCOLUMNWIDTH, kColumn), 153);
+  });
+}
+
 TEST_F(TheProgram, TellsWhyItIsNotConnected) {
   run([this](Driver& user) {
     connect(user, "wrong");

@@ -24,6 +24,7 @@ TEST_F(ThePlacement, IsRememberedInAFolderThatIsMade) {
   placement.splits = {0.25, 0.5};
   placement.panes[0] = {{210, 70, 60, 50}, {Column::size, true}};
   placement.panes[1].sorting = {Column::time, false};
+  placement.queue = {90, 80, 70, 60, 50, 40, 300};
   writePlacement(file, placement);
   const Placement read = readPlacement(file);
   EXPECT_TRUE(EqualRect(&read.window, &placement.window));
@@ -33,6 +34,7 @@ TEST_F(ThePlacement, IsRememberedInAFolderThatIsMade) {
   EXPECT_EQ(read.panes[0].widths, placement.panes[0].widths);
   EXPECT_EQ(read.panes[0].sorting, placement.panes[0].sorting);
   EXPECT_EQ(read.panes[1].sorting, placement.panes[1].sorting);
+  EXPECT_EQ(read.queue, placement.queue);
   EXPECT_FALSE(read.isBroken);
 }
 
@@ -60,7 +62,8 @@ TEST_F(ThePlacement, IsBrokenByWhatIsNoNumberAndByWhatIsNoIniFile) {
   std::filesystem::create_directories(file.parent_path());
   for (const char* content :
        {"[window]\nleft=here\n", "[window]\nside=2000\n", "[window]\nleft=1\n[local]\nsortedBy=9\n",
-        "[window]\nleft=1\n[server]\nname=-3\n", "\x7f\x45LF, and more of it"}) {
+        "[window]\nleft=1\n[server]\nname=-3\n", "[window]\nleft=1\n[queue]\nrate=wide\n",
+        "\x7f\x45LF, and more of it"}) {
     std::ofstream(file, std::ios::binary) << content;
     EXPECT_TRUE(readPlacement(file).isBroken) << content;
   }

@@ -125,6 +125,20 @@ class TheWorkPane : public testing::Test {
   BottomPane bottom;
 };
 
+TEST_F(TheWorkPane, TellsAndTakesTheWidthsOfTheQueueAt96DotsPerInch) {
+  const auto font = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
+  const QueueWidths usual = pane.queue().widths();
+  bottom.setFont(font, 192);
+  EXPECT_EQ(pane.queue().widths(), usual);
+  QueueWidths wanted = usual;
+  wanted.back() = 250;
+  wanted.front() = 0;
+  pane.setWidths(wanted);
+  wanted.front() = usual.front();
+  EXPECT_EQ(pane.queue().widths(), wanted);
+  EXPECT_EQ(SendMessageW(pane.queue().window(), LVM_GETCOLUMNWIDTH, kQueueColumns - 1, 0), 500);
+}
+
 TEST_F(TheWorkPane, ShowsTheQueueWhenItHasChanged) {
   add(3);
   pumpUntil([&] { return rows(pane.queue().window()) == 3; });
