@@ -50,14 +50,18 @@ class RealProgram {
     m_user.press(dialog, connect_dialog::kConnect);
     m_user.waitUntilGone(dialog);
   }
-  // All that is in this folder, once its side shows so many items, and above them the way up.
-  void transfer(Text side, const std::string& folder, LRESULT count) const {
+  // Until a side shows it with so many items and more, and above them the way up.
+  void waitForFolder(Text side, const std::string& folder, LRESULT count) const {
     const HWND list = listOf(m_window, side);
     const HWND address = GetWindow(list, GW_HWNDPREV);
     m_user.waitUntil(folder, [&] {
-      return m_user.textOf(address) == folder && m_user.send(list, LVM_GETITEMCOUNT) == count + 1;
+      return m_user.textOf(address) == folder && m_user.send(list, LVM_GETITEMCOUNT) > count;
     });
-    m_user.send(list, WM_SETFOCUS);
+  }
+  // All that is in this folder, once its side shows so many items.
+  void transfer(Text side, const std::string& folder, LRESULT count) const {
+    waitForFolder(side, folder, count);
+    m_user.send(listOf(m_window, side), WM_SETFOCUS);
     order(Command::selectAll);
     order(Command::transfer);
   }
@@ -123,6 +127,8 @@ class TheProcess : public testing::Test {
         << "\nuser=me\nlocalFolder=" << here.path().string() << "\nremoteFolder=" << remoteFolder << '\n';
     program.emplace(kept.path());
     program->connect();
+    // Until then nothing can be transferred.
+    program->waitForFolder(Text::localFiles, here.path().string(), 0);
     return *program;
   }
   void waitForData(int bytes) const { server.waitFor(R"({"data_bytes": )" + std::to_string(bytes) + "}"); }
