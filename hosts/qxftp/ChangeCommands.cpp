@@ -25,12 +25,18 @@ void copyOne(Context& context, const Place& from, const Place& to) {
   });
 }
 
+qx::Report stillThere(qx::Report report) {
+  report.text = "it was copied, but it is still there, too: " + report.text;
+  return report;
+}
+
 // A link can make one file of both paths, and the copy would go with the source: that gets another name
 // first, and goes when the copy is there all the same.
 void removeSource(Context& context, const Place& from, const std::string& aside, const Place& copy) {
   qx::Client& client = context.client(from);
   const auto size = context.connected(copy).size(copy.path());
-  rename(client, from.path(), aside);
+  const auto renamed = client.rename(from.path(), aside);
+  if (!renamed) throw Failure{stillThere(renamed.report())};
   const auto left = context.connected(copy).size(copy.path());
   const bool isOther = size && left && *size == *left;
   const auto removed = isOther ? client.remove(aside) : qx::Result<qx::Done>(std::nullopt, left.report());

@@ -85,7 +85,7 @@ bool Context::isPattern(const Place& place) const {
 
 void Context::addFailure(const std::string& what, Json result, qx::Report report) {
   report.isCancelled = report.isCancelled || hosts::isInterrupted();  // also what could not be cancelled
-  m_tally.addFailure(report);
+  m_tally.addFailure(report, m_servers.hasLoggedIn());
   result["ok"] = false;
   result["error"] = jsonOf(report);
   const std::string reply = m_servers.refusal().text();

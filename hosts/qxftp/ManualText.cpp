@@ -69,7 +69,7 @@ const std::vector<Section> kSections = {
     {"Ctrl-C",
      "The first one ends what is being done, also where a server keeps silent, and tells what may be left of "
      "it and what was not tried; what a command has done by then stays done. The second one ends the program "
-     "at once.",
+     "at once. The end of the terminal is like a first one, but to what nohup has started.",
      {}},
     {"Exit codes",
      "An answer of the server that says less than it seems to, such as a copy of which not all has arrived, "
@@ -78,7 +78,7 @@ const std::vector<Section> kSections = {
       {"1", "failed"},
       {"2", "wrong usage; nothing was done"},
       {"3", "failed for some of several paths"},
-      {"4", "no connection, no encryption or no login"},
+      {"4", "no connection, no encryption or no login, nor a word of the server before one"},
       {"5", "the answer to a question is no"},
       {"6", "the library is missing, or of another version"},
       {"130", "cancelled"}}},

@@ -23,18 +23,23 @@ qx::Report withWhatIsLeft(qx::Report report, const std::string& left) {
   return report;
 }
 
-bool isNoConnection(const qx::Report& report) {
+bool isNoConnection(const qx::Report& report, bool hasLoggedIn) {
   static constexpr std::array<std::uint32_t, 11> kNumbers = {
       QX_ERROR_NAME_NOT_RESOLVED,   QX_ERROR_INCORRECT_PASSWORD,    QX_ERROR_LOGIN_FAILURE,
       QX_ERROR_CANNOT_CONNECT,      QX_ERROR_CERTIFICATE_DATE,      QX_ERROR_CERTIFICATE_NAME,
       QX_ERROR_CLIENT_CERTIFICATE,  QX_ERROR_CERTIFICATE_AUTHORITY, QX_ERROR_SECURE_CHANNEL,
       QX_ERROR_CERTIFICATE_INVALID, QX_ERROR_CERTIFICATE_REVOKED};
-  return std::ranges::find(kNumbers, report.number) != kNumbers.end();
+  static constexpr std::array<std::uint32_t, 3> kBeforeLogin = {QX_ERROR_TIMEOUT, QX_ERROR_CONNECTION_ABORTED,
+                                                                QX_ERROR_CONNECTION_RESET};
+  const auto isOne = [&](const auto& numbers) {
+    return std::ranges::find(numbers, report.number) != numbers.end();
+  };
+  return isOne(kNumbers) || (!hasLoggedIn && isOne(kBeforeLogin));
 }
 
-void Tally::addFailure(const qx::Report& report) {
+void Tally::addFailure(const qx::Report& report, bool hasLoggedIn) {
   ++m_failed;
-  if (isNoConnection(report)) ++m_notConnected;
+  if (isNoConnection(report, hasLoggedIn)) ++m_notConnected;
   if (report.isCancelled) m_isCancelled = true;
 }
 

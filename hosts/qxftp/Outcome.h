@@ -52,15 +52,16 @@ void leaving(const std::string& left, Work&& work) {
   }
 }
 
-// Whether nobody was reached who would do anything: no connection, no encryption or no login.
-[[nodiscard]] bool isNoConnection(const qx::Report& report);
+// Whether nobody was reached who would do anything: no connection, no encryption or no login. Before a login
+// that is what silence and the end of a connection mean as well.
+[[nodiscard]] bool isNoConnection(const qx::Report& report, bool hasLoggedIn);
 
 // Counts what became of the paths of a command.
 class Tally {
  public:
   void addDone() { ++m_done; }
   void addNo() { ++m_no; }
-  void addFailure(const qx::Report& report);
+  void addFailure(const qx::Report& report, bool hasLoggedIn = true);
   [[nodiscard]] ExitCode exitCode() const;
 
  private:

@@ -58,6 +58,7 @@ qx::Lambdas Servers::lambdas() {
   lambdas.line = [this](const char* line) {
     m_watch.take(line);
     m_refusal.take(line);
+    if (std::string_view(line).starts_with("< 23")) m_hasLoggedIn = true;
     if (m_settings.isVerbose) std::fprintf(stderr, "%s\n", printable(line).c_str());
   };
   return lambdas;

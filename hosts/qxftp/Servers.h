@@ -3,6 +3,7 @@
 // cancel or not; from then on all that they are asked for fails.
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <memory>
@@ -54,6 +55,9 @@ class Servers {
   using OnProgress = std::function<void(const qx::Progress& progress)>;
   void onProgress(OnProgress onProgress) { m_onProgress = std::move(onProgress); }
 
+  // Whether any server has taken a login.
+  [[nodiscard]] bool hasLoggedIn() const { return m_hasLoggedIn; }
+
   // Of the listing that came last, from whichever server.
   [[nodiscard]] hosts::ListingWatch& watch() { return m_watch; }
 
@@ -74,6 +78,7 @@ class Servers {
   Refusal m_refusal;
   OnProgress m_onProgress;
   hosts::ListingWatch m_watch;
+  std::atomic<bool> m_hasLoggedIn = false;
   qx::Exports m_exports;
   std::mutex m_lock;                                        // while m_entries changes, and for endAll()
   std::map<std::string, std::unique_ptr<Entry>> m_entries;  // by the address without a path

@@ -18,7 +18,9 @@ namespace hosts {
 inline constexpr int kInterruptedExitCode = 130;
 
 // From now on the first Ctrl-C (also SIGTERM; on Windows also Ctrl-Break) only asks to stop, and any further
-// one ends the process at once. System calls that wait are interrupted.
+// one ends the process at once. On Linux the end of the terminal asks to stop as well, and ends nothing at
+// once; it does neither where the process has been started to outlive it. System calls that wait are
+// interrupted.
 void catchInterrupts();
 
 // Whether there was one. Any thread.

@@ -23,7 +23,7 @@ class HeldSignals {
   HeldSignals() {
     sigset_t held;
     sigemptyset(&held);
-    for (const int signal : {SIGINT, SIGTERM}) sigaddset(&held, signal);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&held, signal);
     pthread_sigmask(SIG_BLOCK, &held, &m_before);
   }
   ~HeldSignals() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }

@@ -71,6 +71,11 @@ class Moves(Harm):
         self.assertIn("550 Not you", self.move("/pub/moved"))
         self.assertEqual(self.names("/pub"), {"a", "sub", "moved"})
 
+    def test_that_may_not_rename_leave_both(self):
+        self.server.ask("reconfigure", script={"rules": [{"on": "RNFR", "do": [{"reply": "550 Not you"}]}]})
+        self.assertIn("it was copied, but it is still there, too", self.move("/pub/moved"))
+        self.assertEqual(self.names("/pub"), {"a", "sub", "moved"})
+
     def test_leave_nothing_behind(self):
         self.succeed("move", f"{self.pub}/a", "/pub/moved")
         self.assertEqual((self.names("/pub"), self.size("/pub/moved")), ({"sub", "moved"}, 5))

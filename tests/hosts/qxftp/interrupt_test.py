@@ -46,9 +46,9 @@ class Silent(ProgramCase):
     def arguments(self, words):
         return [self.local(self.folder / word) if word == "here" else word.format(self.pub) for word in words]
 
-    def interrupted(self, *arguments, number=signal.SIGINT):
+    def interrupted(self, *arguments, number=signal.SIGINT, command=COMMAND):
         """What the program says that gets the signal as soon as the server keeps it waiting."""
-        with subprocess.Popen([*COMMAND, *arguments], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+        with subprocess.Popen([*command, *arguments], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE, encoding="utf-8") as program:
             self.server.wait(waiting="never")
             program.send_signal(number)
@@ -76,6 +76,24 @@ class Silent(ProgramCase):
     def test_an_end_that_is_asked_for_politely_is_the_same(self):
         self.keep_waiting("PASS")
         self.assertIn("cancelled", self.interrupted("ls", self.pub, number=signal.SIGTERM)[1])
+
+    def test_the_end_of_the_terminal_is_the_same_and_leaves_no_part(self):
+        """It ended the program at once, and the part of a download stayed."""
+        stall = {"normal": {"stall_after": 1, "gate": "never"}}
+        self.server.ask("reconfigure", script={"rules": [{"on": "RETR", "do": [stall]}]})
+        told = self.interrupted("get", f"{self.pub}/a", self.folder / "a", number=signal.SIGHUP,
+                                command=["env", "--default-signal=HUP", *COMMAND])[1]
+        self.assertIn("cancelled; nothing is left here", told)
+        self.assertEqual(files_in(self.folder), {})
+
+    def test_the_end_of_the_terminal_is_nothing_to_what_shall_outlive_it(self):
+        self.server.ask("reconfigure", script={"rules": [{"on": "PASS", "do": [{"gate": "never"}, "normal"]}]})
+        with subprocess.Popen(["env", "--ignore-signal=HUP", *COMMAND, "ls", self.pub], stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, encoding="utf-8") as program:
+            self.server.wait(waiting="never")
+            program.send_signal(signal.SIGHUP)
+            self.server.ask("release", gate="never")
+            self.assertEqual((program.wait(), program.stdout.read()), (0, self.succeed("ls", self.pub)))
 
     def test_several_paths_tell_what_is_done_and_what_is_not(self):
         self.keep_waiting("DELE", argument="/pub/b")

@@ -70,6 +70,12 @@ class Missing(ProgramCase):
         self.assertEqual((document["exitCode"], document["results"][0]["error"]["number"]), (4, 12014))
         self.assertNotIn("wrong", json.dumps(document))
 
+    def test_a_server_that_ends_before_the_login_is_none(self):
+        rules = [{"on": "PASS", "connection": 1, "do": ["close"]}, {"on": "DELE", "do": ["close"]}]
+        server = self.address(self.start(tree={"/pub/a": "a"}, rules=rules), "/pub/a")
+        self.fail_with(4, "--retries", "0", "ls", server)
+        self.fail_with(1, "--retries", "0", "rm", server)
+
     def test_folder_in_place_of_a_file(self):
         """The words were those of the compiler's library."""
         server = self.address(self.start())

@@ -31,6 +31,18 @@ TEST(ExitCode, TellsARefusedLoginFromARefusedFile) {
   EXPECT_EQ(file.exitCode(), qxftp::kFailed);
 }
 
+// A server that accepted and said nothing was a failure like any.
+TEST(ExitCode, TellsASilentServerFromOneThatHasTakenTheLogin) {
+  for (const std::uint32_t number : {std::uint32_t{QX_ERROR_TIMEOUT}, std::uint32_t{QX_ERROR_CONNECTION_ABORTED}}) {
+    qxftp::Tally before;
+    before.addFailure(failure(number), false);
+    EXPECT_EQ(before.exitCode(), qxftp::kNoConnection);
+    qxftp::Tally behind;
+    behind.addFailure(failure(number), true);
+    EXPECT_EQ(behind.exitCode(), qxftp::kFailed);
+  }
+}
+
 TEST(ExitCode, TellsANoFromAFailure) {
   qxftp::Tally tally;
   tally.addNo();
