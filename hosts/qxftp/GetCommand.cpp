@@ -45,7 +45,7 @@ class Get {
   void collect(const Place& place) {
     const std::string name = hosts::lastPart(place.path());
     const std::optional<Entry> entry = name.empty() ? Entry{"", Kind::folder, 0, {}} : find(place, name);
-    const bool isFile = !entry || entry->kind == Kind::file;
+    const bool isFile = entry ? entry->kind == Kind::file : !isDirectory(place);
     if (!isFile && !m_options.isRecursive) fail("a folder: -r gets it with all that is in it");
     const fs::path local = name.empty() ? m_target : target(name);
     if (!isFile) return collectFolder(place, local);
@@ -73,6 +73,9 @@ class Get {
   }
 
   // What listings leave out can be there.
+  bool isDirectory(const Place& place) {
+    return need(m_context.connected(place).directoryExists(place.path()));
+  }
   std::uint64_t sizeOf(const Place& place) { return need(m_context.connected(place).size(place.path())); }
 
   void collectFolder(const Place& place, const fs::path& target) {

@@ -35,6 +35,13 @@ class Get(ProgramCase):
         self.succeed("get", "-r", f"{self.pub}/sub", self.local(self.target))
         self.assertEqual(files_in(self.target), {"deep": None, "deep/d": b"d", "empty": None, "e": b""})
 
+    def test_a_folder_comes_that_no_listing_tells(self):
+        """It was taken for a file, which is not there."""
+        self.server.ask("put", files={"/pub/.hidden/f": "f"})
+        self.assertIn("-r", self.fail_with(1, "get", f"{self.pub}/.hidden", self.local(self.target)))
+        self.succeed("get", "-r", f"{self.pub}/.hidden", self.local(self.target))
+        self.assertEqual(files_in(self.target), {"f": b"f"})
+
     def test_a_folder_alone_is_a_failure(self):
         self.assertIn("-r", self.fail_with(1, "get", f"{self.pub}/sub", self.local(self.target)))
         self.assertFalse(self.target.exists())
