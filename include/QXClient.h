@@ -159,15 +159,17 @@ class Client {
   Result<Done> download(const std::string& remote, const std::string& local) {
     return IsFull(local) ? copy(remote, InHostForm(local)) : Result<Done>{std::nullopt, NotFull()};
   }
-  // A success means that the server has a file of that size, modulo 2^32; it is asked in the end.
+  // A success means that the server has a file of that size, modulo 2^32; it is asked in the end. What has
+  // been written behind the local file meanwhile may be there or not.
   Result<Done> upload(const std::string& local, const std::string& remote) {
     if (!IsFull(local)) return {std::nullopt, NotFull()};
-    std::ifstream file(local, std::ios::binary | std::ios::ate);
-    const auto size = file.is_open() ? static_cast<std::uint32_t>(file.tellg()) : 0;
+    const std::uint64_t size = SizeOfLocal(local);
     Result<Done> copied = copy(InHostForm(local), remote);
     if (!copied || size == 0) return copied;
     const Result<std::uint32_t> arrived = this->size(remote);
-    if (arrived && *arrived == size) return copied;
+    const std::uint64_t now = SizeOfLocal(local);
+    const auto more = static_cast<std::uint32_t>(arrived.valueOr(0) - size);
+    if (arrived && (more == 0 || (now > size && more <= now - size))) return copied;
     if (copied.report().isSet) return {std::nullopt, copied.report()};
     return {std::nullopt, arrived.report().number >= kInternetErrors ? arrived.report() : NotArrived()};
   }
@@ -314,6 +316,12 @@ class Client {
       if (size != content.size()) return {};
       return DoneIf(client.FTPWriteFile(path.c_str(), content.data(), size, append, 0, m_retries, 0, 0));
     });
+  }
+
+  // 0 where there is none.
+  static std::uint64_t SizeOfLocal(const std::string& local) {
+    std::ifstream file(local, std::ios::binary | std::ios::ate);
+    return file.is_open() ? static_cast<std::uint64_t>(file.tellg()) : 0;
   }
 
   // Makes sure that the library need not throw. Leaves the file as it was, also where there was none.

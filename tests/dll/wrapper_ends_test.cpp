@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "tests/dll/WrapperTest.h"
+#include "tests/support/Pattern.h"
 
 namespace wrapper {
 namespace {
@@ -32,6 +33,24 @@ TEST_F(Wrapper, AnUploadThatHasNotArrivedSaysSo) {
   const auto refused = client.upload(local, "/pub/new");
   EXPECT_FALSE(refused);
   EXPECT_EQ(refused.report().text, "the server has not got the whole file");
+}
+
+// A file that somebody writes to, such as a log, was never sent as a whole.
+TEST_F(Wrapper, AnUploadOfAFileThatGrowsArrives) {
+  server.reconfigure(R"({"rules": [{"on": "STOR", "do": [{"gate": "grown"}, "normal"]}]})");
+  constexpr std::uint64_t kSize = 3'000'000;
+  testing_support::Pattern(9).writeFile(local, kSize);
+  bool hasGrown = false;
+  client.use(polling([&](const qx::Progress&) {
+    if (!std::exchange(hasGrown, hasGrown || server.commandCount("STOR") > 0) && hasGrown) {
+      std::ofstream(local, std::ios::binary | std::ios::app) << "more";
+      server.release("grown");
+    }
+    return qx::Poll::goOn;
+  }));
+  const auto sent = client.upload(local, "/pub/log");
+  EXPECT_TRUE(sent) << sent.report().text;
+  EXPECT_EQ(client.size("/pub/log").value(), kSize + 4);
 }
 
 // Where the library keeps no record its failures had no text.
