@@ -71,6 +71,7 @@ void transfer(Context& context, const Paths& words, OneTransfer one) {
     throw WrongUsage("several files need a directory to go to, with a slash at its end");
   }
   std::vector<Place> targets;
+  targets.reserve(sources.size());
   for (const Place& from : sources) {
     targets.push_back(context.placeBeside(from, isDirectory ? target + splitPath(from.path()).name : target));
   }

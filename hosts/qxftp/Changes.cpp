@@ -42,7 +42,7 @@ std::string makeNewDirectory(qx::Client& client, const std::string& parent, cons
   constexpr int kNames = 1000;
   for (int number = 0; number < kNames; ++number) {
     const std::string suffix = number == 0 ? "" : " (" + std::to_string(number) + ")";
-    const std::string path = hosts::joined(parent, name + suffix);
+    std::string path = hosts::joined(parent, name + suffix);
     if (need(client.directoryExists(path)) || need(client.fileExists(path))) continue;
     leaving("one may have been made", [&] { need(client.createDirectory(path)); });
     return path;

@@ -51,7 +51,8 @@ class RemoteWalk {
   void look(const std::string& path) {
     if (isCancelled()) return;
     const std::string folder = path.empty() ? m_folder : joined(m_folder, path);
-    if (folder.size() > kLongestListed) return problem(path, "a path of more than 255 bytes cannot be listed");
+    if (folder.size() > kLongestListed)
+      return problem(path, "a path of more than 255 bytes cannot be listed");
     m_watch.begin();
     auto listing = m_client.list(folder, "*");
     if (!listing && isCancelled()) return;

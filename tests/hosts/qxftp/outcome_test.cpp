@@ -33,7 +33,8 @@ TEST(ExitCode, TellsARefusedLoginFromARefusedFile) {
 
 // A server that accepted and said nothing was a failure like any.
 TEST(ExitCode, TellsASilentServerFromOneThatHasTakenTheLogin) {
-  for (const std::uint32_t number : {std::uint32_t{QX_ERROR_TIMEOUT}, std::uint32_t{QX_ERROR_CONNECTION_ABORTED}}) {
+  for (const std::uint32_t number :
+       {std::uint32_t{QX_ERROR_TIMEOUT}, std::uint32_t{QX_ERROR_CONNECTION_ABORTED}}) {
     qxftp::Tally before;
     before.addFailure(failure(number), false);
     EXPECT_EQ(before.exitCode(), qxftp::kNoConnection);
