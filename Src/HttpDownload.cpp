@@ -105,7 +105,7 @@ class HttpDownload {
   void SaveBody();
   bool WantsMore(CollectedFile* file = nullptr);
   [[nodiscard]] bool HostIsAsked() const noexcept { return !HasOwnSlot(m_client, Slot::OnPoll); }
-  bool LookIsDue() noexcept;
+  bool FindsMessage() noexcept;
   [[nodiscard]] platform::WaitWatch LeaveWhenCancelled();
   void Close() noexcept;
 
@@ -229,19 +229,19 @@ bool HttpDownload::WantsMore(CollectedFile* file) {
   const bool asked = HostIsAsked();
   m_cancelled = m_client.OnPoll(m_target.pollArg1, m_target.pollArg2, 0, nullptr) != 0;
   if (m_cancelled) return false;  // the client, which may be gone, is asked nothing more
-  const auto messageWaits = [&] { return (asked || LookIsDue()) && platform::messageWaiting(); };
-  if (!HostCall(messageWaits)) return true;
+  if (!HostCall([&] { return asked ? platform::messageWaiting() : FindsMessage(); })) return true;
   if (file != nullptr) file->Flush();
   HostCall([] { PumpMessages(nullptr, 0, 0); });
   m_nextLook = {};  // there may be more, or what has run may have posted more
   return true;
 }
 
-bool HttpDownload::LookIsDue() noexcept {
-  const auto now = std::chrono::steady_clock::now();
-  if (now < m_nextLook) return false;
-  m_nextLook = now + kLookEvery;
-  return true;
+// From the end of one look to the next: on a busy machine a look may take longer than the time between them.
+bool HttpDownload::FindsMessage() noexcept {
+  if (std::chrono::steady_clock::now() < m_nextLook) return false;
+  const bool waits = platform::messageWaiting();
+  m_nextLook = std::chrono::steady_clock::now() + kLookEvery;
+  return waits;
 }
 
 // For the time without a local file. There is nothing to delete then: a file of that name is an older one.

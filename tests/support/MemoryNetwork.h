@@ -78,6 +78,8 @@ class MemoryNetwork {
   [[nodiscard]] std::uint64_t calls() const noexcept { return calls_; }
   [[nodiscard]] std::size_t openSockets() const noexcept { return ends_.size(); }
   [[nodiscard]] std::chrono::nanoseconds now() const noexcept { return now_; }
+  // Time goes by without a wait.
+  void pass(std::chrono::nanoseconds time) noexcept { now_ += time; }
 
   // --- For the sockets ---
 
