@@ -87,10 +87,6 @@ WaitEnd RunAndWait(const WorkerCall& call) {
   return wait.Run();
 }
 
-bool RunToItsEnd(const WorkerCall& call) {
-  return RunAndWait(call) == WaitEnd::done && call.record.bResult != 0;
-}
-
 void PrepareRerun(QXFtpThread& record) noexcept {
   record.bDone = record.bResult = record.bUpdating = 0;
   *record.pRetries = 1;

@@ -51,9 +51,6 @@ void FillRecord(QXFtpThread& record, TQXIP& client, std::uint32_t& retries, cons
 // Leaves by OperationStopped when the client is gone or the calling thread has to stop.
 WaitEnd RunAndWait(const WorkerCall& call);
 
-// The answer of the worker of an operation that asks OnPoll nothing; false when there was none.
-[[nodiscard]] bool RunToItsEnd(const WorkerCall& call);
-
 // Makes a record ready for the run that OnPoll has asked for.
 void PrepareRerun(QXFtpThread& record) noexcept;
 

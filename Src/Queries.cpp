@@ -155,6 +155,17 @@ void FTPFileSizeThr(void* argument) {
   });
 }
 
+// The worker's answer. Without a worker nobody has asked, which no host may take for a "no": OnIPError hears
+// of it as of any other question that could not be asked.
+bool runQuery(const WorkerCall& call) {
+  const WaitEnd end = RunAndWait(call);
+  if (end == WaitEnd::failed) {
+    const std::uint32_t error = platform::lastError();
+    HostCall([&] { call.client.OnIPError(error, "FTP-Error!", nullptr); });
+  }
+  return end == WaitEnd::done && call.record.bResult != 0;
+}
+
 struct Existence {
   platform::WorkerThread::Entry worker;
   const FailureSite& site;
@@ -164,7 +175,7 @@ QXBool ask(TQXIP& client, const Existence& question, bool checked, const char* p
   return GuardOperation(client, [&]() -> QXBool {
     QXFtpThread record;
     FillRecord(record, client, retries, path);
-    const bool ok = checked && RunToItsEnd({.client = client, .record = record, .worker = question.worker});
+    const bool ok = checked && runQuery({.client = client, .record = record, .worker = question.worker});
     EndWithReport(client, question.site, {.first = path}, !ok);
     return ok ? 1 : 0;
   });
@@ -197,7 +208,7 @@ std::uint32_t TQXIP::FTPFileSize(const char* pszPath, std::uint32_t nRetries, QX
     FileSizeThread record;
     FillRecord(record, *this, nRetries, pszPath);
     const bool checked = IsSet(m_bInitialized) && pszPath != nullptr && *pszPath != '\0';
-    const bool ok = checked && RunToItsEnd({.client = *this, .record = record, .worker = &FTPFileSizeThr});
+    const bool ok = checked && runQuery({.client = *this, .record = record, .worker = &FTPFileSizeThr});
     return ok ? record.nFileSize : 0;
   });
 }

@@ -17,7 +17,7 @@ namespace {
 
 using testing_support::AllocationWatch;
 
-// An operation with a worker, on the path "/x". No line: it has neither message nor report.
+// An operation with a worker, on the path "/x". No line: a query, which OnIPError reports for.
 struct Operation {
   const char* name;
   const char* entryLine;
@@ -27,11 +27,12 @@ struct Operation {
 };
 
 const Operation kOperations[] = {
-    {"DirExist", "", "TQXIP::FTPDirExist '/x' failed!", 4746,
+    {"DirExist", "", "TQXIP::FTPDirExist '/x' failed!", 0,
      [](TQXIP& client) -> std::uint32_t { return client.FTPDirExist("/x", 3, 0, 0); }},
-    {"FileExists", "", "TQXIP::FTPFileExists '/x' failed!", 5232,
+    {"FileExists", "", "TQXIP::FTPFileExists '/x' failed!", 0,
      [](TQXIP& client) -> std::uint32_t { return client.FTPFileExists("/x", 3, 0, 0); }},
-    {"FileSize", "", "", 0, [](TQXIP& client) { return client.FTPFileSize("/x", 3, 0, 0); }},
+    {"FileSize", "", "TQXIP::OnIPError: 'FTP-Error!' (8)", 0,
+     [](TQXIP& client) { return client.FTPFileSize("/x", 3, 0, 0); }},
     {"RmvFile", "TQXIP::FTPRmvFile - IN: '/x'", "TQXIP::FTPRmvFile '/x' failed!", 6687,
      [](TQXIP& client) -> std::uint32_t { return client.FTPRmvFile("/x", 0, 3, 0, 0); }},
     {"CpyFile", "TQXIP::FTPCpyFile - IN: From '/x' to '/y'", "TQXIP::FTPCpyFile from '/x' to '/y' failed!",
@@ -63,6 +64,8 @@ class Memory : public testing::Test {
 
 class NoWorker : public Memory, public testing::WithParamInterface<Operation> {};
 
+// A query without one left a record without a number, that of a "no", and the size none at all: a file that
+// could not be asked about was not there, and FTPReadFile read it as empty.
 TEST_P(NoWorker, IsAFailureOfTheOperation) {
   client.finder = &finder;
   std::uint32_t answer = 77;
@@ -77,7 +80,7 @@ TEST_P(NoWorker, IsAFailureOfTheOperation) {
         EXPECT_EQ(answer, 0u);
         EXPECT_STREQ(client.m_szMessage, GetParam().failedLine);
         if (GetParam().line == 0) {
-          EXPECT_TRUE(IsBlank(record));
+          EXPECT_THAT(record, ReportsIPError("FTP-Error!", 8u));
         } else {
           EXPECT_THAT(record, ReportsLastError(GetParam().failedLine, 8u, GetParam().line));
         }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The operations of qx::Client, and its lambdas.
 #include <cstring>
+#include <filesystem>
 #include <optional>
 
 #include "tests/dll/WrapperTest.h"
@@ -171,6 +172,13 @@ TEST_F(Wrapper, AnUploadThatTheServerBreaksIsAFailure) {
   EXPECT_NE(broken.report().text, "");
   EXPECT_FALSE(client.upload("local", "/pub/sub/other")) << "not a full path";
   EXPECT_FALSE(client.download("/pub/a.txt", "local"));
+}
+
+// Its size counted modulo 2^32, where 0 stood for a file without content, of which nobody asks what arrived.
+TEST_F(Wrapper, ABrokenUploadOfFourGibibytesIsAFailureToo) {
+  testing_support::Pattern(9).writeFile(local, 1);
+  std::filesystem::resize_file(local, std::uintmax_t{1} << 32U);
+  EXPECT_FALSE(client.upload(local, "/pub/full"));
 }
 
 TEST_F(Wrapper, AClientThatWasMovedFromFails) {
