@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // FTPMovFile and FTPRenameFile, on the caller's thread.
+#include <optional>
+
 #include "Src/CopyWatch.h"
 #include "Src/HostCall.h"
 #include "Src/OperationGuard.h"
@@ -16,6 +18,25 @@ bool removeLocal(const char* path) {
   static_cast<void>(platform::setFileAttributes(path, platform::kFileAttributeArchive));
   return platform::deleteFile(path);
 }
+
+// A local source: what was written to it since is at no other place.
+class LocalSource {
+ public:
+  explicit LocalSource(const char* path) noexcept : m_path(path), m_before(Stamp()) {}
+
+  [[nodiscard]] bool HasChanged() const noexcept {
+    const std::optional<platform::FileStamp> now = Stamp();
+    return m_before && now && *now != *m_before;
+  }
+
+ private:
+  [[nodiscard]] std::optional<platform::FileStamp> Stamp() const noexcept {
+    return IsRemotePath(m_path) ? std::nullopt : platform::fileStamp(m_path);
+  }
+
+  const char* m_path;
+  std::optional<platform::FileStamp> m_before;
+};
 
 bool isOntoItself(const char* source, const char* destination) {
   return IsRemotePath(source) && IsRemotePath(destination) && MayBeSameFile(source, destination);
@@ -47,8 +68,9 @@ QXBool TQXIP::FTPMovFile(const char* pszSource, const char* pszDestination, QXPr
     const auto run = [&] {
       if (!IsSet(m_bInitialized) || !BothGiven(pszSource, pszDestination)) return false;
       const CopyWatch watch;
+      const LocalSource local(pszSource);
       if (!HostCall(copied)) return false;
-      if (watch.Doubted() || isOntoItself(pszSource, pszDestination)) return true;
+      if (watch.Doubted() || local.HasChanged() || isOntoItself(pszSource, pszDestination)) return true;
       return IsRemotePath(pszSource) ? FTPRmvFile(pszSource, 0, nRetries, nPollArg1, nPollArg2) != 0
                                      : removeLocal(pszSource);
     };

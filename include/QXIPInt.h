@@ -328,9 +328,10 @@ class TQXIPIFInt {
                             std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
   // Slot 40 repeats both parts, the copy after a cancel as well while nRetries lasts.
   // A copy through slot 39, then the removal of the source, a remote one through slot 41. The source stays,
-  // whatever the answer, when the copy is not known to be whole (those that are listed above), or when both
-  // remote paths may name one file: they differ in slashes, "." and "..", or the case of letters alone. What
-  // a host's own function in slot 33 or 39 calls done is taken for whole.
+  // whatever the answer, when the copy is not known to be whole (those that are listed above), when the size
+  // or the time of a local source has changed meanwhile, or when both remote paths may name one file: they
+  // differ in slashes, "." and "..", or the case of letters alone. What a host's own function in slot 33 or
+  // 39 calls done is taken for whole.
   virtual QXBool FTPMovFile(const char* pszSource, const char* pszDestination, QXProgress pfnProgress,
                             std::uint32_t nRetries, QXHostValue nPollArg1, QXHostValue nPollArg2) = 0;
   // Slot 41. nWipePasses above 0: slot 38 is called first, on the worker's thread, and must not answer 0.

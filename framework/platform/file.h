@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace platform {
 
@@ -65,6 +66,15 @@ class File {
 // Sets the attributes; without kFileAttributeReadOnly a read-only file becomes writable (POSIX: chmod u+w).
 // No link is followed.
 [[nodiscard]] bool setFileAttributes(const char* path, std::uint32_t attributes) noexcept;
+// What shows, without reading it, that a file's content has changed: as a rule it has where these differ.
+struct FileStamp {
+  std::uint64_t size = 0;
+  std::int64_t writtenAt = 0;  // in a unit of the system's
+
+  bool operator==(const FileStamp&) const = default;
+};
+// None where there is no such file. Leaves the last error alone.
+[[nodiscard]] std::optional<FileStamp> fileStamp(const char* path) noexcept;
 // The user's temporary folder with a trailing separator, NUL-terminated, into `buffer`. On POSIX that is
 // $TMPDIR or, without one, a folder of the user's own below /tmp, made as by createOwnDirectory.
 // The length without terminator; 0 with the last error set when it fails or does not fit.

@@ -2,6 +2,7 @@
 #include "framework/platform/file.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -51,6 +52,52 @@ std::int64_t notedTransfer(const File& file, Result result) noexcept {
   const bool refused = result < 0 && errno == EBADF && file.isOpen();
   if (noted(result) < 0 && refused) setLastError(kErrorAccessDenied);
   return result;
+}
+
+// Some failures of a write come with a signal that ends a host without a handler for it: beyond the limit on
+// file sizes (RLIMIT_FSIZE), and where nobody reads a pipe any more. While the object lives the calling
+// thread does not get it.
+class WriteSignalHeld {
+ public:
+  WriteSignalHeld() noexcept {
+    ::sigemptyset(&m_signals);
+    for (const int signal : {SIGXFSZ, SIGPIPE}) ::sigaddset(&m_signals, signal);
+    ::pthread_sigmask(SIG_BLOCK, &m_signals, &m_before);
+  }
+  ~WriteSignalHeld() {
+    const int error = errno;
+    if (m_came != 0 && ::sigismember(&m_before, m_came) == 0) Take(m_came);
+    ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+    errno = error;
+  }
+  WriteSignalHeld(const WriteSignalHeld&) = delete;
+  WriteSignalHeld& operator=(const WriteSignalHeld&) = delete;
+
+  // REQUIRES: a write has failed.
+  void NoteFailure() noexcept {
+    if (errno == EFBIG) m_came = SIGXFSZ;
+    if (errno == EPIPE) m_came = SIGPIPE;
+  }
+
+ private:
+  static void Take(int signal) noexcept {
+    constexpr timespec kAtOnce{};
+    sigset_t pending;
+    ::sigemptyset(&pending);
+    ::sigaddset(&pending, signal);
+    ::sigtimedwait(&pending, nullptr, &kAtOnce);
+  }
+
+  sigset_t m_signals;
+  sigset_t m_before;
+  int m_came = 0;
+};
+
+ssize_t writeSome(int descriptor, const char* data, std::size_t size) noexcept {
+  WriteSignalHeld held;
+  const ssize_t written = repeatInterrupted([&] { return ::write(descriptor, data, size); });
+  if (written < 0) held.NoteFailure();
+  return written;
 }
 
 // Whether there is a folder of the user's own, no link, which then is nobody else's.
@@ -112,8 +159,7 @@ std::int64_t File::read(void* buffer, std::size_t size) noexcept {
 bool File::write(const void* data, std::size_t size) noexcept {
   const char* next = static_cast<const char*>(data);
   do {
-    const std::int64_t written = notedTransfer(
-        *this, repeatInterrupted([&] { return ::write(static_cast<int>(handle_), next, size); }));
+    const std::int64_t written = notedTransfer(*this, writeSome(static_cast<int>(handle_), next, size));
     if (written < 0) return false;
     if (written == 0 && size != 0) {  // no error and no progress: asking again would go on for ever
       setLastError(kErrorDiskFull);
@@ -169,6 +215,15 @@ bool setFileAttributes(const char* path, std::uint32_t attributes) noexcept {
   const bool set = setReadOnly(descriptor, (attributes & kFileAttributeReadOnly) != 0) || local.failed();
   ::close(descriptor);
   return set;
+}
+
+std::optional<FileStamp> fileStamp(const char* path) noexcept {
+  const LastErrorKeeper keeper;
+  const LocalPath local(path);
+  struct stat status {};
+  if (!local.valid() || ::stat(local.text(), &status) != 0) return std::nullopt;
+  return FileStamp{static_cast<std::uint64_t>(status.st_size),
+                   std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec};
 }
 
 std::size_t temporaryFolder(char* buffer, std::size_t size) noexcept {

@@ -106,6 +106,16 @@ bool setFileAttributes(const char* path, std::uint32_t attributes) noexcept {
   return ::SetFileAttributesW(LocalPath(path).text(), attributes) != FALSE;
 }
 
+std::optional<FileStamp> fileStamp(const char* path) noexcept {
+  const LastErrorKeeper keeper;
+  WIN32_FILE_ATTRIBUTE_DATA data;
+  if (!::GetFileAttributesExW(LocalPath(path).text(), GetFileExInfoStandard, &data)) return std::nullopt;
+  const auto whole = [](DWORD high, DWORD low) { return std::uint64_t{high} << 32U | low; };
+  const FILETIME& written = data.ftLastWriteTime;
+  return FileStamp{whole(data.nFileSizeHigh, data.nFileSizeLow),
+                   static_cast<std::int64_t>(whole(written.dwHighDateTime, written.dwLowDateTime))};
+}
+
 std::size_t temporaryFolder(char* buffer, std::size_t size) noexcept {
   const auto room = static_cast<DWORD>(std::min<std::size_t>(size, MAXDWORD));
   const DWORD length = ::GetTempPathA(room, buffer);

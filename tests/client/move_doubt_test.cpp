@@ -55,6 +55,24 @@ TEST_F(MoveInDoubt, BetweenTwoLocalPathsNothingIsDeleted) {
   expectKept(server);
 }
 
+// What a program had written to it while its copy went to the server was deleted with it.
+TEST_F(MoveInDoubt, ASourceThatHasChangedMeanwhileStays) {
+  const fixture::ScriptedFtp server(refusing(R"({"normal": {"final_gate": "end"}})"));
+  loginAt(server);
+  write("mine");
+  atGate(server, "end", [&](QXBool*) -> QXBool {
+    write("mine, and more");
+    server.release("end");
+    return 0;
+  });
+  EXPECT_EQ(move(source, "/b"), 1);
+  EXPECT_EQ(content(), "mine, and more");
+  EXPECT_EQ(server.content("/b"), "mine");
+  expectKept(server);
+  EXPECT_EQ(move(source, "/b"), 1);
+  EXPECT_FALSE(std::filesystem::exists(local));
+}
+
 TEST_F(MoveInDoubt, AnUploadThatTheServerRefusesOrBreaksLeavesTheSource) {
   for (const char* step :
        {R"({"reply": "553 No"})", R"({"normal": {"final": "552 Disk full"}})",

@@ -5,12 +5,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <string>
 
 #include "framework/platform/file.h"
 #include "framework/platform/last_error.h"
 #include "framework/posix/local_path.h"
+#include "tests/client/posix/FileSizeLimit.h"
 #include "tests/support/ScratchFolder.h"
 
 namespace {
@@ -104,6 +106,22 @@ TEST_F(PosixFiles, AFullDiskFailsTheWrite) {
   EXPECT_FALSE(file.write("x", 1));
   EXPECT_EQ(lastError(), platform::kErrorDiskFull);
   EXPECT_TRUE(file.close());
+}
+
+// The signal that comes with the failure ended hosts.
+TEST_F(PosixFiles, TheLimitOnFileSizesFailsTheWriteAndIsNoSignalToTheHost) {
+  static volatile std::sig_atomic_t signals;
+  signals = 0;
+  const FileSizeLimit limit(1000);
+  std::signal(SIGXFSZ, [](int) { signals = signals + 1; });
+  File file;
+  ASSERT_TRUE(file.open(path.c_str(), FileAccess::write, FileCreation::createNew));
+  EXPECT_FALSE(file.write(std::string(1001, 'x').data(), 1001));
+  EXPECT_EQ(lastError(), 223u);
+  EXPECT_EQ(signals, 0);
+  EXPECT_EQ(file.size(), 1000);
+  std::raise(SIGXFSZ);
+  EXPECT_EQ(signals, 1) << "of its own the host gets it";
 }
 
 TEST_F(PosixFiles, AFailedCloseIsToldOnce) {
