@@ -5,13 +5,19 @@
 #include <string>
 
 #include "framework/platform/last_error.h"
+#include "framework/platform/stop_token.h"
 
 namespace {
 
 using platform::FileAccess;
 using platform::FileCreation;
 
-[[noreturn]] void throwLastError() { throw new CFileException(platform::lastError()); }
+// A file that waits for somebody (a pipe) ends its wait when the thread has to stop, and that is no failure.
+[[noreturn]] void throwLastError() {
+  const std::uint32_t error = platform::lastError();
+  platform::throwIfStopped();
+  throw new CFileException(error);
+}
 
 FileAccess accessOf(std::uint32_t flags) noexcept {
   if ((flags & CFile::modeReadWrite) != 0) return FileAccess::readWrite;

@@ -15,6 +15,7 @@
 #include "framework/platform/last_error.h"
 #include "framework/posix/errno_map.h"
 #include "framework/posix/local_path.h"
+#include "framework/posix/pipe.h"
 
 namespace platform {
 namespace {
@@ -29,13 +30,6 @@ int openFlags(FileAccess access, FileCreation creation) noexcept {
   if (creation == FileCreation::createNew) flags |= O_CREAT | O_EXCL;
   if (creation == FileCreation::createAlways) flags |= O_CREAT | O_TRUNC;
   return flags;
-}
-
-template <class Call>
-auto repeatInterrupted(Call call) noexcept {
-  auto result = call();
-  while (result < 0 && errno == EINTR) result = call();
-  return result;
 }
 
 // The answer of a system call whose failure is told by -1, with the last error set then.
@@ -95,7 +89,7 @@ class WriteSignalHeld {
 
 ssize_t writeSome(int descriptor, const char* data, std::size_t size) noexcept {
   WriteSignalHeld held;
-  const ssize_t written = repeatInterrupted([&] { return ::write(descriptor, data, size); });
+  const ssize_t written = writeOrWait(descriptor, data, size);
   if (written < 0) held.NoteFailure();
   return written;
 }
@@ -134,8 +128,7 @@ bool File::open(const char* path, FileAccess access, FileCreation creation,
   if (!local.valid()) return false;
   const bool readOnly = (attributes & kFileAttributeReadOnly) != 0;
   const mode_t mode = readOnly ? 0444 : 0666;
-  const int descriptor =
-      repeatInterrupted([&] { return ::open(local.text(), openFlags(access, creation), mode); });
+  const int descriptor = openOrWait(local.text(), openFlags(access, creation), mode);
   if (descriptor < 0) return local.failed();
 
   struct stat status {};
@@ -152,8 +145,7 @@ bool File::open(const char* path, FileAccess access, FileCreation creation,
 }
 
 std::int64_t File::read(void* buffer, std::size_t size) noexcept {
-  return notedTransfer(*this,
-                       repeatInterrupted([&] { return ::read(static_cast<int>(handle_), buffer, size); }));
+  return notedTransfer(*this, readOrWait(static_cast<int>(handle_), buffer, size));
 }
 
 bool File::write(const void* data, std::size_t size) noexcept {

@@ -6,14 +6,20 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
+#include <latch>
 #include <string>
 #include <thread>
 
 #include "framework/File.h"
+#include "framework/platform/file.h"
 #include "framework/platform/last_error.h"
+#include "framework/platform/stop_token.h"
 #include "tests/support/ScratchFolder.h"
 
 namespace {
+
+using platform::File;
 
 // Each piece is written when the reader has taken the one before it.
 void writeInPieces(const std::string& pipe) {
@@ -39,6 +45,104 @@ TEST(CFilePipe, AReadGoesOnUntilItsSizeOrTheEnd) {
   EXPECT_EQ(file.Read(buffer, sizeof buffer), 0u);
   writer.join();
 }
+
+// A write to one whose reader has gone brought a signal that ends hosts.
+TEST(CFilePipe, AWriteThatNobodyReadsAnyMoreIsAFailureAndNoSignalToTheHost) {
+  static volatile std::sig_atomic_t signals;
+  signals = 0;
+  const auto handler = std::signal(SIGPIPE, [](int) { signals = signals + 1; });
+  const testing_support::ScratchFolder folder;
+  const std::string pipe = folder.file("pipe");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  const int reader = ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  File file;
+  ASSERT_TRUE(file.open(pipe.c_str(), platform::FileAccess::write, platform::FileCreation::createAlways));
+  EXPECT_TRUE(file.write("x", 1));
+  ::close(reader);
+  EXPECT_FALSE(file.write("x", 1));
+  EXPECT_EQ(platform::lastError(), 109U);
+  EXPECT_EQ(signals, 0);
+  std::signal(SIGPIPE, handler);
+}
+
+// What a worker does with a pipe until somebody stops it: it answers what the last call did, before which it
+// tells that the time to stop has come.
+struct PipeWait {
+  const char* name;
+  bool (*work)(File& file, const std::string& pipe, std::latch& last);
+};
+
+bool openToWrite(File& file, const std::string& pipe) {
+  return file.open(pipe.c_str(), platform::FileAccess::write, platform::FileCreation::createAlways);
+}
+
+bool openToRead(File& file, const std::string& pipe) {
+  return file.open(pipe.c_str(), platform::FileAccess::read, platform::FileCreation::openExisting);
+}
+
+const PipeWait kPipeWaits[] = {
+    {"ForAReader",
+     [](File& file, const std::string& pipe, std::latch& last) {
+       last.count_down();
+       return openToWrite(file, pipe);
+     }},
+    {"ForAWriter",
+     [](File& file, const std::string& pipe, std::latch& last) {
+       last.count_down();
+       return openToRead(file, pipe);
+     }},
+    {"ForRoom",
+     [](File& file, const std::string& pipe, std::latch& last) {
+       const std::string much(1 << 20, 'x');
+       EXPECT_TRUE(openToWrite(file, pipe));
+       last.count_down();
+       return file.write(much.data(), much.size());
+     }},
+    {"ForMore",
+     [](File& file, const std::string& pipe, std::latch& last) {
+       char byte = 0;
+       EXPECT_TRUE(openToRead(file, pipe));
+       EXPECT_EQ(file.read(&byte, 1), 1);
+       last.count_down();
+       return file.read(&byte, 1) >= 0;
+     }},
+};
+
+class CFilePipeWait : public testing::TestWithParam<PipeWait> {
+ protected:
+  // The other end, for the waits that come later than the opening: it does nothing.
+  [[nodiscard]] int otherEnd(const std::string& pipe) const {
+    const std::string name = GetParam().name;
+    if (name == "ForRoom") return ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (name != "ForMore") return -1;
+    const int end = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC);
+    EXPECT_EQ(::write(end, "x", 1), 1);
+    return end;
+  }
+};
+
+// The thread waited for ever, and who had stopped it waited for the thread.
+TEST_P(CFilePipeWait, EndsWhenTheThreadHasToStop) {
+  const testing_support::ScratchFolder folder;
+  const std::string pipe = folder.file("pipe");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  const int end = otherEnd(pipe);
+  platform::StopToken token;
+  std::latch last(1);
+  std::thread worker([&] {
+    const platform::StopToken::Scope scope(&token);
+    File file;
+    EXPECT_FALSE(GetParam().work(file, pipe, last));
+    EXPECT_EQ(platform::lastError(), 995U);
+  });
+  last.wait();
+  token.raise();
+  worker.join();
+  if (end >= 0) ::close(end);
+}
+
+INSTANTIATE_TEST_SUITE_P(Waits, CFilePipeWait, testing::ValuesIn(kPipeWaits),
+                         [](const auto& instance) { return std::string(instance.param.name); });
 
 TEST(CFileFullDisk, ThrowsTheNumber) {
   CFile file("/dev/full", CFile::modeWrite);
