@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "framework/platform/last_error.h"
+#include "framework/posix/descriptor.h"
 #include "framework/posix/errno_map.h"
 #include "framework/posix/local_path.h"
 #include "framework/posix/pipe.h"
@@ -128,7 +129,7 @@ bool File::open(const char* path, FileAccess access, FileCreation creation,
   if (!local.valid()) return false;
   const bool readOnly = (attributes & kFileAttributeReadOnly) != 0;
   const mode_t mode = readOnly ? 0444 : 0666;
-  const int descriptor = openOrWait(local.text(), openFlags(access, creation), mode);
+  const int descriptor = aboveStandard(openOrWait(local.text(), openFlags(access, creation), mode));
   if (descriptor < 0) return local.failed();
 
   struct stat status {};

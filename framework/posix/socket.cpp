@@ -17,6 +17,7 @@
 
 #include "framework/platform/native_address.h"
 #include "framework/platform/stop_token.h"
+#include "framework/posix/descriptor.h"
 
 namespace platform {
 
@@ -51,7 +52,7 @@ IoResult moved(Call call) noexcept {
 }
 
 int openSocket(bool v6) noexcept {
-  return ::socket(v6 ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+  return aboveStandard(::socket(v6 ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
 }
 
 template <class Value>
@@ -114,8 +115,8 @@ bool Socket::listen(const SocketAddress& local) noexcept {
 IoStatus Socket::accept(Socket& accepted, SocketAddress& peer) noexcept {
   for (;;) {
     NativeAddress native;
-    const int fd =
-        ::accept4(SocketAccess::fd(*this), native.get(), &native.length, SOCK_NONBLOCK | SOCK_CLOEXEC);
+    const int fd = aboveStandard(
+        ::accept4(SocketAccess::fd(*this), native.get(), &native.length, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (fd < 0) {
       // A connection that was broken before it was taken is not this socket's failure.
       if (errno == EINTR || errno == ECONNABORTED) continue;
